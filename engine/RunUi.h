@@ -1,0 +1,35 @@
+#pragma once
+// How the engine reaches the user. The windows implement it, and a host without a frame gets lines on its
+// command line instead; the engine knows neither.
+#include <QString>
+
+class RunUi {
+  public:
+    enum Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
+    enum Buttons { YesNo, YesNoCancel, OkOnly };
+
+    virtual ~RunUi() = default;
+    /// The main dialog, until it is left: Ok to start the run, Cancel to do nothing.
+    virtual Answer RunMainDialog() = 0;
+    /// A question or message with a caption.
+    virtual Answer Ask(const QString& caption, const QString& text, Buttons buttons) = 0;
+    /// The status of a run: shown from OpenStatus to CloseStatus.
+    virtual void OpenStatus(int fileCount) = 0;
+    /// The next file is in work; limit is the range of its time bar in seconds.
+    virtual void ShowFile(const QString& path, int limit) = 0;
+    /// One second of the file's time has gone.
+    virtual void StepFileTime() = 0;
+    /// The file takes too long: beep; flash then gives the phases.
+    virtual void Alarm() = 0;
+    virtual void Flash(bool on) = 0;
+    /// A file of the queue was given a status.
+    virtual void ShowFileStatus(const QString& path, const QString& status) = 0;
+    virtual void CloseStatus() = 0;
+    virtual bool IsStepThroughVisible() const = 0;
+    virtual void CloseStepThrough() = 0;
+    virtual void OpenStepThrough() = 0;
+};
+
+/// The implementation in force. The module's start sets it.
+RunUi& Ui();
+void SetUi(RunUi* ui);
