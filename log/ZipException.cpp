@@ -1,0 +1,4 @@
+#include "log/ZipException.h"
+
+CZipException::CZipException(CauseKind cause, const std::string& file, const std::string& text)
+    : std::runtime_error(file + ": " + text), Cause(cause), File(file) {}

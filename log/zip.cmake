@@ -1,0 +1,4 @@
+add_library(tnl_zip STATIC ZipException.cpp FileHeader.cpp)
+target_include_directories(tnl_zip PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(tnl_zip PUBLIC ZLIB::ZLIB PRIVATE ICU::uc)
+set_target_properties(tnl_zip PROPERTIES AUTOMOC OFF)
