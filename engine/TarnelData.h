@@ -130,8 +130,10 @@ struct CTarnelData {
     bool scriptModified = false;
 };
 
-/// The one record. It lives from the module's load to its unload.
+/// The one record, built at the first call. It lives from the module's load to its unload.
 CTarnelData& TarnelData();
+/// Takes the record down; the next call of TarnelData builds it with its first values.
+void ResetTarnelData();
 
 /// Full path of entry i: directory, separator unless it ends in one, name.
 QString EntryPath(const CTarnelData& data, std::size_t index);
