@@ -1,0 +1,138 @@
+#pragma once
+// The application: documents, commands, variables, modules, and the stream of input that drives them. There
+// is one Host in a process. Everything runs on the main thread; what has to wait inside a call (a module
+// that asks, LISP that asks) waits in a nested event loop, and Host keeps track of how deep it stands so that
+// queued input only runs when all of that has returned.
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drafthost/editor/CommandTable.h"
+#include "drafthost/editor/Input.h"
+#include "drafthost/editor/SystemVariables.h"
+
+namespace drafthost {
+
+class Document;
+class HostObserver;
+class InputStream;
+class ModuleCommands;
+class ModuleTable;
+class RegistryFile;
+class ScriptReader;
+
+enum class OpenMode { ReadWrite, ReadOnly };
+
+struct OpenResult {
+    Document* document = nullptr;
+    /// One line naming the file and the cause when document is null.
+    std::string error;
+    /// The cause is that somebody else has the drawing open or it may not be written: it can still be
+    /// opened read-only.
+    bool locked = false;
+};
+
+class Host {
+  public:
+    /// The registry file is read when it exists. Without output all text is only logged.
+    explicit Host(const std::string& registryPath);
+    ~Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    CommandTable& commands() { return commands_; }
+    SystemVariables& variables() { return variables_; }
+    ModuleCommands& moduleCommands() { return *moduleCommands_; }
+    ModuleTable& modules() { return *modules_; }
+    RegistryFile& registry() { return *registry_; }
+    ScriptReader& script() { return *script_; }
+    InputStream& input() { return *input_; }
+
+    // --- documents ---
+    /// The document of the running code; null when none is open.
+    Document* current() const { return current_; }
+    std::vector<Document*> documents() const;
+    /// Reads a drawing and makes it current. With SDI other than 0 it takes the place of the current
+    /// document, whose changes are dropped: asking first is the command's part. When it cannot be opened
+    /// everything stays as it was. A document that is open already is refused as locked.
+    OpenResult openDocument(const std::string& path, OpenMode mode);
+    /// The same with a new drawing, from a template when a path is given.
+    OpenResult newDocument(const std::string& templatePath = {});
+    /// Closes without a question; changes are dropped.
+    void closeDocument(Document& document);
+    /// Makes a document current.
+    void activate(Document& document);
+    /// True while the document is in the list, so not closed.
+    bool isOpen(const Document* document) const;
+
+    // --- text ---
+    /// Writes to the command line and the current document's log, without adding a line end.
+    void print(std::string_view text);
+    /// Writes a line of its own: begins one when the last is not finished.
+    void printLine(std::string_view text);
+    /// Ends an unfinished line.
+    void freshLine();
+
+    // --- files ---
+    /// Absolute path of an existing file or folder: a name with a folder only there (from the current
+    /// folder), others in the current folder, the current drawing's, the support path, the program's.
+    /// Empty when there is none.
+    std::string findFile(std::string_view name) const;
+    /// Support folders, each with a separator at its end.
+    const std::vector<std::string>& supportPath() const { return supportPath_; }
+    void addSupportPath(const std::string& folder);
+
+    // --- end ---
+    /// The host ends as soon as the running command has returned. Documents are closed without a question.
+    void requestQuit();
+    bool quitRequested() const { return quitRequested_; }
+
+    // --- observers ---
+    void addObserver(HostObserver* observer);
+    void removeObserver(HostObserver* observer);
+    /// Calls the function with every observer; one that goes meanwhile is passed over.
+    template <class Function>
+    void notify(Function function) {
+        for (std::size_t i = 0; i < observers_.size(); ++i) {
+            if (observers_[i]) {
+                function(*observers_[i]);
+            }
+        }
+    }
+
+    /// Where text goes besides the log, a line or a prompt at a time. Null for nowhere.
+    using Output = std::function<void(std::string_view)>;
+    void setOutput(Output output) { output_ = std::move(output); }
+    /// Hands out what has been printed of an unfinished line.
+    void flushOutput();
+
+    /// For InputStream: frees documents that were closed and whose code has returned by now.
+    void releaseClosed();
+
+  private:
+    OpenResult take(std::unique_ptr<Document> document);
+    void detach(Document& document);
+
+    CommandTable commands_;
+    SystemVariables variables_;
+    std::unique_ptr<RegistryFile> registry_;
+    std::unique_ptr<ScriptReader> script_;
+    std::unique_ptr<InputStream> input_;
+    std::unique_ptr<ModuleCommands> moduleCommands_;
+    std::unique_ptr<ModuleTable> modules_;
+    std::vector<std::unique_ptr<Document>> documents_;
+    std::vector<std::unique_ptr<Document>> closed_;
+    Document* current_ = nullptr;
+    std::vector<HostObserver*> observers_;
+    std::vector<std::string> supportPath_;
+    Output output_;
+    std::string line_;
+    bool lineOpen_ = false;
+    int newDocuments_ = 0;
+    bool quitRequested_ = false;
+};
+
+}  // namespace drafthost

@@ -1,0 +1,52 @@
+#pragma once
+// Text on its way to the command line, cut into inputs as the prompt in force asks for them: what is a
+// blank at one prompt is part of the answer at the next, so nothing can be cut ahead of time.
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "drafthost/editor/Input.h"
+
+namespace drafthost {
+
+class InputText {
+  public:
+    struct Item {
+        enum class Kind {
+            Text,        ///< a word, line or file name; "" is Enter
+            Expression,  ///< complete, with its parentheses
+            Variable,    ///< the name behind "!"
+            Cancel,      ///< ETX or Esc in the text
+        } kind = Kind::Text;
+        std::string text;
+    };
+
+    InputText() = default;
+    /// Carriage returns before a line feed are dropped, single ones are line ends.
+    explicit InputText(std::string_view text) { append(text); }
+
+    void append(std::string_view text);
+    void prepend(std::string_view text);
+    /// Cuts off the next item. Nothing when none is complete yet. Expressions and "!" count as text at a
+    /// line prompt unless evaluateLines is given.
+    std::optional<Item> next(InputKind kind, bool evaluateLines = false);
+    bool empty() const { return position_ >= text_.size(); }
+    /// What has not been cut off yet.
+    std::string_view rest() const { return std::string_view(text_).substr(position_); }
+    void clear();
+
+  private:
+    std::optional<Item> quoted();
+    void skipComments();
+    void compact();
+
+    std::string text_;
+    std::size_t position_ = 0;
+    bool carriageReturn_ = false;
+    /// How far an expression that is still open has been looked through, so that a long one is scanned once.
+    std::size_t scanned_ = 0;
+};
+
+}  // namespace drafthost
