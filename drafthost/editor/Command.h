@@ -204,6 +204,9 @@ class CommandContext {
         std::coroutine_handle<> delayed;
         int delayMilliseconds = 0;
         bool failed = false;
+        /// Set by the command line before it hands over an answer: the list of inputs that the answer
+        /// came from, of a module or of LISP, holds more.
+        bool moreInput = false;
     };
 
     CommandContext(Host& host, Document& document, std::string name, InputSource source)
@@ -219,6 +222,9 @@ class CommandContext {
     const std::string& name() const { return name_; }
     /// Who started the command.
     InputSource source() const { return source_; }
+    /// The call of a module or of LISP that gave the last answer has more inputs to give. Some answers are
+    /// only asked for when somebody is there to give them (OPEN: read-only?).
+    bool hasMoreInput() const { return state_.moreInput; }
 
     // Each of these is to be awaited: auto answer = co_await context.real("Specify factor", {...});
     // The prompt's text comes without the colon and blank that are shown behind it.
