@@ -11,9 +11,9 @@
 #include <memory>
 #include <string>
 
-/// One archive, one entry open at a time. Not shared between threads. All operations but Open raise
-/// CZipException; after one raised, only Close and the destructor are of use, and what was written
-/// since Open is dropped.
+/// One archive, one entry open at a time. Not shared between threads. All operations raise CZipException.
+/// When writing an entry raised, that entry is taken back and the ones before it stay: further entries and
+/// Close work. When Close raised, the archive on disk is what it was before Open.
 class CZipArchive {
   public:
     enum OpenMode {

@@ -9,7 +9,8 @@ class CZipException : public std::runtime_error {
   public:
     enum CauseKind {
         Damaged,      ///< The file is no archive, or contradicts itself.
-        Unsupported,  ///< A sound archive that needs what is not read here: ZIP64, parts, encryption, a method.
+        Unsupported,  ///< A sound archive that needs what is not read here: ZIP64, parts, encryption, a
+                      ///< method.
         TooLarge,     ///< An entry or the archive would not fit the format's 32-bit sizes or 16-bit counts.
         ReadError,    ///< The system refused to read; the cause is in the text.
         WriteError,   ///< The system refused to write, a full disk for example; the cause is in the text.
