@@ -45,8 +45,8 @@ struct ElementPosition {
 class PositionIndex {
   public:
     PositionIndex() { Reset(0); }
-    PositionIndex(PositionIndex&&) = default;
-    PositionIndex& operator=(PositionIndex&&) = default;
+    PositionIndex(const PositionIndex&) = delete;
+    PositionIndex& operator=(const PositionIndex&) = delete;
 
     ElementPosition& operator[](std::uint32_t i) { return segments[i >> 16][i & 0xffff]; }
     const ElementPosition& operator[](std::uint32_t i) const { return segments[i >> 16][i & 0xffff]; }

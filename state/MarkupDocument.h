@@ -88,7 +88,6 @@ class MarkupDocument {
     std::uint32_t parentPos = 0;
     std::uint32_t mainPos = 0;
     std::uint32_t childPos = 0;
-    std::uint32_t deletedList = 0;
     std::uint32_t flags = 0;
     PositionIndex positions;
 };

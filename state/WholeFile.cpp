@@ -1,0 +1,174 @@
+#include "state/WholeFile.h"
+
+#include "state/FileName.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+class Descriptor {
+  public:
+    explicit Descriptor(int fd) : fd(fd) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { Close(); }
+    int Get() const { return fd; }
+    bool IsOpen() const { return fd >= 0; }
+    int Close() {
+        const int result = fd >= 0 && ::close(fd) != 0 ? errno : 0;
+        fd = -1;
+        return result;
+    }
+
+  private:
+    int fd;
+};
+
+int writeAll(int fd, const QByteArray& bytes) {
+    const char* data = bytes.constData();
+    std::size_t left = std::size_t(bytes.size());
+    while (left > 0) {
+        const ssize_t written = ::write(fd, data, left);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return errno;
+        data += written;
+        left -= std::size_t(written);
+    }
+    return 0;
+}
+
+/// For a folder that lets nothing be made in it. The old text is touched only when the new one is sure to
+/// fit.
+int writeInPlace(const QByteArray& path, const QByteArray& bytes) {
+    const Descriptor file(::open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+    struct stat status {};
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
+        return errno;
+    if (!S_ISREG(status.st_mode))
+        return writeAll(file.Get(), bytes);
+    if (bytes.size() > status.st_size) {
+        const int error = ::posix_fallocate(file.Get(), 0, bytes.size());
+        if (error == ENOSPC || error == EFBIG || error == EDQUOT) {
+            if (::ftruncate(file.Get(), status.st_size) != 0)
+                return errno;
+            return error;
+        }
+    }
+    if (const int error = writeAll(file.Get(), bytes))
+        return error;
+    return ::ftruncate(file.Get(), bytes.size()) != 0 ? errno : 0;
+}
+
+}  // namespace
+
+QString SystemMessage(int error) {
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+int ReadWholeFile(const QString& path, QByteArray& bytes) {
+    constexpr off_t largest = 0x3fffffff;
+    bytes.clear();
+    const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+    struct stat status {};
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
+        return errno;
+    if (S_ISDIR(status.st_mode))
+        return EISDIR;
+    if (status.st_size > largest)
+        return EFBIG;
+    qsizetype used = 0;
+    bytes.resize(status.st_size + 1);
+    for (;;) {
+        const ssize_t got = ::read(file.Get(), bytes.data() + used, std::size_t(bytes.size() - used));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0 || used + got > largest) {
+            bytes.clear();
+            return got < 0 ? errno : EFBIG;
+        }
+        if (got == 0)
+            break;
+        used += got;
+        if (used == bytes.size())
+            bytes.resize(bytes.size() * 2);
+    }
+    bytes.resize(used);
+    return 0;
+}
+
+int WriteWholeFile(const QString& path, const QByteArray& bytes) {
+    QByteArray target = QFile::encodeName(path);
+    struct stat old {};
+    const bool exists = ::lstat(target.constData(), &old) == 0;
+    if (exists && S_ISLNK(old.st_mode)) {
+        std::array<char, PATH_MAX> real{};
+        if (::realpath(target.constData(), real.data()) == nullptr)
+            return writeInPlace(target, bytes);
+        target = real.data();
+        if (::stat(target.constData(), &old) != 0)
+            return errno;
+    }
+    if (exists && !S_ISREG(old.st_mode))
+        return S_ISDIR(old.st_mode) ? EISDIR : writeInPlace(target, bytes);
+    if (exists && ::access(target.constData(), W_OK) != 0)
+        return errno;
+
+    const QByteArray beside = target + '.' + QByteArray::number(qint64(::getpid())) + ".new";
+    Descriptor file(::open(beside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    if (!file.IsOpen()) {
+        const int error = errno;
+        if (exists && (error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG))
+            return writeInPlace(target, bytes);
+        return error;
+    }
+    int error = writeAll(file.Get(), bytes);
+    if (error == 0 && exists && ::fchmod(file.Get(), old.st_mode & 07777) != 0)
+        error = errno;
+    if (const int closeError = file.Close(); error == 0)
+        error = closeError;
+    if (error == 0 && ::rename(beside.constData(), target.constData()) != 0)
+        error = errno;
+    if (error != 0)
+        ::unlink(beside.constData());
+    return error;
+}
+
+int SyncFile(const QString& path) {
+    const QByteArray name = QFile::encodeName(path);
+    const QByteArray folder = QFile::encodeName(CFileName(path).GetDirectory());
+    const Descriptor file(::open(name.constData(), O_RDONLY | O_CLOEXEC));
+    if (!file.IsOpen() || ::fsync(file.Get()) != 0)
+        return errno;
+    const Descriptor directory(
+        ::open(folder.isEmpty() ? "." : folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems know no syncing of folders; the file itself is safe then.
+    if (directory.IsOpen() && ::fsync(directory.Get()) != 0 && errno != EINVAL && errno != EROFS)
+        return errno;
+    return 0;
+}
+
+void RemoveLeftovers(const QString& path) {
+    const CFileName file(path);
+    const QDir folder(file.GetDirectory());
+    const QString name = file.GetNameExt();
+    for (const QString& found : folder.entryList({name + u".*.new"}, QDir::Files | QDir::Hidden)) {
+        const QStringView middle = QStringView(found).sliced(name.size() + 1).chopped(4);
+        bool isNumber = false;
+        const int process = middle.toInt(&isNumber);
+        if (isNumber && process > 0 && ::kill(process, 0) != 0 && errno == ESRCH)
+            QFile::remove(folder.filePath(found));
+    }
+}
