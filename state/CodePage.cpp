@@ -5,6 +5,7 @@
 #include <iconv.h>
 #include <langinfo.h>
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <algorithm>
 #include <array>
 #include <clocale>

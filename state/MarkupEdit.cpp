@@ -39,10 +39,10 @@ void MarkupDocument::splice(std::uint32_t offset, std::uint32_t removed, QString
             text.reserve(std::max(newSize, text.capacity() * 2));
         text.resize(newSize);
     }
-    QChar* units = text.data();
+    auto* units = reinterpret_cast<char16_t*>(text.data());
     const std::size_t tail = static_cast<std::size_t>(oldSize - offset - removed);
-    std::memmove(units + offset + insertion.size(), units + offset + removed, tail * sizeof(QChar));
-    std::memcpy(units + offset, insertion.utf16(), std::size_t(insertion.size()) * sizeof(QChar));
+    std::memmove(units + offset + insertion.size(), units + offset + removed, tail * sizeof(char16_t));
+    std::memcpy(units + offset, insertion.utf16(), std::size_t(insertion.size()) * sizeof(char16_t));
     if (newSize < oldSize)
         text.resize(newSize);
 }

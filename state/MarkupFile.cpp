@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <QList>
 #include <QtEndian>
 
 namespace {
@@ -64,7 +65,7 @@ bool looksLikeUtf8(QByteArrayView bytes) {
 
 QByteArray withoutNulls(QByteArrayView bytes, qsizetype& removed) {
     QByteArray kept = bytes.toByteArray();
-    removed = kept.size() - std::remove(kept.begin(), kept.end(), '\0') + kept.begin();
+    removed = kept.end() - std::remove(kept.begin(), kept.end(), '\0');
     kept.chop(removed);
     return kept;
 }

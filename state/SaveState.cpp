@@ -1,0 +1,91 @@
+#include "state/Base64.h"
+#include "state/CodePage.h"
+#include "state/FileName.h"
+#include "state/MarkupDocument.h"
+#include "state/MarkupFile.h"
+#include "state/StateFields.h"
+#include "state/StateFile.h"
+#include "state/StateFileError.h"
+#include "state/WholeFile.h"
+
+namespace {
+
+class Writer {
+  public:
+    explicit Writer(MarkupDocument& document) : document(document) {}
+
+    template <class T>
+    void Number(QStringView name, const T& field) {
+        document.AddChildElement(name, QString::number(static_cast<int>(field)));
+    }
+    void String(QStringView name, const QString& field) { document.AddChildElement(name, field); }
+    void Narrow(QStringView name, const QByteArray& field) {
+        document.AddChildElement(name, DecodeText(field, LocalePage));
+    }
+    void Boolean(QStringView name, bool field) { document.AddChildElement(name, field ? u"1" : u"0"); }
+    void ScriptModified(QStringView name, const CTarnelData& data) { Boolean(name, data.ScriptModified()); }
+    /// Adds a child, lets the function write into it, and comes out again.
+    template <class Function>
+    void Inside(QStringView name, Function function) {
+        document.AddChildElement(name);
+        document.IntoElement();
+        function();
+        document.OutOfElement();
+    }
+
+  private:
+    MarkupDocument& document;
+};
+
+void saveOptions(MarkupDocument& document, CTarnelData& data, int full) {
+    Writer writer(document);
+    if (!data.UseWatcher)
+        writer.Boolean(u"UseWatcher", false);
+    VisitOptions(data, writer);
+    if (full == 0)
+        return;
+    writer.Boolean(u"TemporarilyLoadFromRegistry", data.TemporarilyLoadFromRegistry);
+    writer.Inside(u"WindowState", [&] { VisitWindowState(data, writer); });
+    writer.Inside(u"DebugWindowState", [&] { VisitRect(data.DebugWindow, writer); });
+    writer.Inside(u"PreviousDirectories", [&] {
+        for (const QByteArray& item : data.PreviousDirectories) {
+            if (item.isEmpty())
+                continue;
+            document.AddChildElement(u"Directory", u"\r\n" + Base64Encode(item) + u"\r\n");
+            document.SetChildAttribute(u"Type", u"pidl");
+            document.SetChildAttribute(u"Path", QString::fromUtf8(item));
+        }
+    });
+}
+
+}  // namespace
+
+int SaveState(const QString* path, int full) {
+    ClearStateError();
+    CTarnelData& data = TarnelData();
+    const QString& file = path != nullptr ? *path : data.StateFile;
+    MarkupDocument document;
+    document.AddElement(u"TarnelRunner");
+    document.SetAttribute(u"Version", data.Version);
+    document.SetAttribute(u"Build", data.Build);
+    Writer writer(document);
+    writer.Inside(u"Options", [&] { saveOptions(document, data, full); });
+    if (full != 0 && data.SysVarsSaved) {
+        writer.Inside(u"SysVars", [&] {
+            for (std::size_t i = 0; i < data.SysVarNames.size(); ++i)
+                if (!data.SavedSysVars[i].IsEmpty())
+                    writer.Number(data.SysVarNames[i], data.SavedSysVars[i].Integer(0));
+        });
+    }
+    writer.Inside(u"Files", [&] {
+        for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
+            document.AddChildElement(u"File", JoinPath(data.FileDirs[i], data.FileNames[i]));
+            document.SetChildAttribute(u"Status", static_cast<int>(data.FileStatus[i]));
+        }
+    });
+    QString report;
+    const QByteArray bytes = EncodeMarkup(document.GetDocumentText(), report, 0);
+    if (const int error = WriteWholeFile(file, bytes))
+        SetStateError(file, u"cannot be written: " + SystemMessage(error));
+    return 1;
+}

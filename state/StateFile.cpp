@@ -1,0 +1,102 @@
+#include "state/StateFile.h"
+
+#include "state/CodePage.h"
+#include "state/FileName.h"
+#include "state/MarkupDocument.h"
+#include "state/MarkupFile.h"
+#include "state/StateFileError.h"
+#include "state/WholeFile.h"
+
+#include "engine/TarnelData.h"
+
+#include <fcntl.h>
+#include <cerrno>
+#include <cstdio>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+QString lastError;
+
+}  // namespace
+
+const QString& LastStateError() {
+    return lastError;
+}
+
+void SetStateError(const QString& path, const QString& cause) {
+    lastError = path.isEmpty() ? cause : path + u": " + cause;
+}
+
+void ClearStateError() {
+    lastError.clear();
+}
+
+QString UserDataDir() {
+    QString base = QFile::decodeName(qgetenv("XDG_DATA_HOME"));
+    // The rule for that variable: a path that is not absolute does not count.
+    if (!base.startsWith(u'/'))
+        base = JoinPath(QDir::homePath(), u".local/share");
+    return JoinPath(base, u"Ovrix");
+}
+
+void ResolveStateFile() {
+    CTarnelData& data = TarnelData();
+    const QString folder = data.DataDir.isEmpty() ? UserDataDir() : data.DataDir;
+    if (!QFile::exists(folder) && !QDir().mkpath(folder))
+        SetStateError(folder, QStringLiteral("the folder cannot be made"));
+    data.StateFile = JoinPath(folder, u"TarnelRunner.xml");
+    const QString oldFile = JoinPath(folder, u"Tarnel.xml");
+    // Not done when both are there: the new file stays in force and the old one lies untouched.
+    if (QFile::exists(oldFile) && !QFile::exists(data.StateFile))
+        std::rename(QFile::encodeName(oldFile).constData(), QFile::encodeName(data.StateFile).constData());
+    RemoveLeftovers(data.StateFile);
+}
+
+bool SyncState() {
+    ClearStateError();
+    const QString& path = TarnelData().StateFile;
+    const int error = SyncFile(path);
+    if (error != 0)
+        SetStateError(path, u"cannot be brought to the disk: " + SystemMessage(error));
+    return error == 0;
+}
+
+QString CheckStateFile(const QString& path) {
+    QByteArray bytes;
+    const int error = ReadWholeFile(path, bytes);
+    if (error == ENOENT)
+        return {};
+    if (error != 0)
+        return path + u": cannot be read: " + SystemMessage(error);
+    if (bytes.trimmed().isEmpty())
+        return path + u": the file is empty";
+    QString report;
+    std::uint32_t flags = 0;
+    const QString text = DecodeMarkup(bytes, report, flags);
+    MarkupDocument document;
+    const bool wellFormed = document.SetDocumentText(text);
+    const QString fault = document.Result();
+    if (!document.FindElement(u"TarnelRunner"))
+        return path + u": not a state file: it has no element TarnelRunner";
+    if (!wellFormed) {
+        // The report's first word, as a reader of the file would want it: the fault and its place.
+        MarkupDocument words;
+        words.SetDocumentText(u"<r>" + fault + u"</r>");
+        words.FindChildElement();
+        QString cause = words.GetChildName().toString();
+        const QString tag = words.GetChildAttribute(u"tagname");
+        const QString offset = words.GetChildAttribute(u"offset");
+        if (!tag.isEmpty())
+            cause += u" \"" + tag + u'"';
+        if (!offset.isEmpty()) {
+            const qsizetype line = QStringView(text).first(offset.toLongLong()).count(u'\n') + 1;
+            cause += u" in line " + QString::number(line);
+        }
+        return path + u": not a whole state file: " + cause;
+    }
+    if (!document.FindChildElement(u"Options") || !document.FindChildElement(u"Files"))
+        return path + u": not a whole state file: it has no elements Options and Files";
+    return {};
+}
