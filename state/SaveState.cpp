@@ -51,7 +51,8 @@ void saveOptions(MarkupDocument& document, CTarnelData& data, int full) {
         for (const QByteArray& item : data.PreviousDirectories) {
             if (item.isEmpty())
                 continue;
-            document.AddChildElement(u"Directory", u"\r\n" + Base64Encode(item) + u"\r\n");
+            const QString lines = u"\r\n" + Base64Encode(item) + u"\r\n";
+            document.AddChildElement(u"Directory", lines);
             document.SetChildAttribute(u"Type", u"pidl");
             document.SetChildAttribute(u"Path", QString::fromUtf8(item));
         }
