@@ -16,6 +16,8 @@ using ZipFormat::Put32;
 
 namespace {
 
+constexpr std::size_t MaxPadding = 0x10000;
+
 struct EndRecord {
     std::size_t Count = 0;
     std::uint64_t Size = 0;
@@ -49,24 +51,27 @@ EndRecord parseEnd(const std::string& path, const std::string& tail, std::size_t
         raiseDamaged(path, "its directory lies outside the file");
     if (end.Count > end.Size / ZipFormat::CentralSize)
         raiseDamaged(path, "its directory is too small for the number of entries");
-    end.Comment = tail.substr(at + ZipFormat::EndSize);
+    end.Comment = tail.substr(at + ZipFormat::EndSize, Get16(record + 20));
     return end;
 }
 
 // The record is the last thing in the file but for its comment, which may itself look like one: the last
-// that fits is taken.
+// that fits is taken. Zeros behind it are the padding of a tool that writes in blocks to a pipe.
 EndRecord findEnd(CZipStorage& storage) {
     const std::string& path = storage.Path();
     if (storage.Size() < ZipFormat::EndSize)
         raiseDamaged(path, "is too short for a zip archive");
-    const auto size = static_cast<std::size_t>(
-        std::min<std::uint64_t>(storage.Size(), ZipFormat::Zip64LocatorSize + ZipFormat::EndSize + 0xFFFFU));
+    constexpr std::size_t reach = ZipFormat::Zip64LocatorSize + ZipFormat::EndSize + 0xFFFFU + MaxPadding;
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(storage.Size(), reach));
     std::string tail(size, '\0');
     storage.ReadAt(storage.Size() - size, tail.data(), size);
+    const std::size_t used = tail.find_last_not_of('\0') + 1;
     std::optional<CZipException> first;
     for (std::size_t at = size - ZipFormat::EndSize + 1; at-- > 0;) {
-        if (tail[at] != 'P' || Get32(tail.data() + at) != ZipFormat::EndSignature ||
-            Get16(tail.data() + at + 20) != size - at - ZipFormat::EndSize)
+        if (tail[at] != 'P' || Get32(tail.data() + at) != ZipFormat::EndSignature)
+            continue;
+        const std::size_t end = at + ZipFormat::EndSize + Get16(tail.data() + at + 20);
+        if (end > size || end < used)
             continue;
         try {
             return parseEnd(path, tail, at, storage.Size() - size + at);

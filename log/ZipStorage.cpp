@@ -79,8 +79,12 @@ void CZipStorage::BeginUpdate(std::uint64_t keep) {
         errno = EACCES;
         raiseWrite(path);
     }
-    if (!openBeside())
+    if (!openBeside()) {
+        if (errno == EWOULDBLOCK)
+            throw CZipException(CZipException::WriteError, path,
+                                "cannot write: someone else is adding to it");
         raiseWrite(path);
+    }
     try {
         if (fchmod(writeHandle, status.st_mode & 07777U) != 0)
             raiseWrite(path);

@@ -1,0 +1,3 @@
+tarnel_add_test(zip_tests
+  SOURCES ZipArchiveTest.cpp ZipLimitsTest.cpp ZipDamageTest.cpp ZipToolsTest.cpp
+  LIBRARIES tnl_zip GTest::gmock_main)
