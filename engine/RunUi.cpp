@@ -1,11 +1,14 @@
 #include "engine/RunUi.h"
 
+#include "engine/ConsoleUi.h"
+
 namespace {
 RunUi* current = nullptr;
 }
 
 RunUi& Ui() {
-    return *current;
+    static ConsoleUi console;
+    return current ? *current : console;
 }
 
 void SetUi(RunUi* ui) {

@@ -1,0 +1,134 @@
+#include "engine/Batch.h"
+
+#include "acdocman.h"
+#include "acedads.h"
+#include "engine/FilePicker.h"
+#include "engine/HostText.h"
+#include "engine/HostVariables.h"
+#include "engine/Restartable.h"
+#include "engine/RunState.h"
+#include "engine/RunUi.h"
+#include "engine/ScriptChain.h"
+#include "engine/Siblings.h"
+#include "engine/TarnelData.h"
+#include "engine/Watch.h"
+#include "log/Trace.h"
+#include "state/StateFile.h"
+
+namespace {
+
+/// The module's resources are in force while this stands.
+class ResourceScope {
+  public:
+    ResourceScope() { acDocManagerPtr()->pushResourceHandle(); }
+    ~ResourceScope() { acDocManagerPtr()->popResourceHandle(); }
+    ResourceScope(const ResourceScope&) = delete;
+    ResourceScope& operator=(const ResourceScope&) = delete;
+};
+
+/// From this release on the host draws its tab wrong after a modal dialog unless its window is set anew.
+constexpr double RefreshFromRelease = 17.2;
+
+double hostRelease() {
+    ResBuf version;
+    if (version.GetVar(QStringLiteral("acadver")) != RTNORM)
+        return 0;
+    const QString text = version.String(0);
+    qsizetype length = 0;
+    while (length < text.size() && (text[length].isDigit() || text[length] == QLatin1Char('.')))
+        ++length;
+    return text.left(length).toDouble();
+}
+
+void afterCancel() {
+    CTarnelData& data = TarnelData();
+    if (data.DebugRequested || Ui().IsKeyCaptureOn()) {
+        data.DebugRequested = false;
+        Trace("Call Debug Script\n");
+        Ui().OpenStepThrough();
+    }
+    if (hostRelease() >= RefreshFromRelease)
+        Ui().RefreshActiveWindow();
+}
+
+}  // namespace
+
+void DoBatch() {
+    const ResourceScope resources;
+    CTarnelData& data = TarnelData();
+    if (data.BatchRunning) {
+        Cleanup();
+        return;
+    }
+    if (Ui().IsStepThroughVisible()) {
+        Trace("KillDebugScript\n");
+        Ui().CloseStepThrough();
+    }
+    if (data.StateFile.isEmpty()) {
+        Trace("Getting State File Name\n");
+        ResolveStateFile();
+    }
+    Trace("Loading State\n");
+    LoadRunState();
+    Trace("Restoring Sys Vars\n");
+    ResetSystemVars();
+    Trace("Showing MainDlg\n");
+    const RunUi::Answer answer = Ui().RunMainDialog();
+    Trace("Saving State\n");
+    SaveRunState();
+    if (answer == RunUi::Cancel) {
+        afterCancel();
+        return;
+    }
+    Trace("Send Start Batch\n");
+    AcApDocManager* documents = acDocManagerPtr();
+    documents->sendStringToExecute(documents->curDocument(), ACRX_T("(TNL_Start_Batch)\n"), true, false,
+                                   false);
+}
+
+bool DoNextFile() {
+    Trace("GetNextFile\n");
+    QString path;
+    if (!GetNextFile(path)) {
+        Trace("Cleanup\n");
+        Cleanup();
+        return false;
+    }
+    SetCurrentFileStatus(FailOpen);
+    Trace("WatchNewFile\n");
+    WatchNewFile(path);
+    StartNextScript();
+    return true;
+}
+
+void Cleanup() {
+    CTarnelData& data = TarnelData();
+    DeleteScripts();
+    Trace("CloseWatch\n");
+    CloseWatch();
+    if (data.TemporarilyLoadFromRegistry) {
+        Trace("RemoveRestartable\n");
+        RemoveRestartable();
+    }
+    data.BatchRunning = false;
+    Trace("SaveState\n");
+    SaveRunState();
+    SyncState();
+    Trace("Start New Document\n");
+    if (DrawingIsModified())
+        acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T("y"), RTSTR, ACRX_T(""), RTNONE);
+    else
+        acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T(""), RTNONE);
+    LoadSiblings();
+    Trace("Call DoBatch\n");
+    DoBatch();
+}
+
+void DoCancelBatch() {
+    Trace("DoCancelBatch\n");
+    SetCurrentFileStatus(Canceled);
+    Trace("Cleanup\n");
+    Cleanup();
+    acedRetT();
+    Trace("Return\n");
+}

@@ -1,0 +1,86 @@
+#include "engine/ConsoleUi.h"
+
+#include "acedads.h"
+#include "engine/ConsoleDialog.h"
+#include "engine/HostText.h"
+#include "engine/ResBuf.h"
+
+#include <array>
+
+namespace {
+/// Bits of CMDACTIVE.
+constexpr int ScriptActive = 4;
+constexpr int LispActive = 32;
+}  // namespace
+
+void ConsoleLine(const QString& text) {
+    HostPrint(QStringLiteral("\nTarnel: ") + text + QLatin1Char('\n'));
+}
+
+bool KeyboardAnswers() {
+    ResBuf active;
+    return active.GetVar(QStringLiteral("CMDACTIVE")) == RTNORM &&
+           (active.Integer(0) & (ScriptActive | LispActive)) == 0;
+}
+
+RunUi::Answer ConsoleUi::RunMainDialog() {
+    return RunConsoleDialog();
+}
+
+RunUi::Answer ConsoleUi::Ask(const QString& caption, const QString& text, Buttons buttons) {
+    QString oneLine = text;
+    oneLine.replace(QStringLiteral("\n\n"), QStringLiteral(" ")).replace(QLatin1Char('\n'), QLatin1Char(' '));
+    if (buttons == OkOnly) {
+        ConsoleLine(oneLine);
+        return Ok;
+    }
+    const bool cancel = buttons == YesNoCancel;
+    if (!KeyboardAnswers()) {
+        // Nobody can answer, and nothing may be lost: what is asked about stays as it is.
+        ConsoleLine(QStringLiteral("%1 Nobody can answer here, so the answer is %2 and nothing is changed.")
+                        .arg(oneLine, cancel ? QStringLiteral("Cancel") : QStringLiteral("No")));
+        return cancel ? Cancel : No;
+    }
+    std::array<ACHAR, 64> answer{};
+    acedInitGet(0, cancel ? ACRX_T("Yes No Cancel") : ACRX_T("Yes No"));
+    const QString prompt =
+        QStringLiteral("\n%1: %2 [%3] <%4>: ")
+            .arg(caption, oneLine, cancel ? QStringLiteral("Yes/No/Cancel") : QStringLiteral("Yes/No"),
+                 cancel ? QStringLiteral("Cancel") : QStringLiteral("No"));
+    const int result = acedGetKword(HostText(prompt), answer.data(), static_cast<int>(answer.size()));
+    const QString word = result == RTNORM ? FromHost(answer.data()) : QString();
+    if (word == QLatin1String("Yes"))
+        return Yes;
+    if (word == QLatin1String("No"))
+        return No;
+    return cancel ? Cancel : No;
+}
+
+void ConsoleUi::OpenStatus(int count) {
+    fileCount = count;
+    fileNumber = 0;
+    currentFile.clear();
+    ConsoleLine(QStringLiteral("run started, %1 to do").arg(count));
+}
+
+void ConsoleUi::ShowFile(const QString& path, int) {
+    currentFile = path;
+    ++fileNumber;
+    ConsoleLine(QStringLiteral("file %1 of %2: ").arg(fileNumber).arg(fileCount) + path);
+}
+
+void ConsoleUi::Alarm() {
+    ConsoleLine(QStringLiteral("alarm: ") + currentFile);
+}
+
+void ConsoleUi::ShowFileStatus(const QString& path, const QString& status) {
+    ConsoleLine(QStringLiteral("status ") + status + QStringLiteral(": ") + path);
+}
+
+void ConsoleUi::CloseStatus() {
+    ConsoleLine(QStringLiteral("run ended"));
+}
+
+void ConsoleUi::OpenStepThrough() {
+    ConsoleLine(QStringLiteral("stepping through a script needs the host's window"));
+}

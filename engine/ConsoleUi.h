@@ -1,0 +1,31 @@
+#pragma once
+// What the user sees of the module in a host that has no window: lines on the host's command line, all with
+// the prefix "Tarnel: ", and prompts in place of dialogs. The lines are told in docs/headless.md and other
+// programs read them, so their form is part of the interface.
+#include "engine/RunUi.h"
+
+class ConsoleUi : public RunUi {
+  public:
+    Answer RunMainDialog() override;
+    Answer Ask(const QString& caption, const QString& text, Buttons buttons) override;
+    void OpenStatus(int fileCount) override;
+    void ShowFile(const QString& path, int limit) override;
+    void StepFileTime() override {}
+    void Alarm() override;
+    void Flash(bool) override {}
+    void ShowFileStatus(const QString& path, const QString& status) override;
+    void CloseStatus() override;
+    bool IsStepThroughVisible() const override { return false; }
+    void CloseStepThrough() override {}
+    void OpenStepThrough() override;
+
+  private:
+    int fileCount = 0;
+    int fileNumber = 0;
+    QString currentFile;
+};
+
+/// One line with the prefix, at the start of a line.
+void ConsoleLine(const QString& text);
+/// Whether a prompt would be answered by the user: neither a script nor LISP is running.
+bool KeyboardAnswers();

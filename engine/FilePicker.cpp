@@ -1,0 +1,79 @@
+#include "engine/FilePicker.h"
+
+#include "engine/RunUi.h"
+#include "engine/TarnelData.h"
+#include "log/Trace.h"
+#include "state/FileName.h"
+
+#include <QFile>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// A drawing counts as writable when it can be opened and locked, and has a write bit at all: the system's
+/// administrator could write to one that has none, and still should not.
+bool opensReadWrite(const QString& path) {
+    const int handle = open(QFile::encodeName(path).constData(), O_RDWR | O_CLOEXEC);
+    if (handle < 0)
+        return false;
+    struct stat status {};
+    const bool writable = fstat(handle, &status) == 0 &&
+                          (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0 &&
+                          flock(handle, LOCK_EX | LOCK_NB) == 0;
+    close(handle);
+    return writable;
+}
+
+bool exists(const QString& path) {
+    struct stat status {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0;
+}
+
+/// False when the drawing is to be left alone. Sets OpenReadOnly for one that may be looked at only.
+bool mayBeProcessed(CTarnelData& data, const QString& path) {
+    Trace(QStringLiteral("Check if we can open file readwrite: %1\n").arg(path));
+    if (opensReadWrite(path)) {
+        Trace("Good\n");
+    } else {
+        Trace("Could not open\n");
+        if (!data.ProcessReadOnly)
+            return false;
+        data.OpenReadOnly = true;
+    }
+    Trace("Check for dwk lock file\n");
+    const CFileName name(path);
+    if (exists(JoinPath(name.GetDirectory(), name.GetName() + QStringLiteral(".dwk")))) {
+        Trace("Lock file found\n");
+        if (!data.ProcessReadOnly)
+            return false;
+        data.OpenReadOnly = true;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool GetNextFile(QString& path) {
+    CTarnelData& data = TarnelData();
+    for (std::size_t k = 0; k < data.FileNames.size(); ++k) {
+        const std::uint32_t entry = data.FileOrder[k];
+        if (data.FileStatus[entry] != ToDo)
+            continue;
+        path = EntryPath(data, entry);
+        data.OpenReadOnly = false;
+        const bool tested = !data.RecoverMode && CFileName(path).GetExt() == QLatin1String(".dwg");
+        if (tested && !mayBeProcessed(data, path)) {
+            data.FileStatus[entry] = Locked;
+            Ui().ShowFileStatus(path, FileStatusWord(Locked));
+            continue;
+        }
+        data.CurrentFile = static_cast<int>(k);
+        return true;
+    }
+    data.CurrentFile = -1;
+    return false;
+}

@@ -1,0 +1,58 @@
+#include "engine/HostVariables.h"
+
+#include "engine/TarnelData.h"
+#include "log/Trace.h"
+#include "state/FileName.h"
+
+namespace {
+
+void putString(const char* symbol, const QString& value) {
+    ResBuf chain;
+    chain.AddString(value);
+    chain.PutSym(QString::fromLatin1(symbol));
+}
+
+}  // namespace
+
+void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi) {
+    CTarnelData& data = TarnelData();
+    const std::array<int, 4> values = {sdi, cmddia, filedia, cmdecho};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!(mask & (1 << i)))
+            continue;
+        data.SavedSysVars[i].GetVar(data.SysVarNames[i]);
+        ResBuf value;
+        value.AddShort(values[i]);
+        value.SetVar(data.SysVarNames[i]);
+        data.SysVarsSaved = true;
+    }
+}
+
+void ResetSystemVars() {
+    CTarnelData& data = TarnelData();
+    if (!data.SysVarsSaved)
+        return;
+    for (std::size_t i = 0; i < data.SavedSysVars.size(); ++i) {
+        if (data.SavedSysVars[i].IsEmpty())
+            continue;
+        data.SavedSysVars[i].SetVar(data.SysVarNames[i]);
+        data.SavedSysVars[i].Clear();
+    }
+    data.SysVarsSaved = false;
+}
+
+bool DrawingIsModified() {
+    ResBuf dbmod;
+    return dbmod.GetVar(QStringLiteral("dbmod")) == RTNORM && dbmod.Integer(0) != 0;
+}
+
+void SetScriptVariables() {
+    const CTarnelData& data = TarnelData();
+    const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
+    const CFileName file(EntryPath(data, entry));
+    Trace("SetVars\n");
+    putString("currentfileandpath", file.GetDirectory() + file.GetName());
+    putString("currentpath", file.GetDirectory());
+    putString("currentfile", file.GetName());
+    putString("currentext", file.GetExt());
+}

@@ -1,0 +1,16 @@
+#pragma once
+// A run works only with the host set for it: one document at a time, no dialogs, no echo. The values before
+// are kept in the record, and with it in the state file, so that they go back even after a crash.
+
+/// Bits of SaveSystemVars, in the order of the record's SysVarNames.
+enum SystemVarBits { SdiVar = 1, CmddiaVar = 2, FilediaVar = 4, CmdechoVar = 8 };
+
+/// Keeps the present value of each variable in the mask and sets the new one. A variable that cannot be set
+/// is passed over.
+void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi);
+/// Sets back every kept value; nothing when none are kept.
+void ResetSystemVars();
+/// Whether the current drawing has unsaved changes.
+bool DrawingIsModified();
+/// LISP variables of the drawing in work: currentfileandpath, currentpath, currentfile, currentext.
+void SetScriptVariables();

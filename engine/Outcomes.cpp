@@ -1,0 +1,130 @@
+#include "engine/Outcomes.h"
+
+#include "acedads.h"
+#include "engine/Batch.h"
+#include "engine/HostText.h"
+#include "engine/HostVariables.h"
+#include "engine/RunState.h"
+#include "engine/TarnelData.h"
+#include "log/RunLog.h"
+#include "log/Trace.h"
+#include "state/FileName.h"
+
+namespace {
+
+/// The extensions that the host's OPEN takes, in the case in which they must stand.
+bool isDrawing(const QString& extension) {
+    return extension == QLatin1String(".dwg") || extension == QLatin1String(".dwt") ||
+           extension == QLatin1String(".dxf") || extension == QLatin1String(".dws");
+}
+
+/// The leading "_y" drops the changes of the drawing before, the trailing one opens read-only.
+int openDocument(const QString& path, bool modified, bool readOnly) {
+    const ACHAR* file = HostText(path);
+    if (modified && readOnly)
+        return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, ACRX_T("_y"), RTSTR, file, RTSTR, ACRX_T("_y"),
+                           RTNONE);
+    if (modified)
+        return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, ACRX_T("_y"), RTSTR, file, RTNONE);
+    if (readOnly)
+        return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, file, RTSTR, ACRX_T("_y"), RTNONE);
+    return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, file, RTNONE);
+}
+
+int newDocument(bool modified) {
+    if (modified)
+        return acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T("_y"), RTSTR, ACRX_T(""), RTNONE);
+    return acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T(""), RTNONE);
+}
+
+/// The shape that the reports of a failure share. True when the run goes on.
+bool endFile(const char* trace, FileStatusValue status) {
+    Trace(trace);
+    SetCurrentFileStatus(status);
+    Trace("Call DoNextFile\n");
+    const bool goesOn = DoNextFile();
+    if (goesOn) {
+        Trace("SaveState\n");
+        SaveRunState();
+    } else {
+        Trace("Cleanup\n");
+    }
+    acedRetT();
+    return goesOn;
+}
+
+}  // namespace
+
+void DoScriptStart() {
+    Trace("DoScriptStart\n");
+    CTarnelData& data = TarnelData();
+    const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
+    const QString path = EntryPath(data, entry);
+    const bool modified = DrawingIsModified();
+    int result = RTNORM;
+    if (!data.RecoverMode && isDrawing(CFileName(path).GetExt())) {
+        Trace("Open document\n");
+        result = openDocument(path, modified, data.OpenReadOnly);
+    } else {
+        Trace("Start New Document\n");
+        result = newDocument(modified);
+    }
+    if (result != RTNORM) {
+        // The file keeps FailOpen. With none left the run has ended in there, and ends once more here: a
+        // second new drawing and a second main dialog are what users of refused last files know.
+        Trace("Call DoNextFile\n");
+        if (!DoNextFile()) {
+            Trace("Cleanup\n");
+            Cleanup();
+            acedRetT();
+            return;
+        }
+    }
+    Trace("Turn on logfile\n");
+    acedCommand(RTSTR, ACRX_T("._logfileon"), RTNONE);
+    Trace("WatchNewLogFile\n");
+    ResBuf logFile;
+    logFile.GetVar(QStringLiteral("logfilename"));
+    WatchNewLogFile(logFile.IsEmpty() ? QString() : logFile.String(0));
+    SetCurrentFileStatus(Error);
+    acedRetT();
+    Trace("Return\n");
+}
+
+void DoScriptSetVars() {
+    Trace("DoScriptSetVars\n");
+    SetScriptVariables();
+    acedRetT();
+    Trace("Return\n");
+}
+
+void DoScriptComplete() {
+    Trace("DoScriptComplete\nTurn log off\n");
+    acedCommand(RTSTR, ACRX_T("._logfileoff"), RTNONE);
+    if (!TarnelData().BatchRunning) {
+        acedRetT();
+        Trace("Return\n");
+        return;
+    }
+    SetCurrentFileStatus(Done);
+    Trace("Call DoNextFile\n");
+    Trace("SaveState\n");
+    SaveRunState();
+    const bool goesOn = DoNextFile();
+    acedRetT();
+    if (goesOn)
+        Trace("Return\n");
+}
+
+void DoScriptError() {
+    endFile("DoScriptError\n", Error);
+}
+
+void DoScriptTimeout() {
+    if (endFile("DoScriptTimeout\n", Timeout))
+        Trace("Return\n");
+}
+
+void DoScriptOpenTimeout() {
+    endFile("DoScriptOpenTimeout\n", FailOpen);
+}

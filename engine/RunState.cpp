@@ -1,0 +1,101 @@
+#include "engine/RunState.h"
+
+#include "engine/HostText.h"
+#include "engine/TarnelData.h"
+#include "engine/Watch.h"
+#include "log/RunLog.h"
+#include "state/FileName.h"
+#include "state/StateFile.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+#include <optional>
+
+namespace {
+
+/// Tells one version of a file from another without reading it.
+struct FileStamp {
+    ino_t inode = 0;
+    off_t size = -1;
+    timespec time{};
+    bool operator==(const FileStamp& other) const {
+        return inode == other.inode && size == other.size && time.tv_sec == other.time.tv_sec &&
+               time.tv_nsec == other.time.tv_nsec;
+    }
+};
+
+std::optional<RunState> run;
+/// The state file as this module left it.
+std::optional<FileStamp> ownVersion;
+QString lastSaveError;
+
+std::optional<FileStamp> stampOf(const QString& path) {
+    struct stat status {};
+    if (stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return FileStamp{status.st_ino, status.st_size, status.st_mtim};
+}
+
+/// A copy of a file that cannot be read, under the first free name beside it.
+QString keepAside(const QString& path) {
+    QString copy = path + QStringLiteral(".damaged");
+    for (int number = 2; QFile::exists(copy); ++number)
+        copy = path + QStringLiteral(".damaged%1").arg(number);
+    return QFile::copy(path, copy) ? copy : QString();
+}
+
+void reportDamage(const QString& path) {
+    const QString fault = CheckStateFile(path);
+    if (fault.isEmpty())
+        return;
+    const QString copy = keepAside(path);
+    HostPrint(QStringLiteral("\nTarnel: %1\n").arg(fault));
+    if (copy.isEmpty())
+        HostPrint(
+            QStringLiteral("Tarnel: %1 could not be copied; move it before the next save.\n").arg(path));
+    else
+        HostPrint(QStringLiteral("Tarnel: it is kept as %1\n").arg(copy));
+}
+
+}  // namespace
+
+RunState& Run() {
+    if (!run)
+        run.emplace();
+    return *run;
+}
+
+void ResetRun() {
+    StopWatch();
+    ResetRunLog();
+    run.reset();
+    ownVersion.reset();
+    lastSaveError.clear();
+    ResetTarnelData();
+}
+
+void LoadRunState() {
+    CTarnelData& data = TarnelData();
+    if (data.StateFile.isEmpty())
+        ResolveStateFile();
+    // What this module wrote itself need not be looked over a second time.
+    const auto stamp = stampOf(data.StateFile);
+    if (stamp && !(ownVersion && *ownVersion == *stamp))
+        reportDamage(data.StateFile);
+    LoadState(nullptr, 1);
+    ownVersion = stamp;
+}
+
+void SaveRunState() {
+    SaveState(nullptr, 1);
+    const QString& error = LastStateError();
+    if (!error.isEmpty() && error != lastSaveError)
+        HostPrint(QStringLiteral("\nTarnel: the state could not be saved: %1\n").arg(error));
+    lastSaveError = error;
+    ownVersion = stampOf(TarnelData().StateFile);
+}
+
+QString DataFile(const QString& name) {
+    return JoinPath(TarnelData().DataDir, name);
+}

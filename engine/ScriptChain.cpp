@@ -1,0 +1,86 @@
+#include "engine/ScriptChain.h"
+
+#include "acedads.h"
+#include "engine/HostText.h"
+#include "engine/RunState.h"
+#include "engine/TarnelData.h"
+#include "log/Trace.h"
+#include "state/StdioFileEx.h"
+
+#include <QFile>
+
+namespace {
+
+QString scriptFile(bool first) {
+    return DataFile(first ? QStringLiteral("script1.scr") : QStringLiteral("script2.scr"));
+}
+
+/// A disk that is full shows here first: the host will then find no script, and the cause must stand above.
+void writeScript(const QString& path, const QString& text) {
+    CStdioFileEx file;
+    QString cause;
+    bool written = file.Open(path, CStdioFileEx::modeCreate | CStdioFileEx::modeWrite, &cause);
+    if (written) {
+        written = file.WriteString(text) && file.Close();
+        cause = file.Error();
+    }
+    if (!written)
+        HostPrint(QStringLiteral("\nTarnel: %1: %2\n").arg(path, cause));
+}
+
+}  // namespace
+
+QString ComposeScript() {
+    const CTarnelData& data = TarnelData();
+    QString text = QStringLiteral("(TNL_Script_Start)\n(TNL_Script_SetVars)\n");
+    text += QString::fromLocal8Bit(data.Script);
+    if (!text.endsWith(QLatin1Char('\n')))
+        text += QLatin1Char('\n');
+    if (!data.DisableScriptChain)
+        text += QStringLiteral("(TNL_Script_Complete)\n");
+    return text;
+}
+
+void StartNextScript() {
+    CTarnelData& data = TarnelData();
+    const QString text = ComposeScript();
+    data.ScriptPath = scriptFile(data.UseScript1);
+    Trace("WriteScript\n");
+    writeScript(data.ScriptPath, text);
+    data.UseScript1 = !data.UseScript1;
+    QString argument = QLatin1Char('"') + data.ScriptPath + QLatin1Char('"');
+    argument.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    Trace("Call Script\n");
+    acedCommand(RTSTR, ACRX_T("._script"), RTSTR, HostText(argument), RTNONE);
+}
+
+bool ReadScriptFile(const QString& path, QString* cause) {
+    static constexpr char Head[] = ";DESCRIPTION:";
+    CTarnelData& data = TarnelData();
+    data.Script.clear();
+    Trace("OpenFile\n");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (cause)
+            *cause = file.errorString();
+        return false;
+    }
+    Trace("ReadFile\n");
+    data.Script = file.readAll();
+    data.ScriptDescription.clear();
+    if (data.Script.startsWith(Head)) {
+        const qsizetype start = sizeof Head - 1;
+        const qsizetype end = data.Script.indexOf('\n', start);
+        const QByteArray line = data.Script.mid(start, end < 0 ? -1 : end - start);
+        data.ScriptDescription = QString::fromLocal8Bit(line);
+        data.Script = end < 0 ? QByteArray() : data.Script.mid(end + 1);
+    }
+    data.SetScriptModified(false);
+    data.LastScriptFile = path;
+    return true;
+}
+
+void DeleteScripts() {
+    QFile::remove(scriptFile(true));
+    QFile::remove(scriptFile(false));
+}

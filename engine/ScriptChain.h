@@ -1,0 +1,18 @@
+#pragma once
+// A run goes from drawing to drawing through the host's script reader and never through a loop: for each
+// drawing a small script is written in which the user's script stands between calls into the module, and the
+// last line of one script starts the next. Two files alternate, so that the one being written is never the
+// one in which the running line stands.
+#include <QString>
+
+/// Text of a generated script: the two opening calls, the user's script as it stands, and, unless the chain
+/// is switched off, the call that goes on.
+QString ComposeScript();
+/// Writes the next script and hands it to the host.
+void StartNextScript();
+
+/// Reads a user's script into the record, with the description from its first line. When the file can't be
+/// opened the record has an empty script, the answer is false and cause, if given, the system's message.
+bool ReadScriptFile(const QString& path, QString* cause = nullptr);
+/// Deletes both generated scripts.
+void DeleteScripts();

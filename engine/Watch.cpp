@@ -1,0 +1,76 @@
+#include "engine/Watch.h"
+
+#include "acdocman.h"
+#include "acframe.h"
+#include "engine/RunState.h"
+#include "engine/RunUi.h"
+#include "engine/TarnelData.h"
+#include "engine/WatchTimers.h"
+#include "log/RunLog.h"
+#include "log/Trace.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+/// There from StartWatch to CloseWatch: the status is open.
+std::unique_ptr<WatchTimers> timers;
+}  // namespace
+
+bool StartWatch() {
+    const CTarnelData& data = TarnelData();
+    acDocManagerPtr()->pushResourceHandle();
+    OpenRunLog();
+    const auto waiting = std::count(data.FileStatus.begin(), data.FileStatus.end(), ToDo);
+    Trace("Create status window\n");
+    timers = std::make_unique<WatchTimers>();
+    Ui().OpenStatus(static_cast<int>(waiting));
+    Trace("Set progress for status window\n");
+    Trace("Center status window\n");
+    Trace("Show status window\n");
+    Ui().ShowStatus();
+    Trace("Start Watch done\n");
+    acDocManagerPtr()->popResourceHandle();
+    return true;
+}
+
+void WatchNewFile(const QString& path) {
+    const CTarnelData& data = TarnelData();
+    // A script may drive the queue without a run; there is no status to show then.
+    if (timers) {
+        Ui().ShowFile(path, static_cast<int>(std::max(data.MaxTime, data.AlarmTime)));
+        timers->Start(data.AlarmTime, data.MaxTime);
+    }
+    acedPumpMessage();
+    Run().CurrentFileText = path;
+}
+
+void CloseWatch() {
+    CloseRunLog();
+    if (!timers)
+        return;
+    timers.reset();
+    Ui().CloseStatus();
+}
+
+bool CheckWatch() {
+    return false;
+}
+
+void CancelRun() {
+    if (timers)
+        timers->KillAll();
+    SendToHost(CancelString());
+}
+
+void StopWatch() {
+    timers.reset();
+}
+
+QString TimeoutString() {
+    return QString(2, QChar(3)) + QStringLiteral("(Tarnel_File_Timeout)\n");
+}
+
+QString CancelString() {
+    return QString(6, QChar(3)) + QStringLiteral("(TNL_Cancel_Batch)\n");
+}

@@ -1,0 +1,73 @@
+#include "engine/WatchTimers.h"
+
+#include "acdocman.h"
+#include "engine/HostText.h"
+#include "engine/RunUi.h"
+#include "engine/Watch.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr int FlashPeriod = 500;
+constexpr int SecondPeriod = 1000;
+
+int milliseconds(unsigned seconds) {
+    constexpr unsigned Most = std::numeric_limits<int>::max() / 1000;
+    return static_cast<int>(std::min(seconds, Most)) * 1000;
+}
+
+}  // namespace
+
+WatchTimers::WatchTimers() {
+    alarm.setSingleShot(true);
+    timeout.setSingleShot(true);
+    alarm.setTimerType(Qt::PreciseTimer);
+    timeout.setTimerType(Qt::PreciseTimer);
+    connect(&alarm, &QTimer::timeout, this, &WatchTimers::onAlarm);
+    connect(&timeout, &QTimer::timeout, this, &WatchTimers::onTimeout);
+    connect(&flash, &QTimer::timeout, this, &WatchTimers::onFlash);
+    connect(&seconds, &QTimer::timeout, this, [] { Ui().StepFileTime(); });
+}
+
+void WatchTimers::Start(unsigned alarmTime, unsigned maxTime) {
+    alarm.stop();
+    timeout.stop();
+    flash.stop();
+    if (alarmTime != 0)
+        alarm.start(milliseconds(alarmTime));
+    if (maxTime != 0)
+        timeout.start(milliseconds(maxTime));
+    if (alarmTime != 0 || maxTime != 0)
+        seconds.start(SecondPeriod);
+}
+
+void WatchTimers::KillAll() {
+    alarm.stop();
+    timeout.stop();
+    flash.stop();
+    seconds.stop();
+}
+
+void WatchTimers::onAlarm() {
+    Ui().Alarm();
+    flash.start(FlashPeriod);
+    Ui().Flash(true);
+    flashPhase = false;
+}
+
+void WatchTimers::onTimeout() {
+    KillAll();
+    SendToHost(TimeoutString());
+}
+
+void WatchTimers::onFlash() {
+    Ui().Flash(flashPhase);
+    flashPhase = !flashPhase;
+}
+
+void SendToHost(const QString& text) {
+    AcApDocManager* documents = acDocManagerPtr();
+    documents->sendStringToExecute(documents->curDocument(), HostText(text), true, false, false);
+}

@@ -1,0 +1,51 @@
+#include "log/NarrowFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <cerrno>
+
+std::string NarrowLines(const QString& text) {
+    std::string out;
+    out.reserve(static_cast<std::size_t>(text.size()) + 16);
+    const QByteArray narrow = text.toLocal8Bit();
+    char last = 0;
+    for (const char c : narrow) {
+        if (c == '\n' && last != '\r')
+            out += '\r';
+        out += c;
+        last = c;
+    }
+    return out;
+}
+
+bool NarrowFile::OpenForAppend(const std::string& path) {
+    Close();
+    handle = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    return IsOpen();
+}
+
+bool NarrowFile::OpenNew(const std::string& path) {
+    Close();
+    handle = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+    return IsOpen();
+}
+
+bool NarrowFile::Write(const QString& text) {
+    const std::string bytes = NarrowLines(text);
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count = write(handle, bytes.data() + done, bytes.size() - done);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        done += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+void NarrowFile::Close() {
+    if (IsOpen())
+        close(handle);
+    handle = -1;
+}

@@ -1,0 +1,63 @@
+#include "log/Trace.h"
+
+#include "engine/RunState.h"
+#include "engine/TarnelData.h"
+#include "log/NarrowFile.h"
+
+#include <QFile>
+
+#include <ctime>
+
+namespace {
+
+const std::string& tracePath() {
+    static std::string path;
+    static QString pathOf;
+    QString& file = TarnelData().TraceFile;
+    if (file.isEmpty())
+        file = DataFile(QStringLiteral("TNLapp.log"));
+    if (pathOf != file || path.empty()) {
+        pathOf = file;
+        path = QFile::encodeName(file).toStdString();
+    }
+    return path;
+}
+
+/// The last word of a clean end is "Done". The comparison is one of wide characters while the log is narrow,
+/// so it holds for no log that this module wrote: the trail of earlier starts stays in the file.
+bool endsInDone(QFile& file) {
+    char16_t tail[4] = {};
+    if (!file.seek(file.size() - 4) || file.read(reinterpret_cast<char*>(tail), 4) != 4)
+        return false;
+    return QStringView(tail, 4) == QStringView(u"Done");
+}
+
+}  // namespace
+
+void Trace(const QString& text) {
+    NarrowFile file;
+    if (file.OpenForAppend(tracePath()))
+        file.Write(text);
+}
+
+void Trace(const char* text) {
+    Trace(QString::fromLatin1(text));
+}
+
+void BeginTrace(const QString& version) {
+    QFile last(DataFile(QStringLiteral("TNLapp.log")));
+    if (last.open(QIODevice::ReadOnly)) {
+        const bool done = endsInDone(last);
+        last.close();
+        if (done)
+            last.remove();
+    }
+    char when[128] = {};
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    std::strftime(when, sizeof when, "%x %X", &local);
+    Trace(QString(33, QLatin1Char('_')) + QStringLiteral("%1 (%2 built on %3 %4)\n")
+                                              .arg(QString::fromLocal8Bit(when), version,
+                                                   QStringLiteral(__DATE__), QStringLiteral(__TIME__)));
+}

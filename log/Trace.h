@@ -1,0 +1,13 @@
+#pragma once
+// The trace log is the recorder that support reads after a host has died in the middle of something. Each
+// line is on its way to the disk before the step that it names begins, so the file is opened and closed for
+// each line, and nothing turns it off.
+#include <QString>
+
+/// Appends text as it stands to "TNLapp.log" in the data folder. A file that can't be opened drops the line.
+void Trace(const QString& text);
+void Trace(const char* text);
+
+/// The start of the log: looks whether the last run of the module ended cleanly, and writes the line that
+/// opens a start, with the module's version and the time of its build.
+void BeginTrace(const QString& version);
