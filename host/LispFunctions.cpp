@@ -1,0 +1,68 @@
+#include "host/LispFunctions.h"
+
+#include "acedads.h"
+#include "engine/Batch.h"
+#include "engine/HostText.h"
+#include "engine/Outcomes.h"
+#include "host/LispSettings.h"
+
+#include <QStringList>
+
+namespace {
+
+/// Every name that was ever registered; its length is the code of the next.
+QStringList registeredNames;
+
+/// The host's form of a function: no arguments and the host's result code.
+template <void (*Function)()>
+int call() {
+    Function();
+    return RSRSLT;
+}
+
+void startBatch() {
+    if (DoStartBatch())
+        acedRetT();
+    else
+        acedRetNil();
+}
+
+struct LispFunction {
+    const char* Name;
+    int (*Function)();
+};
+
+constexpr LispFunction Functions[] = {
+    {"TNL_Start_Batch", call<startBatch>},
+    {"TNL_Script_Start", call<DoScriptStart>},
+    {"TNL_Script_SetVars", call<DoScriptSetVars>},
+    {"TNL_Script_Complete", call<DoScriptComplete>},
+    {"TNL_Cancel_Batch", call<DoCancelBatch>},
+    {"Tarnel_SetRecoverMode", call<DoSetRecoverMode>},
+    {"Tarnel_DoReadOnly", call<DoProcessReadOnly>},
+    {"TarnelDisableScriptChain", call<DoDisableScriptChain>},
+    {"C:Tarnel", call<DoBatchLisp>},
+    {"Tarnel_File_Next", call<DoScriptComplete>},
+    {"Tarnel_File_Error", call<DoScriptError>},
+    {"Tarnel_File_Timeout", call<DoScriptTimeout>},
+    {"Tarnel_File_OpenTimeout", call<DoScriptOpenTimeout>},
+    {"Tarnel_SetScript", call<DoSetScript>},
+    {"Tarnel_SetMask", call<DoSetMask>},
+};
+
+}  // namespace
+
+void RegisterLispFunctions() {
+    for (const LispFunction& function : Functions) {
+        const QString name = QString::fromLatin1(function.Name);
+        registeredNames.append(name);
+        // The host reads codes as 16 bits.
+        const auto code = static_cast<Adesk::Int16>(registeredNames.size());
+        acedDefun(HostText(name), code);
+        acedRegFunc(function.Function, code);
+    }
+}
+
+void ResetLispFunctions() {
+    registeredNames.clear();
+}

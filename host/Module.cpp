@@ -1,0 +1,113 @@
+#include "host/Module.h"
+
+#include "accmd.h"
+#include "acdocman.h"
+#include "acedads.h"
+#include "engine/Batch.h"
+#include "engine/HostText.h"
+#include "engine/Restartable.h"
+#include "engine/RunState.h"
+#include "engine/RunUi.h"
+#include "engine/TarnelData.h"
+#include "engine/Watch.h"
+#include "host/CmdLine.h"
+#include "host/InstallScript.h"
+#include "host/LispFunctions.h"
+#include "host/Toolbar.h"
+#include "log/Trace.h"
+#include "rxregsvc.h"
+#include "state/FileName.h"
+#include "state/StateFile.h"
+
+#include <QDir>
+
+#include <memory>
+
+namespace {
+
+constexpr ACHAR CommandGroup[] = ACRX_T("OVRXTARNEL");
+
+/// What stands from the start to the stop.
+struct ModuleContext {
+    CmdLine Reactor;
+};
+std::unique_ptr<ModuleContext> context;
+
+void openStepThrough() {
+    Ui().OpenStepThrough();
+}
+
+void makeDataDir() {
+    CTarnelData& data = TarnelData();
+    data.DataDir = UserDataDir();
+    if (!QDir().mkpath(data.DataDir))
+        HostPrint(QStringLiteral("\nTarnel: %1: the folder cannot be made; nothing will be kept.\n")
+                      .arg(data.DataDir));
+}
+
+void findModule() {
+    CTarnelData& data = TarnelData();
+    data.Version = QStringLiteral(TNL_VERSION);
+    data.Build = QStringLiteral(TNL_BUILD);
+    ACHAR path[2048] = {};
+    if (acrxModulePath(HostText(QString::fromLatin1(ModuleFileName)), path, 2048))
+        data.ModuleDir = CFileName(FromHost(path)).GetDirectory();
+}
+
+void addCommands() {
+    Trace("Add Commands\n");
+    AcEdCommandStack* commands = acedRegCmdsPtr();
+    commands->addCommand(CommandGroup, ACRX_T("TARNEL"), ACRX_T("TARNEL"), ACRX_CMD_MODAL, DoBatch);
+    commands->addCommand(CommandGroup, ACRX_T("TNL_DEBUG"), ACRX_T("TNL_DEBUG"), ACRX_CMD_MODAL,
+                         openStepThrough);
+}
+
+void printState(const char* what) {
+    const CTarnelData& data = TarnelData();
+    HostPrint(QStringLiteral("%1 v%2 %3!\n").arg(data.ProductName, data.Version, QString::fromLatin1(what)));
+}
+
+}  // namespace
+
+void StartModule() {
+    ResetRun();
+    ResetLispFunctions();
+    context = std::make_unique<ModuleContext>();
+    acDocManagerPtr()->pushResourceHandle();
+    makeDataDir();
+    findModule();
+    CTarnelData& data = TarnelData();
+    BeginTrace(data.Version);
+    Trace("InstallScriptHandler\n");
+    InstallScriptHandler();
+    Trace(QStringLiteral("OvrixSetupToolbar: %1\n").arg(OvrixSetupToolbar()));
+    addCommands();
+    Trace("Add Reactor\n");
+    acedEditorPtr()->addReactor(&context->Reactor);
+    printState("loaded");
+    Trace("Check Watch\n");
+    if (CheckWatch()) {
+        data.BatchRunning = true;
+        Trace("Queue Start Batch\n");
+        ads_queueexpr(ACRX_T("(TNL_Start_Batch)\n"));
+    }
+    acDocManagerPtr()->popResourceHandle();
+}
+
+void StopModule() {
+    if (!context)
+        return;
+    Trace("OvrixRemoveToolbar\n");
+    OvrixRemoveToolbar();
+    Trace("Remove reactor\n");
+    acedEditorPtr()->removeReactor(&context->Reactor);
+    Trace("Remove Commands\n");
+    acedRegCmdsPtr()->removeGroup(CommandGroup);
+    Trace("Done");
+    printState("unloaded");
+    if (Ui().IsStepThroughVisible())
+        Ui().CloseStepThrough();
+    context.reset();
+    ResetRun();
+    SetUi(nullptr);
+}
