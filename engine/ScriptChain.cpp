@@ -5,6 +5,7 @@
 #include "engine/RunState.h"
 #include "engine/TarnelData.h"
 #include "log/Trace.h"
+#include "state/CodePage.h"
 #include "state/StdioFileEx.h"
 
 #include <QFile>
@@ -33,7 +34,7 @@ void writeScript(const QString& path, const QString& text) {
 QString ComposeScript() {
     const CTarnelData& data = TarnelData();
     QString text = QStringLiteral("(TNL_Script_Start)\n(TNL_Script_SetVars)\n");
-    text += QString::fromLocal8Bit(data.Script);
+    text += DecodeText(data.Script, LocalePage);
     if (!text.endsWith(QLatin1Char('\n')))
         text += QLatin1Char('\n');
     if (!data.DisableScriptChain)
@@ -72,7 +73,7 @@ bool ReadScriptFile(const QString& path, QString* cause) {
         const qsizetype start = sizeof Head - 1;
         const qsizetype end = data.Script.indexOf('\n', start);
         const QByteArray line = data.Script.mid(start, end < 0 ? -1 : end - start);
-        data.ScriptDescription = QString::fromLocal8Bit(line);
+        data.ScriptDescription = DecodeText(line, LocalePage);
         data.Script = end < 0 ? QByteArray() : data.Script.mid(end + 1);
     }
     data.SetScriptModified(false);

@@ -8,6 +8,7 @@
 #include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
 #include "log/Trace.h"
+#include "state/CodePage.h"
 #include "state/StateFile.h"
 
 namespace {
@@ -126,7 +127,7 @@ void DoSetMask() {
 void DoSetScript() {
     const ResBuf arguments = beginSetter("DoSetScript\n");
     if (arguments.IsEmpty()) {
-        acedRetStr(HostText(QString::fromLocal8Bit(TarnelData().Script)));
+        acedRetStr(HostText(DecodeText(TarnelData().Script, LocalePage)));
     } else if (arguments.IsType(0, RTSTR)) {
         ReadScriptFile(arguments.String(0));
         saveSetting();

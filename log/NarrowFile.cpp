@@ -1,5 +1,7 @@
 #include "log/NarrowFile.h"
 
+#include "state/CodePage.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 #include <cerrno>
@@ -7,7 +9,7 @@
 std::string NarrowLines(const QString& text) {
     std::string out;
     out.reserve(static_cast<std::size_t>(text.size()) + 16);
-    const QByteArray narrow = text.toLocal8Bit();
+    const QByteArray narrow = EncodeText(text, LocalePage);
     char last = 0;
     for (const char c : narrow) {
         if (c == '\n' && last != '\r')

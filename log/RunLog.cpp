@@ -5,6 +5,7 @@
 #include "log/NarrowFile.h"
 #include "log/Trace.h"
 #include "log/ZipArchive.h"
+#include "state/CodePage.h"
 
 #include <QFile>
 #include <QStringList>
@@ -22,7 +23,7 @@ QString localTime() {
     std::tm local{};
     localtime_r(&now, &local);
     std::strftime(text, sizeof text, "%x %X", &local);
-    return QString::fromLocal8Bit(text);
+    return DecodeText(text, LocalePage);
 }
 
 /// One host log into the archive. A log that is not there is passed over.
@@ -40,10 +41,12 @@ void packLog(CZipArchive& archive, const QString& path) {
 
 /// The logs are deleted only once they are safe in the archive.
 void packLogs() {
+    // A host without a log of the drawing gives no name, and a refused open gives the name before once more.
+    HostLogList.removeAll(QString());
+    HostLogList.removeDuplicates();
     if (HostLogList.isEmpty())
         return;
     const QString file = DataFile(QStringLiteral("TNLLog.zip"));
-    HostLogList.removeDuplicates();
     try {
         CZipArchive archive;
         if (!archive.Open(QFile::encodeName(file).toStdString(), CZipArchive::Create)) {

@@ -3,6 +3,7 @@
 #include "engine/RunState.h"
 #include "engine/TarnelData.h"
 #include "log/NarrowFile.h"
+#include "state/CodePage.h"
 
 #include <QFile>
 
@@ -58,6 +59,6 @@ void BeginTrace(const QString& version) {
     localtime_r(&now, &local);
     std::strftime(when, sizeof when, "%x %X", &local);
     Trace(QString(33, QLatin1Char('_')) + QStringLiteral("%1 (%2 built on %3 %4)\n")
-                                              .arg(QString::fromLocal8Bit(when), version,
+                                              .arg(DecodeText(when, LocalePage), version,
                                                    QStringLiteral(__DATE__), QStringLiteral(__TIME__)));
 }

@@ -76,9 +76,19 @@ void RecordingHost::RunInput(int lines) {
             continue;
         const QString name = line.mid(1, line.size() - 2).toUpper();
         if (line.startsWith(QLatin1Char('(')) && Functions.contains(name))
-            CallLisp(name);
+            callFromScript(name);
         else
             Note(QStringLiteral("line ") + line);
+    }
+}
+
+void RecordingHost::callFromScript(const QString& name) {
+    try {
+        CallLisp(name);
+    } catch (const std::exception& error) {
+        // An error of LISP ends the script.
+        Note(QStringLiteral("exception ") + QString::fromUtf8(error.what()));
+        script.clear();
     }
 }
 

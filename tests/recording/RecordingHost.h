@@ -91,6 +91,7 @@ class RecordingHost {
 
   private:
     bool nextLine(QString& line);
+    void callFromScript(const QString& name);
     QStringList script;
 };
 

@@ -1,0 +1,132 @@
+// How the drawings of a run end.
+#include "engine/CheckedArray.h"
+#include "tests/engine/RunFixture.h"
+
+namespace {
+
+struct Outcome {
+    const char* Call;
+    const char* Statuses;
+};
+
+class OutcomeTest : public RunTest, public testing::WithParamInterface<Outcome> {};
+
+}  // namespace
+
+// Each call ends its drawing where it stands; the rest of that script is not read.
+TEST_P(OutcomeTest, IsOnDiskAndTheRunGoesOn) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")}, QByteArray("(") + GetParam().Call + ")\nnever read\n");
+    StartRun();
+    EXPECT_EQ(SavedStatuses(), GetParam().Statuses);
+    EXPECT_EQ(host.CallsOf("command ._open").size(), 2);
+    // After the last drawing there is no next script that would take the reader over.
+    EXPECT_EQ(host.CallsOf("line never").size(), 1);
+    EXPECT_GT(host.Calls.indexOf(QStringLiteral("line never read")),
+              host.Calls.indexOf(QStringLiteral("ui close")));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OutcomeTest,
+                         testing::Values(Outcome{"Tarnel_File_Next", "1 1"},
+                                         Outcome{"Tarnel_File_Error", "5 5"},
+                                         Outcome{"Tarnel_File_Timeout", "3 3"},
+                                         Outcome{"Tarnel_File_OpenTimeout", "2 2"}));
+
+TEST_F(RunTest, FailureReportsTraceTheirSteps) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
+    ui.DialogAnswers = {RunUi::Ok};
+    Command("TARNEL");
+    host.RunInput(2);
+    const auto tail = [&](const char* function) {
+        MarkTrace();
+        EXPECT_EQ(host.CallLisp(QString::fromLatin1(function)), "T");
+        QStringList lines = TraceLines();
+        return lines.first() + QLatin1Char('|') + lines.last();
+    };
+    EXPECT_EQ(tail("Tarnel_File_Timeout"), "DoScriptTimeout|Return");
+    TarnelData().FileStatus[0] = ToDo;
+    EXPECT_EQ(tail("Tarnel_File_Error"), "DoScriptError|SaveState");
+    TarnelData().FileStatus[1] = ToDo;
+    EXPECT_EQ(tail("Tarnel_File_OpenTimeout"), "DoScriptOpenTimeout|SaveState");
+}
+
+TEST_F(RunTest, RefusedOpenLeavesFailOpenAndMarksTheNextFileEarly) {
+    const QString a = MakeFile("a.dxf");
+    const QString b = MakeFile("b.dxf");
+    SetQueue({a, b});
+    host.OnCommand = [&](const QStringList& words) {
+        return words[0] == QLatin1String("._open") && words[1] == a ? RTERROR : RTNORM;
+    };
+    StartRun();
+    EXPECT_EQ(SavedStatuses(), "2 1");
+    // The next file has its script started and is marked by the call that failed, then by its own.
+    EXPECT_EQ(host.CallsOf("ui status"),
+              (QStringList{"ui status FailOpen " + a, "ui status FailOpen " + b, "ui status Error " + b,
+                           "ui status Error " + b, "ui status Done " + b}));
+    const QString log = QString::fromUtf8(Content(DataPath("tnl log.html")));
+    EXPECT_EQ(log.count(b), 2);
+    EXPECT_EQ(log.count(a), 0);
+}
+
+TEST_F(RunTest, RefusedLastOpenEndsTheRunTwice) {
+    SetQueue({MakeFile("a.dxf")});
+    host.OnCommand = [](const QStringList& words) {
+        return words[0] == QLatin1String("._open") ? RTERROR : RTNORM;
+    };
+    StartRun();
+    EXPECT_EQ(SavedStatuses(), "2");
+    EXPECT_EQ(host.CallsOf("command ._new").size(), 2);
+    EXPECT_EQ(host.CallsOf("ui dialog").size(), 3);
+    EXPECT_TRUE(host.CallsOf("command ._logfileon").isEmpty());
+    EXPECT_EQ(host.CallsOf("ui close").size(), 1);
+    // What is left of the script has no file in work.
+    EXPECT_EQ(host.CallsOf("exception").size(), 1);
+}
+
+TEST_F(RunTest, OpenIsToldToDropChangesAndToOpenReadOnly) {
+    const QString path = MakeFile("a b.dxf");
+    SetQueue({path});
+    host.CallLisp("TNL_Start_Batch");
+    const auto opened = [&](int modified, bool readOnly) {
+        host.Variables["DBMOD"] = modified;
+        TarnelData().OpenReadOnly = readOnly;
+        host.Calls.clear();
+        host.CallLisp("TNL_Script_Start");
+        return host.CallsOf("command").first();
+    };
+    EXPECT_EQ(opened(0, false), "command ._open|" + path);
+    EXPECT_EQ(opened(0, true), "command ._open|" + path + "|_y");
+    EXPECT_EQ(opened(1, false), "command ._open|_y|" + path);
+    EXPECT_EQ(opened(1, true), "command ._open|_y|" + path + "|_y");
+    TarnelData().RecoverMode = true;
+    EXPECT_EQ(opened(0, false), "command ._new|");
+    EXPECT_EQ(opened(1, true), "command ._new|_y|");
+}
+
+TEST_F(RunTest, OtherExtensionsGetANewDrawing) {
+    SetQueue({MakeFile("a.DWG"), MakeFile("b.txt"), MakeFile("c.dws")});
+    StartRun();
+    EXPECT_EQ(host.CallsOf("command ._new").size(), 3);
+    EXPECT_EQ(host.CallsOf("command ._open").size(), 1);
+    EXPECT_EQ(SavedStatuses(), "1 1 1");
+    EXPECT_EQ(host.Symbols.value("CURRENTEXT"), ".dws");
+}
+
+TEST_F(RunTest, CompleteOutsideARunOnlyTurnsTheLogOff) {
+    SetQueue({MakeFile("a.dxf")});
+    EXPECT_EQ(host.CallLisp("TNL_Script_Complete"), "T");
+    EXPECT_EQ(host.CallsOf("command"), QStringList{"command ._logfileoff"});
+    EXPECT_EQ(SavedStatuses(), "0");
+}
+
+TEST_F(RunTest, ErrorOutsideARunPicksTheNextFileAllTheSame) {
+    SetQueue({MakeFile("a.dxf")});
+    BuildFileOrder(TarnelData());
+    EXPECT_EQ(TarnelData().CurrentFile, -1);
+    EXPECT_EQ(host.CallLisp("Tarnel_File_Error"), "T");
+    EXPECT_EQ(SavedStatuses(), "2");
+}
+
+TEST_F(RunTest, CallsWithoutAFileInWorkFailTheArrayCheck) {
+    EXPECT_THROW(host.CallLisp("TNL_Script_Start"), InvalidArgException);
+    EXPECT_THROW(host.CallLisp("TNL_Script_SetVars"), InvalidArgException);
+}
