@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "drafthost/editor/Input.h"
+#include "drafthost/lisp/FormScanner.h"
 
 namespace drafthost {
 
@@ -36,16 +37,22 @@ class InputText {
     /// What has not been cut off yet.
     std::string_view rest() const { return std::string_view(text_).substr(position_); }
     void clear();
+    /// Drops what stands behind the last line end, as a cancel does with text that is half typed.
+    void dropUnfinishedLine();
 
   private:
     std::optional<Item> quoted();
+    std::optional<Item> expression();
     void skipComments();
+    bool atUnfinishedComment() const;
+    void skipTerminator();
     void compact();
 
     std::string text_;
     std::size_t position_ = 0;
     bool carriageReturn_ = false;
-    /// How far an expression that is still open has been looked through, so that a long one is scanned once.
+    /// An expression that is still open, and how far it has been looked through: a long one is scanned once.
+    std::optional<lisp::FormScanner> scanner_;
     std::size_t scanned_ = 0;
 };
 

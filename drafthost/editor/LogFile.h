@@ -27,7 +27,6 @@ class LogFile {
 
   private:
     bool on_ = false;
-    bool headerDue_ = false;
     int fd_ = -1;
     std::string path_;
     std::string pending_;

@@ -1,0 +1,79 @@
+#include "drafthost/editor/LogFile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace drafthost {
+
+void LogFile::start(std::string path) {
+    stop();
+    path_ = std::move(path);
+    on_ = true;
+    broken_ = false;
+    char time[64];
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    std::strftime(time, sizeof time, "[ Log opened %Y-%m-%d %H:%M:%S ]\n", &local);
+    pending_ = time;
+}
+
+void LogFile::stop() {
+    if (!on_) {
+        return;
+    }
+    if (!pending_.empty() && pending_.back() != '\n') {
+        pending_ += '\n';
+    }
+    flush();
+    if (fd_ >= 0) {
+        ::close(fd_);
+        fd_ = -1;
+    }
+    on_ = false;
+}
+
+void LogFile::write(std::string_view text) {
+    constexpr std::size_t Enough = 1 << 16;
+    if (!on_ || broken_) {
+        return;
+    }
+    pending_ += text;
+    if (pending_.size() > Enough) {
+        flush();
+    }
+}
+
+bool LogFile::flush() {
+    if (!on_ || broken_) {
+        return !broken_;
+    }
+    if (fd_ < 0) {
+        fd_ = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    }
+    std::size_t done = 0;
+    while (fd_ >= 0 && done < pending_.size()) {
+        ssize_t count = ::write(fd_, pending_.data() + done, pending_.size() - done);
+        if (count < 0 && errno != EINTR) {
+            break;
+        }
+        done += count > 0 ? std::size_t(count) : 0;
+    }
+    broken_ = fd_ < 0 || done < pending_.size();
+    if (broken_) {
+        error_ = "The log " + path_ + " cannot be written: " + std::strerror(errno);
+    }
+    pending_.clear();
+    return !broken_;
+}
+
+std::string LogFile::takeError() {
+    std::string error;
+    error.swap(error_);
+    return error;
+}
+
+}  // namespace drafthost
