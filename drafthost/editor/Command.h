@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "drafthost/editor/Input.h"
+#include "drafthost/lisp/Value.h"
 
 namespace drafthost {
 
@@ -76,6 +77,8 @@ class Ask {
     std::coroutine_handle<> waiting() const { return waiting_; }
 
   private:
+    bool withinBounds(double number, std::string& complaint) const;
+
     CommandContext& context_;
     Type type_;
     std::string prompt_;
@@ -204,6 +207,7 @@ class CommandContext {
         std::coroutine_handle<> delayed;
         int delayMilliseconds = 0;
         bool failed = false;
+        bool complained = false;
         /// Set by the command line before it hands over an answer: the list of inputs that the answer
         /// came from, of a module or of LISP, holds more.
         bool moreInput = false;
@@ -250,7 +254,7 @@ class CommandContext {
     Ask real(std::string prompt, AskOptions options = {}) {
         return {*this, Ask::Type::Real, std::move(prompt), std::move(options)};
     }
-    /// A length: number, or one or two points.
+    /// A length: a number, or a point when the options give a base to measure from.
     Ask distance(std::string prompt, AskOptions options = {}) {
         return {*this, Ask::Type::Distance, std::move(prompt), std::move(options)};
     }

@@ -17,6 +17,8 @@ enum CommandFlags : unsigned {
     CommandTransparent = 1,
     /// Enter at the command prompt does not repeat it.
     CommandNoRepeat = 2,
+    /// Also works while no drawing is open; CommandContext::document() is an empty stand-in then.
+    CommandNoDocument = 4,
 };
 
 struct CommandEntry {

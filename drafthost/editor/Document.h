@@ -56,6 +56,7 @@ class Document {
     Host& host() { return host_; }
     Drawing& drawing() { return *drawing_; }
     lisp::World& world();
+    DocumentLisp& lisp() { return *lisp_; }
     CommandLine& commandLine() { return *commandLine_; }
     LogFile& log() { return log_; }
 
@@ -68,9 +69,10 @@ class Document {
     /// Path and name after the last save in this session, else empty.
     const std::string& savedName() const { return savedName_; }
 
-    unsigned modified() const { return modified_; }
+    /// ModifiedBits; an edit of the drawing that nobody told of counts as one of objects.
+    unsigned modified() const;
     void setModified(unsigned bits) { modified_ |= bits; }
-    void clearModified() { modified_ = 0; }
+    void clearModified();
 
     /// Saves under the document's own name. False and one line of cause when it has none, is read-only or
     /// the file cannot be written; the old file then stands as it was.

@@ -1,12 +1,12 @@
 #include "drafthost/editor/Encoding.h"
 
-#include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <QString>
-#include <QStringConverter>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cerrno>
+#include <cstring>
+#include <QString>
+#include <QStringConverter>
 
 namespace drafthost {
 namespace {

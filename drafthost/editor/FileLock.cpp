@@ -1,14 +1,14 @@
 #include "drafthost/editor/FileLock.h"
 
-#include <cerrno>
-#include <csignal>
-#include <cstring>
 #include <fcntl.h>
-#include <fstream>
-#include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fstream>
+#include <string_view>
 #include <utility>
 
 #include "drafthost/editor/Encoding.h"
@@ -91,8 +91,8 @@ int openLocked(const std::string& path, std::string& error) {
         return -1;
     }
     if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        error = path + (errno == EWOULDBLOCK ? " is in use." : std::string(" cannot be locked: ") +
-                                                                   std::strerror(errno));
+        error = path + (errno == EWOULDBLOCK ? " is in use."
+                                             : std::string(" cannot be locked: ") + std::strerror(errno));
         ::close(fd);
         return -1;
     }
@@ -162,7 +162,9 @@ FileLock& FileLock::operator=(FileLock&& other) noexcept {
     return *this;
 }
 
-FileLock::~FileLock() { release(); }
+FileLock::~FileLock() {
+    release();
+}
 
 void FileLock::release() {
     if (!markerPath_.empty()) {

@@ -4,6 +4,7 @@
 // that asks, LISP that asks) waits in a nested event loop, and Host keeps track of how deep it stands so that
 // queued input only runs when all of that has returned.
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -67,6 +68,12 @@ class Host {
     void activate(Document& document);
     /// True while the document is in the list, so not closed.
     bool isOpen(const Document* document) const;
+    /// Calls the function with each document made current in turn, then goes back to the one before.
+    void forEachDocument(const std::function<void()>& function);
+    /// An empty document outside the list, in which commands run while none is open.
+    Document* standIn();
+    /// One document at a time: SDI, or a module that bears no more.
+    bool isSingleDocument() const;
 
     // --- text ---
     /// Writes to the command line and the current document's log, without adding a line end.
@@ -89,6 +96,8 @@ class Host {
     /// The host ends as soon as the running command has returned. Documents are closed without a question.
     void requestQuit();
     bool quitRequested() const { return quitRequested_; }
+    /// Tells modules, closes documents, unloads modules and saves the registry. Nothing runs afterwards.
+    void shutDown();
 
     // --- observers ---
     void addObserver(HostObserver* observer);
@@ -108,12 +117,22 @@ class Host {
     void setOutput(Output output) { output_ = std::move(output); }
     /// Hands out what has been printed of an unfinished line.
     void flushOutput();
+    /// Text that a terminal has shown already as it was typed: for the log only, and the line has ended.
+    void logTyped(std::string_view text);
+    /// Changes with every text.
+    std::uint64_t textMark() const { return textMark_; }
+    /// There is a window; without one nobody but the keyboard can answer.
+    bool hasFrame() const { return hasFrame_; }
+    void setHasFrame(bool hasFrame) { hasFrame_ = hasFrame; }
+    /// File name for the next log of a drawing, new in this session.
+    std::string nextLogName(const std::string& drawing);
 
     /// For InputStream: frees documents that were closed and whose code has returned by now.
     void releaseClosed();
 
   private:
     OpenResult take(std::unique_ptr<Document> document);
+    Document* openFile(const std::string& path) const;
     void detach(Document& document);
 
     CommandTable commands_;
@@ -130,9 +149,14 @@ class Host {
     std::vector<std::string> supportPath_;
     Output output_;
     std::string line_;
+    std::unique_ptr<Document> standIn_;
+    std::uint64_t textMark_ = 0;
     bool lineOpen_ = false;
+    bool hasFrame_ = false;
     int newDocuments_ = 0;
+    int logs_ = 0;
     bool quitRequested_ = false;
+    bool ended_ = false;
 };
 
 }  // namespace drafthost

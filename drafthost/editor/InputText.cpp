@@ -6,9 +6,15 @@ namespace {
 constexpr char EndOfText = 3;
 constexpr char Escape = 27;
 
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
-bool isCancel(char c) { return c == EndOfText || c == Escape; }
-bool endsWord(char c) { return isBlank(c) || c == '\n' || isCancel(c); }
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+bool isCancel(char c) {
+    return c == EndOfText || c == Escape;
+}
+bool endsWord(char c) {
+    return isBlank(c) || c == '\n' || isCancel(c);
+}
 
 }  // namespace
 

@@ -1,10 +1,10 @@
 #include "drafthost/editor/LogFile.h"
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace drafthost {
 

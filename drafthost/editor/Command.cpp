@@ -1,0 +1,209 @@
+#include "drafthost/editor/Command.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "drafthost/editor/AnswerReader.h"
+#include "drafthost/editor/Document.h"
+#include "drafthost/editor/Host.h"
+#include "drafthost/lisp/Printer.h"
+
+namespace drafthost {
+namespace {
+
+constexpr const char* LastPoint = "LASTPOINT";
+
+std::optional<lisp::Point> lastPoint(Document& document) {
+    auto found = document.variables().find(LastPoint);
+    if (found == document.variables().end()) {
+        return lisp::Point{};
+    }
+    const Point3* point = std::get_if<Point3>(&found->second);
+    return point ? *point : lisp::Point{};
+}
+
+std::string quoted(const Input& input) {
+    return "\"" + input.text + "\"";
+}
+
+}  // namespace
+
+Input Input::fromValue(const lisp::Value& value) {
+    if (value.isString()) {
+        return fromText(value.toString());
+    }
+    Input input{lisp::prin1(value), value, true};
+    if (auto point = pointOf(value)) {
+        input.text = lisp::formatReal((*point)[0]) + "," + lisp::formatReal((*point)[1]) + "," +
+                     lisp::formatReal((*point)[2]);
+    }
+    return input;
+}
+
+void Ask::await_suspend(std::coroutine_handle<> waiting) {
+    waiting_ = waiting;
+    context_.state().question = this;
+}
+
+void Delay::await_suspend(std::coroutine_handle<> waiting) {
+    context_.state().delayed = waiting;
+    context_.state().delayMilliseconds = milliseconds_;
+}
+
+InputKind Ask::inputKind() const {
+    switch (type_) {
+        case Type::Text:
+            return InputKind::Line;
+        case Type::FileName:
+            return InputKind::FileName;
+        default:
+            return InputKind::Word;
+    }
+}
+
+std::string Ask::fullPrompt() const {
+    std::string text = prompt_;
+    if (!options_.keywords.empty() && !options_.bareText) {
+        std::string list = options_.keywords;
+        std::replace(list.begin(), list.end(), ' ', '/');
+        text += (type_ == Type::Keyword ? " [" : " or [") + list + "]";
+    }
+    if (!options_.defaultText.empty()) {
+        text += " <" + options_.defaultText + ">";
+    }
+    return text + ": ";
+}
+
+bool Ask::take(const Input& given, std::string& complaint) {
+    Input input = given;
+    answer_ = {};
+    if (input.isEnter()) {
+        if (options_.defaultText.empty()) {
+            if (options_.noEmpty) {
+                complaint = "An answer is needed here.";
+                return false;
+            }
+            answer_.kind = Answer::Kind::Enter;
+            return true;
+        }
+        input.text = options_.defaultText;
+    }
+    if (input.isValue && input.value.isNil()) {
+        complaint = "nil is no answer.";
+        return false;
+    }
+    answer_.kind = Answer::Kind::Value;
+    answer_.text = input.text;
+    if (!input.isValue && type_ != Type::Text) {
+        if (auto keyword = matchKeyword(input.text, options_.keywords)) {
+            answer_.kind = Answer::Kind::Keyword;
+            answer_.keyword = *keyword;
+            return true;
+        }
+    }
+    std::optional<double> number;
+    if (input.isValue && input.value.isNumber()) {
+        number = input.value.toDouble();
+    }
+    auto base = options_.base ? options_.base : lastPoint(context_.document());
+    auto point = input.isValue ? pointOf(input.value) : std::nullopt;
+    const std::string options =
+        options_.keywords.empty() ? "" : " or one of the options " + options_.keywords;
+    switch (type_) {
+        case Type::Input:
+            answer_.value = input.isValue ? input.value : lisp::Value();
+            return true;
+        case Type::Word:
+        case Type::Text:
+        case Type::FileName:
+            return true;
+        case Type::Keyword:
+            complaint = quoted(input) + " is not one of the options " + options_.keywords + ".";
+            return false;
+        case Type::Integer: {
+            auto integer = input.isValue ? std::nullopt : readInteger(input.text);
+            if (number && *number == std::floor(*number) && std::abs(*number) < 2147483648.0) {
+                integer = int(*number);
+            }
+            if (!integer) {
+                complaint = "An integer" + options + " is needed here, not " + quoted(input) + ".";
+                return false;
+            }
+            answer_.integer = *integer;
+            answer_.real = *integer;
+            return withinBounds(*integer, complaint);
+        }
+        case Type::Real:
+        case Type::Distance:
+        case Type::Angle:
+            if (!number && !input.isValue) {
+                number = type_ == Type::Real       ? readReal(input.text)
+                         : type_ == Type::Distance ? readDistance(input.text)
+                                                   : readAngle(input.text);
+            }
+            if (!number && type_ != Type::Real && options_.base) {
+                if (!point && !input.isValue) {
+                    point = readPoint(input.text, options_.base);
+                }
+                if (point) {
+                    double dx = (*point)[0] - (*options_.base)[0];
+                    double dy = (*point)[1] - (*options_.base)[1];
+                    number = type_ == Type::Distance ? std::hypot(dx, dy) : std::atan2(dy, dx);
+                }
+            }
+            if (!number) {
+                complaint = "A number" + options + " is needed here, not " + quoted(input) + ".";
+                return false;
+            }
+            answer_.real = *number;
+            return withinBounds(*number, complaint);
+        case Type::Point:
+            if (!point && !input.isValue) {
+                point = readPoint(input.text, base);
+            }
+            if (!point) {
+                complaint = "A point" + options + " is needed here, not " + quoted(input) + ".";
+                return false;
+            }
+            answer_.point = *point;
+            context_.document().variables()[LastPoint] = *point;
+            return true;
+    }
+    return true;
+}
+
+bool Ask::withinBounds(double number, std::string& complaint) const {
+    if ((options_.minimum && number < *options_.minimum) ||
+        (options_.maximum && number > *options_.maximum)) {
+        complaint = "The value must be ";
+        if (options_.minimum && options_.maximum) {
+            complaint += "between " + lisp::formatReal(*options_.minimum) + " and " +
+                         lisp::formatReal(*options_.maximum) + ".";
+        } else if (options_.minimum) {
+            complaint += "no less than " + lisp::formatReal(*options_.minimum) + ".";
+        } else {
+            complaint += "no more than " + lisp::formatReal(*options_.maximum) + ".";
+        }
+        return false;
+    }
+    return true;
+}
+
+void CommandContext::print(std::string_view text) {
+    host_.print(text);
+}
+void CommandContext::printLine(std::string_view text) {
+    host_.printLine(text);
+}
+
+void CommandContext::fail(std::string_view message) {
+    host_.printLine(message);
+    state_.failed = true;
+}
+
+void CommandContext::complain(std::string_view message) {
+    host_.printLine(message);
+    state_.complained = true;
+}
+
+}  // namespace drafthost

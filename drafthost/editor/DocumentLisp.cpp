@@ -1,0 +1,286 @@
+#include "drafthost/editor/DocumentLisp.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <QProcess>
+#include <QString>
+
+#include "drafthost/editor/AnswerReader.h"
+#include "drafthost/editor/Document.h"
+#include "drafthost/editor/Host.h"
+#include "drafthost/editor/HostObserver.h"
+#include "drafthost/editor/ModuleTable.h"
+#include "drafthost/editor/RegistryFile.h"
+#include "drafthost/lisp/Printer.h"
+
+namespace drafthost {
+namespace {
+
+constexpr std::string_view UserRoot = "HKEY_CURRENT_USER";
+
+std::string configPath(std::string_view path) {
+    std::string key = RegistryFile::productKey() + "\\" + std::string(path);
+    std::replace(key.begin(), key.end(), '/', '\\');
+    return key;
+}
+
+std::vector<Input> toInputs(std::span<const lisp::Value> values) {
+    std::vector<Input> inputs;
+    for (const lisp::Value& value : values) {
+        inputs.push_back(Input::fromValue(value));
+    }
+    return inputs;
+}
+
+lisp::CommandStatus statusOf(Outcome outcome) {
+    switch (outcome) {
+        case Outcome::Ok:
+            return lisp::CommandStatus::Done;
+        case Outcome::Cancelled:
+            return lisp::CommandStatus::Cancelled;
+        default:
+            return lisp::CommandStatus::Rejected;
+    }
+}
+
+std::string_view firstLine(std::string_view text) {
+    return text.substr(0, text.find('\n'));
+}
+
+/// Keeps the count of evaluations right on every way out.
+class Evaluation {
+  public:
+    explicit Evaluation(InputStream& input) : input_(input) { input_.lispBegins(); }
+    ~Evaluation() { input_.lispEnds(); }
+    Evaluation(const Evaluation&) = delete;
+    Evaluation& operator=(const Evaluation&) = delete;
+
+  private:
+    InputStream& input_;
+};
+
+}  // namespace
+
+lisp::Value toLisp(const VariableValue& value) {
+    switch (value.index()) {
+        case 0:
+            return lisp::Value::integer(std::get<int>(value));
+        case 1:
+            return lisp::Value::real(std::get<double>(value));
+        case 2:
+            return lisp::Value::string(std::get<std::string>(value));
+        case 3:
+            return lisp::Value::point2d(std::get<Point2>(value)[0], std::get<Point2>(value)[1]);
+        default:
+            return lisp::Value::point(std::get<Point3>(value));
+    }
+}
+
+std::optional<VariableValue> fromLisp(const lisp::Value& value) {
+    if (value.isInt()) {
+        return value.toInt();
+    }
+    if (value.isReal()) {
+        return value.toReal();
+    }
+    if (value.isString()) {
+        return value.toString();
+    }
+    if (auto point = pointOf(value)) {
+        if (value.items().size() == 2) {
+            return Point2{(*point)[0], (*point)[1]};
+        }
+        return Point3(*point);
+    }
+    return std::nullopt;
+}
+
+DocumentLisp::DocumentLisp(Host& host, Document& document)
+    : host_(host), document_(document), world_(*this) {}
+DocumentLisp::~DocumentLisp() = default;
+
+std::string DocumentLisp::shown(const lisp::Value& value) {
+    return value.isNullSymbol() ? std::string() : lisp::prin1(value);
+}
+
+lisp::EvalResult DocumentLisp::run(std::string_view text, std::string_view first) {
+    const std::string line(firstLine(first));
+    host_.notify([&](HostObserver& observer) { observer.lispWillStart(line); });
+    lisp::EvalResult result;
+    {
+        Evaluation evaluation(host_.input());
+        result = world_.evaluate(text);
+    }
+    if (result.status == lisp::EvalResult::Status::Error ||
+        result.status == lisp::EvalResult::Status::Cancelled) {
+        if (!result.handled) {
+            host_.printLine("; error: " + result.text);
+        }
+    }
+    host_.freshLine();
+    if (result.status == lisp::EvalResult::Status::Cancelled) {
+        host_.notify([](HostObserver& observer) { observer.lispCancelled(); });
+    } else {
+        host_.notify([](HostObserver& observer) { observer.lispEnded(); });
+    }
+    return result;
+}
+
+void DocumentLisp::startUp() {
+    const std::string file = host_.findFile("acaddoc.lsp");
+    Evaluation evaluation(host_.input());
+    auto tell = [&](const lisp::EvalResult& result) {
+        if (result.status == lisp::EvalResult::Status::Error && !result.handled) {
+            host_.printLine("; error: " + result.text);
+        }
+    };
+    if (!file.empty()) {
+        tell(world_.loadFile(file));
+    }
+    if (world_.hasFunction("S::STARTUP")) {
+        tell(world_.call("S::STARTUP", {}));
+    }
+}
+
+lisp::CommandStatus DocumentLisp::command(std::span<const lisp::Value> answers) {
+    return statusOf(host_.input().speak(toInputs(answers), InputSource::Lisp));
+}
+
+lisp::CommandStatus DocumentLisp::commandS(std::span<const lisp::Value> answers) {
+    CommandLine& line = document_.commandLine();
+    const std::size_t depth = line.depth();
+    Outcome outcome = host_.input().speak(toInputs(answers), InputSource::Lisp);
+    if (line.depth() > depth) {
+        while (line.depth() > depth && line.cancel()) {
+        }
+        return lisp::CommandStatus::Rejected;
+    }
+    return statusOf(outcome);
+}
+
+std::optional<lisp::Value> DocumentLisp::getVar(std::string_view name) {
+    auto value = host_.variables().get(name, &document_);
+    return value ? std::optional(toLisp(*value)) : std::nullopt;
+}
+
+bool DocumentLisp::setVar(std::string_view name, const lisp::Value& value) {
+    auto converted = fromLisp(value);
+    std::string reason;
+    return converted && host_.variables().set(name, *converted, reason, &document_) == VariableStatus::Ok;
+}
+
+void DocumentLisp::print(std::string_view text) {
+    host_.print(text);
+}
+
+void DocumentLisp::alert(std::string_view text) {
+    host_.printLine(text);
+}
+
+lisp::PromptAnswer DocumentLisp::ask(const lisp::PromptRequest& request) {
+    lastHeard_ =
+        host_.input().listen(request.allowBlanks ? InputKind::Line : InputKind::Word, request.message);
+    if (lastHeard_.cancelled) {
+        return lisp::PromptAnswer::cancelled();
+    }
+    return lastHeard_.input.isValue ? lisp::PromptAnswer::fromValue(lastHeard_.input.value)
+                                    : lisp::PromptAnswer::fromText(lastHeard_.input.text);
+}
+
+bool DocumentLisp::askAgain(const lisp::PromptRequest&, std::string_view reason) {
+    host_.input().refuse(lastHeard_, reason);
+    return true;
+}
+
+std::optional<std::string> DocumentLisp::askFile(std::string_view title, std::string_view preset,
+                                                 std::string_view, int) {
+    std::string prompt(title);
+    if (!preset.empty()) {
+        prompt += " <" + std::string(preset) + ">";
+    }
+    Heard heard = host_.input().listen(InputKind::FileName, prompt + ": ");
+    if (heard.cancelled) {
+        return std::nullopt;
+    }
+    std::string name = heard.input.isEnter() ? std::string(preset) : heard.input.text;
+    return name.empty() ? std::nullopt : std::optional(name);
+}
+
+bool DocumentLisp::callModuleFunction(const lisp::Exsubr& function, std::span<const lisp::Value> args,
+                                      lisp::Value& result) {
+    return host_.modules().call(function.module, function.code, args, result);
+}
+
+lisp::ModuleStatus DocumentLisp::loadModule(std::string_view name) {
+    return host_.modules().load(name, false);
+}
+
+lisp::ModuleStatus DocumentLisp::unloadModule(std::string_view name) {
+    return host_.modules().unload(name, false);
+}
+
+std::vector<std::string> DocumentLisp::loadedModules() {
+    return host_.modules().names();
+}
+
+std::optional<std::string> DocumentLisp::findFile(std::string_view name) {
+    std::string path = host_.findFile(name);
+    return path.empty() ? std::nullopt : std::optional(path);
+}
+
+std::optional<std::string> DocumentLisp::environment(std::string_view name) {
+    const char* value = std::getenv(std::string(name).c_str());
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+void DocumentLisp::setEnvironment(std::string_view name, std::string_view value) {
+    ::setenv(std::string(name).c_str(), std::string(value).c_str(), 1);
+}
+
+std::optional<std::string> DocumentLisp::configValue(std::string_view path) {
+    return host_.registry().readString(UserRoot, configPath(path));
+}
+
+bool DocumentLisp::setConfigValue(std::string_view path, std::string_view value) {
+    host_.registry().write(UserRoot, configPath(path), std::string(value));
+    return true;
+}
+
+std::string DocumentLisp::versionText() {
+    return "drafthost LISP 1.0 (en)";
+}
+
+std::optional<std::string> DocumentLisp::commandName(std::string_view name) {
+    const bool global = name.starts_with('_');
+    const CommandEntry* entry = host_.commands().find(global ? name.substr(1) : name);
+    if (!entry) {
+        return std::nullopt;
+    }
+    return global ? entry->name : "_" + entry->name;
+}
+
+bool DocumentLisp::startProgram(std::string_view program, std::string_view argument) {
+    QStringList arguments;
+    if (!argument.empty()) {
+        arguments << QString::fromUtf8(argument.data(), qsizetype(argument.size()));
+    }
+    return QProcess::startDetached(QString::fromUtf8(program.data(), qsizetype(program.size())), arguments);
+}
+
+Drawing* DocumentLisp::drawing() {
+    return &document_.drawing();
+}
+
+void DocumentLisp::drawingChanged(bool symbolTables) {
+    document_.setModified(symbolTables ? ModifiedTables : ModifiedObjects);
+}
+
+bool DocumentLisp::checkInterrupt() {
+    return host_.input().checkInterrupt();
+}
+
+bool DocumentLisp::documentGone() {
+    return document_.closed();
+}
+
+}  // namespace drafthost

@@ -1,0 +1,587 @@
+#include "drafthost/editor/InputStream.h"
+
+#include <unistd.h>
+#include <array>
+#include <cerrno>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include "drafthost/editor/Document.h"
+#include "drafthost/editor/DocumentLisp.h"
+#include "drafthost/editor/Host.h"
+#include "drafthost/editor/ModuleTable.h"
+#include "drafthost/editor/RegistryFile.h"
+#include "drafthost/editor/ScriptReader.h"
+#include "drafthost/lisp/World.h"
+
+namespace drafthost {
+namespace {
+
+constexpr char EndOfText = 3;
+constexpr std::string_view Pause = "\\";
+
+using Item = InputText::Item;
+using Order = std::array<InputSource, 3>;
+constexpr Order AtPrompt = {InputSource::Queue, InputSource::Script, InputSource::Keyboard};
+constexpr Order InCommand = {InputSource::Script, InputSource::Queue, InputSource::Keyboard};
+constexpr std::array<InputSource, 2> InCall = {InputSource::Script, InputSource::Keyboard};
+
+std::string shown(const Item& item) {
+    return item.kind == Item::Kind::Variable ? "!" + item.text : item.text;
+}
+
+}  // namespace
+
+/// One thing in work on the stack.
+class InputStream::Level {
+  public:
+    Level(InputStream& stream, InputSource source) : stream_(stream), outer_(stream.running_) {
+        ++stream_.depth_;
+        stream_.running_ = source;
+    }
+    ~Level() {
+        --stream_.depth_;
+        stream_.running_ = outer_;
+        if (stream_.depth_ == 0) {
+            stream_.applyCancels();
+            stream_.wake();
+        }
+    }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+
+  private:
+    InputStream& stream_;
+    InputSource outer_;
+};
+
+InputStream::InputStream(Host& host) : host_(host), receiver_(std::make_unique<QObject>()) {}
+InputStream::~InputStream() = default;
+
+// --- who speaks ---
+
+void InputStream::receive(std::string_view text, const std::function<void(std::string_view)>& take) {
+    while (!text.empty()) {
+        std::size_t etx = text.find(EndOfText);
+        if (etx > 0) {
+            take(text.substr(0, etx));
+        }
+        if (etx == std::string_view::npos) {
+            break;
+        }
+        cancelArrived();
+        text.remove_prefix(etx + 1);
+    }
+    wake();
+}
+
+void InputStream::queue(std::string_view text, bool echo) {
+    receive(text, [&](std::string_view piece) { queue_.push_back({InputText(piece), echo}); });
+}
+
+void InputStream::type(std::string_view text) {
+    receive(text, [&](std::string_view piece) { keyboard_.append(piece); });
+}
+
+void InputStream::cancel() {
+    cancelArrived();
+    wake();
+}
+
+void InputStream::attachKeyboard(int fd) {
+    keyboardFd_ = fd;
+    keyboardOpen_ = true;
+    keyboardIsTerminal_ = ::isatty(fd) == 1;
+    notifier_ = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, receiver_.get(),
+                     [this] { readKeyboard(); });
+    wake();
+}
+
+void InputStream::readKeyboard() {
+    char block[1 << 14];
+    ssize_t count = ::read(keyboardFd_, block, sizeof block);
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+        return;
+    }
+    if (count > 0) {
+        type({block, std::size_t(count)});
+        return;
+    }
+    // A last line without its end is meant all the same.
+    notifier_->setEnabled(false);
+    keyboardOpen_ = false;
+    if (!keyboard_.empty() && keyboard_.rest().back() != '\n') {
+        keyboard_.append("\n");
+    }
+    wake();
+}
+
+void InputStream::cancelArrived() {
+    userBreak_ = true;
+    promptShown_ = false;
+    host_.script().suspend();
+    keyboard_.dropUnfinishedLine();
+    if (!queue_.empty()) {
+        queue_.back().text.dropUnfinishedLine();
+    }
+    if (depth_ > 0) {
+        ++cancels_;
+        return;
+    }
+    if (Document* document = target()) {
+        document->commandLine().cancel();
+    }
+}
+
+void InputStream::applyCancels() {
+    for (; cancels_ > 0; --cancels_) {
+        if (Document* document = target()) {
+            document->commandLine().cancel();
+        }
+    }
+}
+
+// --- fetching ---
+
+std::optional<Item> InputStream::fetchFromQueue(InputKind kind, bool& echo) {
+    const bool lines = host_.variables().integer("TEXTEVAL", 0) != 0;
+    while (!queue_.empty()) {
+        Queued& first = queue_.front();
+        echo = first.echo;
+        if (auto item = first.text.next(kind, lines)) {
+            return item;
+        }
+        if (first.text.empty()) {
+            queue_.pop_front();
+            continue;
+        }
+        if (queue_.size() == 1) {
+            return std::nullopt;
+        }
+        // Text without an end: the next string goes on with it.
+        std::string open(first.text.rest());
+        queue_.pop_front();
+        queue_.front().text.prepend(open);
+    }
+    return std::nullopt;
+}
+
+std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
+    ScriptReader& script = host_.script();
+    if (!script.isRunning() || !host_.current()) {
+        return std::nullopt;
+    }
+    const bool lines = host_.variables().integer("TEXTEVAL", 0) != 0;
+    if (auto item = script.text().next(kind, lines)) {
+        return item;
+    }
+    // The last input has no end: it stands on the command line as if it had been typed so far.
+    keyboard_.prepend(script.text().rest());
+    script.text().clear();
+    script.finish();
+    return std::nullopt;
+}
+
+std::optional<InputStream::Fetched> InputStream::fetch(InputKind kind, std::span<const InputSource> order) {
+    for (InputSource source : order) {
+        bool echo = true;
+        std::optional<Item> item;
+        if (source == InputSource::Queue) {
+            item = fetchFromQueue(kind, echo);
+        } else if (source == InputSource::Script) {
+            item = fetchFromScript(kind);
+        } else {
+            item = keyboard_.next(kind, host_.variables().integer("TEXTEVAL", 0) != 0);
+        }
+        if (item) {
+            return Fetched{std::move(*item), source, echo};
+        }
+    }
+    return std::nullopt;
+}
+
+// --- working off ---
+
+Document* InputStream::target() {
+    return host_.current() ? host_.current() : host_.standIn();
+}
+
+void InputStream::wake() {
+    if (scheduled_ || pumping_ || ended_) {
+        return;
+    }
+    scheduled_ = true;
+    QMetaObject::invokeMethod(
+        receiver_.get(), [this] { pump(); }, Qt::QueuedConnection);
+}
+
+void InputStream::pump() {
+    scheduled_ = false;
+    if (depth_ > 0 || pumping_ || ended_) {
+        return;
+    }
+    // Short turns, so that timers and windows get theirs in the middle of a long script.
+    constexpr qint64 TurnMilliseconds = 10;
+    QElapsedTimer turn;
+    turn.start();
+    pumping_ = true;
+    bool more = false;
+    do {
+        host_.releaseClosed();
+        more = !host_.quitRequested() && step();
+    } while (more && turn.elapsed() < TurnMilliseconds);
+    pumping_ = false;
+    host_.releaseClosed();
+    if (more) {
+        wake();
+        return;
+    }
+    endWhenDone();
+    if (ended_) {
+        return;
+    }
+    std::string error;
+    if (!host_.registry().save(error)) {
+        host_.printLine(error);
+    }
+    Document* document = target();
+    if (!document->commandLine().isDelaying()) {
+        showPrompt(document->commandLine().prompt());
+    }
+    document->log().flush();
+    if (std::string problem = document->log().takeError(); !problem.empty()) {
+        host_.printLine(problem);
+    }
+}
+
+void InputStream::endWhenDone() {
+    bool done = host_.quitRequested();
+    if (!done && notifier_ && !keyboardOpen_) {
+        CommandLine& line = target()->commandLine();
+        // With nobody left to answer it, a command can only be ended by a module's timer.
+        const bool waiting = !line.atPrompt() && (line.isDelaying() || !host_.modules().names().empty());
+        done = !host_.script().isRunning() && !waiting;
+    }
+    if (done) {
+        ended_ = true;
+        host_.requestQuit();
+        if (onEnd_) {
+            onEnd_();
+        }
+    }
+}
+
+bool InputStream::step() {
+    Document& document = *target();
+    CommandLine& line = document.commandLine();
+    if (line.isDelaying()) {
+        return false;
+    }
+    const bool queueFirst = line.atPrompt() || line.source() == InputSource::Queue;
+    auto fetched = fetch(line.wants(), queueFirst ? AtPrompt : InCommand);
+    if (!fetched) {
+        return false;
+    }
+    execute(document, *fetched);
+    return true;
+}
+
+void InputStream::execute(Document& document, const Fetched& fetched) {
+    const std::uint64_t script = host_.script().number();
+    Level level(*this, fetched.source);
+    if (fetched.echo) {
+        echo(document.commandLine().prompt(), shown(fetched.item), fetched.source);
+    }
+    suspendScriptAfter(perform(document, fetched), fetched.source, script);
+}
+
+void InputStream::suspendScriptAfter(Outcome outcome, InputSource source, std::uint64_t script) {
+    ScriptReader& reader = host_.script();
+    if (source == InputSource::Script && (outcome == Outcome::Failed || outcome == Outcome::Rejected) &&
+        reader.isRunning() && reader.number() == script) {
+        reader.suspend();
+        host_.printLine("The script is suspended; RESUME goes on with it.");
+    }
+}
+
+void InputStream::runFromTimer(const std::function<Outcome()>& code, InputSource source) {
+    const std::uint64_t script = host_.script().number();
+    Level level(*this, source);
+    suspendScriptAfter(code(), source, script);
+}
+
+void InputStream::runInApplicationContext(const std::function<void()>& code) {
+    ++applicationContext_;
+    code();
+    --applicationContext_;
+}
+
+Outcome InputStream::perform(Document& document, const Fetched& fetched) {
+    const Item& item = fetched.item;
+    CommandLine& line = document.commandLine();
+    if (item.kind == Item::Kind::Cancel) {
+        line.cancel();
+        return Outcome::Ok;
+    }
+    if (item.kind == Item::Kind::Text) {
+        return hand(document, Input::fromText(item.text), fetched.source, false);
+    }
+    if (!host_.current()) {
+        host_.printLine("No drawing is open.");
+        return Outcome::Rejected;
+    }
+    if (!line.atPrompt()) {
+        return answerWithValue(document, item);
+    }
+    if (item.kind == Item::Kind::Variable) {
+        host_.printLine(DocumentLisp::shown(document.world().get(item.text)));
+        return Outcome::Ok;
+    }
+    lisp::EvalResult result = document.lisp().run(item.text, item.text);
+    if (!result.ok()) {
+        return result.status == lisp::EvalResult::Status::Error ? Outcome::Failed : Outcome::Ok;
+    }
+    if (!result.value.isNullSymbol()) {
+        host_.printLine(DocumentLisp::shown(result.value));
+    }
+    return Outcome::Ok;
+}
+
+Outcome InputStream::answerWithValue(Document& document, const Item& item) {
+    lisp::Value value;
+    if (item.kind == Item::Kind::Variable) {
+        value = document.world().get(item.text);
+    } else {
+        lisp::EvalResult result = document.lisp().run(item.text, item.text);
+        if (!result.ok()) {
+            return result.status == lisp::EvalResult::Status::Error ? Outcome::Failed : Outcome::Ok;
+        }
+        value = result.value;
+    }
+    // The expression may have ended the command that it was to answer.
+    if (host_.current() != &document || document.commandLine().atPrompt()) {
+        return Outcome::Ok;
+    }
+    return document.commandLine().answer(Input::fromValue(value), false);
+}
+
+Outcome InputStream::hand(Document& document, const Input& input, InputSource source, bool more) {
+    CommandLine& line = document.commandLine();
+    const bool spoken = source == InputSource::Lisp || source == InputSource::Module;
+    if (line.atPrompt()) {
+        if (input.isValue) {
+            host_.printLine(input.text + " is no command.");
+            return Outcome::Rejected;
+        }
+        if (input.isEnter()) {
+            // Enter repeats for people; a list that has one Enter too many means nothing by it.
+            return spoken || line.lastCommand().empty() ? Outcome::Ok
+                                                        : command(document, line.lastCommand(), source, more);
+        }
+        return command(document, input.text, source, more);
+    }
+    if (!input.isValue && input.text.size() > 1 && input.text[0] == '\'' && line.wants() != InputKind::Line) {
+        return transparent(document, input.text, source);
+    }
+    return line.answer(input, more);
+}
+
+// --- lists of modules and of LISP ---
+
+Outcome InputStream::speak(std::span<const Input> inputs, InputSource source) {
+    Document* document = target();
+    if (inputs.empty()) {
+        document->commandLine().cancel();
+        return Outcome::Ok;
+    }
+    Level level(*this, source);
+    const bool echoes = host_.variables().integer("CMDECHO", 1) != 0;
+    Outcome result = Outcome::Ok;
+    lists_.push_back({inputs, source, lispDepth_});
+    const std::size_t self = lists_.size() - 1;
+    while (!lists_[self].rest.empty() && target() == document && !document->closed()) {
+        const Input& input = lists_[self].rest.front();
+        lists_[self].rest = lists_[self].rest.subspan(1);
+        CommandLine& line = document->commandLine();
+        Outcome outcome = Outcome::Ok;
+        if (!input.isValue && input.text == Pause && !line.atPrompt()) {
+            outcome = handToUser(*document);
+        } else if (input.isValue || input.text != Pause) {
+            if (echoes && !(line.atPrompt() && input.isEnter())) {
+                echo(line.prompt(), input.text, source);
+            }
+            outcome = hand(*document, input, source, !lists_[self].rest.empty());
+        }
+        while (line.isDelaying() && !document->closed()) {
+            if (cancels_ > 0) {
+                --cancels_;
+                line.cancel();
+                outcome = Outcome::Cancelled;
+                break;
+            }
+            wait();
+        }
+        if (outcome != Outcome::Ok) {
+            result = outcome;
+        }
+        if (outcome == Outcome::Cancelled) {
+            break;
+        }
+    }
+    lists_.pop_back();
+    return result;
+}
+
+Outcome InputStream::handToUser(Document& document) {
+    CommandLine& line = document.commandLine();
+    const std::uint64_t script = host_.script().number();
+    Heard heard = listen(line.wants(), line.prompt());
+    if (heard.cancelled) {
+        line.cancel();
+        return Outcome::Cancelled;
+    }
+    if (line.atPrompt()) {
+        return Outcome::Ok;
+    }
+    Outcome outcome = hand(document, heard.input, heard.source, false);
+    suspendScriptAfter(outcome, heard.source, script);
+    return outcome;
+}
+
+// --- listening ---
+
+Heard InputStream::listen(InputKind kind, const std::string& prompt) {
+    Heard heard;
+    for (;;) {
+        if (cancels_ > 0 || terminating_) {
+            cancels_ -= cancels_ > 0 ? 1 : 0;
+            return heard;
+        }
+        if (!lists_.empty() && !lists_.back().rest.empty() && lispDepth_ == lists_.back().lispDepth) {
+            List& list = lists_.back();
+            const Input& next = list.rest.front();
+            if (next.isValue || next.text != Pause) {
+                heard = {false, next, list.source};
+                list.rest = list.rest.subspan(1);
+                return heard;
+            }
+            list.rest = list.rest.subspan(1);
+        }
+        auto fetched = running_ == InputSource::Queue ? fetch(kind, AtPrompt) : fetch(kind, InCall);
+        if (!fetched) {
+            if (!keyboardOpen_ && !host_.hasFrame() && notifier_) {
+                return heard;
+            }
+            showPrompt(prompt);
+            wait();
+            continue;
+        }
+        if (fetched->item.kind == Item::Kind::Cancel) {
+            return heard;
+        }
+        if (fetched->echo) {
+            echo(prompt, shown(fetched->item), fetched->source);
+        }
+        heard.source = fetched->source;
+        if (fetched->item.kind == Item::Kind::Text) {
+            heard.cancelled = false;
+            heard.input = Input::fromText(fetched->item.text);
+            return heard;
+        }
+        Document* document = host_.current();
+        if (!document) {
+            return heard;
+        }
+        if (fetched->item.kind == Item::Kind::Variable) {
+            heard.cancelled = false;
+            heard.input = Input::fromValue(document->world().get(fetched->item.text));
+            return heard;
+        }
+        lisp::EvalResult result = document->lisp().run(fetched->item.text, fetched->item.text);
+        if (result.ok()) {
+            heard.cancelled = false;
+            heard.input = Input::fromValue(result.value);
+            return heard;
+        }
+        if (result.status != lisp::EvalResult::Status::Error) {
+            return heard;
+        }
+        suspendScriptAfter(Outcome::Failed, heard.source, host_.script().number());
+    }
+}
+
+void InputStream::refuse(const Heard& heard, std::string_view complaint) {
+    host_.printLine(complaint);
+    suspendScriptAfter(Outcome::Rejected, heard.source, host_.script().number());
+}
+
+void InputStream::wait() {
+    host_.flushOutput();
+    if (Document* document = host_.current()) {
+        document->log().flush();
+    }
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+bool InputStream::checkInterrupt() {
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    if (terminating_) {
+        return true;
+    }
+    if (cancels_ > 0) {
+        --cancels_;
+        return true;
+    }
+    return false;
+}
+
+void InputStream::terminate() {
+    terminating_ = true;
+    host_.script().stop();
+    host_.requestQuit();
+}
+
+unsigned InputStream::activeBits() const {
+    unsigned bits = 0;
+    if (Document* document = host_.current()) {
+        const CommandLine& line = document->commandLine();
+        bits |= line.atPrompt() ? 0 : 1;
+        bits |= line.hasTransparent() ? 2 : 0;
+        bits |= line.hasModuleCommand() ? 64 : 0;
+    }
+    bits |= host_.script().isRunning() ? 4 : 0;
+    bits |= lispDepth_ > 0 ? 32 : 0;
+    return bits;
+}
+
+// --- prompts and echo ---
+
+void InputStream::showPrompt(const std::string& prompt) {
+    if (promptShown_ && promptMark_ == host_.textMark()) {
+        return;
+    }
+    host_.freshLine();
+    host_.print(prompt);
+    host_.flushOutput();
+    promptShown_ = true;
+    promptMark_ = host_.textMark();
+}
+
+void InputStream::echo(const std::string& prompt, std::string_view text, InputSource source) {
+    if (!promptShown_ || promptMark_ != host_.textMark()) {
+        host_.freshLine();
+        host_.print(prompt);
+    }
+    promptShown_ = false;
+    if (source == InputSource::Keyboard && keyboardIsTerminal_) {
+        host_.logTyped(text);
+    } else {
+        host_.print(std::string(text) + "\n");
+    }
+}
+
+}  // namespace drafthost

@@ -1,0 +1,277 @@
+#include "drafthost/editor/RegistryFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <filesystem>
+
+#include "drafthost/editor/Encoding.h"
+#include "drafthost/lisp/Symbol.h"
+
+namespace drafthost {
+namespace {
+
+constexpr std::string_view UserRoot = "HKEY_CURRENT_USER";
+constexpr std::string_view DefaultProfile = "<<Unnamed Profile>>";
+
+std::string trimmed(std::string_view text) {
+    while (text.starts_with('\\')) {
+        text.remove_prefix(1);
+    }
+    while (text.ends_with('\\')) {
+        text.remove_suffix(1);
+    }
+    return std::string(text);
+}
+
+/// Key with its root, and name, of a path.
+std::pair<std::string, std::string> split(std::string_view root, std::string_view path) {
+    std::size_t slash = path.rfind('\\');
+    std::string_view key = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
+    std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
+    std::string full = trimmed(key);
+    return {full.empty() ? std::string(root) : std::string(root) + "\\" + full, std::string(name)};
+}
+
+std::string quoted(std::string_view text) {
+    std::string out = "\"";
+    for (char c : text) {
+        if (c == '\n') {
+            out += "\\n";
+        } else {
+            if (c == '"' || c == '\\') {
+                out += '\\';
+            }
+            out += c;
+        }
+    }
+    return out + "\"";
+}
+
+/// Takes a quoted text off the front of the line.
+std::optional<std::string> takeQuoted(std::string_view& line) {
+    if (!line.starts_with('"')) {
+        return std::nullopt;
+    }
+    std::string out;
+    for (std::size_t i = 1; i < line.size(); ++i) {
+        if (line[i] == '"') {
+            line.remove_prefix(i + 1);
+            return out;
+        }
+        if (line[i] == '\\' && i + 1 < line.size()) {
+            ++i;
+            out += line[i] == 'n' ? '\n' : line[i];
+        } else {
+            out += line[i];
+        }
+    }
+    return std::nullopt;
+}
+
+bool writeAll(int fd, std::string_view text) {
+    while (!text.empty()) {
+        ssize_t count = ::write(fd, text.data(), text.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            return false;
+        }
+        text.remove_prefix(std::size_t(count));
+    }
+    return true;
+}
+
+}  // namespace
+
+RegistryFile::RegistryFile(std::string path) : path_(std::move(path)), profile_(DefaultProfile) {
+    std::string text, error;
+    if (!path_.empty() && readFile(path_, text, error)) {
+        keys_ = parse(text);
+    }
+    if (auto name = readString(UserRoot, productKey() + "\\Profiles\\")) {
+        profile_ = *name;
+    }
+}
+
+const std::string& RegistryFile::productKey() {
+    static const std::string key = "Software\\Drafthost\\1.0";
+    return key;
+}
+
+std::string RegistryFile::profileKey(std::string_view profile) {
+    return productKey() + "\\Profiles\\" + std::string(profile);
+}
+
+std::optional<RegistryFile::Value> RegistryFile::read(std::string_view root, std::string_view path) const {
+    auto [key, name] = split(root, path);
+    auto found = keys_.find(lisp::lowerCase(key));
+    if (found == keys_.end()) {
+        return std::nullopt;
+    }
+    auto value = found->second.values.find(lisp::lowerCase(name));
+    if (value == found->second.values.end()) {
+        return std::nullopt;
+    }
+    return value->second.value;
+}
+
+std::optional<std::uint32_t> RegistryFile::readNumber(std::string_view root, std::string_view path) const {
+    auto value = read(root, path);
+    const std::uint32_t* number = value ? std::get_if<std::uint32_t>(&*value) : nullptr;
+    return number ? std::optional(*number) : std::nullopt;
+}
+
+std::optional<std::string> RegistryFile::readString(std::string_view root, std::string_view path) const {
+    auto value = read(root, path);
+    const std::string* text = value ? std::get_if<std::string>(&*value) : nullptr;
+    return text ? std::optional(*text) : std::nullopt;
+}
+
+void RegistryFile::put(Keys& keys, const std::string& key, const std::string& name, Value value) {
+    Key& place = keys[lisp::lowerCase(key)];
+    if (place.name.empty()) {
+        place.name = key;
+    }
+    Entry& entry = place.values[lisp::lowerCase(name)];
+    if (entry.name.empty()) {
+        entry.name = name;
+    }
+    entry.value = std::move(value);
+}
+
+void RegistryFile::write(std::string_view root, std::string_view path, Value value) {
+    auto old = read(root, path);
+    if (old && *old == value) {
+        return;
+    }
+    auto [key, name] = split(root, path);
+    put(keys_, key, name, std::move(value));
+    changed_.emplace(lisp::lowerCase(key), lisp::lowerCase(name));
+}
+
+std::vector<std::string> RegistryFile::keys(std::string_view root, std::string_view key) const {
+    std::string prefix = lisp::lowerCase(std::string(root) + "\\" + trimmed(key) + "\\");
+    std::vector<std::string> names;
+    std::set<std::string> seen;
+    for (auto at = keys_.lower_bound(prefix); at != keys_.end() && at->first.starts_with(prefix); ++at) {
+        std::string name = at->second.name.substr(prefix.size());
+        name = name.substr(0, name.find('\\'));
+        if (seen.insert(lisp::lowerCase(name)).second) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+std::optional<std::string> RegistryFile::profileValue(std::string_view name) const {
+    return readString(UserRoot, profileKey(profile_) + "\\Variables\\" + std::string(name));
+}
+
+void RegistryFile::setProfileValue(std::string_view name, std::string value) {
+    write(UserRoot, profileKey(profile_) + "\\Variables\\" + std::string(name), std::move(value));
+}
+
+RegistryFile::Keys RegistryFile::parse(std::string_view text) {
+    Keys keys;
+    std::string key;
+    while (!text.empty()) {
+        std::size_t end = text.find('\n');
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+        if (line.ends_with('\r')) {
+            line.remove_suffix(1);
+        }
+        if (line.starts_with('[') && line.ends_with(']')) {
+            key = line.substr(1, line.size() - 2);
+            continue;
+        }
+        auto name = takeQuoted(line);
+        if (!name || key.empty() || !line.starts_with('=')) {
+            continue;
+        }
+        line.remove_prefix(1);
+        constexpr std::string_view Dword = "dword:";
+        if (line.starts_with(Dword)) {
+            line.remove_prefix(Dword.size());
+            std::uint32_t number = 0;
+            auto [last, code] = std::from_chars(line.data(), line.data() + line.size(), number, 16);
+            if (code == std::errc()) {
+                put(keys, key, *name, number);
+            }
+        } else if (auto value = takeQuoted(line)) {
+            put(keys, key, *name, *value);
+        }
+    }
+    return keys;
+}
+
+std::string RegistryFile::format(const Keys& keys) {
+    std::string text;
+    for (const auto& [folded, key] : keys) {
+        text += "[" + key.name + "]\n";
+        for (const auto& [foldedName, entry] : key.values) {
+            text += quoted(entry.name) + "=";
+            if (const std::uint32_t* number = std::get_if<std::uint32_t>(&entry.value)) {
+                char digits[16];
+                std::snprintf(digits, sizeof digits, "dword:%08x", *number);
+                text += digits;
+            } else {
+                text += quoted(std::get<std::string>(entry.value));
+            }
+            text += "\n";
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+bool RegistryFile::save(std::string& error) {
+    if (changed_.empty() || path_.empty()) {
+        changed_.clear();
+        return true;
+    }
+    std::error_code code;
+    std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), code);
+    const std::string lockPath = path_ + ".lock";
+    int lock = ::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (lock < 0 || ::flock(lock, LOCK_EX) != 0) {
+        error = "The registry file " + path_ + " cannot be locked: " + std::strerror(errno);
+        if (lock >= 0) {
+            ::close(lock);
+        }
+        return false;
+    }
+    std::string text, ignored;
+    Keys merged;
+    if (readFile(path_, text, ignored)) {
+        merged = parse(text);
+    }
+    for (const auto& [key, name] : changed_) {
+        const Key& from = keys_.at(key);
+        const Entry& entry = from.values.at(name);
+        put(merged, from.name, entry.name, entry.value);
+    }
+    const std::string beside = path_ + ".new";
+    int fd = ::open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    bool done = fd >= 0 && writeAll(fd, format(merged));
+    if (fd >= 0) {
+        done = ::close(fd) == 0 && done;
+    }
+    done = done && ::rename(beside.c_str(), path_.c_str()) == 0;
+    if (!done) {
+        error = "The registry file " + path_ + " cannot be written: " + std::strerror(errno);
+        ::unlink(beside.c_str());
+    } else {
+        keys_ = std::move(merged);
+        changed_.clear();
+    }
+    ::close(lock);
+    return done;
+}
+
+}  // namespace drafthost
