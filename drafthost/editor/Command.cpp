@@ -121,17 +121,19 @@ bool Ask::take(const Input& given, std::string& complaint) {
             complaint = quoted(input) + " is not one of the options " + options_.keywords + ".";
             return false;
         case Type::Integer: {
-            auto integer = input.isValue ? std::nullopt : readInteger(input.text);
-            if (number && *number == std::floor(*number) && std::abs(*number) < 2147483648.0) {
-                integer = int(*number);
+            if (!number && !input.isValue) {
+                auto typed = readInteger(input.text);
+                number = typed ? std::optional<double>(*typed) : std::nullopt;
             }
-            if (!integer) {
+            const bool isInteger =
+                number && *number == std::floor(*number) && std::abs(*number) < 2147483648.0;
+            if (!isInteger) {
                 complaint = "An integer" + options + " is needed here, not " + quoted(input) + ".";
                 return false;
             }
-            answer_.integer = *integer;
-            answer_.real = *integer;
-            return withinBounds(*integer, complaint);
+            answer_.integer = int(*number);
+            answer_.real = *number;
+            return withinBounds(*number, complaint);
         }
         case Type::Real:
         case Type::Distance:

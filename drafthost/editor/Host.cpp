@@ -37,11 +37,6 @@ std::string programFolder() {
     return code ? std::string() : program.parent_path().string() + "/";
 }
 
-bool isReadOnlyFile(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && (info.st_mode & 0222) == 0;
-}
-
 bool isSameFile(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }

@@ -36,7 +36,7 @@ std::pair<std::string, std::string> split(std::string_view root, std::string_vie
     return {full.empty() ? std::string(root) : std::string(root) + "\\" + full, std::string(name)};
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     std::string out = "\"";
     for (char c : text) {
         if (c == '\n') {
@@ -215,13 +215,13 @@ std::string RegistryFile::format(const Keys& keys) {
     for (const auto& [folded, key] : keys) {
         text += "[" + key.name + "]\n";
         for (const auto& [foldedName, entry] : key.values) {
-            text += quoted(entry.name) + "=";
+            text += inQuotes(entry.name) + "=";
             if (const std::uint32_t* number = std::get_if<std::uint32_t>(&entry.value)) {
                 char digits[16];
                 std::snprintf(digits, sizeof digits, "dword:%08x", *number);
                 text += digits;
             } else {
-                text += quoted(std::get<std::string>(entry.value));
+                text += inQuotes(std::get<std::string>(entry.value));
             }
             text += "\n";
         }
