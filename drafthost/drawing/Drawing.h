@@ -83,6 +83,8 @@ class Drawing {
     RecordId next(RecordId id) const;
     RecordId previous(RecordId id) const;
     bool isAlive(RecordId id) const;
+    /// Whether the record stands between two others.
+    bool isWithin(RecordId id, RecordId begin, RecordId end) const;
     /// The tags of one record; valid until that record is edited.
     Record record(RecordId id) const;
     /// Value of the tag with code 0, for example "LINE".
@@ -131,14 +133,18 @@ class Drawing {
     Drawing();
     bool load(std::string bytes, const std::string& name, std::string& error);
     void readIdentity();
+    Overlay* overlayOf(RecordId id) const;
     Overlay& edit(RecordId id);
-    void structureChanged();
+    void changed(RecordId id, int code);
+    void linkBehind(RecordId previous, RecordId id);
     std::string rawFromValue(int code, const Value& value, std::string_view old) const;
     void updateHeaderForSave();
-    void linkBehind(RecordId previous, RecordId id);
+    std::uint64_t largestHandle() const;
     void buildHandles() const;
-    /// The file as stretches of the source bytes and of `scratch`, in order.
     std::vector<std::string_view> pieces(std::deque<std::string>& scratch) const;
+    void appendPieces(RecordId id, std::vector<std::string_view>& pieces,
+                      std::deque<std::string>& scratch) const;
+    std::string codeBytes(int code) const;
 
     std::string name_;
     std::string bytes_;

@@ -47,7 +47,7 @@ class Record {
     std::size_t subclass(std::string_view name) const;
     /// Index of the first tag of the extended data (code 1000 and above, but for comments), or size().
     std::size_t xdata() const;
-    /// First value under `code` before the extended data, or `otherwise`.
+    /// First value under `code`, or `otherwise`.
     std::string textOr(int code, std::string_view otherwise) const;
     double realOr(int code, double otherwise) const;
     std::int64_t integerOr(int code, std::int64_t otherwise) const;
@@ -58,6 +58,9 @@ class Record {
     friend class Drawing;
     Record(const Drawing& drawing, RecordId id, std::uint32_t first, std::uint32_t count, const void* overlay)
         : drawing_(&drawing), overlay_(overlay), id_(id), first_(first), count_(count) {}
+
+    /// The bytes from the value of tag `i` on; its end is not looked for.
+    std::string_view tail(std::size_t i) const;
 
     const Drawing* drawing_;
     const void* overlay_;

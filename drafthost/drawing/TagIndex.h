@@ -28,6 +28,8 @@ class TagIndex {
     std::uint32_t valueEnd(std::string_view bytes, std::uint32_t tag) const;
     /// Where the tag itself begins: its code line, or its code bytes.
     std::uint32_t tagBegin(std::string_view bytes, std::uint32_t tag) const;
+    /// Behind the tag, where the next one begins.
+    std::uint32_t tagEnd(std::string_view bytes, std::uint32_t tag) const;
     /// Behind the last tag; what follows is kept and written as it is.
     std::uint32_t end() const { return end_; }
     /// Line end of an ASCII drawing, as its first line has it.
@@ -49,15 +51,23 @@ class TagIndex {
 
     bool buildAscii(std::string_view bytes, std::string& error);
     bool buildBinary(std::string_view bytes, std::string& error);
+    void reserve(std::uint32_t more);
     void shrink();
+    void add(int code, std::uint32_t offset);
+    bool addPairs(std::string_view bytes, const std::uint32_t* ends, std::size_t pairs,
+                  std::uint32_t& lineBegin, std::string& error);
 
     Array<std::uint32_t> offsets_;
     Array<std::int16_t> codes_;
     Array<std::uint32_t> records_;
     std::uint32_t size_ = 0;
+    std::uint32_t capacity_ = 0;
     std::uint32_t recordCount_ = 0;
+    std::uint32_t recordCapacity_ = 0;
     std::uint32_t end_ = 0;
     std::string_view lineEnd_ = "\n";
+    char terminator_ = '\n';
+    bool complete_ = false;
     int codeWidth_ = 0;
     int codeBytes_ = 2;
     bool binary_ = false;

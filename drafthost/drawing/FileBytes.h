@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace drafthost {
+
+// Whole files to and from the disk. A save must never leave half a drawing, whatever happens in the middle of
+// it, so the new bytes are written to a file beside the old one, synced, and renamed over it.
+
+/// Reads a regular file below 4 GiB; false with one line that names the file and the cause.
+bool readFile(const std::string& path, std::string& bytes, std::string& error);
+
+/// Writes `pieces` one behind the other as the new content of `path`. The mode and, where allowed, the owner
+/// of a file that stands there are kept; a symbolic link stays one. The folder is synced too when the name is
+/// new: when it is not, a crash leaves the old or the new file, both whole. On failure nothing has changed
+/// and no temporary is left.
+bool replaceFile(const std::string& path, const std::vector<std::string_view>& pieces, std::string& error);
+
+}  // namespace drafthost

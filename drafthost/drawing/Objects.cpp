@@ -1,0 +1,57 @@
+#include "drafthost/drawing/Objects.h"
+
+#include "drafthost/drawing/Structure.h"
+
+namespace drafthost {
+
+std::vector<RecordId> objects(const Drawing& drawing) {
+    std::vector<RecordId> result;
+    const Structure::Section& section = drawing.structure().objectsSection;
+    if (section.begin == NoRecord) {
+        return result;
+    }
+    for (RecordId id = drawing.next(section.begin); id != NoRecord; id = drawing.next(id)) {
+        const std::string_view type = drawing.type(id);
+        if (type == "ENDSEC" || type == "SECTION" || type == "EOF") {
+            break;
+        }
+        result.push_back(id);
+    }
+    return result;
+}
+
+RecordId rootDictionary(const Drawing& drawing) {
+    for (const RecordId id : objects(drawing)) {
+        if (drawing.type(id) == "DICTIONARY") {
+            return id;
+        }
+    }
+    return NoRecord;
+}
+
+std::vector<DictionaryEntry> dictionaryEntries(const Drawing& drawing, RecordId dictionary) {
+    std::vector<DictionaryEntry> entries;
+    const Record record = drawing.record(dictionary);
+    for (std::size_t i = 0; i + 1 < record.size(); ++i) {
+        const int next = record.code(i + 1);
+        if (record.code(i) == 3 && (next == 350 || next == 360)) {
+            entries.push_back({record.text(i), record.handle(i + 1), i});
+        }
+    }
+    return entries;
+}
+
+RecordId findInDictionary(const Drawing& drawing, RecordId dictionary, std::string_view name) {
+    if (dictionary == NoRecord) {
+        return NoRecord;
+    }
+    const std::string folded = foldCase(name);
+    for (const DictionaryEntry& entry : dictionaryEntries(drawing, dictionary)) {
+        if (foldCase(entry.name) == folded) {
+            return drawing.findHandle(entry.handle);
+        }
+    }
+    return NoRecord;
+}
+
+}  // namespace drafthost
