@@ -42,13 +42,13 @@ double hostRelease() {
 
 void afterCancel() {
     CTarnelData& data = TarnelData();
-    if (data.DebugRequested || Ui().IsKeyCaptureOn()) {
+    if (data.DebugRequested || CurrentUi().IsKeyCaptureOn()) {
         data.DebugRequested = false;
         Trace("Call Debug Script\n");
-        Ui().OpenStepThrough();
+        CurrentUi().OpenStepThrough();
     }
     if (hostRelease() >= RefreshFromRelease)
-        Ui().RefreshActiveWindow();
+        CurrentUi().RefreshActiveWindow();
 }
 
 }  // namespace
@@ -60,9 +60,9 @@ void DoBatch() {
         Cleanup();
         return;
     }
-    if (Ui().IsStepThroughVisible()) {
+    if (CurrentUi().IsStepThroughVisible()) {
         Trace("KillDebugScript\n");
-        Ui().CloseStepThrough();
+        CurrentUi().CloseStepThrough();
     }
     if (data.StateFile.isEmpty()) {
         Trace("Getting State File Name\n");
@@ -73,7 +73,7 @@ void DoBatch() {
     Trace("Restoring Sys Vars\n");
     ResetSystemVars();
     Trace("Showing MainDlg\n");
-    const RunUi::Answer answer = Ui().RunMainDialog();
+    const RunUi::Answer answer = CurrentUi().RunMainDialog();
     Trace("Saving State\n");
     SaveRunState();
     if (answer == RunUi::Cancel) {

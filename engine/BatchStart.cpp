@@ -39,7 +39,7 @@ bool leaveOneDocument() {
         return true;
     if (!Run().Scheduled) {
         const auto answer =
-            Ui().Ask(TarnelData().ProductName,
+            CurrentUi().Ask(TarnelData().ProductName,
                      QStringLiteral("Tarnel operates in Single Document mode,\nbut will return to Multiple "
                                     "Document mode upon completion.\n\nWould you like to close all documents "
                                     "at this time?"),
@@ -78,7 +78,7 @@ bool settleChanges() {
     if (!DrawingIsModified() || Run().Scheduled)
         return true;
     const auto answer =
-        Ui().Ask(TarnelData().ProductName, QStringLiteral("Save changes to %1?").arg(textVariable("DWGNAME")),
+        CurrentUi().Ask(TarnelData().ProductName, QStringLiteral("Save changes to %1?").arg(textVariable("DWGNAME")),
                  RunUi::YesNoCancel);
     if (answer == RunUi::Yes)
         saveCurrentDrawing();
@@ -102,7 +102,7 @@ bool prepareRun() {
     Trace("StartWatch\n");
     if (StartWatch())
         return true;
-    Ui().Ask(
+    CurrentUi().Ask(
         TarnelData().ProductName,
         QStringLiteral("Could not launch the TNLWatch process that is used to monitor\nthe progress of the "
                        "Tarnel. Batch aborted."),

@@ -68,7 +68,7 @@ bool GetNextFile(QString& path) {
         const bool tested = !data.RecoverMode && CFileName(path).GetExt() == QLatin1String(".dwg");
         if (tested && !mayBeProcessed(data, path)) {
             data.FileStatus[entry] = Locked;
-            Ui().ShowFileStatus(path, FileStatusWord(Locked));
+            CurrentUi().ShowFileStatus(path, FileStatusWord(Locked));
             continue;
         }
         data.CurrentFile = static_cast<int>(k);

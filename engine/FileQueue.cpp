@@ -85,5 +85,5 @@ void SetCurrentFileStatus(FileStatusValue status) {
     data.FileStatus[entry] = status;
     Trace("SaveState\n");
     SaveRunState();
-    Ui().ShowFileStatus(EntryPath(data, entry), FileStatusWord(status));
+    CurrentUi().ShowFileStatus(EntryPath(data, entry), FileStatusWord(status));
 }

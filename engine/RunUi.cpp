@@ -6,7 +6,7 @@ namespace {
 RunUi* current = nullptr;
 }
 
-RunUi& Ui() {
+RunUi& CurrentUi() {
     static ConsoleUi console;
     return current ? *current : console;
 }

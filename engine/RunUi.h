@@ -38,6 +38,6 @@ class RunUi {
 };
 
 /// The implementation in force: the one that was set, else the lines on the command line.
-RunUi& Ui();
+RunUi& CurrentUi();
 /// Null goes back to the command line.
 void SetUi(RunUi* ui);

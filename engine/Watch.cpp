@@ -24,11 +24,11 @@ bool StartWatch() {
     const auto waiting = std::count(data.FileStatus.begin(), data.FileStatus.end(), ToDo);
     Trace("Create status window\n");
     timers = std::make_unique<WatchTimers>();
-    Ui().OpenStatus(static_cast<int>(waiting));
+    CurrentUi().OpenStatus(static_cast<int>(waiting));
     Trace("Set progress for status window\n");
     Trace("Center status window\n");
     Trace("Show status window\n");
-    Ui().ShowStatus();
+    CurrentUi().ShowStatus();
     Trace("Start Watch done\n");
     acDocManagerPtr()->popResourceHandle();
     return true;
@@ -38,7 +38,7 @@ void WatchNewFile(const QString& path) {
     const CTarnelData& data = TarnelData();
     // A script may drive the queue without a run; there is no status to show then.
     if (timers) {
-        Ui().ShowFile(path, static_cast<int>(std::max(data.MaxTime, data.AlarmTime)));
+        CurrentUi().ShowFile(path, static_cast<int>(std::max(data.MaxTime, data.AlarmTime)));
         timers->Start(data.AlarmTime, data.MaxTime);
     }
     acedPumpMessage();
@@ -50,7 +50,7 @@ void CloseWatch() {
     if (!timers)
         return;
     timers.reset();
-    Ui().CloseStatus();
+    CurrentUi().CloseStatus();
 }
 
 bool CheckWatch() {

@@ -28,7 +28,7 @@ WatchTimers::WatchTimers() {
     connect(&alarm, &QTimer::timeout, this, &WatchTimers::onAlarm);
     connect(&timeout, &QTimer::timeout, this, &WatchTimers::onTimeout);
     connect(&flash, &QTimer::timeout, this, &WatchTimers::onFlash);
-    connect(&seconds, &QTimer::timeout, this, [] { Ui().StepFileTime(); });
+    connect(&seconds, &QTimer::timeout, this, [] { CurrentUi().StepFileTime(); });
 }
 
 void WatchTimers::Start(unsigned alarmTime, unsigned maxTime) {
@@ -51,9 +51,9 @@ void WatchTimers::KillAll() {
 }
 
 void WatchTimers::onAlarm() {
-    Ui().Alarm();
+    CurrentUi().Alarm();
     flash.start(FlashPeriod);
-    Ui().Flash(true);
+    CurrentUi().Flash(true);
     flashPhase = false;
 }
 
@@ -63,7 +63,7 @@ void WatchTimers::onTimeout() {
 }
 
 void WatchTimers::onFlash() {
-    Ui().Flash(flashPhase);
+    CurrentUi().Flash(flashPhase);
     flashPhase = !flashPhase;
 }
 

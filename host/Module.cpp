@@ -34,7 +34,7 @@ struct ModuleContext {
 std::unique_ptr<ModuleContext> context;
 
 void openStepThrough() {
-    Ui().OpenStepThrough();
+    CurrentUi().OpenStepThrough();
 }
 
 void makeDataDir() {
@@ -105,8 +105,8 @@ void StopModule() {
     acedRegCmdsPtr()->removeGroup(CommandGroup);
     Trace("Done");
     printState("unloaded");
-    if (Ui().IsStepThroughVisible())
-        Ui().CloseStepThrough();
+    if (CurrentUi().IsStepThroughVisible())
+        CurrentUi().CloseStepThrough();
     context.reset();
     ResetRun();
     SetUi(nullptr);
