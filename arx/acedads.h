@@ -43,6 +43,8 @@ ARX_EXPORT int acedDefun(const ACHAR* name, int code);
 ARX_EXPORT int acedUndef(const ACHAR* name, int code);
 /// Binds the code to a function, called directly with the arguments ready in acedGetArgs.
 ARX_EXPORT int acedRegFunc(int (*function)(), int code);
+/// Code of the LISP function that is being called.
+ARX_EXPORT int acedGetFunCode();
 /// Arguments of the running LISP function, null for none. The caller frees them.
 ARX_EXPORT resbuf* acedGetArgs();
 ARX_EXPORT int acedRetT();

@@ -6,8 +6,8 @@
 class ARX_EXPORT AcApProfileManager {
   public:
     virtual ~AcApProfileManager() = default;
-    /// Key of a profile (null: the active one), for example Software\Maker\Product\Profiles\<name>. The
-    /// caller frees it with free().
+    /// Key of a profile (null: the active one) with its root in front, for example
+    /// HKEY_CURRENT_USER\Software\Maker\Product\Profiles\<name>. The caller frees it with free().
     virtual Acad::ErrorStatus ProfileRegistryKey(ACHAR*& key, const ACHAR* profile) = 0;
 };
 ARX_EXPORT AcApProfileManager* acProfileManagerPtr();

@@ -1,0 +1,247 @@
+#include "drafthost/api/ResBufValues.h"
+
+#include <cstdlib>
+#include <limits>
+
+#include "drafthost/api/ApiHost.h"
+#include "drafthost/lisp/Printer.h"
+
+namespace drafthost {
+namespace {
+
+/// Selection sets that modules have got: the node holds a number, the set itself stays here for as long as
+/// the host runs.
+std::vector<lisp::Value>& handedSets() {
+    static std::vector<lisp::Value> sets;
+    return sets;
+}
+
+lisp::Value pickSetOf(Adesk::IntPtr number) {
+    auto& sets = handedSets();
+    return number > 0 && std::size_t(number) <= sets.size() ? sets[std::size_t(number) - 1] : lisp::Value();
+}
+
+/// Reads one value and moves on. Nothing at the end of a list or for a type that is none.
+std::optional<lisp::Value> readValue(const resbuf*& at) {
+    const resbuf& node = *at;
+    at = at->rbnext;
+    switch (node.restype) {
+        case RTNIL:
+            return lisp::Value();
+        case RTT:
+            return lisp::Value::truth();
+        case RTVOID:
+            return lisp::Value::nullSymbol();
+        case RTSHORT:
+            return lisp::Value::integer(node.resval.rint);
+        case RTLONG:
+            return lisp::Value::integer(node.resval.rlong);
+        case RTINT64:
+            return lisp::Value::real(double(node.resval.mnInt64));
+        case RTREAL:
+        case RTANG:
+        case RTORINT:
+            return lisp::Value::real(node.resval.rreal);
+        case RTSTR:
+            return lisp::Value::string(toUtf8(node.resval.rstring));
+        case RTPOINT:
+            return lisp::Value::point2d(node.resval.rpoint[0], node.resval.rpoint[1]);
+        case RT3DPOINT:
+            return lisp::Value::point({node.resval.rpoint[0], node.resval.rpoint[1], node.resval.rpoint[2]});
+        case RTENAME:
+            return lisp::Value::ename(lisp::EntityName(node.resval.rlname[0]));
+        case RTPICKS:
+            return pickSetOf(node.resval.rlname[0]);
+        case RTLB: {
+            lisp::ListBuilder list;
+            while (at && at->restype != RTLE) {
+                const bool dotted = at->restype == RTDOTE;
+                if (dotted) {
+                    at = at->rbnext;
+                }
+                auto item = at ? readValue(at) : std::nullopt;
+                if (!item) {
+                    return std::nullopt;
+                }
+                if (dotted) {
+                    list.setTail(*item);
+                    break;
+                }
+                list.add(*item);
+            }
+            if (!at || at->restype != RTLE) {
+                return std::nullopt;
+            }
+            at = at->rbnext;
+            return list.take();
+        }
+        default:
+            return std::nullopt;
+    }
+}
+
+class ChainWriter {
+  public:
+    resbuf* node(int type) {
+        resbuf* added = acutNewRb(type);
+        (last_ ? last_->rbnext : head_) = added;
+        last_ = added;
+        return added;
+    }
+    void write(const lisp::Value& value);
+    resbuf* head() const { return head_; }
+
+  private:
+    bool writePoint(const lisp::Value& list);
+
+    resbuf* head_ = nullptr;
+    resbuf* last_ = nullptr;
+};
+
+/// A list of two or three reals is a point to modules.
+bool ChainWriter::writePoint(const lisp::Value& list) {
+    double coordinates[3] = {};
+    int count = 0;
+    for (const lisp::Value* at = &list; !at->isNil(); at = &at->cdr()) {
+        if (!at->isCons() || !at->car().isReal() || count == 3) {
+            return false;
+        }
+        coordinates[count++] = at->car().toReal();
+    }
+    if (count < 2) {
+        return false;
+    }
+    resbuf* point = node(count == 2 ? RTPOINT : RT3DPOINT);
+    for (int i = 0; i < 3; ++i) {
+        point->resval.rpoint[i] = coordinates[i];
+    }
+    return true;
+}
+
+void ChainWriter::write(const lisp::Value& value) {
+    switch (value.type()) {
+        case lisp::Type::Nil:
+            node(RTNIL);
+            break;
+        case lisp::Type::Int: {
+            const std::int32_t number = value.toInt();
+            if (number >= std::numeric_limits<short>::min() && number <= std::numeric_limits<short>::max()) {
+                node(RTSHORT)->resval.rint = short(number);
+            } else {
+                node(RTLONG)->resval.rlong = number;
+            }
+            break;
+        }
+        case lisp::Type::Real:
+            node(RTREAL)->resval.rreal = value.toReal();
+            break;
+        case lisp::Type::String:
+            node(RTSTR)->resval.rstring = duplicate(value.toString());
+            break;
+        case lisp::Type::Ename:
+            node(RTENAME)->resval.rlname[0] = Adesk::IntPtr(value.toEname());
+            break;
+        case lisp::Type::PickSet:
+            handedSets().push_back(value);
+            node(RTPICKS)->resval.rlname[0] = Adesk::IntPtr(handedSets().size());
+            break;
+        case lisp::Type::Cons: {
+            if (writePoint(value)) {
+                break;
+            }
+            node(RTLB);
+            const lisp::Value* at = &value;
+            for (; at->isCons(); at = &at->cdr()) {
+                write(at->car());
+            }
+            if (!at->isNil()) {
+                node(RTDOTE);
+                write(*at);
+            }
+            node(RTLE);
+            break;
+        }
+        default:
+            if (value.same(lisp::Value::truth())) {
+                node(RTT);
+            } else {
+                node(RTSTR)->resval.rstring = duplicate(lisp::prin1(value));
+            }
+            break;
+    }
+}
+
+}  // namespace
+
+std::optional<std::vector<lisp::Value>> valuesOf(const resbuf* chain) {
+    std::vector<lisp::Value> values;
+    while (chain) {
+        auto value = readValue(chain);
+        if (!value) {
+            return std::nullopt;
+        }
+        values.push_back(std::move(*value));
+    }
+    return values;
+}
+
+resbuf* chainOf(std::span<const lisp::Value> values) {
+    ChainWriter writer;
+    for (const lisp::Value& value : values) {
+        writer.write(value);
+    }
+    return writer.head();
+}
+
+void store(const VariableValue& value, resbuf& out) {
+    out.resval = {};
+    switch (value.index()) {
+        case 0:
+            out.restype = RTSHORT;
+            out.resval.rint = short(std::get<int>(value));
+            break;
+        case 1:
+            out.restype = RTREAL;
+            out.resval.rreal = std::get<double>(value);
+            break;
+        case 2:
+            out.restype = RTSTR;
+            out.resval.rstring = duplicate(std::get<std::string>(value));
+            break;
+        case 3:
+            out.restype = RTPOINT;
+            out.resval.rpoint[0] = std::get<Point2>(value)[0];
+            out.resval.rpoint[1] = std::get<Point2>(value)[1];
+            out.resval.rpoint[2] = 0;
+            break;
+        default:
+            out.restype = RT3DPOINT;
+            for (int i = 0; i < 3; ++i) {
+                out.resval.rpoint[i] = std::get<Point3>(value)[std::size_t(i)];
+            }
+            break;
+    }
+}
+
+std::optional<VariableValue> variableValueOf(const resbuf& node) {
+    switch (node.restype) {
+        case RTSHORT:
+            return int(node.resval.rint);
+        case RTLONG:
+            return int(node.resval.rlong);
+        case RTREAL:
+        case RTANG:
+        case RTORINT:
+            return node.resval.rreal;
+        case RTSTR:
+            return toUtf8(node.resval.rstring);
+        case RTPOINT:
+            return Point2{node.resval.rpoint[0], node.resval.rpoint[1]};
+        case RT3DPOINT:
+            return Point3{node.resval.rpoint[0], node.resval.rpoint[1], node.resval.rpoint[2]};
+        default:
+            return std::nullopt;
+    }
+}
+
+}  // namespace drafthost
