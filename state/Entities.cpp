@@ -92,48 +92,53 @@ char32_t numberCode(std::string_view digits) {
     return code;
 }
 
-template <bool IsAttribute>
-void appendEscaped(QString& out, QStringView text) {
+constexpr std::uint64_t bit(char16_t c) {
+    return std::uint64_t{1} << c;
+}
+// All characters to escape lie below 64.
+constexpr std::uint64_t textSpecials = bit(u'<') | bit(u'&') | bit(u'>');
+constexpr std::uint64_t attributeSpecials = textSpecials | bit(u'\'') | bit(u'"');
+
+QStringView escapeOf(char16_t c) {
+    switch (c) {
+        case u'<':
+            return u"&lt;";
+        case u'&':
+            return u"&amp;";
+        case u'>':
+            return u"&gt;";
+        case u'\'':
+            return u"&apos;";
+        default:
+            return u"&quot;";
+    }
+}
+
+void appendEscaped(MarkupBuffer& out, QStringView text, std::uint64_t specials) {
+    const char16_t* units = text.utf16();
     qsizetype done = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        QStringView escaped;
-        switch (text[i].unicode()) {
-            case u'<':
-                escaped = u"&lt;";
-                break;
-            case u'&':
-                escaped = u"&amp;";
-                break;
-            case u'>':
-                escaped = u"&gt;";
-                break;
-            case u'\'':
-                if (IsAttribute)
-                    escaped = u"&apos;";
-                break;
-            case u'"':
-                if (IsAttribute)
-                    escaped = u"&quot;";
-                break;
-            default:
-                break;
-        }
-        if (escaped.isEmpty())
+        if (units[i] >= 64 || !(specials >> units[i] & 1))
             continue;
-        out.append(text.sliced(done, i - done)).append(escaped);
+        AppendMarkup(out, text.sliced(done, i - done));
+        AppendMarkup(out, escapeOf(units[i]));
         done = i + 1;
     }
-    out.append(text.sliced(done));
+    AppendMarkup(out, text.sliced(done));
 }
 
 }  // namespace
 
-void AppendEscapedText(QString& out, QStringView text) {
-    appendEscaped<false>(out, text);
+void AppendMarkup(MarkupBuffer& out, QStringView text) {
+    out.append(text.utf16(), text.size());
 }
 
-void AppendEscapedAttribute(QString& out, QStringView value) {
-    appendEscaped<true>(out, value);
+void AppendEscapedText(MarkupBuffer& out, QStringView text) {
+    appendEscaped(out, text, textSpecials);
+}
+
+void AppendEscapedAttribute(MarkupBuffer& out, QStringView value) {
+    appendEscaped(out, value, attributeSpecials);
 }
 
 QString UnescapeMarkup(QStringView text) {

@@ -11,6 +11,13 @@ bool MarkupDocument::SetDocumentText(const QString& newText) {
     return parse();
 }
 
+void MarkupDocument::Clear() {
+    text.resize(0);
+    result.clear();
+    parentPos = mainPos = childPos = 0;
+    positions.Reset(0);
+}
+
 bool MarkupDocument::LoadFile(const QString& path) {
     result.clear();
     const bool read = ReadMarkupFile(path, text, result, flags);

@@ -23,6 +23,8 @@ class MarkupDocument {
 
     explicit MarkupDocument(std::uint32_t documentFlags = 0) : flags(documentFlags) {}
 
+    /// Empties the document and keeps its room, for one that is built up again and again.
+    void Clear();
     /// Replaces the text and parses it. True when it is well-formed; elements are found in any case.
     bool SetDocumentText(const QString& newText);
     /// Reads and parses a file. False when it cannot be read or is not well-formed; Result() tells which.

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr QStringView lineBreak = u"\r\n";
-
 /// Adds a difference to the start of an element and of everything inside of it.
 void shiftTree(PositionIndex& positions, std::uint32_t top, std::uint32_t difference) {
     std::uint32_t i = top;
@@ -61,10 +59,11 @@ void MarkupDocument::shift(std::uint32_t from, std::int64_t difference) {
 
 std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, QStringView name,
                                      QStringView value, bool noLineBreaks) {
-    QString added;
-    added.reserve(2 * name.size() + value.size() + 16);
+    MarkupBuffer added;
     const auto appendTag = [&](QStringView open, QStringView close) {
-        added.append(open).append(name).append(close);
+        AppendMarkup(added, open);
+        AppendMarkup(added, name);
+        AppendMarkup(added, close);
     };
     std::uint32_t startTagLength = 0;
     std::uint32_t endTagLength = 0;
@@ -100,7 +99,7 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
     }
 
     if (opensParent)
-        added.append(u'>').append(noLineBreaks ? QStringView() : lineBreak);
+        AppendMarkup(added, noLineBreaks ? QStringView(u">") : QStringView(u">\r\n"));
     const auto elementOffset = static_cast<std::uint32_t>(added.size());
     if (value.isEmpty()) {
         appendTag(u"<", u"/>");
@@ -114,19 +113,21 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
     }
     const std::uint32_t length = static_cast<std::uint32_t>(added.size()) - elementOffset;
     if (!noLineBreaks)
-        added.append(lineBreak);
+        AppendMarkup(added, u"\r\n");
     if (opensParent) {
         ElementPosition& element = positions[parent];
         const std::uint32_t newStartTag = place + 1 - element.Start;
         if (element.IsEmptyElement()) {
             const QStringView parentName = nameOf(parent);
-            added.append(u"</").append(parentName).append(u'>');
+            AppendMarkup(added, u"</");
+            AppendMarkup(added, parentName);
+            AppendMarkup(added, u">");
             element.SetEndTagLength(static_cast<std::uint32_t>(parentName.size()) + 3);
             element.Level &= ~std::uint32_t{ElementPosition::NoEndTag};
         }
         element.SetStartTagLength(newStartTag);
     }
-    splice(place, removed, added);
+    splice(place, removed, QStringView(added.constData(), added.size()));
 
     const std::uint32_t i = positions.Add();
     ElementPosition& element = positions[i];
@@ -174,23 +175,25 @@ bool MarkupDocument::setAttribute(std::uint32_t i, QStringView name, QStringView
     const QStringView tag = QStringView(text).sliced(start, oldLength);
     const AttributeSpan span = FindAttribute(tag, name, flags);
 
-    QString changed;
-    changed.reserve(name.size() + value.size() + 8);
+    MarkupBuffer changed;
     std::uint32_t place = span.End;
     std::uint32_t removed = 0;
     if (span.Found && span.HasValue) {
         place = span.Quoted ? span.ValueStart - 1 : span.ValueStart;
         removed = span.End - place;
     } else if (span.Found) {
-        changed.append(u'=');
+        AppendMarkup(changed, u"=");
     } else {
         if (span.HasValue && !span.Quoted && span.ValueStart == span.ValueEnd)
-            changed.append(u"\"\"");
-        changed.append(u' ').append(name).append(u'=');
+            AppendMarkup(changed, u"\"\"");
+        AppendMarkup(changed, u" ");
+        AppendMarkup(changed, name);
+        AppendMarkup(changed, u"=");
     }
-    changed.append(u'"');
+    AppendMarkup(changed, u"\"");
     AppendEscapedAttribute(changed, value);
-    changed.append(u'"');
+    AppendMarkup(changed, u"\"");
+    const QStringView insertion(changed.constData(), changed.size());
     const bool wasEmpty =
         positions[i].IsEmptyElement() && (positions[i].Level & ElementPosition::NoEndTag) == 0;
     // A slash at the end of a tag that is not empty is a stray; behind a quote it would end the element.
@@ -202,13 +205,13 @@ bool MarkupDocument::setAttribute(std::uint32_t i, QStringView name, QStringView
         return false;
     if (span.Found || (span.HasValue && !span.Quoted)) {
         // Loose text may hold quotes and brackets that only made sense together with the old value.
-        const QString whole = tag.first(place) + changed + tag.sliced(place + removed);
+        const QString whole = tag.first(place) + insertion + tag.sliced(place + removed);
         NodeToken token;
         if (TextScanner(whole, flags).Next(token) != TokenType::StartTag || token.Length != whole.size() ||
             token.Empty != wasEmpty)
             return false;
     }
-    splice(start + place, removed, changed);
+    splice(start + place, removed, insertion);
 
     ElementPosition& element = positions[i];
     element.SetStartTagLength(oldLength + static_cast<std::uint32_t>(difference));

@@ -65,7 +65,9 @@ int SaveState(const QString* path, int full) {
     ClearStateError();
     CTarnelData& data = TarnelData();
     const QString& file = path != nullptr ? *path : data.StateFile;
-    MarkupDocument document;
+    // A run saves several times per drawing: the room of the last text is used again.
+    static MarkupDocument document;
+    document.Clear();
     document.AddElement(u"TarnelRunner");
     document.SetAttribute(u"Version", data.Version);
     document.SetAttribute(u"Build", data.Build);

@@ -1,0 +1,136 @@
+// What must never be lost: the state on the disk, whatever happens to the process or the disk.
+#include "engine/TarnelData.h"
+#include "state/StateFile.h"
+#include "state/WholeFile.h"
+#include "tests/state/TestText.h"
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <csignal>
+#include <QDir>
+
+namespace {
+
+class StateSafety : public testing::Test {
+  protected:
+    StateSafety() {
+        ResetTarnelData();
+        TarnelData().StateFile = path;
+    }
+    ~StateSafety() override { ResetTarnelData(); }
+
+    static void fillQueue(int count) {
+        for (int i = 0; i < count; ++i) {
+            TarnelData().FileDirs.push_back(QStringLiteral("/w/"));
+            TarnelData().FileNames.push_back(QString::number(i) + QStringLiteral(".dxf"));
+            TarnelData().FileStatus.push_back(0);
+        }
+    }
+
+    QTemporaryDir folder;
+    QString path = folder.filePath(QStringLiteral("TarnelRunner.xml"));
+};
+
+TEST_F(StateSafety, AKillLeavesOneWholeState) {
+    fillQueue(3000);
+    SaveState(nullptr, 1);
+    constexpr int kills = 25;
+    for (int round = 0; round < kills; ++round) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (std::uint32_t status = 1;; status = status % 6 + 1) {
+                for (std::uint32_t& each : TarnelData().FileStatus)
+                    each = status;
+                SaveState(nullptr, 1);
+            }
+        }
+        usleep(static_cast<useconds_t>(2000 + round * 331));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        ASSERT_EQ(Plain(CheckStateFile(path)), "");
+        LoadState(nullptr, 1);
+        ASSERT_EQ(TarnelData().FileNames.size(), 3000U);
+        for (const std::uint32_t status : TarnelData().FileStatus)
+            ASSERT_EQ(status, TarnelData().FileStatus[0]) << "two states in one file";
+    }
+    TarnelData().DataDir = folder.path();
+    ResolveStateFile();
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1) << "what killed processes left is gone";
+}
+
+TEST_F(StateSafety, AFullDiskLeavesTheOldStateAndSaysSo) {
+    fillQueue(1);
+    SaveState(nullptr, 1);
+    const QByteArray before = ReadBytes(path);
+    fillQueue(5000);
+    // A limit on the size of files plays the disk that is full.
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    rlimit small = old;
+    small.rlim_cur = 20000;
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    SaveState(nullptr, 1);
+    const QString error = LastStateError();
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(Plain(error), Plain(path) + ": cannot be written: File too large");
+    EXPECT_EQ(ReadBytes(path), before);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+    SaveState(nullptr, 1);
+    EXPECT_TRUE(LastStateError().isEmpty()) << "a save that works clears the error";
+    EXPECT_TRUE(SyncState());
+}
+
+TEST_F(StateSafety, LinksAndModesStay) {
+    const QString real = folder.filePath(QStringLiteral("elsewhere.xml"));
+    WriteBytes(real, "old");
+    ASSERT_EQ(chmod(real.toUtf8().constData(), 0600), 0);
+    ASSERT_TRUE(QFile::link(real, path));
+    SaveState(nullptr, 1);
+    EXPECT_TRUE(LastStateError().isEmpty());
+    EXPECT_EQ(Plain(QFile::symLinkTarget(path)), Plain(real));
+    EXPECT_TRUE(ReadBytes(real).startsWith("<TarnelRunner"));
+    struct stat status {};
+    ASSERT_EQ(stat(real.toUtf8().constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST_F(StateSafety, AFailureIsTold) {
+    TarnelData().StateFile = folder.filePath(QStringLiteral("none/TarnelRunner.xml"));
+    EXPECT_EQ(SaveState(nullptr, 1), 1);
+    EXPECT_EQ(Plain(LastStateError()),
+              Plain(TarnelData().StateFile) + ": cannot be written: No such file or directory");
+    EXPECT_FALSE(SyncState());
+    TarnelData().StateFile = folder.path();
+    EXPECT_EQ(LoadState(nullptr, 1), 1);
+    EXPECT_EQ(Plain(LastStateError()), Plain(folder.path()) + ": cannot be read: Is a directory");
+}
+
+TEST_F(StateSafety, AFileThatIsNoStateIsTold) {
+    EXPECT_EQ(Plain(CheckStateFile(path)), "");
+    const std::vector<std::pair<QByteArray, std::string>> cases = {
+        {"", ": the file is empty"},
+        {"hello", ": not a state file: it has no element TarnelRunner"},
+        {"<Other><Options/><Files/></Other>", ": not a state file: it has no element TarnelRunner"},
+        {"<TarnelRunner>\n<Options/>\n<Files><File>\n",
+         ": not a whole state file: unended_start_tag \"File\" in line 3"},
+        {"<TarnelRunner><Options/></TarnelRunner>",
+         ": not a whole state file: it has no elements Options and Files"},
+    };
+    for (const auto& [bytes, problem] : cases) {
+        WriteBytes(path, bytes);
+        EXPECT_EQ(Plain(CheckStateFile(path)), Plain(path) + problem);
+    }
+    WriteBytes(path, QByteArray(4096, '\0'));
+    EXPECT_FALSE(CheckStateFile(path).isEmpty()) << "what a power cut can leave";
+    SaveState(nullptr, 1);
+    EXPECT_EQ(Plain(CheckStateFile(path)), "");
+    EXPECT_EQ(Plain(CheckStateFile(folder.path())),
+              Plain(folder.path()) + ": cannot be read: Is a directory");
+}
+
+}  // namespace
