@@ -23,7 +23,8 @@ class GroupFile : public testing::Test {
         const QString path = folder.filePath(name);
         WriteBytes(path, bytes);
         QString message;
-        EXPECT_EQ(LoadGroupFile(path, &message), message.isEmpty());
+        const bool loaded = LoadGroupFile(path, &message);
+        EXPECT_EQ(loaded, message.isEmpty());
         return Plain(message);
     }
     static QStringList queue() {

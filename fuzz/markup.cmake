@@ -1,0 +1,1 @@
+tarnel_fuzz(markup SOURCES markup.cpp LIBRARIES tnl_state)
