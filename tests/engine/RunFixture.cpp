@@ -51,6 +51,7 @@ void RunTest::SetUp() {
     acrxEntryPoint(AcRx::kInitAppMsg, this);
     acrxEntryPoint(AcRx::kLoadDwgMsg, nullptr);
     SetUi(&ui);
+    host.Printed.clear();
     host.Calls.clear();
 }
 

@@ -52,6 +52,15 @@ int RecordingHost::Command(const QStringList& words) {
     return result;
 }
 
+void RecordingHost::Send(const QString& text) {
+    QString rest = text;
+    // Cancels work at once, and the script that ran is broken off.
+    if (rest.contains(QChar(3)))
+        script.clear();
+    rest.remove(QChar(3));
+    Queued.push_back(rest);
+}
+
 bool RecordingHost::nextLine(QString& line) {
     if (!script.isEmpty()) {
         line = script.takeFirst();
@@ -67,10 +76,6 @@ bool RecordingHost::nextLine(QString& line) {
 void RecordingHost::RunInput(int lines) {
     QString line;
     while (lines-- > 0 && nextLine(line)) {
-        // A cancel in a queued string breaks off the script.
-        if (line.contains(QChar(3)))
-            script.clear();
-        line.remove(QChar(3));
         line = line.trimmed();
         if (line.isEmpty())
             continue;

@@ -86,6 +86,7 @@ class RecordingHost {
     // Used by the host's functions.
     void Note(const QString& call) { Calls.append(call); }
     int Command(const QStringList& words);
+    void Send(const QString& text);
     std::vector<LispValue> Arguments;
     QString Result;
 

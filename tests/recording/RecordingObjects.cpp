@@ -56,7 +56,7 @@ class DocManager final : public AcApDocManager {
     Acad::ErrorStatus sendStringToExecute(AcApDocument*, const ACHAR* text, bool activate, bool wrapUp,
                                           bool echo) override {
         host().Note(QStringLiteral("send %1 %2%3%4").arg(TextOf(text)).arg(activate).arg(wrapUp).arg(echo));
-        host().Queued.push_back(TextOf(text));
+        host().Send(TextOf(text));
         return Acad::eOk;
     }
     void pushResourceHandle() override { ++host().ResourceDepth; }

@@ -1,0 +1,98 @@
+// The dialogs and the status of a host without a window.
+#include "engine/ConsoleUi.h"
+#include "state/StateFile.h"
+#include "tests/engine/RunFixture.h"
+
+#include <QFile>
+
+namespace {
+
+class ConsoleTest : public RunTest {
+  protected:
+    void SetUp() override {
+        RunTest::SetUp();
+        SetUi(nullptr);
+    }
+    QStringList printedLines() const {
+        QStringList lines;
+        for (const QString& line : host.Printed.split('\n'))
+            if (line.startsWith("Tarnel: "))
+                lines << line.mid(8);
+        return lines;
+    }
+};
+
+}  // namespace
+
+TEST_F(ConsoleTest, DialogSetsUpAndStartsARun) {
+    const QString a = MakeFile("a b.dxf");
+    const QString b = MakeFile("b.dxf");
+    const QString script = MakeFile("s.scr");
+    host.Answers = {"Add",      '"' + a + '"', "Add",     b,     "Add",       Folder() + "/none.dxf",
+                    "Script",   script,        "Maxtime", "400", "Alarmtime", "0",
+                    "Readonly", "Yes",         "reCover", "",    "Script",    Folder() + "/none.scr",
+                    "Run"};
+    Command("TARNEL");
+    EXPECT_TRUE(host.Answers.empty());
+    const CTarnelData& data = TarnelData();
+    EXPECT_EQ(EntryPath(data, 0), a);
+    EXPECT_EQ(data.Script, "x");
+    EXPECT_EQ(data.MaxTime, 400u);
+    EXPECT_EQ(data.AlarmTime, 0u);
+    EXPECT_TRUE(data.ProcessReadOnly);
+    EXPECT_FALSE(data.RecoverMode);
+    EXPECT_TRUE(host.Printed.contains(Folder() + "/none.dxf: there is no such file"));
+    EXPECT_TRUE(host.Printed.contains(Folder() + "/none.scr: No such file"));
+
+    host.Printed.clear();
+    host.Variables["CMDACTIVE"] = 36;
+    host.RunInput();
+    EXPECT_EQ(SavedStatuses(), "1 1");
+    EXPECT_EQ(printedLines(),
+              (QStringList{"run started, 2 to do", "status FailOpen: " + a, "file 1 of 2: " + a,
+                           "status Error: " + a, "status Done: " + a, "status FailOpen: " + b,
+                           "file 2 of 2: " + b, "status Error: " + b, "status Done: " + b, "run ended",
+                           "2 files: 2 Done", "script: " + script,
+                           "limits: maximum 400 s, alarm 0 s; read-only files processed; recover off"}));
+}
+
+TEST_F(ConsoleTest, RetrySetsTheChosenFilesBack) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf"), MakeFile("c.dxf"), MakeFile("d.dxf")});
+    CTarnelData& data = TarnelData();
+    const auto after = [&](const char* which) {
+        data.FileStatus[0] = Done;
+        data.FileStatus[1] = FailOpen;
+        data.FileStatus[2] = Locked;
+        data.FileStatus[3] = ToDo;
+        SaveState(nullptr, 1);
+        host.Answers = {"reTry", which, "eXit"};
+        Command("TARNEL");
+        return SavedStatuses();
+    };
+    EXPECT_EQ(after("All"), "0 0 0 0");
+    EXPECT_EQ(after("Failed"), "1 0 0 0");
+    EXPECT_EQ(after("Open"), "1 0 4 0");
+    EXPECT_EQ(after("Locked"), "1 2 0 0");
+    EXPECT_EQ(after("Timeout"), "1 2 4 0");
+    EXPECT_TRUE(host.CallsOf("send").isEmpty());
+}
+
+TEST_F(ConsoleTest, RunWithNothingToDoStaysInTheDialog) {
+    host.Answers = {"Run", ""};
+    Command("TARNEL");
+    EXPECT_TRUE(host.CallsOf("send").isEmpty());
+    EXPECT_TRUE(printedLines().contains("none of the files has the status ToDo"));
+}
+
+TEST_F(ConsoleTest, QuestionsNobodyCanAnswerChangeNothing) {
+    host.Variables["CMDACTIVE"] = 32;
+    EXPECT_EQ(Ui().Ask("Tarnel", "Close?\nReally?", RunUi::YesNo), RunUi::No);
+    EXPECT_EQ(Ui().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::Cancel);
+    EXPECT_TRUE(host.CallsOf("prompt").isEmpty());
+    EXPECT_TRUE(host.Printed.contains("Close? Really?"));
+    host.Variables["CMDACTIVE"] = 1;
+    host.Answers = {"No", "", QString()};
+    EXPECT_EQ(Ui().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::No);
+    EXPECT_EQ(Ui().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::Cancel);
+    EXPECT_EQ(Ui().Ask("Tarnel", "Close?", RunUi::YesNo), RunUi::No);
+}
