@@ -139,6 +139,8 @@ class Drawing {
     void linkBehind(RecordId previous, RecordId id);
     std::string rawFromValue(int code, const Value& value, std::string_view old) const;
     void updateHeaderForSave();
+    /// Sets those of the date variables that the header has to now, in local and in universal time.
+    void setDates(std::initializer_list<const char*> local, std::initializer_list<const char*> universal);
     std::uint64_t largestHandle() const;
     void buildHandles() const;
     std::vector<std::string_view> pieces(std::deque<std::string>& scratch) const;

@@ -71,6 +71,22 @@ bool appendBinaryValue(std::string& bytes, const Record& record, std::size_t tag
     return false;
 }
 
+// Binary strings may hold line ends, which ASCII drawings write with a caret.
+void appendLine(std::string& bytes, std::string_view raw) {
+    if (raw.find_first_of("\r\n") == std::string_view::npos) {
+        bytes.append(raw);
+        return;
+    }
+    for (const char c : raw) {
+        if (c == '\r' || c == '\n') {
+            bytes += '^';
+            bytes += static_cast<char>(c + '@');
+        } else {
+            bytes += c;
+        }
+    }
+}
+
 std::string badTag(const Record& record, std::size_t tag) {
     return "cannot be written in binary form: group code " + std::to_string(record.code(tag)) +
            " with the value \"" + record.text(tag).substr(0, 40) + "\" in " + std::string(record.type());
@@ -120,7 +136,7 @@ bool Drawing::convert(const SaveFormat& format, std::string& bytes, std::string&
             } else if (isBinary() && kind != ValueKind::Text && kind != ValueKind::Handle) {
                 bytes.append(record.text(tag));
             } else {
-                bytes.append(record.raw(tag));
+                appendLine(bytes, record.raw(tag));
             }
             bytes.append("\r\n");
         }

@@ -144,19 +144,26 @@ void Drawing::updateHeaderForSave() {
         }
     }
     if (edited) {
-        const auto now = std::chrono::system_clock::now();
-        const double seconds = std::chrono::duration<double>(now.time_since_epoch()).count();
-        const std::time_t whole = std::chrono::system_clock::to_time_t(now);
-        std::tm local{};
-        localtime_r(&whole, &local);
-        const std::pair<const char*, double> dates[] = {
-            {"$TDUPDATE", seconds + static_cast<double>(local.tm_gmtoff)}, {"$TDUUPDATE", seconds}};
-        for (const auto& [name, date] : dates) {
+        setDates({"$TDUPDATE"}, {"$TDUUPDATE"});
+    }
+}
+
+void Drawing::setDates(std::initializer_list<const char*> local,
+                       std::initializer_list<const char*> universal) {
+    const auto now = std::chrono::system_clock::now();
+    const double seconds = std::chrono::duration<double>(now.time_since_epoch()).count();
+    const std::time_t whole = std::chrono::system_clock::to_time_t(now);
+    std::tm clock{};
+    localtime_r(&whole, &clock);
+    const auto set = [this](std::initializer_list<const char*> names, double date) {
+        for (const char* name : names) {
             if (headerVariable(*this, name)) {
                 setHeader(*this, name, 40, roundedDate(date));
             }
         }
-    }
+    };
+    set(local, seconds + static_cast<double>(clock.tm_gmtoff));
+    set(universal, seconds);
 }
 
 bool Drawing::save(const std::string& path, std::string& error) {

@@ -6,14 +6,14 @@ namespace drafthost {
 
 // Extents are computed from the entities, never taken from the header: this is what ZOOM Extents and REGEN
 // are for. Text is measured by a box of its height and an average character width, as fonts are not read;
-// splines by their control or fit points. Rays and construction lines have no extents. Layers that are off
-// count, frozen ones do not.
+// splines by their fit or control points. Rays and construction lines have no extents, nor have solids, whose
+// geometry is sealed in modeller data. Layers that are off count, frozen ones do not.
 
 struct Extents {
     Point min{1e20, 1e20, 1e20};
     Point max{-1e20, -1e20, -1e20};
     bool empty() const { return min.x > max.x; }
-    /// Widens by a point; one with a coordinate that is no finite number, or beyond 1e20, is left out.
+    /// Widens by a point; one with a coordinate that is no finite number, or not within 1e20, is left out.
     void add(const Point& point);
     void add(const Extents& other);
 };

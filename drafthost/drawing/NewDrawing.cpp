@@ -328,6 +328,8 @@ std::unique_ptr<Drawing> Drawing::createNew(bool metric) {
     if (drawing == nullptr) {
         throw std::logic_error(error);
     }
+    drawing->setDates({"$TDCREATE", "$TDUPDATE"}, {});
+    drawing->setModified(false);
     return drawing;
 }
 
