@@ -41,11 +41,11 @@ enum class PromptKind {
 
 struct PromptRequest {
     PromptKind kind = PromptKind::String;
-    std::string message;
+    std::string message = {};
     /// Keywords of the last (initget), in capitals and small letters as given there.
-    std::vector<std::string> keywords;
+    std::vector<std::string> keywords = {};
     int initgetBits = 0;
-    std::optional<Point> base;
+    std::optional<Point> base = {};
     /// Blanks belong to the answer, only the line end finishes it.
     bool allowBlanks = false;
 };

@@ -1,0 +1,132 @@
+#pragma once
+// Walks expressions of one world. Dynamic scope is shallow binding: a symbol's slot always holds its
+// current value, and what it hid is kept on one stack until the function that bound it is left, by
+// whatever way. The depth of recursion is bounded by the address of the machine's stack, not by
+// counting, so that it holds in any build; close to its end the evaluation fails like any other.
+
+#include <chrono>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "drafthost/lisp/Failure.h"
+#include "drafthost/lisp/Function.h"
+#include "drafthost/lisp/LispHost.h"
+
+namespace drafthost::lisp {
+
+/// What (initget) left for the next prompt.
+struct InitGet {
+    int bits = 0;
+    std::vector<std::string> keywords;
+};
+
+class Evaluator {
+  public:
+    explicit Evaluator(LispHost& host);
+    ~Evaluator();
+    Evaluator(const Evaluator&) = delete;
+    Evaluator& operator=(const Evaluator&) = delete;
+
+    LispHost& host;
+
+    Value eval(const Value& form);
+    /// Evaluates each form of a list; the value is that of the last.
+    Value evalBody(const Value& forms);
+    /// Evaluates everything in the text.
+    Value evalText(std::string_view text);
+    /// Calls a function value, a symbol bound to one, or a lambda list.
+    Value apply(const Value& function, Args args);
+    /// Resolves what a 'function argument may be to something that apply takes without further ado.
+    Value function(const Value& designator);
+    /// The same, but nil when there is no such function.
+    Value findFunction(const Value& designator);
+    /// Makes a function of (args / locals) and a body; nil name for lambda.
+    Value makeFunction(std::string name, const Value& lambdaList, Value body);
+
+    const Value& get(const Symbol* s) { return slot(s); }
+    void set(const Symbol* s, Value v) { slot(s).swap(v); }
+    /// The symbols that are bound to something.
+    std::vector<const Symbol*> boundSymbols() const;
+
+    /// Binds a symbol for as long as the object lives.
+    class Binding {
+      public:
+        Binding(Evaluator& e, const Symbol* s, Value v) : evaluator_(e), mark_(e.hidden_.size()) {
+            e.bind(s, std::move(v));
+        }
+        ~Binding() { evaluator_.unbind(mark_); }
+        Binding(const Binding&) = delete;
+        Binding& operator=(const Binding&) = delete;
+
+      private:
+        Evaluator& evaluator_;
+        std::size_t mark_;
+    };
+
+    /// Counts a step of work; from time to time the host gets its turn here.
+    void step() {
+        if (--stepsLeft_ == 0) {
+            pulse();
+        }
+    }
+    /// Fails when the drawing of this world has been left. To be called after host calls that can do that.
+    void checkDocument();
+    /// Throws what a cancelled command or prompt gives.
+    [[noreturn]] void failCancelled();
+    /// Fails when the machine's stack is nearly used up.
+    void checkStack() const;
+
+    /// One entry from outside; evaluations can nest through host calls.
+    class Entry {
+      public:
+        explicit Entry(Evaluator& e);
+        ~Entry();
+        Entry(const Entry&) = delete;
+        Entry& operator=(const Entry&) = delete;
+
+      private:
+        Evaluator& evaluator_;
+        int quietDepth_;
+        int commandDepth_;
+    };
+    bool running() const { return entries_ > 0; }
+    /// Calls the user's *error*, where there is one and nothing catches the failure further out.
+    void reportFailure(Failure& failure);
+
+    // State of the functions that need some.
+    InitGet initGet;
+    int quietDepth = 0;    ///< inside vl-catch-all-apply or *error*: failures call no *error*
+    int commandDepth = 0;  ///< the arguments of (command) are being evaluated
+    std::map<std::string, std::string> tableCursor;  ///< (tblnext): last record given, by table
+    std::map<EntityName, std::size_t> dictionaryCursor;
+    std::set<std::string> exposed;  ///< given to vl-acad-defun
+    std::vector<EntityName> previousSelection;
+    std::vector<EntityName> pickFirst;
+
+  private:
+    friend class Binding;
+    Value& slot(const Symbol* s) {
+        if (s->index() >= slots_.size()) [[unlikely]] {
+            slots_.resize(Symbol::count() + 64);
+        }
+        return slots_[s->index()];
+    }
+    void bind(const Symbol* s, Value v);
+    void unbind(std::size_t mark);
+    Value evalCall(const Value& form);
+    Value callUsubr(const Usubr& f, Args args);
+    Value callSubr(const Subr& f, Args args);
+    Value callSpecial(const Subr& f, Args args);
+    Value callExsubr(const Exsubr& f, Args args);
+    void pulse();
+
+    std::vector<Value> slots_;
+    std::vector<std::pair<const Symbol*, Value>> hidden_;
+    int stepsLeft_;
+    int entries_ = 0;
+    std::chrono::steady_clock::time_point lastPulse_;
+};
+
+}  // namespace drafthost::lisp

@@ -1,0 +1,13 @@
+#pragma once
+// Asks through the host until an answer fits; shared by the (getXXX) and the selection functions.
+
+#include "drafthost/lisp/LispHost.h"
+
+namespace drafthost::lisp {
+
+class Evaluator;
+
+/// The answer as a value. Uses up what (initget) left; fails when cancelled or inside (command …).
+Value askUser(Evaluator& e, PromptRequest request);
+
+}  // namespace drafthost::lisp

@@ -1,0 +1,137 @@
+#include "drafthost/lisp/World.h"
+
+#include <new>
+#include <stdexcept>
+
+#include "drafthost/lisp/Evaluator.h"
+#include "drafthost/lisp/Stream.h"
+#include "drafthost/lisp/Utf8.h"
+#include "drafthost/lisp/WorldList.h"
+
+namespace drafthost::lisp {
+namespace {
+
+/// Runs the work and turns whatever ends it into a result.
+template <typename Work>
+EvalResult guarded(Evaluator& evaluator, Work work) {
+    EvalResult result;
+    try {
+        const Evaluator::Entry entry(evaluator);
+        try {
+            evaluator.checkDocument();
+            result.value = work();
+        } catch (Failure& failure) {
+            evaluator.reportFailure(failure);
+            throw;
+        }
+    } catch (Failure& failure) {
+        result.status = failure.kind == Failure::Kind::DocumentGone ? EvalResult::Status::DocumentGone
+                        : failure.cancelled                         ? EvalResult::Status::Cancelled
+                                                                    : EvalResult::Status::Error;
+        result.text = std::move(failure.text);
+        result.handled = failure.handled;
+    } catch (const std::bad_alloc&) {
+        result.status = EvalResult::Status::Error;
+        result.text = "insufficient memory";
+    } catch (const std::length_error&) {
+        result.status = EvalResult::Status::Error;
+        result.text = "insufficient memory";
+    }
+    return result;
+}
+
+}  // namespace
+
+World::World(LispHost& host) : evaluator_(std::make_unique<Evaluator>(host)) {
+    worlds().push_back(evaluator_.get());
+}
+
+World::~World() {
+    std::erase(worlds(), evaluator_.get());
+}
+
+EvalResult World::evaluate(std::string_view text) {
+    return guarded(*evaluator_, [&] { return evaluator_->evalText(text); });
+}
+
+EvalResult World::evaluate(const Value& form) {
+    return guarded(*evaluator_, [&] { return evaluator_->eval(form); });
+}
+
+EvalResult World::loadFile(const std::string& path) {
+    return guarded(*evaluator_, [&] {
+        auto bytes = readWholeFile(path);
+        if (!bytes) {
+            fail("LOAD failed: \"" + path + "\"");
+        }
+        return evaluator_->evalText(decodeFile(std::move(*bytes)));
+    });
+}
+
+EvalResult World::call(std::string_view name, std::span<const Value> args) {
+    return guarded(*evaluator_, [&] {
+        std::vector<Value> copy(args.begin(), args.end());
+        return evaluator_->apply(Value::symbol(name), copy);
+    });
+}
+
+bool World::evaluating() const {
+    return evaluator_->running();
+}
+
+Value World::get(std::string_view symbol) const {
+    return evaluator_->get(Symbol::intern(symbol));
+}
+
+void World::set(std::string_view symbol, Value value) {
+    evaluator_->set(Symbol::intern(symbol), std::move(value));
+}
+
+bool World::hasFunction(std::string_view name) const {
+    const Value& bound = evaluator_->get(Symbol::intern(name));
+    return bound.isFunction() || (bound.isCons() && bound.car().isList());
+}
+
+bool World::isExposed(std::string_view name) const {
+    const Symbol* symbol = Symbol::intern(name);
+    return hasFunction(name) &&
+           (symbol->name().starts_with("C:") || evaluator_->get(symbol).type() == Type::Exsubr ||
+            evaluator_->exposed.contains(symbol->name()));
+}
+
+void World::defineModuleFunction(std::string_view name, std::uint64_t module, int code) {
+    const Symbol* symbol = Symbol::intern(name);
+    evaluator_->set(symbol, Value::exsubr(symbol->name(), module, code));
+}
+
+void World::undefineModuleFunction(std::string_view name, std::uint64_t module) {
+    const Symbol* symbol = Symbol::intern(name);
+    const Value& bound = evaluator_->get(symbol);
+    if (bound.type() == Type::Exsubr && bound.toExsubr().module == module) {
+        evaluator_->set(symbol, Value());
+    }
+}
+
+void World::undefineModule(std::uint64_t module) {
+    for (const Symbol* symbol : evaluator_->boundSymbols()) {
+        undefineModuleFunction(symbol->name(), module);
+    }
+}
+
+const std::vector<EntityName>& World::previousSelection() const {
+    return evaluator_->previousSelection;
+}
+
+void World::setPreviousSelection(std::vector<EntityName> entities) {
+    evaluator_->previousSelection = std::move(entities);
+}
+
+const std::vector<EntityName>& World::pickFirst() const {
+    return evaluator_->pickFirst;
+}
+
+void World::setPickFirst(std::vector<EntityName> entities) {
+    evaluator_->pickFirst = std::move(entities);
+}
+
+}  // namespace drafthost::lisp

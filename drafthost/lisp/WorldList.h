@@ -1,0 +1,25 @@
+#pragma once
+// What the worlds of all documents share: the list of them and the blackboard.
+
+#include <unordered_map>
+#include <vector>
+
+#include "drafthost/lisp/Value.h"
+
+namespace drafthost::lisp {
+
+class Evaluator;
+
+/// Every living world, oldest first.
+inline std::vector<Evaluator*>& worlds() {
+    static std::vector<Evaluator*> list;
+    return list;
+}
+
+/// Values set with (vl-bb-set).
+inline std::unordered_map<const Symbol*, Value>& blackboard() {
+    static std::unordered_map<const Symbol*, Value> board;
+    return board;
+}
+
+}  // namespace drafthost::lisp
