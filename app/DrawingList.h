@@ -1,0 +1,16 @@
+#pragma once
+// From what the user names (drawings, folders, lists) to the queue: absolute paths, each once, in the order
+// given. A wrong name on the command line is refused before the host starts; a name in a list is kept even
+// when no such file is there, since one lost drawing must not cost a night's run, and it ends as FailOpen.
+#include "app/RunOptions.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// True when a name matches one of the masks ("*.dxf,plan-??.dwg"), without regard to ASCII case.
+bool MatchesMask(std::string_view name, std::string_view masks);
+
+/// The queue for the options. Empty with one line in error when something named is not there, a folder holds
+/// no drawing, or nothing was named at all.
+std::vector<std::string> CollectDrawings(const RunOptions& options, std::string* error);

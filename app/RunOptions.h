@@ -1,0 +1,39 @@
+#pragma once
+// What the command line of `tarnel run` asks for, as plain values, so that all else can be tested and called
+// without a command line.
+#include <optional>
+#include <string>
+#include <vector>
+
+struct RunOptions {
+    enum class RetryKind { None, Failed, All };
+
+    /// Script file; empty only with Resume or Retry, which then keep the script of the interrupted run.
+    std::string Script;
+    /// Drawings and folders, as typed.
+    std::vector<std::string> Drawings;
+    /// Files that name drawings.
+    std::vector<std::string> Lists;
+    /// Masks for folders, separated by commas.
+    std::string Mask = "*.dxf,*.dwg";
+    bool Recurse = false;
+    /// Seconds; 0 is no limit. Without a value a new run takes 60 and 40, a resumed one what it had.
+    std::optional<unsigned> MaxTime;
+    std::optional<unsigned> AlarmTime;
+    bool ReadOnly = false;
+    bool Recover = false;
+    RetryKind Retry = RetryKind::None;
+    bool Resume = false;
+    bool DryRun = false;
+    /// Folder that holds "Ovrix" with the state; empty is the user's.
+    std::string DataDir;
+    std::string JsonFile;
+    bool Quiet = false;
+    /// Start the host again when it dies.
+    bool Monitor = true;
+    /// Seconds beyond MaxTime after which a host that does not move on is ended.
+    unsigned Grace = 30;
+
+    /// The run goes on with the queue on disk and gives no new one.
+    bool KeepsQueue() const { return Resume || Retry != RetryKind::None; }
+};
