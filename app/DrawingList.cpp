@@ -2,12 +2,12 @@
 
 #include "app/QueueFile.h"
 
+#include <fnmatch.h>
+#include <strings.h>
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <fnmatch.h>
 #include <fstream>
-#include <strings.h>
 #include <unordered_set>
 
 namespace fs = std::filesystem;
@@ -165,8 +165,7 @@ std::vector<std::string> CollectDrawings(const RunOptions& options, std::string*
             *error = name + ": " + (failure ? failure.message() : "No such file or directory");
             return {};
         }
-        if (!(fs::is_directory(status) ? AddFolder(name, options, &queue, error)
-                                       : queue.Add(name, error))) {
+        if (!(fs::is_directory(status) ? AddFolder(name, options, &queue, error) : queue.Add(name, error))) {
             return {};
         }
     }

@@ -3,13 +3,13 @@
 #include "state/FileName.h"
 #include "state/MarkupDocument.h"
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <QString>
-#include <unistd.h>
 
 namespace {
 

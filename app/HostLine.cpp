@@ -1,0 +1,89 @@
+#include "app/HostLine.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace {
+
+constexpr std::string_view kPrefix = "Tarnel: ";
+constexpr std::string_view kPrompt = "Command:";
+
+std::string_view Trim(std::string_view text) {
+    const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\3'; };
+    while (!text.empty() && blank(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && blank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+bool TakePrefix(std::string_view* text, std::string_view prefix) {
+    if (!text->starts_with(prefix)) {
+        return false;
+    }
+    text->remove_prefix(prefix.size());
+    return true;
+}
+
+/// "3 of 50: PATH" behind "file ".
+bool TakePosition(std::string_view* text) {
+    std::string_view rest = *text;
+    const auto number = [&rest] {
+        const auto end = std::find_if(rest.begin(), rest.end(), [](char c) { return c < '0' || c > '9'; });
+        const auto length = static_cast<std::size_t>(end - rest.begin());
+        rest.remove_prefix(length);
+        return length > 0;
+    };
+    if (!number() || !TakePrefix(&rest, " of ") || !number() || !TakePrefix(&rest, ": ")) {
+        return false;
+    }
+    *text = rest;
+    return true;
+}
+
+HostLine ParseModuleLine(std::string_view text) {
+    using Kind = HostLine::Kind;
+    if (text.starts_with("run started")) {
+        return {Kind::RunStarted, {}, {}};
+    }
+    if (text == "run ended") {
+        return {Kind::RunEnded, {}, {}};
+    }
+    std::string_view rest = text;
+    if (TakePrefix(&rest, "file ") && TakePosition(&rest)) {
+        return {Kind::File, std::string(rest), {}};
+    }
+    rest = text;
+    if (TakePrefix(&rest, "alarm: ")) {
+        return {Kind::Alarm, std::string(rest), {}};
+    }
+    if (TakePrefix(&rest, "status ")) {
+        const std::size_t end = rest.find(": ");
+        DrawingStatus status;
+        if (end != std::string_view::npos && StatusFromWord(std::string(rest.substr(0, end)), &status)) {
+            return {Kind::Status, std::string(rest.substr(end + 2)), status};
+        }
+    }
+    return {Kind::Message, std::string(text), {}};
+}
+
+}  // namespace
+
+HostLine ParseHostLine(std::string_view line) {
+    std::string_view text = line;
+    if (TakePrefix(&text, kPrefix)) {
+        return ParseModuleLine(text);
+    }
+    text = Trim(text);
+    while (TakePrefix(&text, kPrompt)) {
+        text = Trim(text);
+    }
+    constexpr std::array<std::string_view, 5> noise = {"", "nil", "T", "*Cancel*", ">>"};
+    if (std::find(noise.begin(), noise.end(), text) != noise.end()) {
+        return {};
+    }
+    return {HostLine::Kind::Talk, std::string(text), {}};
+}

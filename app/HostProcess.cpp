@@ -1,0 +1,229 @@
+#include "app/HostProcess.h"
+
+#include <fcntl.h>
+#include <langinfo.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <cerrno>
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kHostName = "drafthost";
+constexpr const char* kModuleName = "tnl3-19-64.arx";
+
+struct Pipe {
+    int Read = -1;
+    int Write = -1;
+    bool Open() {
+        int ends[2];
+        if (pipe2(ends, O_CLOEXEC) != 0) {
+            return false;
+        }
+        Read = ends[0];
+        Write = ends[1];
+        return true;
+    }
+    void Close() {
+        for (int* end : {&Read, &Write}) {
+            if (*end >= 0) {
+                close(*end);
+                *end = -1;
+            }
+        }
+    }
+};
+
+/// In the "C" locale of a bare machine file names are still UTF-8, and so is all that goes to the host.
+bool LocaleIsPlain() {
+    std::setlocale(LC_CTYPE, "");
+    const bool plain = std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0;
+    std::setlocale(LC_CTYPE, "C");
+    return plain;
+}
+
+/// In the child, up to the host's first instruction. Returns only when that fails.
+void Become(const HostFiles& files, const std::string& dataHome, int inherited, int in, int out,
+            pid_t parent) {
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(127);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    std::signal(SIGPIPE, SIG_DFL);
+    dup2(in, STDIN_FILENO);
+    dup2(out, STDOUT_FILENO);
+    dup2(out, STDERR_FILENO);
+    if (inherited >= 0) {
+        fcntl(inherited, F_SETFD, 0);
+    }
+    setenv("XDG_DATA_HOME", dataHome.c_str(), 1);
+    if (LocaleIsPlain()) {
+        setenv("LC_ALL", "C.UTF-8", 1);
+    }
+    execl(files.Host.c_str(), files.Host.c_str(), "--headless", "--load", files.Module.c_str(), nullptr);
+}
+
+}  // namespace
+
+bool HostFiles::Find(std::string* error) {
+    std::error_code failure;
+    const fs::path own = fs::read_symlink("/proc/self/exe", failure).parent_path();
+    const char* other = std::getenv("TARNEL_HOST");
+    for (const fs::path& folder : {own, own / "../lib/tarnel"}) {
+        const fs::path module = folder / kModuleName;
+        const fs::path host = other && *other ? fs::path(other) : folder / kHostName;
+        if (fs::exists(module, failure) && access(host.c_str(), X_OK) == 0) {
+            Host = fs::absolute(host).lexically_normal().string();
+            Module = module.lexically_normal().string();
+            return true;
+        }
+    }
+    *error = own.string() + ": " + (other && *other ? other : kHostName) + " and " + kModuleName +
+             " are not to be found here; build or install them";
+    return false;
+}
+
+HostProcess::~HostProcess() {
+    if (child > 0) {
+        Kill();
+        Wait();
+    }
+}
+
+bool HostProcess::Launch(const HostFiles& files, const std::string& dataHome, int inherited,
+                         std::string* error) {
+    Pipe toHost;
+    Pipe fromHost;
+    Pipe failure;
+    if (!toHost.Open() || !fromHost.Open() || !failure.Open()) {
+        *error = std::string("no pipe to the host: ") + std::strerror(errno);
+        toHost.Close();
+        fromHost.Close();
+        return false;
+    }
+    const pid_t self = getpid();
+    child = fork();
+    if (child == 0) {
+        Become(files, dataHome, inherited, toHost.Read, fromHost.Write, self);
+        const int cause = errno;
+        [[maybe_unused]] const ssize_t told = write(failure.Write, &cause, sizeof cause);
+        _exit(127);
+    }
+    int cause = child < 0 ? errno : 0;
+    close(failure.Write);
+    failure.Write = -1;
+    if (child > 0 && read(failure.Read, &cause, sizeof cause) != sizeof cause) {
+        cause = 0;
+    }
+    failure.Close();
+    if (cause != 0) {
+        *error = files.Host + ": cannot be started: " + std::strerror(cause);
+        toHost.Close();
+        fromHost.Close();
+        if (child > 0) {
+            Wait();
+        }
+        return false;
+    }
+    close(toHost.Read);
+    close(fromHost.Write);
+    input = toHost.Write;
+    output = fromHost.Read;
+    fcntl(input, F_SETFL, O_NONBLOCK);
+    fcntl(output, F_SETFL, O_NONBLOCK);
+    return true;
+}
+
+void HostProcess::Send(std::string_view text) {
+    if (input >= 0) {
+        pending += text;
+        Flush();
+    }
+}
+
+void HostProcess::Flush() {
+    while (!pending.empty() && input >= 0) {
+        const ssize_t written = write(input, pending.data(), pending.size());
+        if (written < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            if (errno != EAGAIN) {
+                // The host is gone; the end of its output tells the rest.
+                CloseInput();
+            }
+            return;
+        }
+        pending.erase(0, static_cast<std::size_t>(written));
+    }
+}
+
+bool HostProcess::ReadLines(std::vector<std::string>* lines) {
+    char buffer[16384];
+    for (;;) {
+        const ssize_t length = read(output, buffer, sizeof buffer);
+        if (length < 0 && errno == EINTR) {
+            continue;
+        }
+        if (length < 0 && errno == EAGAIN) {
+            return true;
+        }
+        if (length <= 0) {
+            if (!partial.empty()) {
+                lines->push_back(std::move(partial));
+                partial.clear();
+            }
+            return false;
+        }
+        partial.append(buffer, static_cast<std::size_t>(length));
+        std::size_t start = 0;
+        for (std::size_t end; (end = partial.find('\n', start)) != std::string::npos; start = end + 1) {
+            std::string line = partial.substr(start, end - start);
+            if (line.ends_with('\r')) {
+                line.pop_back();
+            }
+            lines->push_back(std::move(line));
+        }
+        partial.erase(0, start);
+    }
+}
+
+void HostProcess::Kill() {
+    if (child > 0) {
+        kill(-child, SIGKILL);
+        kill(child, SIGKILL);
+    }
+}
+
+std::string HostProcess::Wait() {
+    int status = 0;
+    while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    child = -1;
+    CloseInput();
+    if (output >= 0) {
+        close(output);
+        output = -1;
+    }
+    return WIFSIGNALED(status) ? "died, signal " + std::to_string(WTERMSIG(status))
+                               : "ended, exit status " + std::to_string(WEXITSTATUS(status));
+}
+
+void HostProcess::CloseInput() {
+    if (input >= 0) {
+        close(input);
+        input = -1;
+    }
+    pending.clear();
+}

@@ -1,0 +1,56 @@
+#pragma once
+// A drawing host as a child process: lines in, lines out. It runs in a process group of its own, so that
+// Ctrl+C at the terminal reaches the front alone, and the kernel ends it when the front dies, whatever kills
+// the front. All reading and writing is without waiting; the caller polls the two descriptors.
+#include <sys/types.h>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Where the programs of this installation lie.
+struct HostFiles {
+    std::string Host;
+    std::string Module;
+
+    /// Beside this program (a build) or in ../lib/tarnel (an installation); $TARNEL_HOST names another host.
+    /// False with one line when one is missing.
+    bool Find(std::string* error);
+};
+
+class HostProcess {
+  public:
+    HostProcess() = default;
+    ~HostProcess();
+    HostProcess(const HostProcess&) = delete;
+    HostProcess& operator=(const HostProcess&) = delete;
+
+    /// Starts the host. It gets dataHome as XDG_DATA_HOME and keeps inherited (a lock) open to its end.
+    bool Launch(const HostFiles& files, const std::string& dataHome, int inherited, std::string* error);
+
+    int OutputDescriptor() const { return output; }
+    /// -1 when there is nothing to write.
+    int InputDescriptor() const { return pending.empty() ? -1 : input; }
+
+    /// Queues text for the host's input.
+    void Send(std::string_view text);
+    /// Writes what the pipe takes now.
+    void Flush();
+    /// Appends the whole lines that have come, without their ends. False when the output has ended; the
+    /// rest of an unfinished line is then given too.
+    bool ReadLines(std::vector<std::string>* lines);
+
+    /// Ends it at once (SIGKILL to its group).
+    void Kill();
+    /// Waits until it is dead. "exit status 3" or "died, signal 11".
+    std::string Wait();
+
+  private:
+    void CloseInput();
+
+    pid_t child = -1;
+    int input = -1;
+    int output = -1;
+    std::string pending;
+    std::string partial;
+};

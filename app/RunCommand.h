@@ -1,0 +1,6 @@
+#pragma once
+// `tarnel run` from its options to its exit status.
+#include "app/ExitStatus.h"
+#include "app/RunOptions.h"
+
+ExitStatus RunDrawings(const RunOptions& options);

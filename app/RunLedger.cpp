@@ -1,0 +1,91 @@
+#include "app/RunLedger.h"
+
+#include <algorithm>
+
+RunLedger::RunLedger(const std::vector<QueueEntry>& queue) {
+    records.reserve(queue.size());
+    for (const QueueEntry& entry : queue) {
+        indices.emplace(entry.Path, records.size());
+        records.push_back({entry.Path, entry.Status, {}, {}, {}});
+    }
+}
+
+const DrawingRecord* RunLedger::Take(const HostLine& line, Clock::time_point now) {
+    const DrawingRecord* settled = nullptr;
+    switch (line.What) {
+        case HostLine::Kind::File:
+            settled = Settle(now);
+            current = Find(line.Text);
+            since = now;
+            if (current) {
+                current->Message.clear();
+                current->Host.clear();
+                current->Status = DrawingStatus::FailOpen;
+            }
+            break;
+        case HostLine::Kind::Status:
+            if (DrawingRecord* record = Find(line.Text)) {
+                // The next drawing is FailOpen just before its own "file" line.
+                if (record != current) {
+                    settled = Settle(now);
+                }
+                record->Status = line.Status;
+                if (line.Status == DrawingStatus::Locked) {
+                    settled = record;
+                }
+            }
+            break;
+        case HostLine::Kind::RunEnded:
+            settled = Settle(now);
+            break;
+        case HostLine::Kind::Talk:
+        case HostLine::Kind::Message:
+            if (current) {
+                current->Message = line.Text;
+            }
+            break;
+        default:
+            break;
+    }
+    return settled;
+}
+
+const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string& host) {
+    DrawingRecord* settled = current;
+    if (settled) {
+        settled->Seconds = std::chrono::duration<double>(now - since).count();
+        settled->Host = host;
+        current = nullptr;
+    }
+    return settled;
+}
+
+bool RunLedger::Reconcile(const std::vector<QueueEntry>& saved) {
+    bool same = true;
+    std::size_t found = 0;
+    for (const QueueEntry& entry : saved) {
+        if (DrawingRecord* record = Find(entry.Path)) {
+            ++found;
+            if (record->Status != entry.Status) {
+                // What was told and not saved is still the better knowledge.
+                if (record->Seconds && entry.Status == DrawingStatus::ToDo) {
+                    same = false;
+                } else {
+                    record->Status = entry.Status;
+                }
+            }
+        }
+    }
+    return same && found == records.size();
+}
+
+std::size_t RunLedger::Count(DrawingStatus status) const {
+    return static_cast<std::size_t>(
+        std::count_if(records.begin(), records.end(),
+                      [status](const DrawingRecord& record) { return record.Status == status; }));
+}
+
+DrawingRecord* RunLedger::Find(const std::string& path) {
+    const auto found = indices.find(path);
+    return found == indices.end() ? nullptr : &records[found->second];
+}

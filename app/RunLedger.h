@@ -1,0 +1,54 @@
+#pragma once
+// What is known of each drawing of a run while it goes on. Status lines say how far a drawing is; how long it
+// took and the last thing the host said about it stand nowhere on disk and are gathered here.
+#include "app/HostLine.h"
+#include "app/QueueFile.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+struct DrawingRecord {
+    std::string Path;
+    DrawingStatus Status = DrawingStatus::ToDo;
+    /// Given when the drawing was in work in this run.
+    std::optional<double> Seconds;
+    /// The host's last message while the drawing was in work.
+    std::string Message;
+    /// How the host died with this drawing in work: "died, signal 11".
+    std::string Host;
+};
+
+class RunLedger {
+  public:
+    using Clock = std::chrono::steady_clock;
+
+    /// queue holds the drawings in the order of the run.
+    explicit RunLedger(const std::vector<QueueEntry>& queue);
+
+    /// Takes a line. The drawing that is settled by it, if one is: the one in work before the next began,
+    /// or one that was passed over as Locked.
+    const DrawingRecord* Take(const HostLine& line, Clock::time_point now);
+    /// The run or the host has ended: settles the drawing in work, if there is one. host is empty or how the
+    /// host died.
+    const DrawingRecord* Settle(Clock::time_point now, const std::string& host = {});
+    /// Takes over the statuses on disk. False when a drawing stands there as less than was told here: the
+    /// state was not saved.
+    bool Reconcile(const std::vector<QueueEntry>& saved);
+
+    const std::vector<DrawingRecord>& Records() const { return records; }
+    /// The drawing in work; null when none is.
+    const DrawingRecord* Current() const { return current; }
+    Clock::time_point CurrentSince() const { return since; }
+    std::size_t Count(DrawingStatus status) const;
+
+  private:
+    DrawingRecord* Find(const std::string& path);
+
+    std::vector<DrawingRecord> records;
+    std::unordered_map<std::string, std::size_t> indices;
+    DrawingRecord* current = nullptr;
+    Clock::time_point since;
+};

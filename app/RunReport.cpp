@@ -1,0 +1,137 @@
+#include "app/RunReport.h"
+
+#include "app/Progress.h"
+
+#include <unistd.h>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::array<DrawingStatus, 5> kFailures = {DrawingStatus::FailOpen, DrawingStatus::Error,
+                                                    DrawingStatus::Timeout, DrawingStatus::Locked,
+                                                    DrawingStatus::Canceled};
+
+std::size_t CountOf(const std::vector<DrawingRecord>& records, DrawingStatus status) {
+    std::size_t count = 0;
+    for (const DrawingRecord& record : records) {
+        count += record.Status == status ? 1 : 0;
+    }
+    return count;
+}
+
+std::string ShellWord(const std::string& text) {
+    const bool plain = text.find_first_not_of(
+                           "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                           "/._-+,:@%") == std::string::npos;
+    if (plain && !text.empty()) {
+        return text;
+    }
+    std::string word = "'";
+    for (const char c : text) {
+        word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return word + "'";
+}
+
+}  // namespace
+
+std::string FollowUpCommand(const RunOptions& options, const std::string& what) {
+    std::string command = "tarnel run " + what;
+    if (options.Recover) {
+        command += " --recover";
+    }
+    if (!options.DataDir.empty()) {
+        command += " --data-dir " + ShellWord(options.DataDir);
+    }
+    return command;
+}
+
+void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& options, double seconds) {
+    const std::size_t done = CountOf(records, DrawingStatus::Done);
+    const std::size_t waiting = CountOf(records, DrawingStatus::ToDo);
+    if (options.Quiet && done == records.size()) {
+        return;
+    }
+    std::printf("\n%zu drawing%s in %s:  %zu Done", records.size(), records.size() == 1 ? "" : "s",
+                DurationText(seconds).c_str(), done);
+    for (const DrawingStatus status : kFailures) {
+        if (const std::size_t count = CountOf(records, status)) {
+            std::printf(", %zu %s", count, StatusWord(status));
+        }
+    }
+    if (waiting > 0) {
+        std::printf(", %zu still ToDo", waiting);
+    }
+    std::printf("\n");
+    for (const DrawingStatus status : kFailures) {
+        for (const DrawingRecord& record : records) {
+            if (record.Status != status) {
+                continue;
+            }
+            std::printf("\n%-8s %s\n", StatusWord(status), record.Path.c_str());
+            if (!record.Message.empty()) {
+                std::printf("         %s\n", record.Message.c_str());
+            }
+            if (!record.Host.empty()) {
+                std::printf("         the host %s\n", record.Host.c_str());
+            }
+        }
+    }
+    if (done + waiting < records.size()) {
+        std::printf("\nTo try these again:  %s\n", FollowUpCommand(options, "--retry failed").c_str());
+    }
+    if (waiting > 0) {
+        std::printf("\nTo go on with the rest:  %s\n", FollowUpCommand(options, "--resume").c_str());
+    }
+    std::fflush(stdout);
+}
+
+bool WriteJson(const std::vector<DrawingRecord>& records, const std::string& file, std::string* error) {
+    nlohmann::ordered_json all = nlohmann::ordered_json::array();
+    for (const DrawingRecord& record : records) {
+        nlohmann::ordered_json one;
+        one["path"] = record.Path;
+        one["status"] = StatusWord(record.Status);
+        one["seconds"] = record.Seconds ? nlohmann::ordered_json(*record.Seconds) : nullptr;
+        one["message"] = record.Message;
+        if (!record.Host.empty()) {
+            one["host"] = record.Host;
+        }
+        all.push_back(std::move(one));
+    }
+    // The host's words may hold bytes of any encoding.
+    const std::string text = all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    const bool isSpecial = fs::exists(file) && !fs::is_regular_file(file);
+    const std::string target = isSpecial ? file : file + ".part";
+    std::ofstream out(target, std::ios::trunc);
+    out << text;
+    out.close();
+    if (!out || (!isSpecial && std::rename(target.c_str(), file.c_str()) != 0)) {
+        *error = file + ": cannot be written: " + std::strerror(errno);
+        if (!isSpecial) {
+            std::remove(target.c_str());
+        }
+        return false;
+    }
+    return true;
+}
+
+bool CheckJsonTarget(const std::string& file, std::string* error) {
+    const bool isSpecial = fs::exists(file) && !fs::is_regular_file(file);
+    const std::string folder = fs::absolute(file).parent_path().string();
+    if (fs::is_directory(file)) {
+        errno = EISDIR;
+    } else if (access(isSpecial ? file.c_str() : folder.c_str(), W_OK) == 0) {
+        return true;
+    }
+    *error = file + ": cannot be written: " + std::strerror(errno);
+    return false;
+}

@@ -1,0 +1,93 @@
+// The command line of tarnel.
+#include "app/RunCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+namespace {
+
+constexpr const char* kFooter =
+    "Exit status: 0 all drawings are Done, 1 some are not, 2 wrong usage,\n"
+    "3 the run could not start or was broken off, 130 interrupted.";
+
+void DeclareRun(CLI::App* run, RunOptions* options) {
+    run->footer(kFooter);
+    run->add_option("drawings", options->Drawings, "Drawings, and folders with drawings");
+    run->add_option("-s,--script", options->Script, "The script of host commands for each drawing")
+        ->type_name("FILE");
+    run->add_option("-l,--list", options->Lists,
+                    "Take drawings from a list: one path a line, or a saved queue (.xml)")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+    run->add_option("--mask", options->Mask, "Which files of a folder, any case")
+        ->type_name("MASKS")
+        ->capture_default_str();
+    run->add_flag("-r,--recurse", options->Recurse, "Folders with all folders under them");
+    run->add_option("--max-time", options->MaxTime,
+                    "Seconds before a drawing is given up as Timeout; 0 never [60]")
+        ->type_name("SECONDS");
+    run->add_option("--alarm-time", options->AlarmTime,
+                    "Seconds before a slow drawing is told of; 0 never [40]")
+        ->type_name("SECONDS");
+    run->add_flag("--read-only", options->ReadOnly,
+                  "Process drawings that are locked or write-protected, read-only");
+    run->add_flag("--recover", options->Recover,
+                  "Start an empty drawing for each file; the script opens the file itself");
+    auto* retry = run->add_option("--retry", options->Retry,
+                                  "Run the drawings of the last run again that are not Done, or all")
+                      ->type_name("failed|all")
+                      ->transform(CLI::Transformer(std::map<std::string, RunOptions::RetryKind>{
+                          {"failed", RunOptions::RetryKind::Failed}, {"all", RunOptions::RetryKind::All}}));
+    auto* resume =
+        run->add_flag("--resume", options->Resume, "Go on with what is still ToDo of an interrupted run");
+    retry->excludes(resume);
+    run->add_flag("-n,--dry-run", options->DryRun, "Only print what would be processed, in order");
+    run->add_option("--data-dir", options->DataDir,
+                    "Folder for the state and the logs (in its folder Ovrix) instead of the user's")
+        ->type_name("DIR");
+    run->add_option("--json", options->JsonFile, "Write path, status, seconds and message of each drawing")
+        ->type_name("FILE");
+    run->add_flag("-q,--quiet", options->Quiet, "Print only what went wrong");
+    run->add_flag("!--no-monitor", options->Monitor,
+                  "End the run when the host dies, instead of starting it again");
+    run->add_option("--grace", options->Grace,
+                    "Seconds beyond the time limit until a host that hangs is ended")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+}
+
+/// What CLI11 cannot tell by itself. Empty when all is well.
+std::string CheckUsage(const RunOptions& options) {
+    if (options.KeepsQueue() && !(options.Drawings.empty() && options.Lists.empty())) {
+        return "--resume and --retry take the drawings of the last run; name none";
+    }
+    if (!options.KeepsQueue() && options.Script.empty()) {
+        return "a script is needed: --script FILE";
+    }
+    return {};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Runs a script of host commands over many drawings.", "tarnel");
+    app.set_version_flag("--version", "tarnel " TARNEL_VERSION);
+    app.require_subcommand(1);
+    app.footer("tarnel run --help tells the options of a run.");
+    RunOptions options;
+    CLI::App* run = app.add_subcommand("run", "Run a script over drawings");
+    DeclareRun(run, &options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& wanted) {
+        return app.exit(wanted);
+    } catch (const CLI::ParseError& wrong) {
+        std::fprintf(stderr, "tarnel: %s (tarnel run --help tells what there is)\n", wrong.what());
+        return WrongUsage;
+    }
+    if (const std::string wrong = CheckUsage(options); !wrong.empty()) {
+        std::fprintf(stderr, "tarnel: %s\n", wrong.c_str());
+        return WrongUsage;
+    }
+    return RunDrawings(options);
+}
