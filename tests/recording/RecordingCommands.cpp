@@ -191,6 +191,6 @@ int acedRetList(const resbuf*) {
     return RTNORM;
 }
 
-int acedInvoke(const resbuf*, resbuf**) {
-    return RTERROR;
+int acedInvoke(const resbuf* arguments, resbuf** out) {
+    return host().OnInvoke ? host().OnInvoke(arguments, out) : RTERROR;
 }

@@ -47,6 +47,8 @@ class RecordingHost {
     QHash<QString, QString> Symbols;
     /// Called for each command with its words; its result is the command's. RTNORM without one.
     std::function<int(const QStringList&)> OnCommand;
+    /// Answers acedInvoke, which is refused without one.
+    std::function<int(const resbuf*, resbuf**)> OnInvoke;
     /// Refused by acedSetVar.
     QStringList ReadOnlyVariables;
 

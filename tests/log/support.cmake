@@ -1,0 +1,3 @@
+tarnel_add_test(support_tests
+  SOURCES SupportTest.cpp
+  LIBRARIES tnl_support recording_host GTest::gmock_main)
