@@ -1,6 +1,6 @@
 // What the module itself costs per drawing: a whole run over a host that opens, runs and saves nothing. The
 // state, the scripts, the trace and the run log go to a real disk; the host's logs are small real files that
-// end up in the archive.
+// end up in the archive. Arguments: the lengths of the queues.
 #include "engine/RunUi.h"
 #include "engine/TarnelData.h"
 #include "rxregsvc.h"
@@ -14,6 +14,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 extern "C" AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* appId);
 
@@ -97,8 +98,14 @@ Cost measure(int count, bool dwg) {
 
 int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     std::printf("%8s %6s %12s %16s %12s\n", "drawings", "kind", "start ms", "per drawing us", "end ms");
-    for (const int count : {100, 1000, 10000}) {
+    std::vector<int> counts;
+    for (int i = 1; i < argc; ++i)
+        counts.push_back(std::atoi(argv[i]));
+    if (counts.empty())
+        counts = {100, 1000, 10000};
+    for (const int count : counts) {
         for (const bool dwg : {false, true}) {
             const Cost cost = measure(count, dwg);
             std::printf("%8d %6s %12.2f %16.1f %12.1f\n", count, dwg ? "tested" : "plain", cost.Start,
