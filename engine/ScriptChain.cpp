@@ -20,6 +20,9 @@ QString scriptFile(bool first) {
 void writeScript(const QString& path, const QString& text) {
     CStdioFileEx file;
     QString cause;
+    // Emptying a file makes some file systems bring the new content to the disk when it is closed; a script
+    // that lives for seconds is not worth that wait.
+    QFile::remove(path);
     bool written = file.Open(path, CStdioFileEx::modeCreate | CStdioFileEx::modeWrite, &cause);
     if (written) {
         written = file.WriteString(text) && file.Close();

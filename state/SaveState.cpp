@@ -1,10 +1,12 @@
+#include "state/StateFile.h"
+
 #include "state/Base64.h"
 #include "state/CodePage.h"
 #include "state/FileName.h"
 #include "state/MarkupDocument.h"
 #include "state/MarkupFile.h"
+#include "state/PatchedFile.h"
 #include "state/StateFields.h"
-#include "state/StateFile.h"
 #include "state/StateFileError.h"
 #include "state/WholeFile.h"
 
@@ -88,7 +90,7 @@ int SaveState(const QString* path, int full) {
     });
     QString report;
     const QByteArray bytes = EncodeMarkup(document.GetDocumentText(), report, 0);
-    if (const int error = WriteWholeFile(file, bytes))
+    if (const int error = WritePatchedFile(file, bytes))
         SetStateError(file, u"cannot be written: " + SystemMessage(error));
     return 1;
 }

@@ -86,13 +86,13 @@ TEST_F(ConsoleTest, RunWithNothingToDoStaysInTheDialog) {
 
 TEST_F(ConsoleTest, QuestionsNobodyCanAnswerChangeNothing) {
     host.Variables["CMDACTIVE"] = 32;
-    EXPECT_EQ(Ui().Ask("Tarnel", "Close?\nReally?", RunUi::YesNo), RunUi::No);
-    EXPECT_EQ(Ui().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::Cancel);
+    EXPECT_EQ(CurrentUi().Ask("Tarnel", "Close?\nReally?", RunUi::YesNo), RunUi::No);
+    EXPECT_EQ(CurrentUi().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::Cancel);
     EXPECT_TRUE(host.CallsOf("prompt").isEmpty());
     EXPECT_TRUE(host.Printed.contains("Close? Really?"));
     host.Variables["CMDACTIVE"] = 1;
     host.Answers = {"No", "", QString()};
-    EXPECT_EQ(Ui().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::No);
-    EXPECT_EQ(Ui().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::Cancel);
-    EXPECT_EQ(Ui().Ask("Tarnel", "Close?", RunUi::YesNo), RunUi::No);
+    EXPECT_EQ(CurrentUi().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::No);
+    EXPECT_EQ(CurrentUi().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::Cancel);
+    EXPECT_EQ(CurrentUi().Ask("Tarnel", "Close?", RunUi::YesNo), RunUi::No);
 }

@@ -1,0 +1,77 @@
+#include "state/PatchedFile.h"
+
+#include "state/WholeFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <QFile>
+
+namespace {
+
+/// A write within one page is never cut short by a signal, so a kill leaves the old bytes or the new ones.
+constexpr qsizetype PageSize = 4096;
+
+struct Written {
+    QString path;
+    QByteArray bytes;
+    struct stat status {};
+};
+/// What the last call left behind.
+std::optional<Written> last;
+
+bool sameVersion(const struct stat& a, const struct stat& b) {
+    return a.st_ino == b.st_ino && a.st_dev == b.st_dev && a.st_size == b.st_size &&
+           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
+void remember(const QString& path, const QByteArray& bytes) {
+    Written written{path, bytes, {}};
+    if (::stat(QFile::encodeName(path).constData(), &written.status) == 0)
+        last = std::move(written);
+    else
+        last.reset();
+}
+
+/// True when the file now holds the bytes.
+bool patch(const QString& path, const QByteArray& bytes) {
+    if (!last || last->path != path || last->bytes.size() != bytes.size())
+        return false;
+    const char* const before = last->bytes.constData();
+    const auto [old, first] = std::mismatch(before, before + bytes.size(), bytes.constData());
+    const qsizetype start = first - bytes.constData();
+    qsizetype end = bytes.size();
+    while (end > start && before[end - 1] == bytes[end - 1])
+        --end;
+    if (end > start && start / PageSize != (end - 1) / PageSize)
+        return false;
+    const int file = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    struct stat status {};
+    bool done = ::fstat(file, &status) == 0 && sameVersion(status, last->status);
+    if (done && end > start)
+        done = ::pwrite(file, bytes.constData() + start, static_cast<std::size_t>(end - start), start) ==
+                   end - start &&
+               ::fstat(file, &last->status) == 0;
+    ::close(file);
+    if (done)
+        last->bytes = bytes;
+    return done;
+}
+
+}  // namespace
+
+int WritePatchedFile(const QString& path, const QByteArray& bytes) {
+    if (patch(path, bytes))
+        return 0;
+    const int error = WriteWholeFile(path, bytes);
+    if (error == 0)
+        remember(path, bytes);
+    else
+        last.reset();
+    return error;
+}
