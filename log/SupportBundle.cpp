@@ -28,7 +28,7 @@ QString addFile(CZipArchive& archive, const QString& name, const QString& path) 
     CFileHeader header;
     header.Name = name.toStdString();
     archive.OpenNewFile(header, Level, QFile::encodeName(path).constData());
-    QByteArray buffer(64 * 1024, '\0');
+    QByteArray buffer(qsizetype{64} * 1024, '\0');
     for (;;) {
         const qint64 count = file.read(buffer.data(), buffer.size());
         if (count < 0)

@@ -363,7 +363,7 @@ std::string CZipArchive::ReadWholeFile(int index) {
     OpenFile(index);
     try {
         std::string content;
-        constexpr std::size_t step = 64 * 1024;
+        constexpr std::size_t step = std::size_t{64} * 1024;
         for (;;) {
             const std::size_t old = content.size();
             content.resize(old + step);

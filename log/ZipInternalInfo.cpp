@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::size_t BufferSize = 64 * 1024;
+constexpr std::size_t BufferSize = std::size_t{64} * 1024;
 // zlib counts in 32 bits.
 constexpr std::size_t StepSize = std::size_t{1} << 30U;
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::size_t BufferSize = 128 * 1024;
+constexpr std::size_t BufferSize = std::size_t{128} * 1024;
 
 [[noreturn]] void raiseWrite(const std::string& path) {
     throw CZipException(CZipException::WriteError, path, std::string("cannot write: ") + strerror(errno));
