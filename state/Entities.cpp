@@ -120,17 +120,21 @@ void appendEscaped(MarkupBuffer& out, QStringView text, std::uint64_t specials) 
     for (qsizetype i = 0; i < text.size(); ++i) {
         if (units[i] >= 64 || !(specials >> units[i] & 1))
             continue;
-        AppendMarkup(out, text.sliced(done, i - done));
-        AppendMarkup(out, escapeOf(units[i]));
+        out.Append(text.sliced(done, i - done));
+        out.Append(escapeOf(units[i]));
         done = i + 1;
     }
-    AppendMarkup(out, text.sliced(done));
+    out.Append(text.sliced(done));
 }
 
 }  // namespace
 
-void AppendMarkup(MarkupBuffer& out, QStringView text) {
-    out.append(text.utf16(), text.size());
+void MarkupBuffer::grow(qsizetype wanted) {
+    capacity = wanted + wanted / 2;
+    auto larger = std::make_unique<char16_t[]>(std::size_t(capacity));
+    std::memcpy(larger.get(), units, std::size_t(size) * sizeof(char16_t));
+    heap = std::move(larger);
+    units = heap.get();
 }
 
 void AppendEscapedText(MarkupBuffer& out, QStringView text) {

@@ -34,18 +34,21 @@ void CFileName::SetPath(const QString& newPath) {
         extStart = path.size();
 }
 
+void AppendPath(QString& out, QStringView directory, QStringView name) {
+    out.append(directory);
+    if (!directory.isEmpty()) {
+        const bool windows = IsWindowsPath(directory);
+        const QChar last = directory.back();
+        if (last != u'/' && !(windows && last == u'\\'))
+            out.append(windows ? u'\\' : u'/');
+    }
+    out.append(name);
+}
+
 QString JoinPath(QStringView directory, QStringView name) {
-    if (directory.isEmpty())
-        return name.toString();
-    const bool windows = IsWindowsPath(directory);
-    const QChar last = directory.back();
-    const bool separated = last == u'/' || (windows && last == u'\\');
     QString path;
     path.reserve(directory.size() + 1 + name.size());
-    path.append(directory);
-    if (!separated)
-        path.append(windows ? u'\\' : u'/');
-    path.append(name);
+    AppendPath(path, directory, name);
     return path;
 }
 

@@ -38,6 +38,8 @@ qsizetype NameOffset(QStringView path);
 /// Directory and name as one path. A separator of the directory's own kind goes between unless the directory
 /// ends in one; an empty directory adds nothing.
 QString JoinPath(QStringView directory, QStringView name);
+/// The same at the end of a text.
+void AppendPath(QString& out, QStringView directory, QStringView name);
 
 /// The directory without the separators of either kind at its end.
 QString TrimSeparators(const QString& directory);

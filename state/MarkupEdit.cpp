@@ -40,7 +40,8 @@ void MarkupDocument::splice(std::uint32_t offset, std::uint32_t removed, QString
     auto* units = reinterpret_cast<char16_t*>(text.data());
     const std::size_t tail = static_cast<std::size_t>(oldSize - offset - removed);
     std::memmove(units + offset + insertion.size(), units + offset + removed, tail * sizeof(char16_t));
-    std::memcpy(units + offset, insertion.utf16(), std::size_t(insertion.size()) * sizeof(char16_t));
+    if (!insertion.isEmpty())
+        std::memcpy(units + offset, insertion.utf16(), std::size_t(insertion.size()) * sizeof(char16_t));
     if (newSize < oldSize)
         text.resize(newSize);
 }
@@ -61,9 +62,9 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
                                      QStringView value, bool noLineBreaks) {
     MarkupBuffer added;
     const auto appendTag = [&](QStringView open, QStringView close) {
-        AppendMarkup(added, open);
-        AppendMarkup(added, name);
-        AppendMarkup(added, close);
+        added.Append(open);
+        added.Append(name);
+        added.Append(close);
     };
     std::uint32_t startTagLength = 0;
     std::uint32_t endTagLength = 0;
@@ -99,8 +100,8 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
     }
 
     if (opensParent)
-        AppendMarkup(added, noLineBreaks ? QStringView(u">") : QStringView(u">\r\n"));
-    const auto elementOffset = static_cast<std::uint32_t>(added.size());
+        added.Append(noLineBreaks ? QStringView(u">") : QStringView(u">\r\n"));
+    const auto elementOffset = static_cast<std::uint32_t>(added.Size());
     if (value.isEmpty()) {
         appendTag(u"<", u"/>");
         startTagLength = static_cast<std::uint32_t>(name.size()) + 3;
@@ -111,23 +112,23 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
         startTagLength = static_cast<std::uint32_t>(name.size()) + 2;
         endTagLength = startTagLength + 1;
     }
-    const std::uint32_t length = static_cast<std::uint32_t>(added.size()) - elementOffset;
+    const std::uint32_t length = static_cast<std::uint32_t>(added.Size()) - elementOffset;
     if (!noLineBreaks)
-        AppendMarkup(added, u"\r\n");
+        added.Append(u"\r\n");
     if (opensParent) {
         ElementPosition& element = positions[parent];
         const std::uint32_t newStartTag = place + 1 - element.Start;
         if (element.IsEmptyElement()) {
             const QStringView parentName = nameOf(parent);
-            AppendMarkup(added, u"</");
-            AppendMarkup(added, parentName);
-            AppendMarkup(added, u">");
+            added.Append(u"</");
+            added.Append(parentName);
+            added.Append(u">");
             element.SetEndTagLength(static_cast<std::uint32_t>(parentName.size()) + 3);
             element.Level &= ~std::uint32_t{ElementPosition::NoEndTag};
         }
         element.SetStartTagLength(newStartTag);
     }
-    splice(place, removed, QStringView(added.constData(), added.size()));
+    splice(place, removed, added.View());
 
     const std::uint32_t i = positions.Add();
     ElementPosition& element = positions[i];
@@ -148,7 +149,7 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
         const std::uint32_t follower = element.NextSibling != 0 ? element.NextSibling : head;
         positions[follower].PreviousSibling = i;
     }
-    shift(i, added.size() - std::int64_t{removed});
+    shift(i, added.Size() - std::int64_t{removed});
     return i;
 }
 
@@ -182,25 +183,25 @@ bool MarkupDocument::setAttribute(std::uint32_t i, QStringView name, QStringView
         place = span.Quoted ? span.ValueStart - 1 : span.ValueStart;
         removed = span.End - place;
     } else if (span.Found) {
-        AppendMarkup(changed, u"=");
+        changed.Append(u"=");
     } else {
         if (span.HasValue && !span.Quoted && span.ValueStart == span.ValueEnd)
-            AppendMarkup(changed, u"\"\"");
-        AppendMarkup(changed, u" ");
-        AppendMarkup(changed, name);
-        AppendMarkup(changed, u"=");
+            changed.Append(u"\"\"");
+        changed.Append(u" ");
+        changed.Append(name);
+        changed.Append(u"=");
     }
-    AppendMarkup(changed, u"\"");
+    changed.Append(u"\"");
     AppendEscapedAttribute(changed, value);
-    AppendMarkup(changed, u"\"");
-    const QStringView insertion(changed.constData(), changed.size());
+    changed.Append(u"\"");
+    const QStringView insertion = changed.View();
     const bool wasEmpty =
         positions[i].IsEmptyElement() && (positions[i].Level & ElementPosition::NoEndTag) == 0;
     // A slash at the end of a tag that is not empty is a stray; behind a quote it would end the element.
     if (!wasEmpty && place + removed + 2 == oldLength && tag[oldLength - 2] == u'/')
         ++removed;
 
-    const std::int64_t difference = changed.size() - std::int64_t{removed};
+    const std::int64_t difference = changed.Size() - std::int64_t{removed};
     if (oldLength + difference > ElementPosition::MaxStartTag)
         return false;
     if (span.Found || (span.HasValue && !span.Quoted)) {

@@ -63,10 +63,10 @@ void saveOptions(MarkupDocument& document, CTarnelData& data, int full) {
 
 }  // namespace
 
-int SaveState(const QString* path, int full) {
+int SaveState(const QString* target, int full) {
     ClearStateError();
     CTarnelData& data = TarnelData();
-    const QString& file = path != nullptr ? *path : data.StateFile;
+    const QString& file = target != nullptr ? *target : data.StateFile;
     // A run saves several times per drawing: the room of the last text is used again.
     static MarkupDocument document;
     document.Clear();
@@ -82,9 +82,12 @@ int SaveState(const QString* path, int full) {
                     writer.Number(data.SysVarNames[i], data.SavedSysVars[i].Integer(0));
         });
     }
+    QString path;
     writer.Inside(u"Files", [&] {
         for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
-            document.AddChildElement(u"File", JoinPath(data.FileDirs[i], data.FileNames[i]));
+            path.resize(0);
+            AppendPath(path, data.FileDirs[i], data.FileNames[i]);
+            document.AddChildElement(u"File", path);
             document.SetChildAttribute(u"Status", static_cast<int>(data.FileStatus[i]));
         }
     });

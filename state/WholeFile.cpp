@@ -130,7 +130,7 @@ int WriteWholeFile(const QString& path, const QByteArray& bytes) {
     Descriptor file(::open(beside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
     if (!file.IsOpen()) {
         const int error = errno;
-        if (exists && (error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG))
+        if (error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG)
             return writeInPlace(target, bytes);
         return error;
     }

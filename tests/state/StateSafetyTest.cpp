@@ -29,6 +29,20 @@ class StateSafety : public testing::Test {
         }
     }
 
+    /// Saves while no file may grow past 20,000 bytes, which plays the disk that is full. The error told.
+    static QString saveOnFullDisk() {
+        rlimit old{};
+        getrlimit(RLIMIT_FSIZE, &old);
+        rlimit small = old;
+        small.rlim_cur = 20000;
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &small);
+        SaveState(nullptr, 1);
+        setrlimit(RLIMIT_FSIZE, &old);
+        std::signal(SIGXFSZ, handler);
+        return LastStateError();
+    }
+
     QTemporaryDir folder;
     QString path = folder.filePath(QStringLiteral("TarnelRunner.xml"));
 };
@@ -66,23 +80,30 @@ TEST_F(StateSafety, AFullDiskLeavesTheOldStateAndSaysSo) {
     SaveState(nullptr, 1);
     const QByteArray before = ReadBytes(path);
     fillQueue(5000);
-    // A limit on the size of files plays the disk that is full.
-    rlimit old{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-    rlimit small = old;
-    small.rlim_cur = 20000;
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    SaveState(nullptr, 1);
-    const QString error = LastStateError();
-    setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, handler);
+    const QString error = saveOnFullDisk();
     EXPECT_EQ(Plain(error), Plain(path) + ": cannot be written: File too large");
     EXPECT_EQ(ReadBytes(path), before);
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
     SaveState(nullptr, 1);
     EXPECT_TRUE(LastStateError().isEmpty()) << "a save that works clears the error";
     EXPECT_TRUE(SyncState());
+}
+
+TEST_F(StateSafety, WritesInPlaceWhereNothingCanStandBeside) {
+    // A name so long that no longer one can stand beside it.
+    TarnelData().StateFile = folder.filePath(QString(251, u'n') + QStringLiteral(".xml"));
+    fillQueue(100);
+    SaveState(nullptr, 1);
+    EXPECT_TRUE(LastStateError().isEmpty());
+    const QByteArray before = ReadBytes(TarnelData().StateFile);
+    fillQueue(5000);
+    EXPECT_FALSE(saveOnFullDisk().isEmpty());
+    EXPECT_EQ(ReadBytes(TarnelData().StateFile), before);
+    TarnelData().FileNames.resize(1);
+    TarnelData().FileDirs.resize(1);
+    SaveState(nullptr, 1);
+    EXPECT_TRUE(ReadBytes(TarnelData().StateFile).endsWith("</TarnelRunner>\r\n"));
+    EXPECT_EQ(Plain(CheckStateFile(TarnelData().StateFile)), "");
 }
 
 TEST_F(StateSafety, LinksAndModesStay) {
