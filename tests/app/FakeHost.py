@@ -1,0 +1,114 @@
+#!/usr/bin/python3
+"""A host that dies, hangs and dawdles on demand, for the tests of the program that watches over hosts.
+
+It takes the commands that a run sends, keeps a state file and prints the lines of a run. What it does to a
+drawing stands in the drawing's name: die… ends in a segmentation fault, hang… answers nothing any more, slow…
+waits for a cancel, bad… cannot be opened, all others are Done at once. The file "host-starts" beside the state
+counts the starts; "mute" there makes the host start no run at all.
+"""
+import html
+import os
+import re
+import select
+import signal
+import sys
+import time
+
+WORDS = ["ToDo", "Done", "FailOpen", "Timeout", "Locked", "Error", "Canceled"]
+FOLDER = os.path.join(os.environ["XDG_DATA_HOME"], "Ovrix")
+STATE = os.path.join(FOLDER, "TarnelRunner.xml")
+queue = []
+max_time = 60
+
+
+def load():
+    global max_time
+    if not os.path.exists(STATE):
+        return
+    with open(STATE, encoding="utf-8", newline="") as f:
+        text = f.read()
+    queue[:] = [[html.unescape(path), int(status)]
+                for status, path in re.findall(r'<File Status="(\d+)">(.*?)</File>', text, re.S)]
+    max_time = int(re.search(r"<MaxTime>(\d+)", text).group(1))
+
+
+def save():
+    files = "".join('<File Status="%d">%s</File>\r\n' % (status, html.escape(path, quote=False))
+                    for path, status in queue)
+    with open(STATE + ".new", "w", encoding="utf-8", newline="") as f:
+        f.write('<TarnelRunner Version="3.0.0" Build="0">\r\n<Options>\r\n<MaxTime>%d</MaxTime>\r\n'
+                '<SortIdx>6</SortIdx>\r\n</Options>\r\n<Files>\r\n%s</Files>\r\n</TarnelRunner>\r\n'
+                % (max_time, files))
+    os.replace(STATE + ".new", STATE)
+
+
+def say(text):
+    sys.stdout.write("\n" + text + "\n")
+    sys.stdout.flush()
+
+
+def give(entry, word):
+    entry[1] = WORDS.index(word)
+    save()
+    say("Tarnel: status %s: %s" % (word, entry[0]))
+
+
+def run():
+    waiting = [entry for entry in queue if entry[1] == 0]
+    say("Tarnel: run started, %d to do" % len(waiting))
+    for number, entry in enumerate(waiting, 1):
+        name = os.path.basename(entry[0])
+        give(entry, "FailOpen")
+        say("Tarnel: file %d of %d: %s" % (number, len(waiting), entry[0]))
+        if name.startswith("bad"):
+            say('Cannot open "%s": line 12: not a group code.' % entry[0])
+            continue
+        give(entry, "Error")
+        if name.startswith("die"):
+            os.kill(os.getpid(), signal.SIGSEGV)
+        if name.startswith("hang"):
+            time.sleep(600)
+        if name.startswith("slow"):
+            say("Specify first point:")
+            if select.select([sys.stdin], [], [], 60)[0] and "TNL_Cancel" in sys.stdin.readline():
+                give(entry, "Canceled")
+                break
+        give(entry, "Done")
+    say("Tarnel: run ended")
+
+
+def main():
+    global max_time
+    with open(os.path.join(FOLDER, "host-starts"), "a") as f:
+        f.write("x")
+    if os.path.exists(os.path.join(FOLDER, "mute")):
+        say("Cannot load the module.")
+        return
+    load()
+    line = sys.stdin.readline()
+    while line:
+        if line == "Maxtime\n":
+            max_time = int(sys.stdin.readline())
+        elif line == "Failed\n":
+            for entry in queue:
+                entry[1] = 1 if entry[1] == 1 else 0
+        elif line == "All\n":
+            for entry in queue:
+                entry[1] = 0
+        elif line.startswith("(C:Tarnel"):
+            queue.clear()
+            while not line.endswith("))\n"):
+                line = sys.stdin.readline()
+                literal = line.rstrip("\n").removesuffix("))")[1:-1]
+                path = re.sub(r"\\([0-7]{3}|.)", lambda m: chr(int(m[1], 8)) if len(m[1]) == 3 else m[1], literal)
+                queue.append([path, 0])
+            save()
+            run()
+        elif line == "Run\n":
+            run()
+        elif line == "QUIT\n":
+            return
+        line = sys.stdin.readline()
+
+
+main()

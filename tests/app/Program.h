@@ -1,0 +1,34 @@
+#pragma once
+// Runs the built program as a user would, in a folder of its own.
+#include <gtest/gtest.h>
+#include <sys/types.h>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+struct ProgramResult {
+    int Status = -1;
+    std::string Out;
+    std::string Errors;
+};
+
+class ProgramTest : public testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// `tarnel run ARGS…` in Folder, with the state in Folder/data. meanwhile is called with the process
+    /// once it has started.
+    ProgramResult Run(std::vector<std::string> arguments, const std::function<void(pid_t)>& meanwhile = {});
+    /// Writes a file in Folder and gives its path.
+    std::string Write(const std::string& name, const std::string& text) const;
+    static std::string Read(const std::string& path);
+    std::string StateFile() const { return Folder / "data/Ovrix/TarnelRunner.xml"; }
+    /// Waits until the state file holds the text.
+    bool WaitForState(const std::string& text) const;
+
+    std::filesystem::path Folder;
+    /// Used in place of the real host when not empty.
+    std::string Host;
+};

@@ -1,0 +1,127 @@
+// The queue from what the user names, and the lines of a run.
+#include "app/DrawingList.h"
+#include "app/HostLine.h"
+#include "app/QueueFile.h"
+#include "app/RunLedger.h"
+#include "tests/app/Program.h"
+
+#include <gmock/gmock.h>
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+TEST(Mask, FitsNamesInAnyCaseAndAnyOfSeveral) {
+    EXPECT_TRUE(MatchesMask("PLAN.DXF", "*.dxf,*.dwg"));
+    EXPECT_TRUE(MatchesMask("plan-07.dwg", "x*; plan-??.dwg"));
+    EXPECT_FALSE(MatchesMask("plan.dxf.bak", "*.dxf,*.dwg"));
+    EXPECT_FALSE(MatchesMask("plan.dxf", ",,"));
+}
+
+class DrawingList : public ProgramTest {
+  protected:
+    std::vector<std::string> Collect(RunOptions options) {
+        Error.clear();
+        return CollectDrawings(options, &Error);
+    }
+    std::string Error;
+};
+
+TEST_F(DrawingList, TakesEachDrawingOnceInTheOrderGiven) {
+    const std::string b = Write("in/b.dxf", "");
+    const std::string a = Write("in/A.DXF", "");
+    const std::string deep = Write("in/deep/c.dwg", "");
+    Write("in/notes.txt", "");
+    RunOptions options;
+    options.Drawings = {Folder / "in/../in/b.dxf", Folder / "in"};
+    EXPECT_THAT(Collect(options), ElementsAre(b, a));
+    options.Recurse = true;
+    options.Mask = "*.dwg";
+    EXPECT_THAT(Collect(options), ElementsAre(b, deep));
+    options.Drawings = {Folder / "in/none.dxf", a};
+    EXPECT_THAT(Collect(options), IsEmpty());
+    EXPECT_THAT(Error, testing::HasSubstr("in/none.dxf: No such file"));
+    options.Drawings = {Write("bad\xE4.dxf", "")};
+    EXPECT_THAT(Collect(options), IsEmpty());
+    EXPECT_THAT(Error, testing::HasSubstr("not UTF-8"));
+}
+
+TEST_F(DrawingList, ReadsListsOfPathsAndSavedQueues) {
+    RunOptions options;
+    options.Lists = {
+        Write("lists/plain.lst", "\xEF\xBB\xBF@ Monday\r\nplan a.dxf\r\n\r\n/abs/b.dxf\nplan a.dxf"),
+        Write("saved.xml",
+              "<TarnelRunner>\n<Options/>\n<Files>\n"
+              "<File Status=\"1\">/abs/&lt;c&gt; &amp; d.dxf</File>\n</Files>\n"
+              "</TarnelRunner>\n")};
+    EXPECT_THAT(Collect(options), ElementsAre(Folder / "lists/plan a.dxf", "/abs/b.dxf", "/abs/<c> & d.dxf"));
+}
+
+TEST_F(DrawingList, AQueueOnDiskIsRunInItsSortOrder) {
+    const auto order = [this](const std::string& key, const std::string& reverse) {
+        QueueFile queue;
+        std::string error;
+        EXPECT_TRUE(queue.Load(Write("state.xml", "<TarnelRunner><Options><SortIdx>" + key +
+                                                      "</SortIdx><SortReverse>" + reverse +
+                                                      "</SortReverse></Options><Files>"
+                                                      "<File Status=\"2\">/2/b</File>"
+                                                      "<File Status=\"0\">/1/B</File>"
+                                                      "<File Status=\"1\">/3/a</File>"
+                                                      "</Files></TarnelRunner>"),
+                               &error))
+            << error;
+        std::string paths;
+        for (const QueueEntry& entry : queue.Entries()) {
+            paths += entry.Path;
+        }
+        return paths;
+    };
+    EXPECT_EQ(order("6", "0"), "/2/b/1/B/3/a");
+    EXPECT_EQ(order("6", "1"), "/3/a/1/B/2/b");
+    EXPECT_EQ(order("0", "0"), "/3/a/1/B/2/b");
+    EXPECT_EQ(order("2", "1"), "/3/a/2/b/1/B");
+    EXPECT_EQ(order("4", "0"), "/1/B/3/a/2/b");
+}
+
+TEST(RunLedger, FollowsTheLinesOfARun) {
+    RunLedger ledger({{"/a: 1 of 2.dxf", DrawingStatus::ToDo},
+                      {"/locked.dwg", DrawingStatus::ToDo},
+                      {"/b.dxf", DrawingStatus::ToDo}});
+    const auto start = RunLedger::Clock::now();
+    const auto take = [&](const char* line, int seconds) -> std::string {
+        const DrawingRecord* settled =
+            ledger.Take(ParseHostLine(line), start + std::chrono::seconds(seconds));
+        return settled ? settled->Path : "";
+    };
+    take("Cannot load a font.", 0);
+    take("Tarnel: status FailOpen: /a: 1 of 2.dxf", 0);
+    take("Tarnel: file 1 of 2: /a: 1 of 2.dxf", 0);
+    take("Tarnel: status Error: /a: 1 of 2.dxf", 1);
+    take("Command: Unknown command \"FOO\".", 1);
+    take("Command: ", 1);
+    take("*Cancel*", 2);
+    take("Tarnel: status Timeout: /a: 1 of 2.dxf", 3);
+    EXPECT_EQ(take("Tarnel: status Locked: /locked.dwg", 3), "/locked.dwg");
+    take("Tarnel: status FailOpen: /b.dxf", 3);
+    take("Tarnel: file 2 of 2: /b.dxf", 4);
+    EXPECT_EQ(ledger.Current()->Path, "/b.dxf");
+    take("Tarnel: status Done: /b.dxf", 9);
+    EXPECT_EQ(take("Tarnel: run ended", 9), "/b.dxf");
+
+    const DrawingRecord& first = ledger.Records()[0];
+    EXPECT_EQ(first.Status, DrawingStatus::Timeout);
+    EXPECT_EQ(first.Message, "Unknown command \"FOO\".");
+    EXPECT_EQ(first.Seconds, 3.0);
+    EXPECT_FALSE(ledger.Records()[1].Seconds);
+    EXPECT_EQ(ledger.Records()[2].Seconds, 5.0);
+
+    EXPECT_FALSE(ledger.Reconcile({{"/a: 1 of 2.dxf", DrawingStatus::Timeout},
+                                   {"/locked.dwg", DrawingStatus::Locked},
+                                   {"/b.dxf", DrawingStatus::ToDo}}))
+        << "a drawing that was worked on is not saved";
+    EXPECT_EQ(ledger.Records()[2].Status, DrawingStatus::Done);
+}
+
+}  // namespace

@@ -1,0 +1,184 @@
+// The front with a host that misbehaves on demand: what the user is told, what stands on disk, and how it
+// goes on.
+#include "tests/app/Program.h"
+
+#include <gmock/gmock.h>
+#include <csignal>
+#include <fstream>
+
+namespace fs = std::filesystem;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+class WatchedRun : public ProgramTest {
+  protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        Host = FAKE_HOST;
+        Script = Write("save.scr", "qsave\n");
+    }
+
+    std::vector<std::string> Arguments(const std::vector<std::string>& names,
+                                       std::vector<std::string> options = {}) {
+        options.insert(options.begin(), {"--script", Script});
+        for (const std::string& name : names) {
+            options.push_back(Write(name, "drawing"));
+        }
+        return options;
+    }
+    std::string Entry(int status, const std::string& name) const {
+        return "<File Status=\"" + std::to_string(status) + "\">" + (Folder / name).string() + "</File>";
+    }
+    std::size_t HostStarts() const { return Read(Folder / "data/Ovrix/host-starts").size(); }
+
+    std::string Script;
+};
+
+TEST_F(WatchedRun, TellsEachDrawingAndHowToTryAgain) {
+    const ProgramResult first =
+        Run(Arguments({"a.dxf", "bad one.dxf", "c\\\"d\3.dxf"}, {"--json", "r.json"}));
+    EXPECT_EQ(first.Status, 1);
+    EXPECT_EQ(first.Errors, "");
+    EXPECT_THAT(first.Out, HasSubstr("3 drawings in "));
+    EXPECT_THAT(first.Out, HasSubstr("2 Done, 1 FailOpen\n"));
+    EXPECT_THAT(first.Out, HasSubstr("FailOpen " + (Folder / "bad one.dxf").string() + "\n"));
+    EXPECT_THAT(first.Out, HasSubstr("line 12: not a group code."));
+    EXPECT_THAT(first.Out, HasSubstr("tarnel run --retry failed --data-dir " + (Folder / "data").string()));
+    const std::string json = Read(Folder / "r.json");
+    EXPECT_THAT(json, HasSubstr("\"status\": \"FailOpen\""));
+    EXPECT_THAT(json, HasSubstr("not a group code"));
+    EXPECT_THAT(json, HasSubstr("c\\\\\\\"d\\u0003.dxf"));
+
+    fs::rename(Folder / "bad one.dxf", Folder / "moved.dxf");
+    const ProgramResult dry = Run({"--retry", "failed", "--dry-run"});
+    EXPECT_EQ(dry.Out, (Folder / "bad one.dxf").string() + "\n");
+    EXPECT_EQ(HostStarts(), 1U);
+    EXPECT_EQ(Run({"--retry", "failed"}).Status, 1);
+    EXPECT_EQ(Run({"--resume"}).Status, 1);
+    EXPECT_EQ(HostStarts(), 2U) << "nothing waits, so no host is needed";
+}
+
+TEST_F(WatchedRun, BringsADeadHostBackForTheRest) {
+    const ProgramResult result = Run(Arguments({"a.dxf", "die.dxf", "b.dxf", "hang.dxf", "c.dxf"},
+                                               {"--max-time", "1", "--grace", "0", "--json", "r.json"}));
+    EXPECT_EQ(result.Status, 1);
+    EXPECT_EQ(HostStarts(), 3U);
+    EXPECT_THAT(result.Out, HasSubstr("3 Done, 2 Error"));
+    EXPECT_THAT(result.Out, HasSubstr("the host died, signal 11"));
+    EXPECT_THAT(result.Out, HasSubstr("the host did not answer past the time limit"));
+    EXPECT_THAT(Read(Folder / "r.json"), HasSubstr("\"host\": \"died, signal 11\""));
+
+    const ProgramResult unwatched = Run(Arguments({"die.dxf", "b.dxf"}, {"--no-monitor"}));
+    EXPECT_EQ(unwatched.Status, 3);
+    EXPECT_THAT(unwatched.Errors, HasSubstr("died, signal 11 at " + (Folder / "die.dxf").string()));
+    EXPECT_THAT(unwatched.Out, HasSubstr("--resume"));
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(0, "b.dxf")));
+}
+
+TEST_F(WatchedRun, GivesUpAtTheThirdDeathInARow) {
+    const ProgramResult result =
+        Run(Arguments({"die1.dxf", "a.dxf", "die2.dxf", "die3.dxf", "die4.dxf", "b.dxf"}));
+    EXPECT_EQ(result.Status, 3);
+    EXPECT_EQ(HostStarts(), 4U) << "a drawing that went well starts the count anew";
+    EXPECT_THAT(result.Errors, HasSubstr("third time in a row"));
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(0, "b.dxf")));
+
+    Write("data/Ovrix/mute", "");
+    const ProgramResult mute = Run(Arguments({"a.dxf"}));
+    EXPECT_EQ(mute.Status, 3);
+    EXPECT_THAT(mute.Errors, HasSubstr("could not start"));
+    EXPECT_THAT(mute.Errors, HasSubstr("Cannot load the module."));
+}
+
+TEST_F(WatchedRun, InterruptCancelsTheDrawingAndResumeTakesTheRest) {
+    const ProgramResult once = Run(Arguments({"a.dxf", "slow.dxf", "b.dxf"}), [this](pid_t process) {
+        ASSERT_TRUE(WaitForState(Entry(5, "slow.dxf")));
+        kill(process, SIGINT);
+    });
+    EXPECT_EQ(once.Status, 130);
+    EXPECT_THAT(once.Out, HasSubstr("1 Done, 1 Canceled, 1 still ToDo"));
+    EXPECT_THAT(once.Out, HasSubstr("tarnel run --resume --data-dir"));
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(6, "slow.dxf")));
+    EXPECT_EQ(Run({"--resume"}).Status, 1);
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(1, "b.dxf")));
+
+    const ProgramResult twice = Run(Arguments({"hang.dxf", "b.dxf"}), [this](pid_t process) {
+        ASSERT_TRUE(WaitForState(Entry(5, "hang.dxf")));
+        kill(process, SIGINT);
+        usleep(300000);
+        kill(process, SIGINT);
+    });
+    EXPECT_EQ(twice.Status, 130);
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(5, "hang.dxf")));
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(0, "b.dxf")));
+}
+
+TEST_F(WatchedRun, ASecondRunIsRefusedAndAKilledOneLeavesNoHost) {
+    Run(Arguments({"slow.dxf", "b.dxf"}), [this](pid_t process) {
+        ASSERT_TRUE(WaitForState(Entry(5, "slow.dxf")));
+        WatchedRun second;
+        second.Folder = Folder;
+        second.Host = Host;
+        const ProgramResult refused = second.Run({"--resume"});
+        EXPECT_EQ(refused.Status, 3);
+        EXPECT_THAT(refused.Errors,
+                    HasSubstr("another run is at work here (process " + std::to_string(process)));
+        kill(process, SIGKILL);
+    });
+    // The lock is free only once the host is dead too.
+    ProgramResult resumed;
+    for (int tries = 0; tries < 100 && resumed.Status != 1; ++tries) {
+        usleep(50000);
+        resumed = Run({"--resume"});
+    }
+    EXPECT_EQ(resumed.Status, 1);
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(5, "slow.dxf")));
+    EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(1, "b.dxf")));
+}
+
+TEST_F(WatchedRun, KeepsAStateThatItCannotRead) {
+    const std::string damaged = "<TarnelRunner><Options><Fil";
+    Write("data/Ovrix/TarnelRunner.xml", damaged);
+    const ProgramResult resumed = Run({"--resume"});
+    EXPECT_EQ(resumed.Status, 3);
+    EXPECT_THAT(resumed.Errors, HasSubstr(StateFile() + ": does not hold the state of a run"));
+    EXPECT_EQ(Read(StateFile()), damaged);
+
+    const ProgramResult anew = Run(Arguments({"a.dxf"}));
+    EXPECT_EQ(anew.Status, 0);
+    EXPECT_THAT(anew.Errors, HasSubstr("kept as " + StateFile() + ".damaged-1"));
+    EXPECT_EQ(Read(StateFile() + ".damaged-1"), damaged);
+}
+
+TEST_F(WatchedRun, RefusesWhatCannotWorkInOneLine) {
+    fs::create_directory(Folder / "empty");
+    Write("empty.lst", "@nothing yet\r\n\r\n");
+    const std::string drawing = Write("a.dxf", "drawing");
+    const std::vector<std::vector<std::string>> wrong = {
+        {"--script", Script, "empty"},
+        {"--script", Script, "none.dxf"},
+        {"--script", Script},
+        {"--script", "none.scr", drawing},
+        {"--script", "empty", drawing},
+        {drawing},
+        {"--script", Script, "--max-time", "x"},
+        {"--script", Script, "--list", "empty.lst"},
+        {"--script", Script, "--list", "no.lst"},
+        {"--resume", drawing},
+        {"--resume", "--retry", "all"},
+        {"--retry", "some"},
+        {"--script", Script, "--json", "no/r.json", drawing}};
+    for (const std::vector<std::string>& arguments : wrong) {
+        const ProgramResult result = Run(arguments);
+        EXPECT_EQ(result.Status, 2) << testing::PrintToString(arguments);
+        EXPECT_THAT(result.Errors, testing::StartsWith("tarnel: ")) << testing::PrintToString(arguments);
+        EXPECT_EQ(std::count(result.Errors.begin(), result.Errors.end(), '\n'), 1) << result.Errors;
+    }
+    EXPECT_EQ(HostStarts(), 0U);
+    EXPECT_EQ(Run({"--resume"}).Status, 3) << "no run was started here";
+}
+
+}  // namespace
