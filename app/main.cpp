@@ -33,11 +33,15 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
                   "Process drawings that are locked or write-protected, read-only");
     run->add_flag("--recover", options->Recover,
                   "Start an empty drawing for each file; the script opens the file itself");
-    auto* retry = run->add_option("--retry", options->Retry,
-                                  "Run the drawings of the last run again that are not Done, or all")
-                      ->type_name("failed|all")
-                      ->transform(CLI::Transformer(std::map<std::string, RunOptions::RetryKind>{
-                          {"failed", RunOptions::RetryKind::Failed}, {"all", RunOptions::RetryKind::All}}));
+    auto* retry = run->add_option_function<std::string>(
+                         "--retry",
+                         [options](const std::string& which) {
+                             options->Retry =
+                                 which == "all" ? RunOptions::RetryKind::All : RunOptions::RetryKind::Failed;
+                         },
+                         "Run the drawings of the last run again that are not Done, or all")
+                      ->check(CLI::IsMember({"failed", "all"}))
+                      ->type_name("");
     auto* resume =
         run->add_flag("--resume", options->Resume, "Go on with what is still ToDo of an interrupted run");
     retry->excludes(resume);
@@ -48,8 +52,9 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
     run->add_option("--json", options->JsonFile, "Write path, status, seconds and message of each drawing")
         ->type_name("FILE");
     run->add_flag("-q,--quiet", options->Quiet, "Print only what went wrong");
-    run->add_flag("!--no-monitor", options->Monitor,
-                  "End the run when the host dies, instead of starting it again");
+    run->add_flag_function(
+        "--no-monitor", [options](std::int64_t) { options->Monitor = false; },
+        "End the run when the host dies, instead of starting it again");
     run->add_option("--grace", options->Grace,
                     "Seconds beyond the time limit until a host that hangs is ended")
         ->type_name("SECONDS")

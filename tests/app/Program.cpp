@@ -25,8 +25,9 @@ void ProgramTest::TearDown() {
 ProgramResult ProgramTest::Run(std::vector<std::string> arguments,
                                const std::function<void(pid_t)>& meanwhile) {
     arguments.insert(arguments.begin(), {TARNEL_PROGRAM, "run", "--data-dir", Folder / "data"});
-    const std::string out = Folder / "stdout.txt";
-    const std::string errors = Folder / "stderr.txt";
+    const std::string number = std::to_string(++runs);
+    const std::string out = Folder / ("stdout-" + number);
+    const std::string errors = Folder / ("stderr-" + number);
     const pid_t child = fork();
     if (child == 0) {
         std::vector<char*> words;

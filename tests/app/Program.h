@@ -31,4 +31,7 @@ class ProgramTest : public testing::Test {
     std::filesystem::path Folder;
     /// Used in place of the real host when not empty.
     std::string Host;
+
+  private:
+    int runs = 0;
 };

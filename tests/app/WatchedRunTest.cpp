@@ -119,10 +119,7 @@ TEST_F(WatchedRun, InterruptCancelsTheDrawingAndResumeTakesTheRest) {
 TEST_F(WatchedRun, ASecondRunIsRefusedAndAKilledOneLeavesNoHost) {
     Run(Arguments({"slow.dxf", "b.dxf"}), [this](pid_t process) {
         ASSERT_TRUE(WaitForState(Entry(5, "slow.dxf")));
-        WatchedRun second;
-        second.Folder = Folder;
-        second.Host = Host;
-        const ProgramResult refused = second.Run({"--resume"});
+        const ProgramResult refused = Run({"--resume"});
         EXPECT_EQ(refused.Status, 3);
         EXPECT_THAT(refused.Errors,
                     HasSubstr("another run is at work here (process " + std::to_string(process)));
