@@ -67,7 +67,10 @@ bool Drawing::load(std::string bytes, const std::string& name, std::string& erro
 // Version and code page decide how every string reads, so they are looked for at once; they stand among the
 // first variables of the header, which is the first section where there is one.
 void Drawing::readIdentity() {
-    const RecordId header = structure().header;
+    RecordId header = first();
+    while (header != NoRecord && (type(header) != "SECTION" || record(header).textOr(2, "") != "HEADER")) {
+        header = next(header);
+    }
     if (header != NoRecord) {
         const Record record = this->record(header);
         for (std::size_t i = 0; i + 1 < record.size(); ++i) {
@@ -87,7 +90,6 @@ void Drawing::readIdentity() {
         versionNumber_ = static_cast<int>(parseInteger(std::string_view(version_).substr(2)));
     }
     codec_ = TextCodec(versionNumber_, codePage_);
-    structure_.reset();
 }
 
 Drawing::Overlay* Drawing::overlayOf(RecordId id) const {

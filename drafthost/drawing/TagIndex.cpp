@@ -123,8 +123,9 @@ void TagIndex::reserve(std::uint32_t more) {
         resizeArray<std::uint32_t>(offsets_, capacity_);
         resizeArray<std::int16_t>(codes_, capacity_);
     }
-    if (recordCount_ + more > recordCapacity_) {
-        recordCapacity_ = std::max(recordCount_ + more, recordCapacity_ + recordCapacity_ / 2);
+    // One more is written than kept.
+    if (recordCount_ + more + 1 > recordCapacity_) {
+        recordCapacity_ = std::max(recordCount_ + more + 1, recordCapacity_ + recordCapacity_ / 2);
         resizeArray<std::uint32_t>(records_, recordCapacity_);
     }
 }
@@ -173,30 +174,35 @@ bool TagIndex::addPairs(std::string_view bytes, const std::uint32_t* ends, std::
     const char* const data = bytes.data();
     std::uint32_t* const offsets = offsets_.get() + size_;
     std::int16_t* const codes = codes_.get() + size_;
+    std::uint32_t* record = records_.get() + recordCount_;
     std::uint32_t begin = lineBegin;
-    for (std::size_t i = 0; i < pairs; ++i) {
-        const std::uint32_t codeEnd = ends[2 * i];
-        const int code = codeEnd < 4 ? parseOddCode(bytes.substr(begin, codeEnd - begin))
+    std::uint32_t taken = static_cast<std::uint32_t>(pairs);
+    for (std::uint32_t i = 0; i < pairs; ++i) {
+        const std::uint32_t codeEnd = ends[2 * std::size_t{i}];
+        const std::uint32_t valueEnd = ends[2 * std::size_t{i} + 1];
+        const int code = codeEnd < 5 ? parseOddCode(bytes.substr(begin, codeEnd - begin))
                                      : parseCode(data + begin, data + codeEnd);
-        const std::uint32_t valueEnd = ends[2 * i + 1];
         offsets[i] = codeEnd + 1;
         codes[i] = static_cast<std::int16_t>(code);
-        if (code == 0) {
-            records_[recordCount_++] = size_ + static_cast<std::uint32_t>(i);
-            if (isEof(bytes.substr(codeEnd + 1, valueEnd - codeEnd - 1))) {
-                complete_ = true;
-                size_ += static_cast<std::uint32_t>(i) + 1;
-                end_ = std::min<std::uint32_t>(valueEnd + 1, static_cast<std::uint32_t>(bytes.size()));
-                return true;
-            }
-        } else if (code == noCode) {
+        // Whether a tag begins a record cannot be guessed, so this is done without a branch.
+        *record = size_ + i;
+        record += code == 0 ? 1 : 0;
+        if (code == noCode) {
             const std::string_view line = withoutReturn(bytes.substr(begin, codeEnd - begin));
             error = atLine(2 * (std::uint64_t{size_} + i) + 1, quoted(line) + " is not a group code");
             return false;
         }
+        if (((code == 0) & (data[codeEnd + 1 < bytes.size() ? codeEnd + 1 : codeEnd] == 'E')) &&
+            isEof(bytes.substr(codeEnd + 1, valueEnd - codeEnd - 1))) {
+            complete_ = true;
+            taken = i + 1;
+            end_ = std::min<std::uint32_t>(valueEnd + 1, static_cast<std::uint32_t>(bytes.size()));
+            break;
+        }
         begin = valueEnd + 1;
     }
-    size_ += static_cast<std::uint32_t>(pairs);
+    recordCount_ = static_cast<std::uint32_t>(record - records_.get());
+    size_ += taken;
     lineBegin = begin;
     return true;
 }
@@ -214,31 +220,23 @@ bool TagIndex::buildAscii(std::string_view bytes, std::string& error) {
     }
     codeWidth_ = firstEnd != std::string_view::npos && bytes[position] == ' ' ? 3 : 0;
 
-    constexpr std::size_t batch = 4096;
-    std::uint32_t ends[batch + 64];
+    // Blocks at a time, few enough for their line ends to stay in the first cache.
+    constexpr std::size_t batch = 64;
+    const std::unique_ptr<std::uint32_t[]> ends(new std::uint32_t[(batch + 2) * lineBlock]);
     std::size_t count = 0;
     std::size_t nul = std::string_view::npos;
     reserve(size / 12 + 16);
     while (position < size && !complete_) {
-        while (count < batch && position + 64 <= size) {
-            LineMask mask = scanLines(bytes.data() + position, terminator_);
-            if (mask.nul && nul == std::string_view::npos) {
+        if (const std::size_t blocks = std::min<std::size_t>((size - position) / lineBlock, batch); blocks > 0) {
+            bool hasNul = false;
+            count += findLineEnds(bytes.data(), position, blocks, terminator_, ends.get() + count, hasNul);
+            if (hasNul && nul == std::string_view::npos) {
                 nul = bytes.find('\0', position);
             }
-            const unsigned found = static_cast<unsigned>(std::popcount(mask.ends));
-            // Eight at a time without asking how many there are: most blocks have about eight lines.
-            std::uint32_t* out = ends + count;
-            count += found;
-            for (unsigned done = 0; done < found; done += 8, out += 8) {
-                for (unsigned k = 0; k < 8; ++k) {
-                    out[k] = position + static_cast<std::uint32_t>(std::countr_zero(mask.ends));
-                    mask.ends &= mask.ends - 1;
-                }
-            }
-            position += 64;
+            position += static_cast<std::uint32_t>(blocks) * lineBlock;
         }
-        if (position + 64 > size) {
-            for (; position < size && count < batch; ++position) {
+        if (position + lineBlock > size) {
+            for (; position < size; ++position) {
                 if (bytes[position] == terminator_) {
                     ends[count++] = position;
                 } else if (bytes[position] == 0 && nul == std::string_view::npos) {
@@ -251,7 +249,7 @@ bool TagIndex::buildAscii(std::string_view bytes, std::string& error) {
         }
         const std::size_t pairs = count / 2;
         reserve(static_cast<std::uint32_t>(pairs));
-        if (!addPairs(bytes, ends, pairs, lineBegin, error)) {
+        if (!addPairs(bytes, ends.get(), pairs, lineBegin, error)) {
             return false;
         }
         if (nul < (complete_ ? end_ : position)) {

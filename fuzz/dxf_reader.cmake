@@ -1,0 +1,1 @@
+tarnel_fuzz(dxf_reader SOURCES dxf_reader.cpp LIBRARIES dh_drawing)
