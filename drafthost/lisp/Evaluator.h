@@ -22,6 +22,12 @@ struct InitGet {
     std::vector<std::string> keywords;
 };
 
+/// Where (tblnext) stands: the last record given and how many were given with it.
+struct TableCursor {
+    EntityName last = 0;
+    std::size_t index = 0;
+};
+
 class Evaluator {
   public:
     explicit Evaluator(LispHost& host);
@@ -99,9 +105,10 @@ class Evaluator {
     InitGet initGet;
     int quietDepth = 0;    ///< inside vl-catch-all-apply or *error*: failures call no *error*
     int commandDepth = 0;  ///< the arguments of (command) are being evaluated
-    std::map<std::string, std::string> tableCursor;  ///< (tblnext): last record given, by table
-    std::map<EntityName, std::size_t> dictionaryCursor;
-    std::set<std::string> exposed;  ///< given to vl-acad-defun
+    std::map<std::string, TableCursor> tableCursors;
+    std::map<EntityName, std::size_t> dictionaryCursors;       ///< entries given by (dictnext)
+    std::map<EntityName, std::vector<std::uint32_t>> deleted;  ///< records that (entdel) can give back
+    std::set<std::string> exposed;                             ///< given to vl-acad-defun
     std::vector<EntityName> previousSelection;
     std::vector<EntityName> pickFirst;
 

@@ -1,0 +1,1 @@
+tarnel_fuzz(lisp_reader SOURCES lisp_reader.cpp LIBRARIES dh_lisp)
