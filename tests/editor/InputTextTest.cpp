@@ -1,0 +1,121 @@
+#include "drafthost/editor/InputText.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "drafthost/editor/AnswerReader.h"
+#include "drafthost/editor/Encoding.h"
+
+namespace drafthost {
+namespace {
+
+using Kind = InputText::Item::Kind;
+
+std::vector<std::string> words(std::string_view text, InputKind kind) {
+    InputText input(text);
+    std::vector<std::string> all;
+    while (auto item = input.next(kind)) {
+        static constexpr const char* Marks[] = {"", "expr:", "var:", "cancel"};
+        all.push_back(Marks[int(item->kind)] + item->text);
+    }
+    all.push_back("rest:" + std::string(input.rest()));
+    return all;
+}
+
+using Words = std::vector<std::string>;
+
+TEST(InputText, EveryBlankAndLineEndIsAnEnter) {
+    EXPECT_EQ(words("zoom e\n\nregen  x\ty\n", InputKind::Command),
+              (Words{"zoom", "e", "", "regen", "", "x", "y", "rest:"}));
+    EXPECT_EQ(words("a\r\nb\rc\n", InputKind::Word), (Words{"a", "b", "c", "rest:"}));
+}
+
+TEST(InputText, AnUnfinishedLastInputStaysOpen) {
+    EXPECT_EQ(words("regen\nqsave", InputKind::Command), (Words{"regen", "rest:qsave"}));
+    InputText input("qs");
+    EXPECT_FALSE(input.next(InputKind::Command));
+    input.append("ave\n");
+    EXPECT_EQ(input.next(InputKind::Command)->text, "qsave");
+}
+
+TEST(InputText, LinesThatBeginWithASemicolonAreNotThere) {
+    EXPECT_EQ(words(";one\na;b\n;two\n;three\nc\n;open", InputKind::Command),
+              (Words{"a;b", "c", "rest:;open"}));
+    EXPECT_EQ(words("first\n;gone\nsecond ; stays\n", InputKind::Line),
+              (Words{"first", "second ; stays", "rest:"}));
+}
+
+TEST(InputText, QuotesCountAtFilePromptsOnly) {
+    EXPECT_EQ(words("\"my plan.dxf\" next\n", InputKind::FileName), (Words{"my plan.dxf", "next", "rest:"}));
+    EXPECT_EQ(words("\"my plan.dxf\nx\n", InputKind::FileName), (Words{"my plan.dxf", "x", "rest:"}));
+    EXPECT_EQ(words("say \"a b\"\n", InputKind::Line), (Words{"say \"a b\"", "rest:"}));
+    EXPECT_EQ(words("\"a b\"\n", InputKind::Word), (Words{"\"a", "b\"", "rest:"}));
+}
+
+TEST(InputText, ExpressionsRunOverLinesAndSwallowOneEnd) {
+    EXPECT_EQ(words("(setq a \"x)\n\"\n ; )\n b 2)\nzoom\n", InputKind::Command),
+              (Words{"expr:(setq a \"x)\n\"\n ; )\n b 2)", "zoom", "rest:"}));
+    EXPECT_EQ(words("(a)  (b)(c)\n\n", InputKind::Word),
+              (Words{"expr:(a)", "", "expr:(b)", "expr:(c)", "", "rest:"}));
+    EXPECT_EQ(words("(not here)\n", InputKind::Line), (Words{"(not here)", "rest:"}));
+    EXPECT_EQ(words("!pt !\n", InputKind::Word), (Words{"var:pt", "!", "rest:"}));
+    EXPECT_EQ(words("(last)", InputKind::Command), (Words{"expr:(last)", "rest:"}));
+}
+
+TEST(InputText, ALongExpressionIsScannedOnce) {
+    InputText input("(list");
+    for (int i = 0; i < 20000; ++i) {
+        ASSERT_FALSE(input.next(InputKind::Command));
+        input.append(" 123456789\n");
+    }
+    input.append(")\n");
+    EXPECT_EQ(input.next(InputKind::Command)->text.size(), 5u + 20000u * 11u + 1u);
+    EXPECT_TRUE(input.empty());
+}
+
+TEST(InputText, CancelsInTextEndTheWordBeforeThem) {
+    EXPECT_EQ(words("\x03zoom\x03regen\n\x1b", InputKind::Command),
+              (Words{"cancel", "cancel", "regen", "cancel", "rest:"}));
+}
+
+TEST(AnswerReader, LengthsAnglesAndPoints) {
+    EXPECT_EQ(readDistance("5'6-1/2\""), 66.5);
+    EXPECT_EQ(readDistance("-1'"), -12);
+    EXPECT_EQ(readDistance("3/4"), 0.75);
+    EXPECT_EQ(readDistance("1e3"), 1000);
+    for (const char* bad : {"", "x", "1/0", "1-", "5'x", "+-1", "nan", "inf", "1,2"}) {
+        EXPECT_FALSE(readDistance(bad)) << bad;
+    }
+    EXPECT_NEAR(*readAngle("45d30'"), 0.794125, 1e-6);
+    EXPECT_NEAR(*readAngle("-100g"), -1.570796, 1e-6);
+    EXPECT_FALSE(readAngle("45x"));
+    EXPECT_EQ(*readPoint("@1,2", lisp::Point{10, 10, 5}), (lisp::Point{11, 12, 5}));
+    EXPECT_NEAR((*readPoint("@2<90", lisp::Point{1, 1, 0}))[1], 3, 1e-12);
+    EXPECT_FALSE(readPoint("1", {}));
+    EXPECT_FALSE(readPoint("1,2,3,4", {}));
+}
+
+TEST(AnswerReader, KeywordsNeedTheirCapitals) {
+    constexpr const char* List = "All eXit LType LTScale 3P ?";
+    EXPECT_EQ(matchKeyword("_a", List), "All");
+    EXPECT_EQ(matchKeyword("x", List), "eXit");
+    EXPECT_EQ(matchKeyword("exi", List), "eXit");
+    EXPECT_EQ(matchKeyword("lt", List), "LType");
+    EXPECT_EQ(matchKeyword("LTS", List), "LTScale");
+    EXPECT_EQ(matchKeyword("3p", List), "3P");
+    EXPECT_EQ(matchKeyword("?", List), "?");
+    for (const char* bad : {"", "_", "e", "l", "allx", "3"}) {
+        EXPECT_FALSE(matchKeyword(bad, List)) << bad;
+    }
+}
+
+TEST(Encoding, ScriptsOfEveryEditorBecomeUtf8) {
+    EXPECT_EQ(toUtf8("\xEF\xBB\xBFz\xC3\xA4"), "z\xC3\xA4");
+    EXPECT_EQ(toUtf8(std::string_view("\xFF\xFEz\0\xE4\0", 6)), "z\xC3\xA4");
+    EXPECT_EQ(toUtf8(std::string_view("\xFE\xFF\0z\0\xE4", 6)), "z\xC3\xA4");
+    EXPECT_EQ(toUtf8("z\xC3\xA4"), "z\xC3\xA4");
+    EXPECT_EQ(toUtf8("z\xE4 \x80"), "z\xC3\xA4 \xE2\x82\xAC");
+}
+
+}  // namespace
+}  // namespace drafthost
