@@ -1,5 +1,6 @@
 #include "drafthost/Startup.h"
 
+#include "drafthost/drawing/FileBytes.h"
 #include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Encoding.h"
 #include "drafthost/editor/Host.h"

@@ -63,13 +63,13 @@ InputKind Ask::inputKind() const {
 
 std::string Ask::fullPrompt() const {
     std::string text = prompt_;
-    if (!options_.keywords.empty() && !options_.bareText) {
-        std::string list = options_.keywords;
+    if (!keywords_.empty() && !options_.bareText) {
+        std::string list = keywords_;
         std::replace(list.begin(), list.end(), ' ', '/');
         text += (type_ == Type::Keyword ? " [" : " or [") + list + "]";
     }
-    if (!options_.defaultText.empty()) {
-        text += " <" + options_.defaultText + ">";
+    if (!defaultText_.empty()) {
+        text += " <" + defaultText_ + ">";
     }
     return text + ": ";
 }
@@ -78,7 +78,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
     Input input = given;
     answer_ = {};
     if (input.isEnter()) {
-        if (options_.defaultText.empty()) {
+        if (defaultText_.empty()) {
             if (options_.noEmpty) {
                 complaint = "An answer is needed here.";
                 return false;
@@ -86,7 +86,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
             answer_.kind = Answer::Kind::Enter;
             return true;
         }
-        input.text = options_.defaultText;
+        input.text = defaultText_;
     }
     if (input.isValue && input.value.isNil()) {
         complaint = "nil is no answer.";
@@ -95,7 +95,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
     answer_.kind = Answer::Kind::Value;
     answer_.text = input.text;
     if (!input.isValue && type_ != Type::Text) {
-        if (auto keyword = matchKeyword(input.text, options_.keywords)) {
+        if (auto keyword = matchKeyword(input.text, keywords_)) {
             answer_.kind = Answer::Kind::Keyword;
             answer_.keyword = *keyword;
             return true;
@@ -107,8 +107,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
     }
     auto base = options_.base ? options_.base : lastPoint(context_.document());
     auto point = input.isValue ? pointOf(input.value) : std::nullopt;
-    const std::string options =
-        options_.keywords.empty() ? "" : " or one of the options " + options_.keywords;
+    const std::string options = keywords_.empty() ? "" : " or one of the options " + keywords_;
     switch (type_) {
         case Type::Input:
             answer_.value = input.isValue ? input.value : lisp::Value();
@@ -118,7 +117,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
         case Type::FileName:
             return true;
         case Type::Keyword:
-            complaint = quoted(input) + " is not one of the options " + options_.keywords + ".";
+            complaint = quoted(input) + " is not one of the options " + keywords_ + ".";
             return false;
         case Type::Integer: {
             if (!number && !input.isValue) {

@@ -38,12 +38,15 @@ struct Answer {
     bool hasValue() const { return kind == Kind::Value; }
 };
 
+/// Only looked at while the question is put, so that texts need to live no longer than the call. All of it
+/// can be copied byte by byte, which keeps it safe from compilers that do just that with temporaries of a
+/// co_await.
 struct AskOptions {
     /// Blank-separated; the capitals are the abbreviation that must be typed at least ("eXit", "All"). A
     /// word may begin with "?" or a digit. They are shown in brackets behind the prompt's text.
-    std::string keywords{};
+    std::string_view keywords{};
     /// Shown in <>; Enter gives it: the keyword of that name, or the value that its text reads as.
-    std::string defaultText{};
+    std::string_view defaultText{};
     /// Enter is refused (only of use without a default).
     bool noEmpty = false;
     /// Bounds of a number, both included.
@@ -60,8 +63,13 @@ class Ask {
   public:
     enum class Type { Input, Word, Text, FileName, Keyword, Integer, Real, Distance, Angle, Point };
 
-    Ask(CommandContext& context, Type type, std::string prompt, AskOptions options)
-        : context_(context), type_(type), prompt_(std::move(prompt)), options_(std::move(options)) {}
+    Ask(CommandContext& context, Type type, std::string prompt, const AskOptions& options)
+        : context_(context),
+          type_(type),
+          prompt_(std::move(prompt)),
+          keywords_(options.keywords),
+          defaultText_(options.defaultText),
+          options_(options) {}
     Ask(const Ask&) = delete;
     Ask& operator=(const Ask&) = delete;
 
@@ -82,6 +90,9 @@ class Ask {
     CommandContext& context_;
     Type type_;
     std::string prompt_;
+    std::string keywords_;
+    std::string defaultText_;
+    /// Its texts are those above.
     AskOptions options_;
     Answer answer_;
     std::coroutine_handle<> waiting_;
@@ -234,45 +245,45 @@ class CommandContext {
     // The prompt's text comes without the colon and blank that are shown behind it.
 
     /// Free text to the line end; Enter gives the default.
-    Ask text(std::string prompt, std::string defaultText = {}) {
-        return {*this, Ask::Type::Text, std::move(prompt), {.defaultText = std::move(defaultText)}};
+    Ask text(std::string prompt, std::string_view defaultText = {}) {
+        return {*this, Ask::Type::Text, std::move(prompt), {.defaultText = defaultText}};
     }
     /// One word.
-    Ask word(std::string prompt, AskOptions options = {}) {
-        return {*this, Ask::Type::Word, std::move(prompt), std::move(options)};
+    Ask word(std::string prompt, const AskOptions& options = {}) {
+        return {*this, Ask::Type::Word, std::move(prompt), options};
     }
     /// One of the keywords.
-    Ask keyword(std::string prompt, std::string keywords, std::string defaultKeyword = {}) {
+    Ask keyword(std::string prompt, std::string_view keywords, std::string_view defaultKeyword = {}) {
         return {*this,
                 Ask::Type::Keyword,
                 std::move(prompt),
-                {.keywords = std::move(keywords), .defaultText = std::move(defaultKeyword)}};
+                {.keywords = keywords, .defaultText = defaultKeyword}};
     }
-    Ask integer(std::string prompt, AskOptions options = {}) {
-        return {*this, Ask::Type::Integer, std::move(prompt), std::move(options)};
+    Ask integer(std::string prompt, const AskOptions& options = {}) {
+        return {*this, Ask::Type::Integer, std::move(prompt), options};
     }
-    Ask real(std::string prompt, AskOptions options = {}) {
-        return {*this, Ask::Type::Real, std::move(prompt), std::move(options)};
+    Ask real(std::string prompt, const AskOptions& options = {}) {
+        return {*this, Ask::Type::Real, std::move(prompt), options};
     }
     /// A length: a number, or a point when the options give a base to measure from.
-    Ask distance(std::string prompt, AskOptions options = {}) {
-        return {*this, Ask::Type::Distance, std::move(prompt), std::move(options)};
+    Ask distance(std::string prompt, const AskOptions& options = {}) {
+        return {*this, Ask::Type::Distance, std::move(prompt), options};
     }
     /// Typed in degrees, answered in radians.
-    Ask angle(std::string prompt, AskOptions options = {}) {
-        return {*this, Ask::Type::Angle, std::move(prompt), std::move(options)};
+    Ask angle(std::string prompt, const AskOptions& options = {}) {
+        return {*this, Ask::Type::Angle, std::move(prompt), options};
     }
     /// x,y[,z]  @dx,dy[,dz]  [@]distance<angle; a LISP list of numbers.
-    Ask point(std::string prompt, AskOptions options = {}) {
-        return {*this, Ask::Type::Point, std::move(prompt), std::move(options)};
+    Ask point(std::string prompt, const AskOptions& options = {}) {
+        return {*this, Ask::Type::Point, std::move(prompt), options};
     }
     /// A path as typed, without quotes, not made absolute and without a check of any kind.
-    Ask fileName(std::string prompt, std::string defaultText = {}) {
-        return {*this, Ask::Type::FileName, std::move(prompt), {.defaultText = std::move(defaultText)}};
+    Ask fileName(std::string prompt, std::string_view defaultText = {}) {
+        return {*this, Ask::Type::FileName, std::move(prompt), {.defaultText = defaultText}};
     }
     /// Whatever comes: a word in text, or an entity name, set or point in value. For object selection.
-    Ask input(std::string prompt, AskOptions options = {}) {
-        return {*this, Ask::Type::Input, std::move(prompt), std::move(options)};
+    Ask input(std::string prompt, const AskOptions& options = {}) {
+        return {*this, Ask::Type::Input, std::move(prompt), options};
     }
     /// Waits; input is not read meanwhile, a cancel ends it.
     Delay delay(int milliseconds) { return {*this, milliseconds}; }

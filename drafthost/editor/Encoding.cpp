@@ -1,10 +1,5 @@
 #include "drafthost/editor/Encoding.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <cerrno>
-#include <cstring>
 #include <QString>
 #include <QStringConverter>
 
@@ -46,38 +41,6 @@ std::string toUtf8(std::string_view bytes) {
         text += QChar(c >= 0x80 && c < 0xA0 ? Windows1252[c - 0x80] : char16_t(c));
     }
     return text.toStdString();
-}
-
-bool readFile(const std::string& path, std::string& bytes, std::string& error) {
-    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat info {};
-    if (fd < 0 || ::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
-        error = path + ": " + (fd >= 0 && S_ISDIR(info.st_mode) ? "is a folder" : std::strerror(errno));
-        if (fd >= 0) {
-            ::close(fd);
-        }
-        return false;
-    }
-    bytes.clear();
-    bytes.reserve(std::size_t(info.st_size));
-    char block[1 << 16];
-    for (;;) {
-        ssize_t count = ::read(fd, block, sizeof block);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            error = path + ": " + std::strerror(errno);
-            ::close(fd);
-            return false;
-        }
-        if (count == 0) {
-            break;
-        }
-        bytes.append(block, std::size_t(count));
-    }
-    ::close(fd);
-    return true;
 }
 
 }  // namespace drafthost

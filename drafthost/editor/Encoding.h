@@ -9,7 +9,4 @@ namespace drafthost {
 /// UTF-8 of the bytes: UTF-8 or UTF-16 by their mark, UTF-8 without one when it is valid, else Windows 1252.
 std::string toUtf8(std::string_view bytes);
 
-/// Reads a whole file. False and one line with its name and the cause when that does not go.
-bool readFile(const std::string& path, std::string& bytes, std::string& error);
-
 }  // namespace drafthost

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <utility>
 
-#include "drafthost/editor/Encoding.h"
+#include "drafthost/drawing/FileBytes.h"
 
 namespace drafthost {
 namespace {
@@ -42,8 +42,13 @@ std::string startOf(long pid) {
 }
 
 const std::string& ownMarker() {
-    static const std::string text = std::string(MarkerHead) + "\n" + machineName() + "\n" +
-                                    std::to_string(::getpid()) + "\n" + startOf(::getpid()) + "\n";
+    static pid_t pid = 0;
+    static std::string text;
+    if (pid != ::getpid()) {
+        pid = ::getpid();
+        text = std::string(MarkerHead) + "\n" + machineName() + "\n" + std::to_string(pid) + "\n" +
+               startOf(pid) + "\n";
+    }
     return text;
 }
 

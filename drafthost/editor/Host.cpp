@@ -96,6 +96,10 @@ OpenResult Host::openDocument(const std::string& name, OpenMode mode) {
         result.error = path + ": " + std::strerror(errno);
         return result;
     }
+    if (!S_ISREG(info.st_mode)) {
+        result.error = path + " is not a file.";
+        return result;
+    }
     Document* already = openFile(path);
     const bool again = already && single && already == current_;
     std::optional<FileLock> lock;

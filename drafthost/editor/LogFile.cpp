@@ -13,6 +13,7 @@ void LogFile::start(std::string path) {
     path_ = std::move(path);
     on_ = true;
     broken_ = false;
+    lineOpen_ = false;
     char time[64];
     const std::time_t now = std::time(nullptr);
     std::tm local{};
@@ -25,7 +26,7 @@ void LogFile::stop() {
     if (!on_) {
         return;
     }
-    if (!pending_.empty() && pending_.back() != '\n') {
+    if (lineOpen_) {
         pending_ += '\n';
     }
     flush();
@@ -42,6 +43,7 @@ void LogFile::write(std::string_view text) {
         return;
     }
     pending_ += text;
+    lineOpen_ = !text.empty() && text.back() != '\n';
     if (pending_.size() > Enough) {
         flush();
     }

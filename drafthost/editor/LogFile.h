@@ -32,6 +32,7 @@ class LogFile {
     std::string pending_;
     std::string error_;
     bool broken_ = false;
+    bool lineOpen_ = false;
 };
 
 }  // namespace drafthost

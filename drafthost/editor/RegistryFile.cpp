@@ -8,7 +8,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "drafthost/editor/Encoding.h"
+#include "drafthost/drawing/FileBytes.h"
 #include "drafthost/lisp/Symbol.h"
 
 namespace drafthost {

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "drafthost/drawing/FileBytes.h"
 #include "drafthost/editor/Encoding.h"
 
 namespace drafthost {

@@ -26,10 +26,10 @@ TEST_F(CommandLineTest, EnterRepeatsTheLastCommand) {
 }
 
 TEST_F(CommandLineTest, AnswersThatDoNotFitAreAskedAgain) {
-    type("num x\n12\n\nal\nnum 2.5\nnum x");
+    type("num q\n12\n\nal\nnum 2.5\nnum x");
     type("\n");
     EXPECT_THAT(notes(), ElementsAre("-3.0", "2.5", "-4.0"));
-    EXPECT_THAT(output, HasSubstr("not \"x\""));
+    EXPECT_THAT(output, HasSubstr("not \"q\""));
     EXPECT_THAT(output, HasSubstr("between 1.0 and 9.0"));
     EXPECT_THAT(output, HasSubstr("Number or [All/eXit/3P]: "));
 }
@@ -46,8 +46,7 @@ TEST_F(CommandLineTest, HalfFedCommandsStayActiveAndShow) {
     type("w\nb\n");
     EXPECT_EQ(names(), "");
     EXPECT_THAT(notes(), testing::Contains("a+b"));
-    EXPECT_THAT(recorder.events,
-                ElementsAre("start PAIR", "start WATCH", "end WATCH", testing::_, testing::_, "end PAIR"));
+    EXPECT_THAT(recorder.events, ElementsAre("start PAIR", "start WATCH", "end WATCH", "end PAIR"));
 }
 
 TEST_F(CommandLineTest, EachCancelTakesOneLevel) {
@@ -101,7 +100,7 @@ TEST_F(CommandLineTest, LispAsksTheUserWithTheLoopRunning) {
     EXPECT_THAT(output, HasSubstr("(\"hello  there\" 7)"));
     // Nobody answers: a timer of a module has to get through, and its cancel too.
     QTimer::singleShot(5, [this] { host.input().queue("\x03\x03pair after cancel\n", false); });
-    type("(progn (getstring \"Wait: \") (setq s \"wrong\"))\n");
+    type("(progn (getstring \"Wait: \") (princ (strcat \"wr\" \"ong\")))\n");
     run([] { return !notes().empty(); });
     EXPECT_THAT(notes(), ElementsAre("after+cancel"));
     EXPECT_THAT(output, HasSubstr("Function cancelled"));

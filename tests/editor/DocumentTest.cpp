@@ -134,9 +134,10 @@ TEST_F(DocumentTest, TheLogHoldsTheCommandLineOfItsDrawing) {
     type("pair again on\n");
     document->stopLog();
     const std::string text = read(log);
-    EXPECT_THAT(text, HasSubstr("Command: pair\nFirst: a\nSecond <two>: b\n"));
+    EXPECT_THAT(text, HasSubstr("pair\nFirst: a\nSecond <two>: b\nCommand: (princ"));
     EXPECT_THAT(text, HasSubstr("said"));
     EXPECT_THAT(text, HasSubstr("Unknown command \"NONSENSE\"."));
+    EXPECT_THAT(text, HasSubstr("\n[ Log opened"));
     EXPECT_THAT(text, HasSubstr("again"));
     EXPECT_THAT(text, testing::Not(HasSubstr("before")));
     EXPECT_THAT(text, testing::Not(HasSubstr("after")));

@@ -9,11 +9,14 @@ namespace {
 
 class RegistryFileTest : public testing::Test {
   protected:
-    RegistryFileTest() { mkdtemp(folder_.data()); }
+    RegistryFileTest() {
+        mkdtemp(folder_.data());
+        path_ = folder_ + "/new/registry.ini";
+    }
     ~RegistryFileTest() override { std::filesystem::remove_all(folder_); }
 
     std::string folder_ = std::filesystem::temp_directory_path().string() + "/registry-XXXXXX";
-    std::string path_ = folder_ + "/new/registry.ini";
+    std::string path_;
     std::string error_;
 };
 
