@@ -138,8 +138,9 @@ TEST_F(ModuleTest, ADrawingIsReplacedUnderRunningLisp) {
     load();
     host.variables().set("SDI", 1, output);
     events();
-    script("(progn (swap \"" + drawing("one.dxf") + "\") (princ \"must not show\") (say \"pair x y\\n\"))\n" +
-           "(swap \"" + drawing("two.dxf") + "\")\n(swap \"" + folder + "/missing.dxf\")\npair end script\n");
+    script("(progn (swap \"" + drawing("one.dxf") +
+           "\") (princ (strcat \"must not\" \" show\")) (say \"pair x y\\n\"))\n" + "(swap \"" +
+           drawing("two.dxf") + "\")\n(swap \"" + folder + "/missing.dxf\")\npair end script\n");
     EXPECT_THAT(output, HasSubstr("swapped: 5100 documents: 1"));
     EXPECT_THAT(output, Not(HasSubstr("must not show")));
     EXPECT_THAT(output, Not(HasSubstr("; error")));
