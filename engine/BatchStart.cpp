@@ -38,12 +38,12 @@ bool leaveOneDocument() {
     if (acDocManagerPtr()->documentCount() <= 1)
         return true;
     if (!Run().Scheduled) {
-        const auto answer =
-            CurrentUi().Ask(TarnelData().ProductName,
-                     QStringLiteral("Tarnel operates in Single Document mode,\nbut will return to Multiple "
-                                    "Document mode upon completion.\n\nWould you like to close all documents "
-                                    "at this time?"),
-                     RunUi::YesNo);
+        const auto answer = CurrentUi().Ask(
+            TarnelData().ProductName,
+            QStringLiteral("Tarnel operates in Single Document mode,\nbut will return to Multiple "
+                           "Document mode upon completion.\n\nWould you like to close all documents "
+                           "at this time?"),
+            RunUi::YesNo);
         if (answer != RunUi::Yes) {
             Trace("Multile documents, user bailed\n");
             return false;
@@ -77,9 +77,9 @@ bool settleChanges() {
     Trace("Grab DBMod\n");
     if (!DrawingIsModified() || Run().Scheduled)
         return true;
-    const auto answer =
-        CurrentUi().Ask(TarnelData().ProductName, QStringLiteral("Save changes to %1?").arg(textVariable("DWGNAME")),
-                 RunUi::YesNoCancel);
+    const auto answer = CurrentUi().Ask(TarnelData().ProductName,
+                                        QStringLiteral("Save changes to %1?").arg(textVariable("DWGNAME")),
+                                        RunUi::YesNoCancel);
     if (answer == RunUi::Yes)
         saveCurrentDrawing();
     if (answer == RunUi::Yes || answer == RunUi::No)

@@ -1,6 +1,8 @@
 #include "engine/RunState.h"
 
+#include "engine/FileStamp.h"
 #include "engine/HostText.h"
+#include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
 #include "engine/Watch.h"
 #include "log/RunLog.h"
@@ -9,33 +11,14 @@
 
 #include <QFile>
 
-#include <sys/stat.h>
 #include <optional>
 
 namespace {
-
-/// Tells one version of a file from another without reading it.
-struct FileStamp {
-    ino_t inode = 0;
-    off_t size = -1;
-    timespec time{};
-    bool operator==(const FileStamp& other) const {
-        return inode == other.inode && size == other.size && time.tv_sec == other.time.tv_sec &&
-               time.tv_nsec == other.time.tv_nsec;
-    }
-};
 
 std::optional<RunState> run;
 /// The state file as this module left it.
 std::optional<FileStamp> ownVersion;
 QString lastSaveError;
-
-std::optional<FileStamp> stampOf(const QString& path) {
-    struct stat status {};
-    if (stat(QFile::encodeName(path).constData(), &status) != 0)
-        return std::nullopt;
-    return FileStamp{status.st_ino, status.st_size, status.st_mtim};
-}
 
 /// A copy of a file that cannot be read, under the first free name beside it.
 QString keepAside(const QString& path) {
@@ -69,6 +52,7 @@ RunState& Run() {
 void ResetRun() {
     StopWatch();
     ResetRunLog();
+    ResetScripts();
     run.reset();
     ownVersion.reset();
     lastSaveError.clear();
@@ -80,7 +64,7 @@ void LoadRunState() {
     if (data.StateFile.isEmpty())
         ResolveStateFile();
     // What this module wrote itself need not be looked over a second time.
-    const auto stamp = stampOf(data.StateFile);
+    const auto stamp = StampOf(data.StateFile);
     if (stamp && !(ownVersion && *ownVersion == *stamp))
         reportDamage(data.StateFile);
     LoadState(nullptr, 1);
@@ -93,7 +77,7 @@ void SaveRunState() {
     if (!error.isEmpty() && error != lastSaveError)
         HostPrint(QStringLiteral("\nTarnel: the state could not be saved: %1\n").arg(error));
     lastSaveError = error;
-    ownVersion = stampOf(TarnelData().StateFile);
+    ownVersion = StampOf(TarnelData().StateFile);
 }
 
 QString DataFile(const QString& name) {

@@ -1,6 +1,7 @@
 #include "engine/ScriptChain.h"
 
 #include "acedads.h"
+#include "engine/FileStamp.h"
 #include "engine/HostText.h"
 #include "engine/RunState.h"
 #include "engine/TarnelData.h"
@@ -10,25 +11,39 @@
 
 #include <QFile>
 
+#include <array>
+#include <optional>
+
 namespace {
 
 QString scriptFile(bool first) {
     return DataFile(first ? QStringLiteral("script1.scr") : QStringLiteral("script2.scr"));
 }
 
-/// A disk that is full shows here first: the host will then find no script, and the cause must stand above.
-void writeScript(const QString& path, const QString& text) {
+/// What a script file was given last.
+struct WrittenScript {
+    QString text;
+    std::optional<FileStamp> stamp;
+};
+std::array<WrittenScript, 2> written;
+
+/// The scripts of a run are all the same text, and a file that holds it is left alone: writing one anew costs
+/// some file systems more than the rest of the step. A disk that is full shows here first: the host will then
+/// find no script, and the cause must stand above.
+void writeScript(const QString& path, const QString& text, WrittenScript& before) {
+    if (before.stamp && before.text == text && StampOf(path) == before.stamp)
+        return;
+    before.stamp.reset();
     CStdioFileEx file;
     QString cause;
-    // Emptying a file makes some file systems bring the new content to the disk when it is closed; a script
-    // that lives for seconds is not worth that wait.
-    QFile::remove(path);
-    bool written = file.Open(path, CStdioFileEx::modeCreate | CStdioFileEx::modeWrite, &cause);
-    if (written) {
-        written = file.WriteString(text) && file.Close();
+    bool complete = file.Open(path, CStdioFileEx::modeCreate | CStdioFileEx::modeWrite, &cause);
+    if (complete) {
+        complete = file.WriteString(text) && file.Close();
         cause = file.Error();
     }
-    if (!written)
+    if (complete)
+        before = {text, StampOf(path)};
+    else
         HostPrint(QStringLiteral("\nTarnel: %1: %2\n").arg(path, cause));
 }
 
@@ -50,7 +65,7 @@ void StartNextScript() {
     const QString text = ComposeScript();
     data.ScriptPath = scriptFile(data.UseScript1);
     Trace("WriteScript\n");
-    writeScript(data.ScriptPath, text);
+    writeScript(data.ScriptPath, text, written[data.UseScript1 ? 0 : 1]);
     data.UseScript1 = !data.UseScript1;
     QString argument = QLatin1Char('"') + data.ScriptPath + QLatin1Char('"');
     argument.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -87,4 +102,8 @@ bool ReadScriptFile(const QString& path, QString* cause) {
 void DeleteScripts() {
     QFile::remove(scriptFile(true));
     QFile::remove(scriptFile(false));
+}
+
+void ResetScripts() {
+    written = {};
 }

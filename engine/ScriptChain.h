@@ -16,3 +16,5 @@ void StartNextScript();
 bool ReadScriptFile(const QString& path, QString* cause = nullptr);
 /// Deletes both generated scripts.
 void DeleteScripts();
+/// Forgets what was written, for a module that is loaded anew.
+void ResetScripts();

@@ -42,6 +42,12 @@ struct Cost {
     double End;
 };
 
+void makeFile(const QString& path, const char* content) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) < 0)
+        std::abort();
+}
+
 /// Milliseconds of the start, of all drawings together, and of the end with the archive.
 Cost measure(int count, bool dwg) {
     const QTemporaryDir dir(QStringLiteral("bench-engine-XXXXXX"));
@@ -53,14 +59,15 @@ Cost measure(int count, bool dwg) {
     SilentUi ui;
     SetUi(&ui);
     CTarnelData& data = TarnelData();
+    const auto logPath = [&](int number) {
+        return dir.filePath(QStringLiteral("drawing-%1.log").arg(number));
+    };
     for (int i = 0; i < count; ++i) {
         const QString path = dir.filePath(QStringLiteral("drawing-%1.%2").arg(i).arg(dwg ? "dwg" : "dxf"));
-        if (dwg) {
-            QFile file(path);
-            if (!file.open(QIODevice::WriteOnly))
-                std::abort();
-        }
+        if (dwg)
+            makeFile(path, "");
         AppendEntry(data, path);
+        makeFile(logPath(i + 1), "Command: zoom\nCommand: qsave\n");
     }
     data.Script = "zoom\ne\nqsave\n";
     ResolveStateFile();
@@ -74,13 +81,8 @@ Cost measure(int count, bool dwg) {
         host.Calls.clear();
         if (words[0] == QLatin1String("._open") && opened++ == 0)
             cost.Start = static_cast<double>(clock.nsecsElapsed()) / 1e6;
-        if (words[0] == QLatin1String("._logfileon")) {
-            const QString log = dir.filePath(QStringLiteral("drawing-%1.log").arg(opened));
-            QFile file(log);
-            if (file.open(QIODevice::WriteOnly))
-                file.write("Command: zoom\nCommand: qsave\n");
-            host.Variables[QStringLiteral("LOGFILENAME")] = log;
-        }
+        if (words[0] == QLatin1String("._logfileon"))
+            host.Variables[QStringLiteral("LOGFILENAME")] = logPath(opened);
         if (words[0] == QLatin1String("._logfileoff") && opened == count)
             cost.Files = static_cast<double>(clock.nsecsElapsed()) / 1e6;
         return RTNORM;
