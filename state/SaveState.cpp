@@ -3,6 +3,7 @@
 #include "state/Base64.h"
 #include "state/CodePage.h"
 #include "state/FileName.h"
+#include "state/LastSave.h"
 #include "state/MarkupDocument.h"
 #include "state/MarkupFile.h"
 #include "state/PatchedFile.h"
@@ -61,6 +62,25 @@ void saveOptions(MarkupDocument& document, CTarnelData& data, int full) {
     });
 }
 
+void saveFiles(MarkupDocument& document, const CTarnelData& data) {
+    QString path;
+    Writer(document).Inside(u"Files", [&] {
+        for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
+            path.resize(0);
+            AppendPath(path, data.FileDirs[i], data.FileNames[i]);
+            document.AddChildElement(u"File", path);
+            document.SetChildAttribute(u"Status", static_cast<int>(data.FileStatus[i]));
+        }
+    });
+}
+
+/// A save always answers 1; what went wrong is told apart.
+int finish(const QString& file, int error) {
+    if (error != 0)
+        SetStateError(file, u"cannot be written: " + SystemMessage(error));
+    return 1;
+}
+
 }  // namespace
 
 int SaveState(const QString* target, int full) {
@@ -82,18 +102,15 @@ int SaveState(const QString* target, int full) {
                     writer.Number(data.SysVarNames[i], data.SavedSysVars[i].Integer(0));
         });
     }
-    QString path;
-    writer.Inside(u"Files", [&] {
-        for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
-            path.resize(0);
-            AppendPath(path, data.FileDirs[i], data.FileNames[i]);
-            document.AddChildElement(u"File", path);
-            document.SetChildAttribute(u"Status", static_cast<int>(data.FileStatus[i]));
-        }
-    });
-    QString report;
-    const QByteArray bytes = EncodeMarkup(document.GetDocumentText(), report, 0);
-    if (const int error = WritePatchedFile(file, bytes))
-        SetStateError(file, u"cannot be written: " + SystemMessage(error));
-    return 1;
+    static LastSave last;
+    const QString head = document.GetDocumentText();
+    if (full == 0 || !last.Update(file, head, data)) {
+        saveFiles(document, data);
+        QString report;
+        const QByteArray bytes = EncodeMarkup(document.GetDocumentText(), report, 0);
+        if (full == 0)
+            return finish(file, WriteWholeFile(file, bytes));
+        last.Remember(file, head, bytes, data);
+    }
+    return finish(file, WritePatchedFile(file, last.Bytes()));
 }
