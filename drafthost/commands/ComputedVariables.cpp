@@ -1,0 +1,318 @@
+#include <sys/utsname.h>
+
+#include <langinfo.h>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <numbers>
+
+#include "drafthost/commands/DateTime.h"
+#include "drafthost/commands/LayoutSwitch.h"
+#include "drafthost/commands/VariableActions.h"
+#include "drafthost/commands/ViewGeometry.h"
+#include "drafthost/drawing/Blocks.h"
+#include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/View.h"
+#include "drafthost/editor/CommandLine.h"
+#include "drafthost/editor/Document.h"
+#include "drafthost/editor/Host.h"
+#include "drafthost/editor/InputStream.h"
+#include "drafthost/editor/RegistryFile.h"
+
+namespace drafthost::commands {
+
+namespace {
+
+using Get = VariableValue (*)(Host&, Document*);
+using Set = bool (*)(Host&, Document*, const VariableValue&, std::string&);
+
+struct Action {
+    std::string_view name;
+    Get get;
+    Set set = nullptr;
+};
+
+std::string withSeparator(std::string folder) {
+    if (!folder.empty() && folder.back() != '/') {
+        folder += '/';
+    }
+    return folder;
+}
+
+std::chrono::system_clock::time_point now() {
+    return std::chrono::system_clock::now();
+}
+
+Point3 toArray(const Point& point) {
+    return {point.x, point.y, point.z};
+}
+
+// --- program ---
+
+VariableValue supportFolders(Host& host, Document*) {
+    std::string all;
+    for (const std::string& folder : host.supportPath()) {
+        all += (all.empty() ? "" : ";") + folder;
+    }
+    return all;
+}
+
+VariableValue platform(Host&, Document*) {
+    utsname name{};
+    uname(&name);
+    return std::string(name.sysname) + " " + name.release + " (" + name.machine + ")";
+}
+
+VariableValue locale(Host&, Document*) {
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value && *value) {
+            std::string text(value);
+            return text.substr(0, text.find_first_of(".@"));
+        }
+    }
+    return std::string("C");
+}
+
+VariableValue systemCodePage(Host&, Document*) {
+    return std::string(nl_langinfo(CODESET));
+}
+
+VariableValue temporaryFolder(Host&, Document*) {
+    std::error_code error;
+    auto folder = std::filesystem::temp_directory_path(error);
+    return withSeparator(error ? "/tmp" : folder.string());
+}
+
+// --- the document ---
+
+VariableValue modifiedBits(Host&, Document* document) {
+    if (!document) {
+        return 0;
+    }
+    int bits = static_cast<int>(document->modified());
+    return bits == 0 && document->drawing().modified() ? int{ModifiedObjects} : bits;
+}
+
+VariableValue drawingName(Host&, Document* document) {
+    return document ? document->title() : std::string();
+}
+
+VariableValue drawingFolder(Host&, Document* document) {
+    std::error_code error;
+    if (document && document->hasName()) {
+        return withSeparator(std::filesystem::path(document->path()).parent_path().string());
+    }
+    return withSeparator(std::filesystem::current_path(error).string());
+}
+
+VariableValue drawingTitled(Host&, Document* document) {
+    return document && document->hasName() ? 1 : 0;
+}
+
+VariableValue savedName(Host&, Document* document) {
+    return document ? document->savedName() : std::string();
+}
+
+VariableValue writable(Host&, Document* document) {
+    return document && document->isReadOnly() ? 0 : 1;
+}
+
+VariableValue logName(Host&, Document* document) {
+    return document ? document->logName() : std::string();
+}
+
+VariableValue daysEditing(Host&, Document* document) {
+    return document ? headerReal(document->drawing(), "$TDINDWG", 0) : 0.0;
+}
+
+VariableValue daysTimer(Host&, Document* document) {
+    return document ? headerReal(document->drawing(), "$TDUSRTIMER", 0) : 0.0;
+}
+
+VariableValue handles(Host&, Document* document) {
+    return document && document->drawing().hasHandles() ? 1 : 0;
+}
+
+// --- space and view ---
+
+VariableValue currentTab(Host&, Document* document) {
+    return document ? currentLayoutName(document->drawing()) : std::string("Model");
+}
+
+bool setCurrentTab(Host&, Document* document, const VariableValue& value, std::string& reason) {
+    if (!document) {
+        reason = "CTAB needs an open drawing.";
+        return false;
+    }
+    const std::string& name = std::get<std::string>(value);
+    if (foldCase(name) == foldCase(currentLayoutName(document->drawing()))) {
+        return true;
+    }
+    if (!makeLayoutCurrent(document->drawing(), name, reason)) {
+        return false;
+    }
+    document->previousViews().clear();
+    document->setModified(ModifiedVariables);
+    return true;
+}
+
+VariableValue currentViewport(Host&, Document* document) {
+    return !document || modelIsCurrent(document->drawing()) ? 2 : 1;
+}
+
+bool setCurrentViewport(Host& host, Document* document, const VariableValue& value, std::string& reason) {
+    if (value == currentViewport(host, document)) {
+        return true;
+    }
+    reason = "CVPORT: there is no other viewport to make current.";
+    return false;
+}
+
+/// The header's extents, or computed ones where the header has none or objects were changed since.
+Extents knownExtents(Document& document) {
+    Drawing& drawing = document.drawing();
+    bool model = modelIsCurrent(drawing);
+    Extents extents;
+    extents.min = headerPoint(drawing, model ? "$EXTMIN" : "$PEXTMIN", extents.min);
+    extents.max = headerPoint(drawing, model ? "$EXTMAX" : "$PEXTMAX", extents.max);
+    if (extents.empty() || document.modified() & ModifiedObjects) {
+        extents.add(computeExtents(drawing, !model));
+    }
+    return extents;
+}
+
+VariableValue extentsMinimum(Host&, Document* document) {
+    return document ? toArray(knownExtents(*document).min) : Point3{1e20, 1e20, 1e20};
+}
+
+VariableValue extentsMaximum(Host&, Document* document) {
+    return document ? toArray(knownExtents(*document).max) : Point3{-1e20, -1e20, -1e20};
+}
+
+VariableValue viewCenter(Host&, Document* document) {
+    return document ? toArray(viewCenterInUcs(document->drawing())) : Point3{};
+}
+
+VariableValue viewSize(Host&, Document* document) {
+    return document ? currentView(document->drawing()).height : 1.0;
+}
+
+VariableValue viewDirection(Host&, Document* document) {
+    return document ? toArray(viewPlane(document->drawing()).direction) : Point3{0, 0, 1};
+}
+
+VariableValue viewTwist(Host&, Document* document) {
+    return document ? viewPlane(document->drawing()).twist : 0.0;
+}
+
+std::int64_t viewportFlag(Document* document, int code) {
+    if (document) {
+        RecordId entry = findEntry(document->drawing(), Table::Vport, "*ACTIVE");
+        if (entry != NoRecord) {
+            return document->drawing().record(entry).integerOr(code, 0);
+        }
+    }
+    return 0;
+}
+
+bool setViewportFlag(Document* document, int code, const VariableValue& value, std::string& reason) {
+    RecordId entry = document ? findEntry(document->drawing(), Table::Vport, "*ACTIVE") : NoRecord;
+    if (entry == NoRecord) {
+        reason = "The drawing has no viewport that could keep this.";
+        return false;
+    }
+    if (viewportFlag(document, code) != std::get<int>(value)) {
+        document->drawing().put(entry, code, std::int64_t{std::get<int>(value)}, {74, 73, 72, 71, 51, 50});
+        document->setModified(ModifiedView);
+    }
+    return true;
+}
+
+constexpr int snapCode = 75;
+constexpr int gridCode = 76;
+constexpr int modeCode = 71;
+
+VariableValue worldUcs(Host&, Document* document) {
+    if (!document) {
+        return 1;
+    }
+    const Drawing& drawing = document->drawing();
+    bool model = modelIsCurrent(drawing);
+    bool world = headerPoint(drawing, model ? "$UCSORG" : "$PUCSORG", {0, 0, 0}) == Point{0, 0, 0} &&
+                 headerPoint(drawing, model ? "$UCSXDIR" : "$PUCSXDIR", {1, 0, 0}) == Point{1, 0, 0} &&
+                 headerPoint(drawing, model ? "$UCSYDIR" : "$PUCSYDIR", {0, 1, 0}) == Point{0, 1, 0};
+    return world ? 1 : 0;
+}
+
+const Action actions[] = {
+    {"ACADPREFIX", supportFolders},
+    {"CDATE", [](Host&, Document*) -> VariableValue { return calendarDate(now()); }},
+    {"CMDACTIVE",
+     [](Host& host, Document*) -> VariableValue { return static_cast<int>(host.input().activeBits()); }},
+    {"CMDNAMES",
+     [](Host&, Document* document) -> VariableValue {
+         return document ? document->commandLine().names() : std::string();
+     }},
+    {"CPROFILE", [](Host& host, Document*) -> VariableValue { return host.registry().profile(); }},
+    {"CTAB", currentTab, setCurrentTab},
+    {"CVPORT", currentViewport, setCurrentViewport},
+    {"DATE", [](Host&, Document*) -> VariableValue { return julianDate(now()); }},
+    {"DBMOD", modifiedBits},
+    {"DWGNAME", drawingName},
+    {"DWGPREFIX", drawingFolder},
+    {"DWGTITLED", drawingTitled},
+    {"EXTMAX", extentsMaximum},
+    {"EXTMIN", extentsMinimum},
+    {"GRIDMODE",
+     [](Host&, Document* document) -> VariableValue {
+         return static_cast<int>(viewportFlag(document, gridCode));
+     },
+     [](Host&, Document* document, const VariableValue& value, std::string& reason) {
+         return setViewportFlag(document, gridCode, value, reason);
+     }},
+    {"HANDLES", handles},
+    {"LOCALE", locale},
+    {"LOGFILENAME", logName},
+    {"PLATFORM", platform},
+    {"SAVENAME", savedName},
+    {"SNAPMODE",
+     [](Host&, Document* document) -> VariableValue {
+         return static_cast<int>(viewportFlag(document, snapCode));
+     },
+     [](Host&, Document* document, const VariableValue& value, std::string& reason) {
+         return setViewportFlag(document, snapCode, value, reason);
+     }},
+    {"SYSCODEPAGE", systemCodePage},
+    {"TDINDWG", daysEditing},
+    {"TDUSRTIMER", daysTimer},
+    {"TEMPPREFIX", temporaryFolder},
+    {"VIEWCTR", viewCenter},
+    {"VIEWDIR", viewDirection},
+    {"VIEWMODE",
+     [](Host&, Document* document) -> VariableValue {
+         return static_cast<int>(viewportFlag(document, modeCode));
+     }},
+    {"VIEWSIZE", viewSize},
+    {"VIEWTWIST", viewTwist},
+    {"WORLDUCS", worldUcs},
+    {"WRITESTAT", writable},
+};
+
+}  // namespace
+
+void addComputedAction(VariableEntry& entry, const VariableRow& row) {
+    for (const Action& action : actions) {
+        if (action.name == row.name) {
+            entry.get = action.get;
+            if (action.set) {
+                entry.set = action.set;
+            }
+            return;
+        }
+    }
+}
+
+}  // namespace drafthost::commands

@@ -1,0 +1,64 @@
+#include "drafthost/commands/Commands.h"
+#include "drafthost/commands/LayerOptions.h"
+
+namespace drafthost::commands {
+
+namespace {
+
+struct LayerOption {
+    std::string_view keyword;
+    Task<bool> (*run)(CommandContext&);
+};
+
+constexpr LayerOption options[] = {
+    {"?", listLayers},
+    {"Make", makeLayer},
+    {"Set", setLayer},
+    {"New", newLayers},
+    {"Rename", renameLayer},
+    {"ON", layersOn},
+    {"OFF", layersOff},
+    {"Color", colorLayers},
+    {"Ltype", linetypeLayers},
+    {"LWeight", lineweightLayers},
+    {"TRansparency", transparencyLayers},
+    {"MATerial", materialLayers},
+    {"Plot", plotLayers},
+    {"PStyle", plotStyleLayers},
+    {"Freeze", freezeLayers},
+    {"Thaw", thawLayers},
+    {"LOck", lockLayers},
+    {"Unlock", unlockLayers},
+    {"Description", describeLayers},
+    {"rEconcile", reconcileLayers},
+    {"Xref", xrefLayers},
+};
+
+}  // namespace
+
+CommandTask layerCommand(CommandContext& context) {
+    std::string keywords;
+    for (const LayerOption& option : options) {
+        keywords += (keywords.empty() ? "" : " ") + std::string(option.keyword);
+    }
+    keywords += " stAte";
+    for (;;) {
+        context.printLine("Current layer: \"" + currentLayerName(context) + "\"");
+        auto answer = co_await context.keyword("Enter an option", keywords);
+        if (answer.isEnter()) {
+            co_return;
+        }
+        if (answer.isKeyword("stAte")) {
+            context.complain("This host keeps no layer states.");
+            continue;
+        }
+        for (const LayerOption& option : options) {
+            if (answer.keyword == option.keyword) {
+                co_await option.run(context);
+                break;
+            }
+        }
+    }
+}
+
+}  // namespace drafthost::commands

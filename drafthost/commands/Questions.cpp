@@ -1,0 +1,55 @@
+#include "drafthost/commands/Questions.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "drafthost/editor/Document.h"
+#include "drafthost/editor/Host.h"
+
+namespace drafthost::commands {
+
+Task<bool> askYesNo(CommandContext& context, std::string question, bool standard) {
+    auto answer = co_await context.keyword(std::move(question), "Yes No", standard ? "Yes" : "No");
+    co_return answer.isKeyword("Yes");
+}
+
+Task<bool> mayDiscardChanges(CommandContext& context, Document& document) {
+    if (document.modified() == 0) {
+        co_return true;
+    }
+    co_return co_await askYesNo(context, "Really want to discard all changes to " + document.title() + "?",
+                                false);
+}
+
+Task<bool> mayReplaceFile(CommandContext& context, const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::exists(path, error) || context.host().variables().integer("EXPERT", 0) >= 2) {
+        co_return true;
+    }
+    co_return co_await askYesNo(context, path + " already exists. Do you want to replace it?", false);
+}
+
+std::string inQuotes(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
+std::string absolutePath(std::string_view typed) {
+    std::string path(typed);
+    const char* home = std::getenv("HOME");
+    if (path.starts_with("~/") && home) {
+        path = home + path.substr(1);
+    }
+    std::error_code error;
+    auto absolute = std::filesystem::absolute(path, error);
+    return error ? path : absolute.lexically_normal().string();
+}
+
+std::string absolutePath(std::string_view typed, std::string_view extension) {
+    std::string path = absolutePath(typed);
+    if (std::filesystem::path(path).extension().empty()) {
+        path += extension;
+    }
+    return path;
+}
+
+}  // namespace drafthost::commands

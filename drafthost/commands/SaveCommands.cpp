@@ -1,0 +1,234 @@
+#include <filesystem>
+#include <optional>
+
+#include "drafthost/commands/Backup.h"
+#include "drafthost/commands/Commands.h"
+#include "drafthost/commands/Questions.h"
+#include "drafthost/drawing/Drawing.h"
+#include "drafthost/editor/Document.h"
+#include "drafthost/editor/Host.h"
+
+namespace drafthost::commands {
+
+namespace {
+
+constexpr std::string_view onlyDxf = "this host writes DXF drawings only";
+
+std::string lowerExtension(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    for (char& c : extension) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return extension;
+}
+
+/// One line when a drawing cannot be written under that name in DXF.
+std::optional<std::string> refusedName(const std::string& path) {
+    std::string extension = lowerExtension(path);
+    if (extension == ".dwg" || extension == ".dwt" || extension == ".dws") {
+        return "Cannot save " + path + ": " + std::string(onlyDxf) + ", no " + extension.substr(1) +
+               " files.";
+    }
+    return std::nullopt;
+}
+
+std::string proposedPath(const Document& document) {
+    return document.hasName() ? document.path() : absolutePath(document.title(), ".dxf");
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return result;
+}
+
+/// Whether `typed` is the keyword (given in small letters) or a beginning of it of `least` letters or more.
+bool isWord(std::string_view typed, std::string_view keyword, size_t least) {
+    std::string word = lowerCase(typed.starts_with('_') ? typed.substr(1) : typed);
+    return word.size() >= least && keyword.starts_with(word);
+}
+
+struct VersionWord {
+    std::string_view word;
+    int number;
+};
+constexpr VersionWord versionWords[] = {{"R12", 1009},  {"2000", 1015}, {"2004", 1018}, {"2007", 1021},
+                                        {"2010", 1024}, {"2013", 1027}, {"2018", 1032}};
+
+std::string_view wordOfVersion(int number) {
+    for (const VersionWord& entry : versionWords) {
+        if (entry.number == number) {
+            return entry.word;
+        }
+    }
+    return {};
+}
+
+/// Reads a count of decimals from 0 to 16.
+std::optional<int> decimalsOf(std::string_view text) {
+    if (text.empty() || text.size() > 2 || text.find_first_not_of("0123456789") != std::string_view::npos) {
+        return std::nullopt;
+    }
+    int value = std::stoi(std::string(text));
+    return value <= 16 ? std::optional(value) : std::nullopt;
+}
+
+struct DxfChoice {
+    SaveFormat format;
+    /// A file name that was given where the decimals were asked for.
+    std::string fileName;
+};
+
+/// The questions about the form of a DXF file. Scripts are found that give the file's name before these
+/// answers and such that give it behind them, so with `allowName` a name is taken here too.
+Task<std::optional<DxfChoice>> askDxfForm(CommandContext& context, Drawing& drawing, bool allowName) {
+    DxfChoice choice;
+    for (;;) {
+        auto answer = co_await context.fileName(
+            "Enter decimal places of accuracy (0 to 16) or [Objects/Binary/Version]", "16");
+        const std::string& text = answer.text;
+        if (text.empty()) {
+            co_return choice;
+        }
+        if (auto decimals = decimalsOf(text)) {
+            choice.format.decimals = *decimals;
+            co_return choice;
+        }
+        if (isWord(text, "binary", 1)) {
+            choice.format.binary = true;
+            co_return choice;
+        }
+        if (isWord(text, "objects", 1)) {
+            context.complain("SAVEAS writes whole drawings; Objects is not available.");
+        } else if (isWord(text, "version", 1)) {
+            std::string own(wordOfVersion(drawing.versionNumber()));
+            auto version =
+                co_await context.keyword("Enter version", "R12 2000 2004 2007 2010 2013 2018", own);
+            if (version.keyword != own) {
+                context.fail("Cannot save " + context.document().title() + " in the " + version.keyword +
+                             " format: this host keeps a drawing in the version it has (" +
+                             drawing.version() + ").");
+                co_return std::nullopt;
+            }
+        } else if (allowName && text.find_first_not_of("-0123456789") != std::string::npos) {
+            choice.fileName = text;
+            co_return choice;
+        } else {
+            context.complain("Enter a whole number from 0 to 16, Binary or Version.");
+        }
+    }
+}
+
+/// Asks for the name of the file to write, with the question whether an old file may be replaced. Nothing
+/// when the command is to end; that has been told.
+Task<std::optional<std::string>> askTarget(CommandContext& context, std::string given) {
+    if (given.empty()) {
+        auto answer = co_await context.fileName("Save drawing as", proposedPath(context.document()));
+        given = answer.text;
+    }
+    if (given.empty()) {
+        context.fail(context.name() + " needs a file name.");
+        co_return std::nullopt;
+    }
+    std::string path = absolutePath(given, ".dxf");
+    if (auto refusal = refusedName(path)) {
+        context.fail(*refusal);
+        co_return std::nullopt;
+    }
+    if (!co_await mayReplaceFile(context, path)) {
+        context.fail(context.name() + " was given up, " + path + " stays as it is.");
+        co_return std::nullopt;
+    }
+    co_return path;
+}
+
+/// Writes the document to the path and tells a failure. The old file of that name is kept as .bak when the
+/// user wants that.
+void writeTo(CommandContext& context, const std::string& path, bool takeName,
+             const Document::Writer& writer) {
+    Document& document = context.document();
+    std::string error;
+    if (!keepBackup(context.host(), path, error) || !document.saveTo(path, takeName, writer, error)) {
+        context.fail(error);
+    }
+}
+
+}  // namespace
+
+CommandTask qsaveCommand(CommandContext& context) {
+    Document& document = context.document();
+    if (!document.hasName()) {
+        auto path = co_await askTarget(context, {});
+        if (path) {
+            writeTo(context, *path, true, {});
+        }
+        co_return;
+    }
+    if (document.isReadOnly()) {
+        context.fail("Cannot save " + document.path() + ": the drawing was opened read-only.");
+        co_return;
+    }
+    std::string error;
+    if (!keepBackup(context.host(), document.path(), error) || !document.save(error)) {
+        context.fail(error);
+    }
+}
+
+CommandTask saveCommand(CommandContext& context) {
+    Document& document = context.document();
+    auto path = co_await askTarget(context, {});
+    if (!path) {
+        co_return;
+    }
+    if (*path != document.path()) {
+        writeTo(context, *path, !document.hasName(), {});
+    } else if (document.isReadOnly()) {
+        context.fail("Cannot save " + *path + ": the drawing was opened read-only.");
+    } else {
+        std::string error;
+        if (!keepBackup(context.host(), *path, error) || !document.save(error)) {
+            context.fail(error);
+        }
+    }
+}
+
+CommandTask saveAsCommand(CommandContext& context) {
+    Document& document = context.document();
+    // The LT names stand for the same formats and are what older scripts give.
+    auto format = co_await context.keyword("Enter file format",
+                                           "R14 LT98 LT97 2000 LT2000 2004 LT2004 2007 LT2007 2010 LT2010 "
+                                           "2013 LT2013 2018 LT2018 Standards DXF Template",
+                                           "DXF");
+    if (!format.isKeyword("DXF")) {
+        context.fail("Cannot save " + document.title() + " in the format " + format.keyword + ": " +
+                     std::string(onlyDxf) + ", no DWG files.");
+        co_return;
+    }
+    auto choice = co_await askDxfForm(context, document.drawing(), true);
+    if (!choice) {
+        co_return;
+    }
+    bool nameFirst = !choice->fileName.empty();
+    auto path = co_await askTarget(context, choice->fileName);
+    if (!path) {
+        co_return;
+    }
+    if (nameFirst) {
+        choice = co_await askDxfForm(context, document.drawing(), false);
+        if (!choice) {
+            co_return;
+        }
+    }
+    SaveFormat form = choice->format;
+    if (*path == document.path() && document.isReadOnly()) {
+        context.fail("Cannot save " + *path + ": the drawing was opened read-only.");
+        co_return;
+    }
+    writeTo(context, *path, true, [form](Drawing& drawing, const std::string& target, std::string& error) {
+        return drawing.saveAs(target, form, error);
+    });
+}
+
+}  // namespace drafthost::commands

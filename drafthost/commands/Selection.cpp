@@ -1,0 +1,118 @@
+#include "drafthost/commands/Selection.h"
+
+#include <algorithm>
+
+#include "drafthost/drawing/Blocks.h"
+#include "drafthost/drawing/View.h"
+#include "drafthost/editor/AnswerReader.h"
+#include "drafthost/editor/Document.h"
+#include "drafthost/lisp/World.h"
+
+namespace drafthost::commands {
+
+namespace {
+
+// Entity names are record numbers counted from 1, as 0 names nothing.
+RecordId recordOf(lisp::EntityName name) {
+    return name == 0 || name > NoRecord ? NoRecord : static_cast<RecordId>(name - 1);
+}
+lisp::EntityName entityName(RecordId record) {
+    return lisp::EntityName{record} + 1;
+}
+
+/// Whether the entity belongs to the space that is current.
+bool inCurrentSpace(const Drawing& drawing, RecordId entity) {
+    const Layout* layout = layoutOf(drawing, entity);
+    bool model = modelIsCurrent(drawing);
+    return layout && layout->model == model && (model || drawing.record(entity).integerOr(67, 0) == 1);
+}
+
+std::vector<RecordId> allEntities(const Drawing& drawing) {
+    std::vector<RecordId> result;
+    for (RecordId entity = firstEntity(drawing); entity != NoRecord;
+         entity = nextEntity(drawing, entity, false)) {
+        if (inCurrentSpace(drawing, entity)) {
+            result.push_back(entity);
+        }
+    }
+    return result;
+}
+
+std::vector<RecordId> fromNames(const Drawing& drawing, const std::vector<lisp::EntityName>& names) {
+    std::vector<RecordId> result;
+    for (lisp::EntityName name : names) {
+        RecordId record = recordOf(name);
+        if (record != NoRecord && drawing.isAlive(record)) {
+            result.push_back(record);
+        }
+    }
+    return result;
+}
+
+}  // namespace
+
+Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
+    Document& document = context.document();
+    const Drawing& drawing = document.drawing();
+    std::vector<RecordId> selected;
+    for (;;) {
+        auto answer = co_await context.input(
+            "Select objects",
+            {.keywords = "ALL Last Previous Window Crossing WPolygon CPolygon Fence", .bareText = true});
+        if (answer.isEnter()) {
+            break;
+        }
+        std::vector<RecordId> found;
+        if (answer.isKeyword("ALL")) {
+            found = allEntities(drawing);
+        } else if (answer.isKeyword("Last")) {
+            RecordId last = lastEntity(drawing);
+            if (last != NoRecord) {
+                found.push_back(last);
+            }
+        } else if (answer.isKeyword("Previous")) {
+            found = fromNames(drawing, document.world().previousSelection());
+            if (found.empty()) {
+                context.complain("There is no previous selection set.");
+                continue;
+            }
+        } else if (answer.isKeyword()) {
+            context.complain("Objects cannot be picked by " + answer.keyword +
+                             " here: name them by ALL, Last, Previous, a handle or an entity name.");
+            continue;
+        } else if (answer.value.isEname()) {
+            found = fromNames(drawing, {answer.value.toEname()});
+        } else if (answer.value.isPickSet()) {
+            found = fromNames(drawing, answer.value.toPickSet().members());
+        } else if (answer.value.isNil()) {
+            std::uint64_t handle = parseHandle(answer.text);
+            RecordId record = handle ? drawing.findHandle(handle) : NoRecord;
+            if (record != NoRecord && layoutOf(drawing, record)) {
+                found.push_back(record);
+            }
+        }
+        if (found.empty()) {
+            context.complain("\"" + answer.text + "\" names no object to select.");
+            continue;
+        }
+        size_t before = selected.size();
+        for (RecordId record : found) {
+            if (std::find(selected.begin(), selected.end(), record) == selected.end()) {
+                selected.push_back(record);
+            }
+        }
+        context.printLine(std::to_string(found.size()) + " found, " +
+                          std::to_string(selected.size() - before) + " new, " +
+                          std::to_string(selected.size()) + " total");
+    }
+    if (!selected.empty()) {
+        std::vector<lisp::EntityName> names;
+        for (RecordId record : selected) {
+            names.push_back(entityName(record));
+        }
+        document.world().setPreviousSelection(std::move(names));
+    }
+    co_return selected;
+}
+
+}  // namespace drafthost::commands
