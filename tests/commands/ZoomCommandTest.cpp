@@ -1,0 +1,89 @@
+#include "tests/commands/TestDrawings.h"
+#include "tests/commands/TestHost.h"
+
+namespace drafthost::test {
+
+namespace {
+
+/// The drawing's view begins at centre 5,4 with height 10, twice as wide as high.
+class Zoom : public TestHost {
+  protected:
+    Zoom() { open(write("plan.dxf", drawing2000())); }
+    void expectView(double x, double y, double height) {
+        Point3 center = std::get<Point3>(variable("VIEWCTR"));
+        EXPECT_NEAR(center[0], x, 1e-9) << output;
+        EXPECT_NEAR(center[1], y, 1e-9) << output;
+        EXPECT_NEAR(std::get<double>(variable("VIEWSIZE")), height, 1e-9) << output;
+        EXPECT_TRUE(idle()) << output;
+    }
+};
+
+TEST_F(Zoom, ScalesAndWindows) {
+    type("zoom 2x\n");
+    expectView(5, 4, 5);
+    type("z s .5x\n");
+    expectView(5, 4, 10);
+    type("zoom 2\n");  // limits are 40 by 30: all of them are 30 high
+    expectView(5, 4, 15);
+    type("zoom w 0,0 10,8\n");
+    expectView(5, 4, 8);
+    type("zoom 0,0 40,10\n");  // width counts: 40 wide is 20 high
+    expectView(20, 5, 20);
+    type("zoom c 1,2 6\n");
+    expectView(1, 2, 6);
+    type("zoom c 3,4 2x\n");
+    expectView(3, 4, 3);
+    type("zoom p\n");
+    expectView(1, 2, 6);
+    type("zoom p\nzoom p\n");
+    expectView(5, 4, 8);
+}
+
+TEST_F(Zoom, ExtentsAllAndObjectsComeFromTheEntities) {
+    EXPECT_EQ(std::get<Point3>(variable("EXTMAX")), (Point3{2, 2, 0})) << "as the file says";
+    type("zoom e\n");
+    EXPECT_EQ(std::get<Point3>(variable("EXTMIN")), (Point3{0, 0, 0}));
+    EXPECT_EQ(std::get<Point3>(variable("EXTMAX")), (Point3{30, 20, 0}));
+    expectView(15, 10, 20);
+    type("zoom all\n");
+    expectView(20, 15, 30);
+    type("zoom o l\n\n");  // the last entity of model space: paper space has its own
+    type("zoom o 41\n\n");
+    expectView(10, 10, 4);
+    type("zoom o all\n\n");
+    expectView(15, 10, 20);
+    EXPECT_EQ(integer("DBMOD") & 16, 16);
+    type("qsave\n");
+    std::string saved = read(path("plan.dxf"));
+    EXPECT_NE(saved.find("$EXTMAX\n 10\n30.0\n 20\n20.0\n"), std::string::npos);
+    EXPECT_NE(saved.find(" 12\n15.0\n 22\n10.0\n"), std::string::npos);
+}
+
+TEST_F(Zoom, WhatCannotBeShownIsRefusedAndTheViewStays) {
+    for (const char* line : {"zoom d\n", "zoom p\n", "zoom 2xp\n", "zoom\n\n", "zoom 1,1 1,1\n"}) {
+        type(line);
+        expectView(5, 4, 10);
+        EXPECT_GT(output.size(), 20u) << line;
+    }
+    type("zoom -2 0 e12z 1,2,3,4 2x\n");
+    expectView(5, 4, 5);
+    type("zoom o w 1F\n");
+    EXPECT_FALSE(idle());
+    type("\x1b");
+}
+
+TEST_F(Zoom, ALayoutAndAnOldDrawingHaveTheirViewsToo) {
+    open(write("old.dxf", drawingR12()));
+    type("zoom e\n");
+    EXPECT_EQ(std::get<Point3>(variable("EXTMIN")), (Point3{1, 2, 0}));
+    type("qsave\n");
+    EXPECT_NE(read(path("old.dxf")).find("$EXTMAX\n 10\n5.0\n 20\n4.0\n"), std::string::npos);
+    host.newDocument();
+    type("zoom e\n");
+    EXPECT_EQ(std::get<Point3>(variable("EXTMIN"))[0], 1e20) << "an empty drawing has no extents";
+    EXPECT_LT(std::get<double>(variable("VIEWSIZE")), 1e6);
+}
+
+}  // namespace
+
+}  // namespace drafthost::test
