@@ -121,9 +121,11 @@ Task<bool> linetypeLayers(CommandContext& context) {
             continue;
         }
         std::string name = entry == NoRecord ? "Continuous" : entryName(drawing, entry);
-        co_return co_await forLayers(
-            context, "Enter name list of layer(s) for linetype " + inQuotes(name), true,
-            [name](Drawing& target, RecordId layer) { setLayerLinetype(target, layer, name); });
+        std::function<void(Drawing&, RecordId)> change = [name](Drawing& target, RecordId layer) {
+            setLayerLinetype(target, layer, name);
+        };
+        co_return co_await forLayers(context, "Enter name list of layer(s) for linetype " + inQuotes(name),
+                                     true, change);
     }
 }
 
@@ -219,10 +221,10 @@ Task<bool> describeLayers(CommandContext& context) {
         co_return false;
     }
     auto answer = co_await context.text("Enter layer description");
-    co_return co_await forLayers(context, "Enter name list of layer(s) for the description", false,
-                                 [text = answer.text](Drawing& drawing, RecordId layer) {
-                                     setLayerDescription(drawing, layer, text);
-                                 });
+    std::function<void(Drawing&, RecordId)> change = [text = answer.text](Drawing& drawing, RecordId layer) {
+        setLayerDescription(drawing, layer, text);
+    };
+    co_return co_await forLayers(context, "Enter name list of layer(s) for the description", false, change);
 }
 
 }  // namespace drafthost::commands
