@@ -44,7 +44,11 @@ void applyUnits(Host& host, bool metric) {
 
 CommandTask openCommand(CommandContext& context) {
     Host& host = context.host();
-    if (singleDocument(host) && !co_await mayDiscardChanges(context, context.document())) {
+    bool goOn = !singleDocument(host);
+    if (!goOn) {
+        goOn = co_await mayDiscardChanges(context, context.document());
+    }
+    if (!goOn) {
         context.fail("OPEN was given up, the drawing keeps its changes.");
         co_return;
     }
@@ -57,12 +61,16 @@ CommandTask openCommand(CommandContext& context) {
     // A module answers the question of a drawing that is in use ahead of time. The answer is taken when it
     // is there, and not waited for when it is not: most calls end with the path.
     bool asked = context.source() == InputSource::Module && context.hasMoreInput();
-    bool readOnly = asked && co_await askYesNo(context, "Open the drawing read-only?", false);
+    bool readOnly = false;
+    if (asked) {
+        readOnly = co_await askYesNo(context, "Open the drawing read-only?", false);
+    }
     OpenResult result = host.openDocument(path, readOnly ? OpenMode::ReadOnly : OpenMode::ReadWrite);
     bool somebodyAnswers = context.source() == InputSource::Keyboard || context.hasMoreInput();
     if (!result.document && result.locked && !asked && somebodyAnswers) {
         context.printLine(result.error);
-        if (!co_await askYesNo(context, "Would you like to open it read-only?", false)) {
+        bool anyway = co_await askYesNo(context, "Would you like to open it read-only?", false);
+        if (!anyway) {
             context.fail("OPEN was given up.");
             co_return;
         }
@@ -75,7 +83,11 @@ CommandTask openCommand(CommandContext& context) {
 
 CommandTask newCommand(CommandContext& context) {
     Host& host = context.host();
-    if (singleDocument(host) && !co_await mayDiscardChanges(context, context.document())) {
+    bool goOn = !singleDocument(host);
+    if (!goOn) {
+        goOn = co_await mayDiscardChanges(context, context.document());
+    }
+    if (!goOn) {
         context.fail("NEW was given up, the drawing keeps its changes.");
         co_return;
     }
@@ -102,7 +114,8 @@ CommandTask newCommand(CommandContext& context) {
 }
 
 CommandTask closeCommand(CommandContext& context) {
-    if (!co_await mayDiscardChanges(context, context.document())) {
+    bool goOn = co_await mayDiscardChanges(context, context.document());
+    if (!goOn) {
         context.fail("CLOSE was given up, the drawing stays open.");
         co_return;
     }
@@ -111,7 +124,11 @@ CommandTask closeCommand(CommandContext& context) {
 
 CommandTask quitCommand(CommandContext& context) {
     for (Document* document : context.host().documents()) {
-        if (context.host().isOpen(document) && !co_await mayDiscardChanges(context, *document)) {
+        if (!context.host().isOpen(document)) {
+            continue;
+        }
+        bool goOn = co_await mayDiscardChanges(context, *document);
+        if (!goOn) {
             context.fail("QUIT was given up, all drawings stay open.");
             co_return;
         }

@@ -213,11 +213,13 @@ Task<bool> layersOff(CommandContext& context) {
     }
     RecordId current = findEntry(document.drawing(), Table::Layer, currentLayerName(context));
     bool withCurrent = std::find(layers.begin(), layers.end(), current) != layers.end();
-    if (withCurrent && context.host().variables().integer("EXPERT", 0) < 1 &&
-        !co_await askYesNo(
+    if (withCurrent && context.host().variables().integer("EXPERT", 0) < 1) {
+        bool offToo = co_await askYesNo(
             context, "Really want layer " + inQuotes(currentLayerName(context)) + " (the current layer) off?",
-            false)) {
-        std::erase(layers, current);
+            false);
+        if (!offToo) {
+            std::erase(layers, current);
+        }
     }
     ChangeWatch watch(document, tableBits);
     for (RecordId layer : layers) {

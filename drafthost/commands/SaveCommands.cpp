@@ -137,7 +137,8 @@ Task<std::optional<std::string>> askTarget(CommandContext& context, std::string 
         context.fail(*refusal);
         co_return std::nullopt;
     }
-    if (!co_await mayReplaceFile(context, path)) {
+    bool replace = co_await mayReplaceFile(context, path);
+    if (!replace) {
         context.fail(context.name() + " was given up, " + path + " stays as it is.");
         co_return std::nullopt;
     }

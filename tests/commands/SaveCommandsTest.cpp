@@ -53,12 +53,12 @@ TEST_F(SaveCommands, WhatCannotBeWrittenIsToldAndStaysModified) {
     host.removeObserver(&notices);
 
     ASSERT_NE(host.openDocument(file, OpenMode::ReadOnly).document, nullptr);
-    type("ltscale 7\n");
+    type("ltscale 9.5\n");
     for (std::vector<std::string> list : {std::vector<std::string>{"._qsave"}, {"._save", file, "_y"}}) {
         EXPECT_EQ(module(list), Outcome::Failed);
         EXPECT_NE(output.find(file), std::string::npos) << output;
     }
-    EXPECT_EQ(read(file).find("\n7.0\n"), std::string::npos);
+    EXPECT_EQ(read(file).find("\n9.5\n"), std::string::npos);
 }
 
 TEST_F(SaveCommands, SaveCopiesANamedDrawingAndNamesANewOne) {
@@ -84,7 +84,7 @@ TEST_F(SaveCommands, SaveAsTakesTheNameBehindTheFormOrBeforeIt) {
     type("userr1 1.23456 saveas dxf v 2000 2 " + path("a.dxf") + "\n");
     EXPECT_TRUE(idle()) << output;
     EXPECT_EQ(text("DWGNAME"), "a.dxf");
-    EXPECT_NE(read(path("a.dxf")).find("\n1.23\n"), std::string::npos);
+    EXPECT_NE(read(path("a.dxf")).find("\n1.23\r\n"), std::string::npos);
     type("saveas dxf " + path("b.dxf") + " binary\n");
     EXPECT_TRUE(idle()) << output;
     EXPECT_EQ(read(path("b.dxf")).substr(0, 18), "AutoCAD Binary DXF");

@@ -134,6 +134,7 @@ TEST_F(Variables, DatesAreLocalTime) {
 
 TEST_F(Variables, TheCurrentTabMovesTheContentsOfLayouts) {
     open(write("plan.dxf", drawing2000()));
+    type("sdi 1\n");
     EXPECT_EQ(text("CTAB"), "Model");
     type("tilemode 0\n");
     EXPECT_EQ(text("CTAB"), "Sheet");
