@@ -133,8 +133,8 @@ TEST_F(Variables, DatesAreLocalTime) {
 }
 
 TEST_F(Variables, TheCurrentTabMovesTheContentsOfLayouts) {
+    ASSERT_EQ(set("SDI", 1), VariableStatus::Ok);
     open(write("plan.dxf", drawing2000()));
-    type("sdi 1\n");
     EXPECT_EQ(text("CTAB"), "Model");
     type("tilemode 0\n");
     EXPECT_EQ(text("CTAB"), "Sheet");
