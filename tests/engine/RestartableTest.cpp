@@ -8,8 +8,8 @@ namespace {
 
 const QString product = QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Maker\\Product\\R1");
 const QString controls = product + QStringLiteral("\\Applications\\OvrixTNL3\\LOADCTRLS");
-const QString suite =
-    QStringLiteral("HKEY_CURRENT_USER\\Maker\\Product\\Profiles\\Standard\\Dialogs\\Appload\\Startup");
+const QString suite = QStringLiteral(
+    "HKEY_CURRENT_USER\\Software\\Maker\\Product\\Profiles\\Standard\\Dialogs\\Appload\\Startup");
 
 }  // namespace
 

@@ -129,7 +129,8 @@ class Registry final : public AcRxDictionary {
 class Profiles final : public AcApProfileManager {
   public:
     Acad::ErrorStatus ProfileRegistryKey(ACHAR*& key, const ACHAR* profile) override {
-        const QString path = QStringLiteral("Software\\Maker\\Product\\Profiles\\") + TextOf(profile);
+        const QString path =
+            QStringLiteral("HKEY_CURRENT_USER\\Software\\Maker\\Product\\Profiles\\") + TextOf(profile);
         key = static_cast<ACHAR*>(std::malloc((static_cast<std::size_t>(path.size()) + 1) * sizeof(ACHAR)));
         CopyOut(path, key, static_cast<int>(path.size()) + 1);
         return Acad::eOk;
