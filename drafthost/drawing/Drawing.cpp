@@ -142,7 +142,8 @@ bool Drawing::isWithin(RecordId id, RecordId begin, RecordId end) const {
         return false;
     }
     const auto place = [this](RecordId record) {
-        return record > originals_ ? overlayOf(record)->anchor : record;
+        const Overlay* added = record > originals_ ? overlayOf(record) : nullptr;
+        return added != nullptr ? added->anchor : record;
     };
     const RecordId at = place(id);
     if (at < place(begin) || at > place(end)) {

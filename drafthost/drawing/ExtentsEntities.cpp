@@ -17,28 +17,34 @@ std::size_t characters(std::string_view utf8) {
         utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-// Characters of the lines of a paragraph text, format codes left out.
-std::vector<std::size_t> paragraphLines(const std::string& text) {
-    std::vector<std::size_t> lines{0};
+struct ParagraphLine {
+    std::size_t characters = 0;
+    std::size_t words = 1;
+};
+
+// The lines of a paragraph text, format codes left out.
+std::vector<ParagraphLine> paragraphLines(const std::string& text) {
+    std::vector<ParagraphLine> lines(1);
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
         if (c == '\\' && i + 1 < text.size()) {
             const char code = text[++i];
             if (code == 'P' || code == 'X') {
-                lines.push_back(0);
+                lines.emplace_back();
             } else if (std::string_view("ACcFfHhQTWpS").find(code) != std::string_view::npos) {
                 const std::size_t end = text.find(';', i);
-                lines.back() += code == 'S' && end != std::string::npos ? end - i : 0;
+                lines.back().characters += code == 'S' && end != std::string::npos ? end - i : 0;
                 i = std::min(end, text.size());
             } else if (std::string_view("LlOoKk").find(code) == std::string_view::npos) {
-                ++lines.back();
+                ++lines.back().characters;
             }
         } else if (c == '^' && i + 1 < text.size()) {
             if (text[++i] == 'J') {
-                lines.push_back(0);
+                lines.emplace_back();
             }
         } else if (c != '{' && c != '}' && (static_cast<unsigned char>(c) & 0xC0) != 0x80) {
-            ++lines.back();
+            ++lines.back().characters;
+            lines.back().words += c == ' ' ? 1 : 0;
         }
     }
     return lines;
@@ -316,11 +322,13 @@ void addMText(const Record& record, const Outline& outline) {
         const double column = record.realOr(41, 0);
         double lines = 0;
         width = 0;
-        for (const std::size_t count : paragraphLines(text)) {
-            const double wide = static_cast<double>(count) * height * characterWidth;
-            const double rows = column > 0 ? std::max(1.0, std::ceil(wide / column)) : 1;
+        for (const ParagraphLine& line : paragraphLines(text)) {
+            const double wide = static_cast<double>(line.characters) * height * characterWidth;
+            // A line is broken between words only, however narrow the column is.
+            const double rows =
+                column > 0 ? std::clamp(std::ceil(wide / column), 1.0, static_cast<double>(line.words)) : 1;
             lines += rows;
-            width = std::max(width, rows > 1 ? column : wide);
+            width = std::max(width, rows > 1 ? std::max(column, wide / rows) : wide);
         }
         tall = height + (lines - 1) * height * lineDistance * record.realOr(44, 1);
     }

@@ -227,7 +227,8 @@ bool TagIndex::buildAscii(std::string_view bytes, std::string& error) {
     std::size_t nul = std::string_view::npos;
     reserve(size / 12 + 16);
     while (position < size && !complete_) {
-        if (const std::size_t blocks = std::min<std::size_t>((size - position) / lineBlock, batch); blocks > 0) {
+        if (const std::size_t blocks = std::min<std::size_t>((size - position) / lineBlock, batch);
+            blocks > 0) {
             bool hasNul = false;
             count += findLineEnds(bytes.data(), position, blocks, terminator_, ends.get() + count, hasNul);
             if (hasNul && nul == std::string_view::npos) {

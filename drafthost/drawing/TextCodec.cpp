@@ -65,7 +65,7 @@ class Page {
             char* out = buffer.data();
             std::size_t left = sizeof c;
             std::size_t room = buffer.size();
-            if (out_ == reinterpret_cast<iconv_t>(-1) || iconv(out_, &in, &left, &out, &room) != 0) {
+            if (!isOpen(out_) || iconv(out_, &in, &left, &out, &room) != 0) {
                 iconv(out_, nullptr, nullptr, nullptr, nullptr);
                 return false;
             }
@@ -108,7 +108,7 @@ class Page {
     }
 
     void decodeByLibrary(std::string_view bytes, std::u32string& result) {
-        if (in_ == reinterpret_cast<iconv_t>(-1)) {
+        if (!isOpen(in_)) {
             result.append(bytes.size(), replacement);
             return;
         }
@@ -133,8 +133,13 @@ class Page {
         }
     }
 
+    // The library's own mark for a converter that it does not have is -1.
+    static bool isOpen(iconv_t converter) {
+        return converter != nullptr && reinterpret_cast<std::intptr_t>(converter) != -1;
+    }
+
     static void close(iconv_t converter) {
-        if (converter != reinterpret_cast<iconv_t>(-1)) {
+        if (isOpen(converter)) {
             iconv_close(converter);
         }
     }
@@ -142,8 +147,8 @@ class Page {
     std::string name_;
     bool opened_ = false;
     UConverter* icu_ = nullptr;
-    iconv_t in_ = reinterpret_cast<iconv_t>(-1);
-    iconv_t out_ = reinterpret_cast<iconv_t>(-1);
+    iconv_t in_ = nullptr;
+    iconv_t out_ = nullptr;
 };
 
 // Converter's name for a value of $DWGCODEPAGE.
