@@ -94,6 +94,11 @@ bool Ask::take(const Input& given, std::string& complaint) {
     }
     answer_.kind = Answer::Kind::Value;
     answer_.text = input.text;
+    // Quotes around a name may come whole from code, which feeds the text of an answer and not typed input.
+    if (type_ == Type::FileName && input.text.size() >= 2 && input.text.front() == '"' &&
+        input.text.back() == '"') {
+        answer_.text = input.text.substr(1, input.text.size() - 2);
+    }
     if (!input.isValue && type_ != Type::Text) {
         if (auto keyword = matchKeyword(input.text, keywords_)) {
             answer_.kind = Answer::Kind::Keyword;
