@@ -344,9 +344,12 @@ void addMText(const Record& record, const Outline& outline) {
     }
     Transform place{x, cross(normalised(normal), x), normalised(normal), record.pointOr(10, {})};
     Outline local = outline.in(place);
+    // 1 is the upper left corner, 9 the lower right one, three to a row.
     const std::int64_t attachment = std::clamp<std::int64_t>(record.integerOr(71, 1), 1, 9) - 1;
-    const double left = -width * static_cast<double>(attachment % 3) / 2;
-    const double bottom = -tall * static_cast<double>(2 - attachment / 3) / 2;
+    const std::int64_t column = attachment % 3;
+    const std::int64_t rowFromBelow = 2 - attachment / 3;
+    const double left = -width * static_cast<double>(column) / 2;
+    const double bottom = -tall * static_cast<double>(rowFromBelow) / 2;
     addBox(local, left, bottom, left + width, bottom + tall);
 }
 
