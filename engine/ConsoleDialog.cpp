@@ -1,8 +1,10 @@
 #include "engine/ConsoleDialog.h"
 
+#include "acdocman.h"
 #include "acedads.h"
 #include "engine/ConsoleUi.h"
 #include "engine/HostText.h"
+#include "engine/HostVariables.h"
 #include "engine/RunState.h"
 #include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
@@ -155,6 +157,28 @@ void listFiles() {
                     EntryPath(data, entry));
 }
 
+/// Settles what the start of a run will ask. False when the user would rather not start.
+bool settleStart(StartAnswers& answers) {
+    answers = {};
+    if (acDocManagerPtr()->documentCount() > 1) {
+        const QString answer =
+            askKeyword(ACRX_T("Yes No"), QStringLiteral("\nA run works with one drawing. Close the others, "
+                                                        "without saving them [Yes/No] <No>: "));
+        if (answer != QLatin1String("Yes"))
+            return false;
+        answers.Documents = RunUi::Yes;
+    }
+    if (DrawingIsModified()) {
+        const QString answer =
+            askKeyword(ACRX_T("Save Discard Cancel"),
+                       QStringLiteral("\nThe drawing has unsaved changes [Save/Discard/Cancel] <Cancel>: "));
+        if (answer != QLatin1String("Save") && answer != QLatin1String("Discard"))
+            return false;
+        answers.Changes = answer == QLatin1String("Save") ? RunUi::Yes : RunUi::No;
+    }
+    return true;
+}
+
 /// One choice of the dialog that does not end it.
 void perform(const QString& choice) {
     CTarnelData& data = TarnelData();
@@ -180,7 +204,7 @@ void perform(const QString& choice) {
 
 }  // namespace
 
-RunUi::Answer RunConsoleDialog() {
+RunUi::Answer RunConsoleDialog(StartAnswers& answers) {
     Run().Scheduled = false;
     printSummary();
     if (!KeyboardAnswers())
@@ -194,9 +218,10 @@ RunUi::Answer RunConsoleDialog() {
         if (choice.isEmpty() || choice == QLatin1String("eXit"))
             return RunUi::Cancel;
         if (choice == QLatin1String("Run")) {
-            if (countOf(ToDo) > 0)
+            if (countOf(ToDo) == 0)
+                ConsoleLine(QStringLiteral("none of the files has the status ToDo"));
+            else if (settleStart(answers))
                 return RunUi::Ok;
-            ConsoleLine(QStringLiteral("none of the files has the status ToDo"));
             continue;
         }
         perform(choice);

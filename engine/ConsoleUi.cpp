@@ -24,7 +24,8 @@ bool KeyboardAnswers() {
 }
 
 RunUi::Answer ConsoleUi::RunMainDialog() {
-    return RunConsoleDialog();
+    startAnswers = {};
+    return RunConsoleDialog(startAnswers);
 }
 
 RunUi::Answer ConsoleUi::Ask(const QString& caption, const QString& text, Buttons buttons) {
@@ -35,6 +36,12 @@ RunUi::Answer ConsoleUi::Ask(const QString& caption, const QString& text, Button
         return Ok;
     }
     const bool cancel = buttons == YesNoCancel;
+    std::optional<Answer>& prepared = cancel ? startAnswers.Changes : startAnswers.Documents;
+    if (prepared) {
+        const Answer answer = *prepared;
+        prepared.reset();
+        return answer;
+    }
     if (!KeyboardAnswers()) {
         // Nobody can answer, and nothing may be lost: what is asked about stays as it is.
         ConsoleLine(QStringLiteral("%1 Nobody can answer here, so the answer is %2 and nothing is changed.")

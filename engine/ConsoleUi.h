@@ -2,6 +2,7 @@
 // What the user sees of the module in a host that has no window: lines on the host's command line, all with
 // the prefix "Tarnel: ", and prompts in place of dialogs. The lines are told in docs/headless.md and other
 // programs read them, so their form is part of the interface.
+#include "engine/ConsoleDialog.h"
 #include "engine/RunUi.h"
 
 class ConsoleUi : public RunUi {
@@ -23,6 +24,7 @@ class ConsoleUi : public RunUi {
     int fileCount = 0;
     int fileNumber = 0;
     QString currentFile;
+    StartAnswers startAnswers;
 };
 
 /// One line with the prefix, at the start of a line.

@@ -84,6 +84,29 @@ TEST_F(ConsoleTest, RunWithNothingToDoStaysInTheDialog) {
     EXPECT_TRUE(printedLines().contains("none of the files has the status ToDo"));
 }
 
+TEST_F(ConsoleTest, RunSettlesOpenDrawingsBeforeItStarts) {
+    SetQueue({MakeFile("a.dxf")});
+    host.DocumentCount = 2;
+    host.Variables["DBMOD"] = 1;
+    host.Answers = {"Run", "", "Run", "Yes", "", "eXit"};
+    Command("TARNEL");
+    EXPECT_TRUE(host.CallsOf("send").isEmpty());
+    EXPECT_TRUE(host.Answers.empty());
+
+    host.Answers = {"Run", "Yes", "Discard"};
+    Command("TARNEL");
+    host.Variables["CMDACTIVE"] = 36;
+    host.RunInput();
+    EXPECT_EQ(SavedStatuses(), "1");
+    EXPECT_EQ(host.CallsOf("closeDocument"), QStringList{"closeDocument 1"});
+    EXPECT_TRUE(host.CallsOf("command ._qsave").isEmpty());
+    EXPECT_TRUE(host.CallsOf("command ._open|_y|").size() == 1);
+    // The answers held for that one start.
+    TarnelData().FileStatus[0] = ToDo;
+    SaveState(nullptr, 1);
+    EXPECT_EQ(host.CallLisp("TNL_Start_Batch"), "nil");
+}
+
 TEST_F(ConsoleTest, QuestionsNobodyCanAnswerChangeNothing) {
     host.Variables["CMDACTIVE"] = 32;
     EXPECT_EQ(CurrentUi().Ask("Tarnel", "Close?\nReally?", RunUi::YesNo), RunUi::No);
