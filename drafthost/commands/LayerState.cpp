@@ -46,6 +46,12 @@ bool addLayer(CommandContext& context, const std::string& name) {
     return true;
 }
 
+std::vector<RecordId> layersNamed(Document& document, std::string_view list) {
+    ChangeWatch watch(document, tableBits);
+    provideLayerZero(document.drawing(), list);
+    return matchingLayers(document.drawing(), list);
+}
+
 std::string stateText(const Drawing& drawing, RecordId layer) {
     std::string text = layerIsOff(drawing, layer) ? "off" : "on";
     if (layerHas(drawing, layer, LayerFrozen)) {
@@ -97,7 +103,7 @@ Task<bool> forLayers(CommandContext& context, std::string prompt, bool currentAs
         co_return false;
     }
     Document& document = context.document();
-    auto layers = matchingLayers(document.drawing(), answer.text);
+    auto layers = layersNamed(document, answer.text);
     if (layers.empty()) {
         context.complain("No layer matches " + inQuotes(answer.text) + ".");
         co_return false;
@@ -206,7 +212,7 @@ Task<bool> layersOff(CommandContext& context) {
         co_return false;
     }
     Document& document = context.document();
-    auto layers = matchingLayers(document.drawing(), answer.text);
+    auto layers = layersNamed(document, answer.text);
     if (layers.empty()) {
         context.complain("No layer matches " + inQuotes(answer.text) + ".");
         co_return false;
@@ -234,7 +240,7 @@ Task<bool> freezeLayers(CommandContext& context) {
         co_return false;
     }
     Document& document = context.document();
-    auto layers = matchingLayers(document.drawing(), answer.text);
+    auto layers = layersNamed(document, answer.text);
     if (layers.empty()) {
         context.complain("No layer matches " + inQuotes(answer.text) + ".");
         co_return false;

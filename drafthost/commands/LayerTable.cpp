@@ -120,6 +120,21 @@ std::vector<RecordId> matchingLayers(const Drawing& drawing, std::string_view li
     return result;
 }
 
+void provideLayerZero(Drawing& drawing, std::string_view list) {
+    if (findEntry(drawing, Table::Layer, "0") != NoRecord) {
+        return;
+    }
+    for (bool more = true; more;) {
+        size_t comma = list.find(',');
+        more = comma != std::string_view::npos;
+        if (trimmed(list.substr(0, comma)) == "0") {
+            addEntry(drawing, Table::Layer, "0");
+            return;
+        }
+        list.remove_prefix(more ? comma + 1 : 0);
+    }
+}
+
 std::string layerNameFault(const Drawing& drawing, std::string_view name) {
     std::string quoted = "\"" + std::string(name) + "\"";
     if (name.empty()) {

@@ -19,6 +19,9 @@ enum LayerFlag : int { LayerFrozen = 1, LayerLocked = 4 };
 /// The layers that a list of names means: names and patterns separated by commas, without regard to case. A
 /// name that is there as it stands is no pattern. In the order of the drawing.
 std::vector<RecordId> matchingLayers(const Drawing& drawing, std::string_view list);
+/// Enters layer 0 into the table when the list names it and the drawing does not have it written down: every
+/// drawing has that layer, but small old ones leave it out.
+void provideLayerZero(Drawing& drawing, std::string_view list);
 /// Empty when the name may be given to a layer; else one line of reason. Before 2000 names were letters,
 /// digits, $, - and _, up to 31 of them.
 std::string layerNameFault(const Drawing& drawing, std::string_view name);

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
-#include <sys/stat.h>
+#include <sys/resource.h>
 
-#include <cstdlib>
+#include <csignal>
 
 #include "drafthost/editor/HostObserver.h"
 #include "tests/commands/TestDrawings.h"
@@ -59,6 +59,31 @@ TEST_F(SaveCommands, WhatCannotBeWrittenIsToldAndStaysModified) {
         EXPECT_NE(output.find(file), std::string::npos) << output;
     }
     EXPECT_EQ(read(file).find("\n9.5\n"), std::string::npos);
+}
+
+TEST_F(SaveCommands, AWriteThatBreaksOffLeavesTheOldFileWhole) {
+    open(file);
+    type("ltscale 9.5\n");
+    // As a full disk: the file may not grow beyond this.
+    auto before = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    rlimit small{1000, old.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    Outcome outcome = module({"._qsave"});
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, before);
+    EXPECT_EQ(outcome, Outcome::Failed);
+    EXPECT_NE(output.find(file), std::string::npos) << output;
+    EXPECT_EQ(read(file), drawing2000());
+    EXPECT_NE(integer("DBMOD"), 0);
+    size_t files = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder_)) {
+        ++files;
+    }
+    EXPECT_EQ(files, 2u) << "the drawing and its .dwk, no temporary";
+    type("qsave\n");
+    EXPECT_EQ(integer("DBMOD"), 0);
 }
 
 TEST_F(SaveCommands, SaveCopiesANamedDrawingAndNamesANewOne) {

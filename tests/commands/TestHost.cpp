@@ -28,7 +28,10 @@ TestHost::~TestHost() {
 void TestHost::type(std::string_view text) {
     output.clear();
     host.input().type(text);
-    host.input().pump();
+    // The host works in short turns; however slow the machine, each one does a step at least.
+    for (int turn = 0; turn < 200; ++turn) {
+        host.input().pump();
+    }
     host.flushOutput();
 }
 

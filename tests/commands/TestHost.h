@@ -40,8 +40,8 @@ class TestHost : public testing::Test {
     Document& document() { return *host.current(); }
 
     std::filesystem::path folder_;
-    Host host{""};
     std::string output;
+    Host host{""};
 };
 
 }  // namespace drafthost::test
