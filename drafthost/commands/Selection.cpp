@@ -6,19 +6,12 @@
 #include "drafthost/drawing/View.h"
 #include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
+#include "drafthost/lisp/DxfList.h"
 #include "drafthost/lisp/World.h"
 
 namespace drafthost::commands {
 
 namespace {
-
-// Entity names are record numbers counted from 1, as 0 names nothing.
-RecordId recordOf(lisp::EntityName name) {
-    return name == 0 || name > NoRecord ? NoRecord : static_cast<RecordId>(name - 1);
-}
-lisp::EntityName entityName(RecordId record) {
-    return lisp::EntityName{record} + 1;
-}
 
 /// Whether the entity belongs to the space that is current.
 bool inCurrentSpace(const Drawing& drawing, RecordId entity) {
@@ -41,9 +34,8 @@ std::vector<RecordId> allEntities(const Drawing& drawing) {
 std::vector<RecordId> fromNames(const Drawing& drawing, const std::vector<lisp::EntityName>& names) {
     std::vector<RecordId> result;
     for (lisp::EntityName name : names) {
-        RecordId record = recordOf(name);
-        if (record != NoRecord && drawing.isAlive(record)) {
-            result.push_back(record);
+        if (auto record = lisp::aliveRecord(drawing, name)) {
+            result.push_back(*record);
         }
     }
     return result;
@@ -108,7 +100,7 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
     if (!selected.empty()) {
         std::vector<lisp::EntityName> names;
         for (RecordId record : selected) {
-            names.push_back(entityName(record));
+            names.push_back(lisp::nameOf(record));
         }
         document.world().setPreviousSelection(std::move(names));
     }

@@ -50,6 +50,10 @@ TEST_F(Zoom, ExtentsAllAndObjectsComeFromTheEntities) {
     type("zoom o l\n\n");  // the last entity of model space: paper space has its own
     type("zoom o 41\n\n");
     expectView(10, 10, 4);
+    type("(command \"_.zoom\" \"_o\" (ssget \"X\" '((0 . \"LINE\"))) \"\")\n");
+    expectView(15, 10, 20);
+    type("(command \"_.zoom\" \"_o\" (handent \"41\") \"\")\n");
+    expectView(10, 10, 4);
     type("zoom o all\n\n");
     expectView(15, 10, 20);
     EXPECT_EQ(integer("DBMOD") & 16, 16);
