@@ -119,7 +119,12 @@ bool Ask::take(const Input& given, std::string& complaint) {
             return true;
         case Type::Word:
         case Type::Text:
+            return true;
         case Type::FileName:
+            // From a program the quotes come with the text, while the keyboard's have been taken off before.
+            if (answer_.text.size() >= 2 && answer_.text.starts_with('"') && answer_.text.ends_with('"')) {
+                answer_.text = answer_.text.substr(1, answer_.text.size() - 2);
+            }
             return true;
         case Type::Keyword:
             complaint = quoted(input) + " is not one of the options " + keywords_ + ".";
