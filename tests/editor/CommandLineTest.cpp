@@ -150,6 +150,7 @@ TEST_F(CommandLineTest, SpokenListsReportWhatBecameOfThem) {
     EXPECT_EQ(say({"break"}), Outcome::Failed);
     EXPECT_EQ(say({"num", "99", "5"}), Outcome::Rejected);
     EXPECT_EQ(say({"load", folder + "/missing.dxf"}), Outcome::Failed);
+    EXPECT_EQ(say({"file", "\"a b.dxf\""}), Outcome::Ok);
     // One Enter too many is nothing, and does not repeat a command.
     EXPECT_EQ(say({"pair", "c", "", ""}), Outcome::Ok);
     EXPECT_EQ(say({"wait", "5"}), Outcome::Ok);
@@ -158,7 +159,7 @@ TEST_F(CommandLineTest, SpokenListsReportWhatBecameOfThem) {
     QTimer::singleShot(5, [&] { input.queue("\x03", false); });
     EXPECT_EQ(say({"wait", "30000"}), Outcome::Cancelled);
     EXPECT_EQ(names(), "");
-    EXPECT_THAT(notes(), ElementsAre("a+b", "5.0", "c+two", "waited"));
+    EXPECT_THAT(notes(), ElementsAre("a+b", "5.0", "a b.dxf", "c+two", "waited"));
     host.variables().set("CMDECHO", 0, output);
     output.clear();
     EXPECT_EQ(say({"pair", "quiet", "x"}), Outcome::Ok);
