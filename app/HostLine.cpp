@@ -70,20 +70,67 @@ HostLine ParseModuleLine(std::string_view text) {
     return {Kind::Message, std::string(text), {}};
 }
 
+/// Values of LISP, answered prompts ("Scale <1>: 2"), and consequences of what was told before.
+bool IsNoise(std::string_view text) {
+    constexpr std::array<std::string_view, 7> said = {"",
+                                                      "nil",
+                                                      "T",
+                                                      ">>",
+                                                      "*Cancel*",
+                                                      "; error: Function cancelled",
+                                                      "The script is suspended; RESUME goes on with it."};
+    if (std::find(said.begin(), said.end(), text) != said.end()) {
+        return true;
+    }
+    const bool number = text.find_first_not_of("0123456789+-.eE") == std::string_view::npos;
+    const bool string = text.size() > 1 && text.front() == '"' && text.back() == '"';
+    const bool answered =
+        text.find("]: ") != std::string_view::npos || text.find(">: ") != std::string_view::npos;
+    return number || string || answered;
+}
+
 }  // namespace
 
-HostLine ParseHostLine(std::string_view line) {
+HostLine HostListener::Read(std::string_view line) {
     std::string_view text = line;
     if (TakePrefix(&text, kPrefix)) {
+        depth = 0;
+        inString = false;
         return ParseModuleLine(text);
     }
-    text = Trim(text);
-    while (TakePrefix(&text, kPrompt)) {
-        text = Trim(text);
-    }
-    constexpr std::array<std::string_view, 5> noise = {"", "nil", "T", "*Cancel*", ">>"};
-    if (std::find(noise.begin(), noise.end(), text) != noise.end()) {
+    if (depth > 0) {
+        FollowLisp(text);
         return {};
     }
-    return {HostLine::Kind::Talk, std::string(text), {}};
+    text = Trim(text);
+    if (TakePrefix(&text, kPrompt)) {
+        text = Trim(text);
+        if (text.starts_with('(')) {
+            FollowLisp(text);
+        }
+        return {HostLine::Kind::Noise, {}, {}};
+    }
+    if (IsNoise(text)) {
+        return {};
+    }
+    return {text.ends_with(':') ? HostLine::Kind::Prompt : HostLine::Kind::Talk, std::string(text), {}};
+}
+
+void HostListener::FollowLisp(std::string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (inString) {
+            i += c == '\\' ? 1 : 0;
+            inString = c != '"';
+        } else if (c == ';') {
+            return;
+        } else if (c == '"') {
+            inString = true;
+        } else if (c == '(') {
+            ++depth;
+        } else if (c == ')' && --depth <= 0) {
+            depth = 0;
+            return;
+        }
+    }
 }

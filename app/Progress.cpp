@@ -47,7 +47,7 @@ void Progress::Settled(const DrawingRecord& record) {
     const std::string number = std::to_string(settled) + "/" + std::to_string(waiting);
     std::printf("%-8s %s  %s", StatusWord(record.Status), number.c_str(), record.Path.c_str());
     if (record.Seconds) {
-        std::printf("  %.2f s", *record.Seconds);
+        std::printf("  %.3f s", *record.Seconds);
     }
     std::printf("\n");
     std::fflush(stdout);
@@ -75,6 +75,12 @@ void Progress::Refresh(const RunLedger& ledger) {
     std::printf("\r%s\x1b[K", text.c_str());
     std::fflush(stdout);
     lineShown = true;
+}
+
+void Progress::Alarm(const std::string& path) {
+    if (!quiet) {
+        Note(path + ": takes long");
+    }
 }
 
 void Progress::Note(const std::string& text) {

@@ -15,6 +15,8 @@ class Progress {
     void Settled(const DrawingRecord& record);
     /// Draws the live line again; on anything but a terminal nothing.
     void Refresh(const RunLedger& ledger);
+    /// A drawing takes long.
+    void Alarm(const std::string& path);
     /// A message in between, to standard error; shown even when quiet.
     void Note(const std::string& text);
 

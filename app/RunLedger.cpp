@@ -19,6 +19,7 @@ const DrawingRecord* RunLedger::Take(const HostLine& line, Clock::time_point now
             since = now;
             if (current) {
                 current->Message.clear();
+                prompt.clear();
                 current->Host.clear();
                 current->Status = DrawingStatus::FailOpen;
             }
@@ -42,7 +43,11 @@ const DrawingRecord* RunLedger::Take(const HostLine& line, Clock::time_point now
         case HostLine::Kind::Message:
             if (current) {
                 current->Message = line.Text;
+                prompt.clear();
             }
+            break;
+        case HostLine::Kind::Prompt:
+            prompt = line.Text;
             break;
         default:
             break;
@@ -55,6 +60,10 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
     if (settled) {
         settled->Seconds = std::chrono::duration<double>(now - since).count();
         settled->Host = host;
+        // A script that stopped for an error leaves its command waiting; the error says more.
+        if (settled->Status != DrawingStatus::Done && settled->Message.empty()) {
+            settled->Message = prompt;
+        }
         current = nullptr;
     }
     return settled;

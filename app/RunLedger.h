@@ -50,5 +50,7 @@ class RunLedger {
     std::vector<DrawingRecord> records;
     std::unordered_map<std::string, std::size_t> indices;
     DrawingRecord* current = nullptr;
+    /// The prompt at which the drawing in work waits, if it does.
+    std::string prompt;
     Clock::time_point since;
 };

@@ -61,6 +61,7 @@ RunMonitor::Outcome RunMonitor::Run(const std::string& start, const std::string&
 RunMonitor::Life RunMonitor::LiveOnce(const std::string& commands, std::string* cause) {
     HostProcess process;
     host = &process;
+    listener = {};
     phase = Phase::Starting;
     lastStep = RunLedger::Clock::now();
     lastWords.clear();
@@ -111,7 +112,7 @@ RunMonitor::Life RunMonitor::LiveOnce(const std::string& commands, std::string* 
 }
 
 void RunMonitor::Hear(const std::string& text) {
-    const HostLine line = ParseHostLine(text);
+    const HostLine line = listener.Read(text);
     const auto now = RunLedger::Clock::now();
     if (const DrawingRecord* settled = ledger->Take(line, now)) {
         ++settledInLife;
@@ -126,7 +127,7 @@ void RunMonitor::Hear(const std::string& text) {
             lastStep = now;
             break;
         case HostLine::Kind::Alarm:
-            progress->Note(line.Text + ": takes long");
+            progress->Alarm(line.Text);
             break;
         case HostLine::Kind::RunEnded:
             if (phase == Phase::Running) {

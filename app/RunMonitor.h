@@ -2,6 +2,7 @@
 // Watches over the host that does a run. The host and the module keep their own time limits; this is for what
 // they cannot do themselves: a host that dies on a drawing, or hangs where no limit reaches it, is started
 // again on the rest of the queue, since the state on disk tells how far each drawing came.
+#include "app/HostLine.h"
 #include "app/HostProcess.h"
 #include "app/Progress.h"
 #include "app/RunLedger.h"
@@ -49,6 +50,7 @@ class RunMonitor {
 
     // Of the host that lives now.
     HostProcess* host = nullptr;
+    HostListener listener;
     Phase phase = Phase::Starting;
     RunLedger::Clock::time_point lastStep;
     std::string lastWords;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -100,7 +101,8 @@ bool WriteJson(const std::vector<DrawingRecord>& records, const std::string& fil
         nlohmann::ordered_json one;
         one["path"] = record.Path;
         one["status"] = StatusWord(record.Status);
-        one["seconds"] = record.Seconds ? nlohmann::ordered_json(*record.Seconds) : nullptr;
+        one["seconds"] =
+            record.Seconds ? nlohmann::ordered_json(std::round(*record.Seconds * 1000) / 1000) : nullptr;
         one["message"] = record.Message;
         if (!record.Host.empty()) {
             one["host"] = record.Host;

@@ -89,25 +89,33 @@ TEST(RunLedger, FollowsTheLinesOfARun) {
     RunLedger ledger({{"/a: 1 of 2.dxf", DrawingStatus::ToDo},
                       {"/locked.dwg", DrawingStatus::ToDo},
                       {"/b.dxf", DrawingStatus::ToDo}});
+    HostListener listener;
     const auto start = RunLedger::Clock::now();
     const auto take = [&](const char* line, int seconds) -> std::string {
         const DrawingRecord* settled =
-            ledger.Take(ParseHostLine(line), start + std::chrono::seconds(seconds));
+            ledger.Take(listener.Read(line), start + std::chrono::seconds(seconds));
         return settled ? settled->Path : "";
     };
     take("Cannot load a font.", 0);
     take("Tarnel: status FailOpen: /a: 1 of 2.dxf", 0);
     take("Tarnel: file 1 of 2: /a: 1 of 2.dxf", 0);
     take("Tarnel: status Error: /a: 1 of 2.dxf", 1);
-    take("Command: Unknown command \"FOO\".", 1);
-    take("Command: ", 1);
+    take("Command: (princ (strcat \"a ) ; \\\" b\"", 1);
+    take("  currentfile))", 1);
+    take("\"a ) ; \\\" b\"", 1);
+    take("Scale factor <1>: 2", 1);
+    take("Command: FOO", 1);
+    take("Unknown command \"FOO\".", 1);
+    take("The script is suspended; RESUME goes on with it.", 1);
+    take("Specify first point: ", 1);
     take("*Cancel*", 2);
     take("Tarnel: status Timeout: /a: 1 of 2.dxf", 3);
     EXPECT_EQ(take("Tarnel: status Locked: /locked.dwg", 3), "/locked.dwg");
     take("Tarnel: status FailOpen: /b.dxf", 3);
     take("Tarnel: file 2 of 2: /b.dxf", 4);
     EXPECT_EQ(ledger.Current()->Path, "/b.dxf");
-    take("Tarnel: status Done: /b.dxf", 9);
+    take("Specify first point:", 5);
+    take("Tarnel: status Error: /b.dxf", 9);
     EXPECT_EQ(take("Tarnel: run ended", 9), "/b.dxf");
 
     const DrawingRecord& first = ledger.Records()[0];
@@ -116,12 +124,13 @@ TEST(RunLedger, FollowsTheLinesOfARun) {
     EXPECT_EQ(first.Seconds, 3.0);
     EXPECT_FALSE(ledger.Records()[1].Seconds);
     EXPECT_EQ(ledger.Records()[2].Seconds, 5.0);
+    EXPECT_EQ(ledger.Records()[2].Message, "Specify first point:");
 
     EXPECT_FALSE(ledger.Reconcile({{"/a: 1 of 2.dxf", DrawingStatus::Timeout},
                                    {"/locked.dwg", DrawingStatus::Locked},
                                    {"/b.dxf", DrawingStatus::ToDo}}))
         << "a drawing that was worked on is not saved";
-    EXPECT_EQ(ledger.Records()[2].Status, DrawingStatus::Done);
+    EXPECT_EQ(ledger.Records()[2].Status, DrawingStatus::Error);
 }
 
 }  // namespace
