@@ -14,6 +14,8 @@ namespace drafthost::lisp {
 namespace {
 
 constexpr EntityName kFirstName = 0x7ff400000000;
+// Marks the name of an object that the drawing lacks; the rest is the handle, so that it is not lost.
+constexpr EntityName kMissing = EntityName{1} << 63;
 
 bool isPointCode(int code) {
     return (code >= 10 && code <= 18) || code == 110 || code == 111 || code == 112 || code == 210 ||
@@ -81,15 +83,16 @@ EntityName nameOf(RecordId id) {
     return kFirstName + (static_cast<EntityName>(id) << 4);
 }
 
-std::optional<RecordId> recordOf(const Drawing&, EntityName name) {
-    if (name < kFirstName || ((name - kFirstName) & 15) != 0 || ((name - kFirstName) >> 4) >= NoRecord) {
+std::optional<RecordId> recordOf(EntityName name) {
+    if (name < kFirstName || (name & kMissing) != 0 || ((name - kFirstName) & 15) != 0 ||
+        ((name - kFirstName) >> 4) >= NoRecord) {
         return std::nullopt;
     }
     return static_cast<RecordId>((name - kFirstName) >> 4);
 }
 
 std::optional<RecordId> aliveRecord(const Drawing& drawing, EntityName name) {
-    const auto id = recordOf(drawing, name);
+    const auto id = recordOf(name);
     return id && drawing.isAlive(*id) ? id : std::nullopt;
 }
 
@@ -131,8 +134,9 @@ Value groupValue(const Drawing& drawing, const Record& record, std::size_t i) {
             break;
     }
     if (isReference(code)) {
-        const RecordId target = drawing.findHandle(record.handle(i));
-        return Value::ename(target == NoRecord ? 0 : nameOf(target));
+        const std::uint64_t handle = record.handle(i);
+        const RecordId target = drawing.findHandle(handle);
+        return Value::ename(target != NoRecord ? nameOf(target) : handle == 0 ? 0 : kMissing | handle);
     }
     return Value::string(record.text(i));
 }
@@ -252,7 +256,10 @@ namespace {
 
 drafthost::Value toTag(const Drawing& drawing, int code, const Value& v) {
     if (v.isEname()) {
-        const auto target = recordOf(drawing, v.toEname());
+        if ((v.toEname() & kMissing) != 0) {
+            return formatHandle(v.toEname() & ~kMissing);
+        }
+        const auto target = recordOf(v.toEname());
         return formatHandle(target ? drawing.handle(*target) : 0);
     }
     if (v.isString()) {

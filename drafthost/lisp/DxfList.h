@@ -15,7 +15,7 @@ class Evaluator;
 
 EntityName nameOf(RecordId id);
 /// The record of a name, also when it is deleted; nothing when there was never such a record.
-std::optional<RecordId> recordOf(const Drawing& drawing, EntityName name);
+std::optional<RecordId> recordOf(EntityName name);
 /// The record of a name if it is not deleted.
 std::optional<RecordId> aliveRecord(const Drawing& drawing, EntityName name);
 

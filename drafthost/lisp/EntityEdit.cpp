@@ -291,8 +291,15 @@ bool modifyRecord(Drawing& drawing, RecordId id, const Value& list, bool& tables
         (!handle->isString() || parseHandle(handle->toString()) != drawing.handle(id))) {
         return false;
     }
-    if (isLocked(drawing, id) || !propertiesAreValid(drawing, list) ||
-        (isEntity(drawing, id) && !needLayer(drawing, list, tablesChanged))) {
+    const bool entity = isEntity(drawing, id);
+    if (isLocked(drawing, id) ||
+        ((entity || drawing.type(id) == "LAYER") && !propertiesAreValid(drawing, list))) {
+        return false;
+    }
+    // A layer that the drawing lacks but the entity already names is left alone.
+    const Value* layer = groupOf(list, 8);
+    if (entity && layer != nullptr && layer->toString() != drawing.record(id).textOr(8, "") &&
+        !needLayer(drawing, list, tablesChanged)) {
         return false;
     }
     const auto table = tableOf(drawing.type(id));
