@@ -13,7 +13,6 @@
 namespace drafthost::lisp {
 namespace {
 
-constexpr EntityName kFirstName = 0x7ff400000000;
 // Marks the name of an object that the drawing lacks; the rest is the handle, so that it is not lost.
 constexpr EntityName kMissing = EntityName{1} << 63;
 
@@ -78,18 +77,6 @@ Value extendedData(const Drawing& drawing, const Record& record, const Applicati
 }
 
 }  // namespace
-
-EntityName nameOf(RecordId id) {
-    return kFirstName + (static_cast<EntityName>(id) << 4);
-}
-
-std::optional<RecordId> recordOf(EntityName name) {
-    if (name < kFirstName || (name & kMissing) != 0 || ((name - kFirstName) & 15) != 0 ||
-        ((name - kFirstName) >> 4) >= NoRecord) {
-        return std::nullopt;
-    }
-    return static_cast<RecordId>((name - kFirstName) >> 4);
-}
 
 std::optional<RecordId> aliveRecord(const Drawing& drawing, EntityName name) {
     const auto id = recordOf(name);

@@ -1,21 +1,18 @@
 #pragma once
-// Records of the drawing as association lists of group codes, and back. An entity's name is made of its
-// record's number, which stays the same while the drawing is open; drawings without handles have names
-// for their entities all the same.
+// Records of the drawing as association lists of group codes, and back. The lists show the values as the
+// drawing has them; what a list does not change is never written.
 
 #include <optional>
 #include <string>
 
 #include "drafthost/drawing/Drawing.h"
+#include "drafthost/lisp/EntityNames.h"
 #include "drafthost/lisp/Value.h"
 
 namespace drafthost::lisp {
 
 class Evaluator;
 
-EntityName nameOf(RecordId id);
-/// The record of a name, also when it is deleted; nothing when there was never such a record.
-std::optional<RecordId> recordOf(EntityName name);
 /// The record of a name if it is not deleted.
 std::optional<RecordId> aliveRecord(const Drawing& drawing, EntityName name);
 
