@@ -17,9 +17,9 @@ namespace {
 constexpr int kStepsPerPulse = 2048;
 constexpr std::chrono::milliseconds kPulse{20};
 // What must remain of the stack for built-in functions, the host's calls and the user's *error*.
-constexpr std::size_t kStackReserve = 1024 * 1024;
-constexpr std::size_t kHandlerReserve = 512 * 1024;
-constexpr std::size_t kLargestUse = 64 * 1024 * 1024;
+constexpr std::size_t kStackReserve = std::size_t{1024} * 1024;
+constexpr std::size_t kHandlerReserve = std::size_t{512} * 1024;
+constexpr std::size_t kLargestUse = std::size_t{64} * 1024 * 1024;
 
 struct StackBounds {
     std::uintptr_t low = 0;

@@ -231,7 +231,7 @@ Value get(Evaluator& e, Args args) {
     if (chosen.empty()) {
         return {};
     }
-    Value set = Value::pickSet(std::move(chosen));
+    Value set = Value::pickSet(chosen);
     e.previousSelection = set.toPickSet().members();
     return set;
 }

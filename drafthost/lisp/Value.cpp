@@ -43,8 +43,8 @@ Value Value::point2d(double x, double y) {
     return list({real(x), real(y)});
 }
 
-Value Value::pickSet(std::vector<EntityName> members) {
-    return adopt(new PickSet(std::move(members)));
+Value Value::pickSet(const std::vector<EntityName>& members) {
+    return adopt(new PickSet(members));
 }
 
 Value Value::exsubr(std::string name, std::uint64_t module, int code) {
@@ -114,19 +114,19 @@ void Value::dropChild(Value& child, Counted*& waiting) {
     Counted* object = child.data_.object;
     child.type_ = Type::Nil;
     if (--object->refs == 0) {
-        object->refs = reinterpret_cast<std::uintptr_t>(waiting);
+        object->nextToFree = waiting;
         waiting = object;
     }
 }
 
 // Objects that die through this one are queued instead of being freed by recursion: a list a million
-// deep must not end the process. The link lies in the dead object's own count.
+// deep must not end the process. The link takes the place of the dead object's count.
 void Value::destroy(Counted* object) {
     Counted* waiting = object;
-    object->refs = 0;
+    object->nextToFree = nullptr;
     while (waiting != nullptr) {
         Counted* dead = waiting;
-        waiting = reinterpret_cast<Counted*>(static_cast<std::uintptr_t>(dead->refs));
+        waiting = dead->nextToFree;
         switch (dead->type) {
             case Type::Cons: {
                 auto* cell = static_cast<Cons*>(dead);
@@ -167,7 +167,7 @@ std::uint32_t nextSetNumber() {
 }
 }  // namespace
 
-PickSet::PickSet(std::vector<EntityName> members) : Counted(Type::PickSet), number(nextSetNumber()) {
+PickSet::PickSet(const std::vector<EntityName>& members) : Counted(Type::PickSet), number(nextSetNumber()) {
     order_.reserve(members.size());
     index_.reserve(members.size());
     for (const EntityName e : members) {

@@ -41,8 +41,10 @@ struct Usubr;   // a function written in LISP (Evaluator.h)
 struct Stream;  // an open file (Stream.h)
 
 struct Counted {
-    /// Once the object is dying this links it to the next one that waits to be freed.
-    std::uint64_t refs = 1;
+    union {
+        std::uint64_t refs = 1;
+        Counted* nextToFree;  ///< once the object is dying
+    };
     Type type;
     explicit Counted(Type t) : type(t) {}
 };
@@ -86,7 +88,7 @@ class Value {
     }
     static Value point(const Point& p);        ///< a list of three reals
     static Value point2d(double x, double y);  ///< a list of two reals
-    static Value pickSet(std::vector<EntityName> members);
+    static Value pickSet(const std::vector<EntityName>& members);
     static Value exsubr(std::string name, std::uint64_t module, int code);
     static Value error(std::string text);
     /// Takes over a counted object that was made with new.
@@ -185,7 +187,7 @@ struct Exsubr : Counted {
 
 /// A selection set: shared by all values that hold it, each member once, in order of selection.
 struct PickSet : Counted {
-    explicit PickSet(std::vector<EntityName> members);
+    explicit PickSet(const std::vector<EntityName>& members);
     const std::vector<EntityName>& members() const { return order_; }
     bool contains(EntityName e) const { return index_.contains(e); }
     bool add(EntityName e);
