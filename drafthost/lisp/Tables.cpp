@@ -16,7 +16,7 @@ namespace {
 
 /// Which table a name means: one of the symbol tables, or the blocks.
 std::string tableArg(const Value& v) {
-    const std::string name = upperCase(stringArg(v));
+    std::string name = upperCase(stringArg(v));
     const auto table = tableOf(name);
     if (name != "BLOCK" && (!table || *table == Table::BlockRecord)) {
         fail("bad argument: unknown table " + prin1(v));
