@@ -50,8 +50,7 @@ bool LocaleIsPlain() {
 }
 
 /// In the child, up to the host's first instruction. Returns only when that fails.
-void Become(const HostFiles& files, const std::string& dataHome, int inherited, int in, int out,
-            pid_t parent) {
+void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid_t parent) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
@@ -64,14 +63,16 @@ void Become(const HostFiles& files, const std::string& dataHome, int inherited, 
     dup2(in, STDIN_FILENO);
     dup2(out, STDOUT_FILENO);
     dup2(out, STDERR_FILENO);
-    if (inherited >= 0) {
-        fcntl(inherited, F_SETFD, 0);
+    if (place.Lock >= 0) {
+        fcntl(place.Lock, F_SETFD, 0);
     }
-    setenv("XDG_DATA_HOME", dataHome.c_str(), 1);
+    setenv("XDG_DATA_HOME", place.DataHome.c_str(), 1);
     if (LocaleIsPlain()) {
         setenv("LC_ALL", "C.UTF-8", 1);
     }
-    execl(files.Host.c_str(), files.Host.c_str(), "--headless", "--load", files.Module.c_str(), nullptr);
+    const char* registry = place.Registry.empty() ? nullptr : "--registry";
+    execl(files.Host.c_str(), files.Host.c_str(), "--headless", "--load", files.Module.c_str(), registry,
+          place.Registry.c_str(), nullptr);
 }
 
 }  // namespace
@@ -101,8 +102,7 @@ HostProcess::~HostProcess() {
     }
 }
 
-bool HostProcess::Launch(const HostFiles& files, const std::string& dataHome, int inherited,
-                         std::string* error) {
+bool HostProcess::Launch(const HostFiles& files, const HostPlace& place, std::string* error) {
     Pipe toHost;
     Pipe fromHost;
     Pipe failure;
@@ -115,7 +115,7 @@ bool HostProcess::Launch(const HostFiles& files, const std::string& dataHome, in
     const pid_t self = getpid();
     child = fork();
     if (child == 0) {
-        Become(files, dataHome, inherited, toHost.Read, fromHost.Write, self);
+        Become(files, place, toHost.Read, fromHost.Write, self);
         const int cause = errno;
         [[maybe_unused]] const ssize_t told = write(failure.Write, &cause, sizeof cause);
         _exit(127);

@@ -18,6 +18,16 @@ struct HostFiles {
     bool Find(std::string* error);
 };
 
+/// What a host works in.
+struct HostPlace {
+    /// It gets this as XDG_DATA_HOME: the folder above that of the state.
+    std::string DataHome;
+    /// Its settings; empty is the user's own file.
+    std::string Registry;
+    /// A lock that it keeps open to its end; -1 is none.
+    int Lock = -1;
+};
+
 class HostProcess {
   public:
     HostProcess() = default;
@@ -25,8 +35,8 @@ class HostProcess {
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
 
-    /// Starts the host. It gets dataHome as XDG_DATA_HOME and keeps inherited (a lock) open to its end.
-    bool Launch(const HostFiles& files, const std::string& dataHome, int inherited, std::string* error);
+    /// Starts the host. False with one line when that does not go.
+    bool Launch(const HostFiles& files, const HostPlace& place, std::string* error);
 
     int OutputDescriptor() const { return output; }
     /// -1 when there is nothing to write.

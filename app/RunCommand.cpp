@@ -3,6 +3,7 @@
 #include "app/DataFolder.h"
 #include "app/DrawingList.h"
 #include "app/HostCommands.h"
+#include "app/HostNames.h"
 #include "app/QueueFile.h"
 #include "app/RunMonitor.h"
 #include "app/RunReport.h"
@@ -93,6 +94,18 @@ bool MakeRoomForState(const DataFolder& folder, std::string* error) {
     return true;
 }
 
+/// Gives a new queue the names under which the host opens the drawings.
+bool NameForHost(HostNames* names, std::vector<QueueEntry>* queue, std::string* error) {
+    names->Clear();
+    for (QueueEntry& entry : *queue) {
+        entry.Path = names->ForHost(entry.Path, error);
+        if (entry.Path.empty()) {
+            return false;
+        }
+    }
+    return true;
+}
+
 ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
     if (outcome == RunMonitor::Outcome::Interrupted) {
         return Interrupted;
@@ -108,6 +121,7 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
 ExitStatus RunDrawings(const RunOptions& options) {
     std::string error;
     DataFolder folder(options.DataDir);
+    HostNames names(folder.Path());
     std::vector<QueueEntry> queue;
     unsigned maxTime = 0;
     if (const ExitStatus refused = BuildQueue(options, folder, &queue, &maxTime); refused != AllDone) {
@@ -116,7 +130,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
     if (options.DryRun) {
         for (const QueueEntry& entry : queue) {
             if (entry.Status == DrawingStatus::ToDo) {
-                std::printf("%s\n", entry.Path.c_str());
+                std::printf("%s\n", names.ForUser(entry.Path).c_str());
             }
         }
         return AllDone;
@@ -129,14 +143,17 @@ ExitStatus RunDrawings(const RunOptions& options) {
         (!options.KeepsQueue() && !MakeRoomForState(folder, &error))) {
         return Refuse(BrokenOff, error);
     }
-    settings.DataHome = folder.Home();
-    settings.Lock = folder.LockDescriptor();
+    if (!options.KeepsQueue() && !NameForHost(&names, &queue, &error)) {
+        return Refuse(BrokenOff, error);
+    }
+    settings.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini",
+                      folder.LockDescriptor()};
     settings.MaxTime = maxTime;
     settings.Grace = options.Grace;
     settings.Restart = options.Monitor;
 
     const auto started = RunLedger::Clock::now();
-    RunLedger ledger(queue);
+    RunLedger ledger(queue, names);
     auto outcome = RunMonitor::Outcome::Ended;
     if (const std::size_t waiting = ledger.Count(DrawingStatus::ToDo); waiting > 0) {
         std::vector<std::string> drawings;

@@ -2,6 +2,7 @@
 // What is known of each drawing of a run while it goes on. Status lines say how far a drawing is; how long it
 // took and the last thing the host said about it stand nowhere on disk and are gathered here.
 #include "app/HostLine.h"
+#include "app/HostNames.h"
 #include "app/QueueFile.h"
 
 #include <chrono>
@@ -25,8 +26,9 @@ class RunLedger {
   public:
     using Clock = std::chrono::steady_clock;
 
-    /// queue holds the drawings in the order of the run.
-    explicit RunLedger(const std::vector<QueueEntry>& queue);
+    /// queue holds the drawings in the order of the run, under the names that the host knows; names tells
+    /// the user's.
+    RunLedger(const std::vector<QueueEntry>& queue, const HostNames& names);
 
     /// Takes a line. The drawing that is settled by it, if one is: the one in work before the next began,
     /// or one that was passed over as Locked.

@@ -67,7 +67,7 @@ RunMonitor::Life RunMonitor::LiveOnce(const std::string& commands, std::string* 
     lastWords.clear();
     settledInLife = 0;
     hung = false;
-    if (!process.Launch(settings.Files, settings.DataHome, settings.Lock, cause)) {
+    if (!process.Launch(settings.Files, settings.Place, cause)) {
         return Life::NeverBegan;
     }
     process.Send(commands);

@@ -12,9 +12,7 @@
 
 struct MonitorSettings {
     HostFiles Files;
-    std::string DataHome;
-    /// Descriptor of the lock that every host keeps open.
-    int Lock = -1;
+    HostPlace Place;
     /// Seconds; 0 is no limit, and then no host is taken for hanging.
     unsigned MaxTime = 60;
     unsigned Grace = 30;

@@ -70,6 +70,9 @@ void DoScriptStart() {
         result = newDocument(modified);
     }
     if (result != RTNORM) {
+        // When the file before was refused too, this one was given Error ahead of its turn, below.
+        if (data.FileStatus[entry] != FailOpen)
+            SetCurrentFileStatus(FailOpen);
         // The file keeps FailOpen. With none left the run has ended in there, and ends once more here: a
         // second new drawing and a second main dialog are what users of refused last files know.
         Trace("Call DoNextFile\n");

@@ -1,0 +1,149 @@
+// Whole runs of the real program over drawings: the samples under their scripts, names that need care,
+// drawings that cannot be read, scripts that go wrong.
+#include "tests/app/Program.h"
+
+#include <gmock/gmock.h>
+#include <cstdlib>
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+class RealRun : public ProgramTest {
+  protected:
+    std::string CopySample(const std::string& sample, const std::string& name) const {
+        fs::create_directories((Folder / name).parent_path());
+        fs::copy_file(fs::path(SAMPLES) / "drawings" / sample, Folder / name);
+        return Folder / name;
+    }
+    static std::string Script(const std::string& name) { return fs::path(SAMPLES) / name; }
+    /// Number of drawings in which an independent reader finds errors; it tells of them on standard output.
+    int CountAuditErrors(const fs::path& folder) const {
+        const std::string command = "/usr/bin/python3 " AUDIT " " + folder.string();
+        const int status = std::system(command.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+};
+
+TEST_F(RealRun, EverySampleIsDoneUnderEveryScriptAndStaysSound) {
+    fs::copy(fs::path(SAMPLES) / "drawings", Folder / "drawings");
+    const ProgramResult check = Run({"--script", Script("check-layers.scr"), "drawings"});
+    EXPECT_EQ(check.Status, 1);
+    EXPECT_THAT(check.Out, HasSubstr("0 Done, 12 Error"));
+    EXPECT_THAT(check.Out, HasSubstr("bracket-r12.dxf: 9 objects on layer 0\n"));
+    for (const auto& entry : fs::directory_iterator(Folder / "drawings")) {
+        EXPECT_EQ(Read(entry.path()), Read(fs::path(SAMPLES) / "drawings" / entry.path().filename()))
+            << entry.path() << " was only looked at";
+    }
+
+    for (const char* script : {"layer-fixup.scr", "zoom-save.scr", "check-layers.scr"}) {
+        const ProgramResult result = Run({"--script", Script(script), "drawings"});
+        EXPECT_EQ(result.Status, 0) << script << "\n" << result.Out << result.Errors;
+    }
+    EXPECT_EQ(CountAuditErrors(Folder / "drawings"), 0);
+    EXPECT_THAT(Read(Folder / "drawings/plan-2000-cyrillic.dxf"), HasSubstr("OFFICE-TEXT"));
+}
+
+TEST_F(RealRun, NamesReachTheHostWhole) {
+    std::vector<std::string> arguments = {"--script", Script("zoom-save.scr"), "--json", "r.json"};
+    const std::vector<std::string> names = {"two  blanks.dxf", "quo\"te.dxf",           "back\\slash\\n.dxf",
+                                            "план – 図面.dxf", "(paren) ;semi.dxf",     "CAPITALS.DXF",
+                                            "-dash.dxf",       "in a folder/a&b<c>.dxf"};
+    for (const std::string& name : names) {
+        arguments.push_back(CopySample("rooms-2000.dxf", name));
+    }
+    const std::string before = Read(Folder / "CAPITALS.DXF");
+    const ProgramResult result = Run(arguments);
+    EXPECT_EQ(result.Status, 0) << result.Out << result.Errors;
+    for (const std::string& name : names) {
+        EXPECT_NE(Read(Folder / name), before) << name << " was not saved";
+    }
+    EXPECT_THAT(Read(Folder / "r.json"), HasSubstr((Folder / "CAPITALS.DXF").string() + "\""));
+    EXPECT_EQ(Run({"--retry", "all", "--dry-run"}).Out.find("/links/"), std::string::npos);
+}
+
+TEST_F(RealRun, DamagedDrawingsFailOpenWithPlaceAndCauseAndTheRestIsDone) {
+    const std::string whole = Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf");
+    Write("d/a.dxf", whole);
+    Write("d/b.dxf", "hello\nworld\n");
+    Write("d/c.dxf", whole.substr(0, whole.size() / 2));
+    Write("d/d.dwg", "AC1032" + std::string(200, '\0'));
+    Write("d/e.dxf", "");
+    Write("d/f.dxf", whole);
+    const ProgramResult result = Run({"--script", Script("zoom-save.scr"), "d", "gone.dxf", "--list",
+                                      Write("list.lst", "gone.dxf\nd/last.dxf\n")});
+    EXPECT_EQ(result.Status, 2) << "a name on the command line must exist";
+
+    Write("d/last.dxf", whole);
+    const ProgramResult listed =
+        Run({"--script", Script("zoom-save.scr"), "d", "--list", (Folder / "list.lst").string()});
+    EXPECT_EQ(listed.Status, 1);
+    EXPECT_THAT(listed.Out, HasSubstr("3 Done, 5 FailOpen"));
+    for (const char* message : {"d/b.dxf, line 1: ", "d/c.dxf, line ", "d/d.dwg: a DWG file (AC1032)",
+                                "d/e.dxf: the file is empty", "gone.dxf"}) {
+        EXPECT_THAT(listed.Out, HasSubstr((Folder / message).string()));
+    }
+    EXPECT_EQ(Read(Folder / "d/c.dxf"), whole.substr(0, whole.size() / 2));
+}
+
+TEST_F(RealRun, ScriptsThatStopEndAsTimeoutAndTheRunGoesOn) {
+    const std::string first = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string second = CopySample("garden-2007.dxf", "b.dxf");
+    struct Case {
+        const char* Script;
+        const char* Status;
+        const char* Message;
+    };
+    const std::vector<Case> cases = {
+        {"(getstring \"\\nName of the plan: \")\n", "2 Timeout", "Name of the plan:"},
+        {"(while t)\n", "2 Timeout", ""},
+        {"FOO\n", "2 Timeout", "Unknown command \"FOO\"."},
+        {"(car 1)\n", "2 Timeout", "bad argument type"},
+        {"(if (= currentfile \"a\") (Tarnel_File_Error))\n", "1 Done, 1 Error", ""}};
+    for (const Case& one : cases) {
+        const ProgramResult result =
+            Run({"--max-time", "1", "--script", Write("s.scr", one.Script), first, second});
+        EXPECT_EQ(result.Status, 1) << one.Script;
+        EXPECT_THAT(result.Out, HasSubstr(one.Status)) << one.Script;
+        EXPECT_THAT(result.Out, HasSubstr(one.Message)) << one.Script;
+    }
+}
+
+TEST_F(RealRun, InterruptCancelsAndResumeTakesTheRest) {
+    const std::string first = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string second = CopySample("garden-2007.dxf", "b.dxf");
+    const std::string script =
+        Write("s.scr", "(if (= currentfile \"a\") (while (not (findfile \"go\"))))\nzoom e\nqsave\n");
+    const ProgramResult result = Run({"--script", script, first, second}, [&](pid_t process) {
+        ASSERT_TRUE(WaitForState("<File Status=\"5\">" + first));
+        kill(process, SIGINT);
+    });
+    EXPECT_EQ(result.Status, 130);
+    EXPECT_THAT(result.Out, HasSubstr("1 Canceled, 1 still ToDo"));
+    EXPECT_EQ(Read(first), Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf"));
+    EXPECT_EQ(Run({"--resume"}).Status, 1);
+    EXPECT_THAT(Read(StateFile()), HasSubstr("<File Status=\"1\">" + second));
+    Write("go", "");
+    EXPECT_EQ(Run({"--retry", "failed"}).Status, 0);
+}
+
+TEST_F(RealRun, LockedDrawingsArePassedOverOrReadOnly) {
+    // Only drawings with this extension are looked at for locks before they are opened; what stands in them
+    // plays no part in that.
+    const std::string locked = Write("locked.dwg", "AC1032");
+    Write("locked.dwk", "");
+    const std::string writeProtected = Write("protected.dwg", "AC1032");
+    fs::permissions(writeProtected, fs::perms::owner_read);
+    const std::string other = CopySample("garden-2007.dxf", "b.dxf");
+    const std::vector<std::string> arguments = {"--script", Script("zoom-save.scr"), locked, writeProtected,
+                                                other};
+    EXPECT_THAT(Run(arguments).Out, HasSubstr("1 Done, 2 Locked"));
+    std::vector<std::string> readOnly = arguments;
+    readOnly.push_back("--read-only");
+    EXPECT_THAT(Run(readOnly).Out, HasSubstr("1 Done, 2 FailOpen"));
+    EXPECT_THAT(Run(arguments).Out, HasSubstr("1 Done, 2 Locked")) << "the option is not kept";
+}
+
+}  // namespace
