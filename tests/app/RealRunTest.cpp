@@ -97,7 +97,7 @@ TEST_F(RealRun, ScriptsThatStopEndAsTimeoutAndTheRunGoesOn) {
         const char* Message;
     };
     const std::vector<Case> cases = {
-        {"(getstring \"\\nName of the plan: \")\n", "2 Timeout", "Name of the plan:"},
+        {"zoom\nxyz\n", "2 Timeout", "\"xyz\" is neither a point"},
         {"(while t)\n", "2 Timeout", ""},
         {"FOO\n", "2 Timeout", "Unknown command \"FOO\"."},
         {"(car 1)\n", "2 Timeout", "bad argument type"},
