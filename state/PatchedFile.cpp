@@ -7,8 +7,10 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <optional>
 #include <QFile>
+#include <utility>
 
 namespace {
 
@@ -36,16 +38,35 @@ void remember(const QString& path, const QByteArray& bytes) {
         last.reset();
 }
 
+/// Begin and end of what differs in two texts of one length, equal when nothing does. Compared by pages, as
+/// the text of a long queue is compared at each status.
+std::pair<qsizetype, qsizetype> changedPart(const QByteArray& before, const QByteArray& after) {
+    const qsizetype size = after.size();
+    const auto differs = [&](qsizetype page) {
+        const auto length = static_cast<std::size_t>(std::min(PageSize, size - page));
+        return std::memcmp(before.constData() + page, after.constData() + page, length) != 0;
+    };
+    qsizetype start = 0;
+    while (start < size && !differs(start))
+        start += PageSize;
+    if (start >= size)
+        return {0, 0};
+    qsizetype lastPage = (size - 1) / PageSize * PageSize;
+    while (!differs(lastPage))
+        lastPage -= PageSize;
+    qsizetype end = std::min(lastPage + PageSize, size);
+    while (before[start] == after[start])
+        ++start;
+    while (before[end - 1] == after[end - 1])
+        --end;
+    return {start, end};
+}
+
 /// True when the file now holds the bytes.
 bool patch(const QString& path, const QByteArray& bytes) {
     if (!last || last->path != path || last->bytes.size() != bytes.size())
         return false;
-    const char* const before = last->bytes.constData();
-    const auto [old, first] = std::mismatch(before, before + bytes.size(), bytes.constData());
-    const qsizetype start = first - bytes.constData();
-    qsizetype end = bytes.size();
-    while (end > start && before[end - 1] == bytes[end - 1])
-        --end;
+    const auto [start, end] = changedPart(last->bytes, bytes);
     if (end > start && start / PageSize != (end - 1) / PageSize)
         return false;
     const int file = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);

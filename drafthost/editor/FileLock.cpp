@@ -104,6 +104,19 @@ int openLocked(const std::string& path, std::string& error) {
     return fd;
 }
 
+/// The marker made last that still stands.
+std::string& standingMarker() {
+    static std::string path;
+    return path;
+}
+
+/// A second name for the marker of the drawing before, which goes on standing while the next one is opened.
+/// A run over thousands of drawings so makes one marker and no more: making and deleting one for each drawing
+/// costs a file system that avoids the numbers of files just deleted more than all the rest of a lock.
+bool linkMarker(const std::string& marker) {
+    return !standingMarker().empty() && ::link(standingMarker().c_str(), marker.c_str()) == 0;
+}
+
 std::string markerFor(const std::string& path) {
     std::size_t slash = path.rfind('/');
     std::size_t dot = path.rfind('.');
@@ -119,6 +132,10 @@ std::optional<FileLock> FileLock::acquire(const std::string& path, std::string& 
         return std::nullopt;
     }
     const std::string marker = markerFor(path);
+    if (linkMarker(marker)) {
+        standingMarker() = marker;
+        return FileLock(fd, path, marker);
+    }
     int markerFd = -1;
     for (int attempt = 0; attempt < 2 && markerFd < 0; ++attempt) {
         markerFd = ::open(marker.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
@@ -146,6 +163,7 @@ std::optional<FileLock> FileLock::acquire(const std::string& path, std::string& 
         ::close(fd);
         return std::nullopt;
     }
+    standingMarker() = marker;
     return FileLock(fd, path, marker);
 }
 
@@ -173,6 +191,9 @@ FileLock::~FileLock() {
 
 void FileLock::release() {
     if (!markerPath_.empty()) {
+        if (standingMarker() == markerPath_) {
+            standingMarker().clear();
+        }
         ::unlink(markerPath_.c_str());
         markerPath_.clear();
     }
