@@ -79,7 +79,8 @@ void InputStream::receive(std::string_view text, const std::function<void(std::s
 }
 
 void InputStream::queue(std::string_view text, bool echo) {
-    receive(text, [&](std::string_view piece) { queue_.push_back({InputText(piece), echo}); });
+    queueEcho_ = echo;
+    receive(text, [&](std::string_view piece) { queue_.append(piece); });
 }
 
 void InputStream::type(std::string_view text) {
@@ -125,9 +126,7 @@ void InputStream::cancelArrived() {
     promptShown_ = false;
     host_.script().suspend();
     keyboard_.dropUnfinishedLine();
-    if (!queue_.empty()) {
-        queue_.back().text.dropUnfinishedLine();
-    }
+    queue_.dropUnfinishedLine();
     if (depth_ > 0) {
         ++cancels_;
         return;
@@ -147,27 +146,8 @@ void InputStream::applyCancels() {
 
 // --- fetching ---
 
-std::optional<Item> InputStream::fetchFromQueue(InputKind kind, bool& echo) {
-    const bool lines = host_.variables().integer("TEXTEVAL", 0) != 0;
-    while (!queue_.empty()) {
-        Queued& first = queue_.front();
-        echo = first.echo;
-        if (auto item = first.text.next(kind, lines)) {
-            return item;
-        }
-        if (first.text.empty()) {
-            queue_.pop_front();
-            continue;
-        }
-        if (queue_.size() == 1) {
-            return std::nullopt;
-        }
-        // Text without an end: the next string goes on with it.
-        std::string open(first.text.rest());
-        queue_.pop_front();
-        queue_.front().text.prepend(open);
-    }
-    return std::nullopt;
+bool InputStream::evaluatesLines() const {
+    return host_.variables().integer("TEXTEVAL", 0) != 0;
 }
 
 std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
@@ -175,8 +155,7 @@ std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
     if (!script.isRunning() || !host_.current()) {
         return std::nullopt;
     }
-    const bool lines = host_.variables().integer("TEXTEVAL", 0) != 0;
-    if (auto item = script.text().next(kind, lines)) {
+    if (auto item = script.text().next(kind, evaluatesLines())) {
         return item;
     }
     // The last input has no end: it stands on the command line as if it had been typed so far.
@@ -188,17 +167,10 @@ std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
 
 std::optional<InputStream::Fetched> InputStream::fetch(InputKind kind, std::span<const InputSource> order) {
     for (InputSource source : order) {
-        bool echo = true;
-        std::optional<Item> item;
-        if (source == InputSource::Queue) {
-            item = fetchFromQueue(kind, echo);
-        } else if (source == InputSource::Script) {
-            item = fetchFromScript(kind);
-        } else {
-            item = keyboard_.next(kind, host_.variables().integer("TEXTEVAL", 0) != 0);
-        }
+        InputText& text = source == InputSource::Queue ? queue_ : keyboard_;
+        auto item = source == InputSource::Script ? fetchFromScript(kind) : text.next(kind, evaluatesLines());
         if (item) {
-            return Fetched{std::move(*item), source, echo};
+            return Fetched{std::move(*item), source, source != InputSource::Queue || queueEcho_};
         }
     }
     return std::nullopt;

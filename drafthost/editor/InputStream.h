@@ -5,7 +5,6 @@
 // (LISP, a module's function) nothing new is begun, so that queued strings run when it has returned. A cancel
 // is the exception: it counts from the moment it arrives.
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -68,7 +67,7 @@ class InputStream {
     void runInApplicationContext(const std::function<void()>& code);
     /// CMDACTIVE.
     unsigned activeBits() const;
-    int pendingInputs() const { return int(queue_.size()); }
+    bool hasQueuedInput() const { return !queue_.empty(); }
 
     /// For CommandLine: goes on with a command after its pause.
     void runFromTimer(const std::function<Outcome()>& code, InputSource source);
@@ -88,10 +87,6 @@ class InputStream {
     void setOnEnd(std::function<void()> onEnd) { onEnd_ = std::move(onEnd); }
 
   private:
-    struct Queued {
-        InputText text;
-        bool echo;
-    };
     struct Fetched {
         InputText::Item item;
         InputSource source;
@@ -107,8 +102,8 @@ class InputStream {
 
     bool step();
     Document* target();
+    bool evaluatesLines() const;
     std::optional<Fetched> fetch(InputKind kind, std::span<const InputSource> order);
-    std::optional<InputText::Item> fetchFromQueue(InputKind kind, bool& echo);
     std::optional<InputText::Item> fetchFromScript(InputKind kind);
     void execute(Document& document, const Fetched& fetched);
     Outcome perform(Document& document, const Fetched& fetched);
@@ -131,7 +126,9 @@ class InputStream {
 
     Host& host_;
     InputText keyboard_;
-    std::deque<Queued> queue_;
+    InputText queue_;
+    /// What was queued last is shown as it is read.
+    bool queueEcho_ = true;
     std::vector<List> lists_;
     std::unique_ptr<QObject> receiver_;
     std::unique_ptr<QSocketNotifier> notifier_;

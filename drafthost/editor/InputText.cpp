@@ -36,6 +36,7 @@ void InputText::prepend(std::string_view text) {
     all += rest();
     text_ = std::move(all);
     position_ = 0;
+    terminatorDue_ = false;
     scanner_.reset();
 }
 
@@ -43,6 +44,7 @@ void InputText::clear() {
     text_.clear();
     position_ = 0;
     carriageReturn_ = false;
+    terminatorDue_ = false;
     scanner_.reset();
 }
 
@@ -79,7 +81,8 @@ bool InputText::atUnfinishedComment() const {
 }
 
 void InputText::skipTerminator() {
-    if (position_ < text_.size() && (isBlank(text_[position_]) || text_[position_] == '\n')) {
+    terminatorDue_ = empty();
+    if (!terminatorDue_ && (isBlank(text_[position_]) || text_[position_] == '\n')) {
         ++position_;
     }
 }
@@ -107,15 +110,22 @@ std::optional<InputText::Item> InputText::quoted() {
     if (end == std::string::npos) {
         return std::nullopt;
     }
+    const bool closed = text_[end] == '"';
+    if (closed && end + 1 == text_.size()) {
+        return std::nullopt;
+    }
     Item item{Item::Kind::Text, text_.substr(position_ + 1, end - position_ - 1)};
     position_ = end + 1;
-    if (text_[end] == '"') {
+    if (closed) {
         skipTerminator();
     }
     return item;
 }
 
 std::optional<InputText::Item> InputText::next(InputKind kind, bool evaluateLines) {
+    if (terminatorDue_) {
+        skipTerminator();
+    }
     if (!scanner_) {
         skipComments();
     }

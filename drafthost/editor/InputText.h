@@ -51,6 +51,8 @@ class InputText {
     std::string text_;
     std::size_t position_ = 0;
     bool carriageReturn_ = false;
+    /// An expression was cut off before what ends it had come.
+    bool terminatorDue_ = false;
     /// An expression that is still open, and how far it has been looked through: a long one is scanned once.
     std::optional<lisp::FormScanner> scanner_;
     std::size_t scanned_ = 0;

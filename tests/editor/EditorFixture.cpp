@@ -182,9 +182,3 @@ void EditorTest::type(const std::string& text) {
 }
 
 }  // namespace drafthost::test
-
-int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

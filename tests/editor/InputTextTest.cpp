@@ -62,6 +62,24 @@ TEST(InputText, ExpressionsRunOverLinesAndSwallowOneEnd) {
     EXPECT_EQ(words("(last)", InputKind::Command), (Words{"expr:(last)", "rest:"}));
 }
 
+TEST(InputText, WhereTextIsCutOnItsWayMakesNoDifference) {
+    InputText input;
+    for (char c : std::string("(a)\r\n\"b c\" ;d\n;no\nzoom\n")) {
+        input.append({&c, 1});
+        // Looked at too early at every place.
+        if (input.rest().starts_with("\"") || input.rest().starts_with(";")) {
+            continue;
+        }
+        if (auto item = input.next(InputKind::Command)) {
+            EXPECT_EQ(item->text, "(a)");
+        }
+    }
+    EXPECT_EQ(input.next(InputKind::FileName)->text, "b c");
+    EXPECT_EQ(input.next(InputKind::Command)->text, ";d");
+    EXPECT_EQ(input.next(InputKind::Command)->text, "zoom");
+    EXPECT_TRUE(input.empty());
+}
+
 TEST(InputText, ALongExpressionIsScannedOnce) {
     InputText input("(list");
     for (int i = 0; i < 20000; ++i) {

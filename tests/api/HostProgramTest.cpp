@@ -1,0 +1,173 @@
+// The host as a program: its arguments, its input and output, its signals, and the modules that load with it.
+
+#include <gmock/gmock.h>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+
+#include "drafthost/drawing/Drawing.h"
+#include "drafthost/editor/RegistryFile.h"
+
+namespace drafthost {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class HostProgramTest : public testing::Test {
+  protected:
+    HostProgramTest() : folder(dir.path().toStdString()) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_CONFIG_HOME", dir.path());
+        environment.insert("XDG_STATE_HOME", dir.path());
+        host.setProcessEnvironment(environment);
+        host.setWorkingDirectory(dir.path());
+        host.setProcessChannelMode(QProcess::MergedChannels);
+    }
+
+    std::string write(const std::string& name, const std::string& text) {
+        std::ofstream(folder + "/" + name, std::ios::binary) << text;
+        return folder + "/" + name;
+    }
+
+    void start(const QStringList& arguments) {
+        host.start(DRAFTHOST, arguments);
+        ASSERT_TRUE(host.waitForStarted());
+    }
+
+    /// Gives the host its input and its end, and waits for the host's.
+    void finish(const char* input = "") {
+        host.write(input);
+        host.closeWriteChannel();
+        ASSERT_TRUE(host.waitForFinished(Patience));
+        output += host.readAll().toStdString();
+    }
+
+    bool waitFor(const char* text) {
+        while (output.find(text) == std::string::npos) {
+            if (!host.waitForReadyRead(Patience)) {
+                return false;
+            }
+            output += host.readAll().toStdString();
+        }
+        return true;
+    }
+
+    static constexpr int Patience = 20000;
+    QTemporaryDir dir;
+    std::string folder;
+    QProcess host;
+    std::string output;
+};
+
+TEST_F(HostProgramTest, RunsAScriptOverADrawingAndEndsWithItsInput) {
+    write("plan.dxf", Drawing::createNew(true)->serialise());
+    write("job.scr", "(princ (strcat \"in \" (getvar \"DWGNAME\")))\nREGEN\n");
+    start({"--headless", "plan.dxf", "/b", "job"});
+    finish("(princ \"typed\")");
+    EXPECT_EQ(host.exitCode(), 0);
+    EXPECT_THAT(output, HasSubstr("in plan.dxf"));
+    EXPECT_THAT(output, HasSubstr("\ntyped"));
+    EXPECT_FALSE(std::filesystem::exists(folder + "/plan.dwk"));
+}
+
+TEST_F(HostProgramTest, SaysWhatItCannotDo) {
+    start({"missing.dxf", "/b", "missing.scr", "--load", "missing"});
+    finish("QUIT\n");
+    EXPECT_EQ(host.exitCode(), 0);
+    EXPECT_THAT(output, HasSubstr("missing.dxf: No such file"));
+    EXPECT_THAT(output, HasSubstr("Cannot read script missing.scr"));
+    EXPECT_THAT(output, HasSubstr("missing.arx cannot be found"));
+    for (const QStringList& wrong : {QStringList{"--nonsense"}, {"one.dxf", "two.dxf"}, {"/b"}}) {
+        start(wrong);
+        finish();
+        EXPECT_EQ(host.exitCode(), 2);
+    }
+}
+
+TEST_F(HostProgramTest, EndsInOrderOnASignalInTheMiddleOfALoop) {
+    write("plan.dxf", Drawing::createNew(true)->serialise());
+    start({"plan.dxf", "--support", MODULE_FOLDER, "--load", "api_module"});
+    host.write("(princ \"go\")\n(while t)\n(princ \"not reached\")\n");
+    ASSERT_TRUE(waitFor("\ngo"));
+    ::kill(pid_t(host.processId()), SIGTERM);
+    ASSERT_TRUE(host.waitForFinished(Patience));
+    output += host.readAll().toStdString();
+    EXPECT_EQ(host.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(output.find("not reached\n"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(folder + "/plan.dwk"));
+}
+
+TEST_F(HostProgramTest, AnInterruptOrACancelCharacterBreaksWhatRuns) {
+    start({});
+    host.write("(princ \"go1\")\n(while t)\n");
+    ASSERT_TRUE(waitFor("\ngo1"));
+    ::kill(pid_t(host.processId()), SIGINT);
+    ASSERT_TRUE(waitFor("Function cancelled"));
+    host.write("(princ \"go2\")\n(getstring)\n");
+    ASSERT_TRUE(waitFor("\ngo2"));
+    output.clear();
+    host.write("\x03");
+    ASSERT_TRUE(waitFor("Function cancelled"));
+    finish("(princ \"after\")\n");
+    EXPECT_THAT(output, HasSubstr("\nafter"));
+}
+
+TEST_F(HostProgramTest, WorksOnWhenNobodyReadsItsOutput) {
+    const std::string plan = write("plan.dxf", Drawing::createNew(true)->serialise());
+    write("job.scr", "DELAY 200\nREGEN\n(princ \"x\")\n-LAYER M KEPT\n\nQSAVE\nQUIT\n");
+    start({"plan.dxf", "/b", "job.scr"});
+    host.closeReadChannel(QProcess::StandardOutput);
+    ASSERT_TRUE(host.waitForFinished(Patience));
+    EXPECT_EQ(host.exitStatus(), QProcess::NormalExit);
+    std::string error;
+    auto drawing = Drawing::open(plan, error);
+    ASSERT_TRUE(drawing) << error;
+    EXPECT_THAT(drawing->serialise(), HasSubstr("KEPT"));
+}
+
+TEST_F(HostProgramTest, LoadsModulesFromEachOfTheThreePlacesOnce) {
+    const std::string module = std::string(MODULE_FOLDER) + "/api_module.arx";
+    const std::string registry = folder + "/r.ini";
+    const std::string product = RegistryFile::productKey();
+    std::string error;
+    {
+        RegistryFile file(registry);
+        file.write("HKEY_LOCAL_MACHINE", product + "\\Applications\\App\\LOADCTRLS", 2u);
+        file.write("HKEY_LOCAL_MACHINE", product + "\\Applications\\App\\RegPath",
+                   "\\\\HKEY_LOCAL_MACHINE\\" + product + "\\Other\\App");
+        file.write("HKEY_LOCAL_MACHINE", product + "\\Other\\App\\Loader\\MODULE", module);
+        ASSERT_TRUE(file.save(error)) << error;
+    }
+    auto run = [&](const QStringList& more) {
+        output.clear();
+        start(QStringList{"--registry", "r.ini"} + more);
+        finish("(princ (arx))\n");
+        return output.find("(api_module.arx)") != std::string::npos;
+    };
+    EXPECT_TRUE(run({}));
+    {
+        RegistryFile file(registry);
+        file.write("HKEY_LOCAL_MACHINE", product + "\\Applications\\App\\LOADCTRLS", 8u);
+        ASSERT_TRUE(file.save(error));
+    }
+    EXPECT_FALSE(run({}));
+    {
+        RegistryFile file(registry);
+        const std::string suite = RegistryFile::profileKey(file.profile()) + "\\Dialogs\\Appload\\Startup\\";
+        file.write("HKEY_CURRENT_USER", suite + "NumStartup", std::string("1"));
+        file.write("HKEY_CURRENT_USER", suite + "1Startup", module);
+        ASSERT_TRUE(file.save(error));
+    }
+    EXPECT_TRUE(run({}));
+    std::filesystem::remove(registry);
+    write("acad.rx", "; api_old.arx\n  " + module + "  \r\n");
+    EXPECT_TRUE(run({"--load", QString::fromStdString(module)}));
+    EXPECT_THAT(output, Not(HasSubstr("already")));
+}
+
+}  // namespace
+}  // namespace drafthost
