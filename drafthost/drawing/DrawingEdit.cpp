@@ -251,7 +251,17 @@ std::uint64_t Drawing::allocateHandle() {
 }
 
 bool Drawing::hasHandles() const {
-    return versionNumber_ >= 1012 || headerInteger(*this, "$HANDLING", 0) != 0;
+    if (versionNumber_ >= 1012) {
+        return true;
+    }
+    if (const auto handling = headerInteger(*this, "$HANDLING", -1); handling >= 0) {
+        return handling != 0;
+    }
+    // Parts of drawings come without a header; what stands in them tells.
+    if (!handlesBuilt_) {
+        buildHandles();
+    }
+    return !handles_.empty();
 }
 
 }  // namespace drafthost
