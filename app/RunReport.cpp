@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -45,7 +46,9 @@ std::string ShellWord(const std::string& text) {
 }  // namespace
 
 std::string FollowUpCommand(const RunOptions& options, const std::string& what) {
-    std::string command = "tarnel run " + what;
+    // The script that builds on first use tells the name by which the user knows it.
+    const char* own = std::getenv("TARNEL_COMMAND");
+    std::string command = (own && *own ? ShellWord(own) : "tarnel") + " run " + what;
     if (options.Recover) {
         command += " --recover";
     }
