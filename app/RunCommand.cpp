@@ -174,9 +174,10 @@ ExitStatus RunDrawings(const RunOptions& options) {
             progress.Note(error);
             outcome = RunMonitor::Outcome::Broken;
         } else if (!ledger.Reconcile(saved.Entries())) {
-            progress.Note(folder.StateFile() +
-                          ": the state could not be saved to its end; what stands there " +
-                          "is older than the list below");
+            progress.Note((monitor.Complaint().empty()
+                               ? folder.StateFile() + ": the state was not saved to its end"
+                               : monitor.Complaint()) +
+                          "; what stands there is older than the list below");
             outcome = RunMonitor::Outcome::Broken;
         }
     }

@@ -138,6 +138,10 @@ void RunMonitor::Hear(const std::string& text) {
             break;
         case HostLine::Kind::Message:
         case HostLine::Kind::Talk:
+            if (line.What == HostLine::Kind::Message &&
+                line.Text.find(settings.Place.DataHome + "/") != std::string::npos) {
+                complaint = line.Text;
+            }
             if (phase == Phase::Starting) {
                 lastWords = line.Text;
             }

@@ -30,6 +30,10 @@ class RunMonitor {
     /// one line in error.
     Outcome Run(const std::string& start, const std::string& resume, std::string* error);
 
+    /// The module's last complaint about a file of the data folder that it could not write or read; empty
+    /// when there was none.
+    const std::string& Complaint() const { return complaint; }
+
   private:
     /// How the life of one host ended.
     enum class Life { Finished, Interrupted, NeverBegan, Died };
@@ -55,4 +59,5 @@ class RunMonitor {
     std::size_t settledInLife = 0;
     bool hung = false;
     int interrupts = 0;
+    std::string complaint;
 };
