@@ -17,6 +17,13 @@ bool endsEntities(std::string_view type) {
 RecordId firstOfLayouts(const Drawing& drawing, std::size_t index) {
     const std::vector<Layout>& all = layouts(drawing);
     for (; index < all.size(); ++index) {
+        // Of two layouts that claim one block the first has it.
+        const bool taken = std::any_of(
+            all.begin(), all.begin() + std::ptrdiff_t(index),
+            [&](const Layout& l) { return foldCase(l.blockName) == foldCase(all[index].blockName); });
+        if (taken) {
+            continue;
+        }
         const Block* block = all[index].model ? nullptr : findBlock(drawing, all[index].blockName);
         const RecordId entity = block != nullptr ? firstInBlock(drawing, *block) : NoRecord;
         if (entity != NoRecord) {
@@ -120,18 +127,17 @@ RecordId nextEntity(const Drawing& drawing, RecordId entity, bool subEntities) {
     RecordId id = drawing.next(entity);
     while (id != NoRecord) {
         const std::string_view type = drawing.type(id);
-        if (type == "ENDBLK" || type == "BLOCK") {
+        if (endsEntities(type)) {
+            // A block that lacks its ENDBLK ends with its last entity.
+            const RecordId last = drawing.previous(id);
             const std::vector<Layout>& all = layouts(drawing);
             for (std::size_t i = 0; i < all.size(); ++i) {
                 const Block* block = all[i].model ? nullptr : findBlock(drawing, all[i].blockName);
-                if (block != nullptr && block->end == id) {
+                if (block != nullptr && (block->end == id || block->end == last)) {
                     return firstOfLayouts(drawing, i + 1);
                 }
             }
-            return NoRecord;
-        }
-        if (endsEntities(type)) {
-            return firstOfLayouts(drawing, 0);
+            return type == "ENDBLK" || type == "BLOCK" ? NoRecord : firstOfLayouts(drawing, 0);
         }
         if (subEntities || !isSubEntity(drawing, id)) {
             return id;

@@ -145,6 +145,22 @@ TEST(Edit, addsAndRenamesTableEntries) {
     EXPECT_NE(findEntry(*parsed(bare->serialise()), Table::Layer, "new"), NoRecord);
 }
 
+TEST(Edit, walkingBrokenLayoutsComesToAnEnd) {
+    // Two layouts claim one block, and that block lacks its end.
+    const auto drawing = parsed(drawn(
+        "0 SECTION 2 HEADER 9 $ACADVER 1 AC1015 0 ENDSEC 0 SECTION 2 TABLES 0 TABLE 2 BLOCK_RECORD "
+        "0 BLOCK_RECORD 5 A 2 *Model_Space 0 BLOCK_RECORD 5 B 2 *Paper_Space0 0 ENDTAB 0 ENDSEC "
+        "0 SECTION 2 BLOCKS 0 BLOCK 2 *Paper_Space0 0 CIRCLE 5 30 0 ENDSEC 0 SECTION 2 ENTITIES 0 LINE 5 20 "
+        "0 ENDSEC 0 SECTION 2 OBJECTS 0 LAYOUT 100 AcDbLayout 1 Model 71 0 330 A "
+        "0 LAYOUT 100 AcDbLayout 1 One 71 1 330 B 0 LAYOUT 100 AcDbLayout 1 Two 71 2 330 B 0 ENDSEC 0 EOF"));
+    std::string seen;
+    for (RecordId id = firstEntity(*drawing); id != NoRecord && seen.size() < 100;
+         id = nextEntity(*drawing, id, true)) {
+        seen += std::string(drawing->type(id)) + " ";
+    }
+    EXPECT_EQ(seen, "LINE CIRCLE ");
+}
+
 TEST(Edit, walksEntitiesOfAllLayouts) {
     const auto drawing =
         parsed(drawn("0 SECTION 2 HEADER 9 $ACADVER 1 AC1015 0 ENDSEC 0 SECTION 2 TABLES 0 TABLE 2 "
