@@ -161,7 +161,7 @@ RecordId lastEntity(const Drawing& drawing) {
 
 RecordId firstInBlock(const Drawing& drawing, const Block& block) {
     const RecordId id = drawing.next(block.begin);
-    return id == NoRecord || id == block.end || endsEntities(drawing.type(id)) ? NoRecord : id;
+    return id == NoRecord || endsEntities(drawing.type(id)) ? NoRecord : id;
 }
 
 bool isSubEntity(const Drawing& drawing, RecordId record) {
