@@ -24,7 +24,7 @@ std::string machineName() {
     return name;
 }
 
-/// When the process was started, in clock ticks since boot; empty when there is no such process. Together
+/// When the process was started, in clock ticks since boot; empty when no such process lives. Together
 /// with its number it tells a process from a later one that was given the same number.
 std::string startOf(long pid) {
     std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
@@ -32,6 +32,10 @@ std::string startOf(long pid) {
     std::getline(file, line);
     // The program's name stands in parentheses and may hold anything; the start is the 20th field behind it.
     std::size_t at = line.rfind(')');
+    // A dead process keeps its number until its parent asks for it, which may take long after a kill.
+    if (at != std::string::npos && (line.compare(at, 3, ") Z") == 0 || line.compare(at, 3, ") X") == 0)) {
+        return {};
+    }
     for (int field = 0; at != std::string::npos && field < 20; ++field) {
         at = line.find(' ', at + 1);
     }
