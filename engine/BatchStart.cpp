@@ -54,19 +54,13 @@ bool leaveOneDocument() {
     return true;
 }
 
-QString textVariable(const char* name) {
-    ResBuf value;
-    value.GetVar(QString::fromLatin1(name));
-    return value.IsType(0, RTSTR) ? value.String(0) : QString();
-}
-
 /// Saves the current drawing, and lets the user answer whatever the host asks for that.
 void saveCurrentDrawing() {
     ResBuf filedia;
     if (filedia.GetVar(QStringLiteral("FILEDIA")) == RTNORM && filedia.Integer(0) != 0)
         acedInitDialog(true);
     acedCommand(RTSTR, ACRX_T("._qsave"), RTNONE);
-    while (textVariable("CMDNAMES") == QLatin1String("QSAVE")) {
+    while (HostTextVariable("CMDNAMES") == QLatin1String("QSAVE")) {
         acedPumpMessage();
         acedCommand(RTSTR, ACRX_T("\\"), RTNONE);
     }
@@ -77,9 +71,9 @@ bool settleChanges() {
     Trace("Grab DBMod\n");
     if (!DrawingIsModified() || Run().Scheduled)
         return true;
-    const auto answer = CurrentUi().Ask(TarnelData().ProductName,
-                                        QStringLiteral("Save changes to %1?").arg(textVariable("DWGNAME")),
-                                        RunUi::YesNoCancel);
+    const auto answer = CurrentUi().Ask(
+        TarnelData().ProductName, QStringLiteral("Save changes to %1?").arg(HostTextVariable("DWGNAME")),
+        RunUi::YesNoCancel);
     if (answer == RunUi::Yes)
         saveCurrentDrawing();
     if (answer == RunUi::Yes || answer == RunUi::No)

@@ -41,6 +41,12 @@ void ResetSystemVars() {
     data.SysVarsSaved = false;
 }
 
+QString HostTextVariable(const char* name) {
+    ResBuf value;
+    value.GetVar(QString::fromLatin1(name));
+    return value.IsType(0, RTSTR) ? value.String(0) : QString();
+}
+
 bool DrawingIsModified() {
     ResBuf dbmod;
     return dbmod.GetVar(QStringLiteral("dbmod")) == RTNORM && dbmod.Integer(0) != 0;

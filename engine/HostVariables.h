@@ -1,6 +1,7 @@
 #pragma once
 // A run works only with the host set for it: one document at a time, no dialogs, no echo. The values before
 // are kept in the record, and with it in the state file, so that they go back even after a crash.
+#include <QString>
 
 /// Bits of SaveSystemVars, in the order of the record's SysVarNames.
 enum SystemVarBits { SdiVar = 1, CmddiaVar = 2, FilediaVar = 4, CmdechoVar = 8 };
@@ -10,6 +11,8 @@ enum SystemVarBits { SdiVar = 1, CmddiaVar = 2, FilediaVar = 4, CmdechoVar = 8 }
 void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi);
 /// Sets back every kept value; nothing when none are kept.
 void ResetSystemVars();
+/// Text of a system variable of the host, empty for one that is unknown or no text.
+QString HostTextVariable(const char* name);
 /// Whether the current drawing has unsaved changes.
 bool DrawingIsModified();
 /// LISP variables of the drawing in work: currentfileandpath, currentpath, currentfile, currentext.

@@ -40,6 +40,10 @@ int newDocument(bool modified) {
 /// The shape that the reports of a failure share. True when the run goes on.
 bool endFile(const char* trace, FileStatusValue status) {
     Trace(trace);
+    // A script may report in the middle of a command, which would take the start of the next script as its
+    // answer.
+    if (!HostTextVariable("CMDNAMES").isEmpty())
+        acedCommand(RTNONE);
     SetCurrentFileStatus(status);
     Trace("Call DoNextFile\n");
     const bool goesOn = DoNextFile();
@@ -102,6 +106,17 @@ void DoScriptSetVars() {
 }
 
 void DoScriptComplete() {
+    const QString waiting = HostTextVariable("CMDNAMES");
+    if (!waiting.isEmpty()) {
+        // A script that ends in the middle of a command has not run to its end, and what the chain sends next
+        // would be taken as the answer. The time limit ends the drawing, as with every script that stops.
+        Trace("DoScriptComplete\n");
+        acedCommand(RTNONE);
+        HostPrint(QStringLiteral("\n%1: the script ends while %2 waits for an answer.\n")
+                      .arg(TarnelData().ProductName, waiting));
+        acedRetVoid();
+        return;
+    }
     Trace("DoScriptComplete\nTurn log off\n");
     acedCommand(RTSTR, ACRX_T("._logfileoff"), RTNONE);
     if (!TarnelData().BatchRunning) {

@@ -101,6 +101,9 @@ TEST_F(RealRun, ScriptsThatStopEndAsTimeoutAndTheRunGoesOn) {
         {"(while t)\n", "2 Timeout", ""},
         {"FOO\n", "2 Timeout", "Unknown command \"FOO\"."},
         {"(car 1)\n", "2 Timeout", "bad argument type"},
+        {"zoom\n", "2 Timeout", "the script ends while ZOOM waits for an answer"},
+        {"saveas\n", "2 Timeout", "the script ends while SAVEAS waits for an answer"},
+        {"zoom\n(Tarnel_File_Error)\n", "2 Error", ""},
         {"(if (= currentfile \"a\") (Tarnel_File_Error))\n", "1 Done, 1 Error", ""}};
     for (const Case& one : cases) {
         const ProgramResult result =
@@ -108,6 +111,13 @@ TEST_F(RealRun, ScriptsThatStopEndAsTimeoutAndTheRunGoesOn) {
         EXPECT_EQ(result.Status, 1) << one.Script;
         EXPECT_THAT(result.Out, HasSubstr(one.Status)) << one.Script;
         EXPECT_THAT(result.Out, HasSubstr(one.Message)) << one.Script;
+        // A call of the chain that a command took as its answer would have saved under that name.
+        for (const auto& entry : fs::directory_iterator(Folder)) {
+            EXPECT_TRUE(entry.path().extension() != ".dxf" || entry.path() == first || entry.path() == second)
+                << entry.path() << " after " << one.Script;
+        }
+        EXPECT_EQ(Read(first), Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf")) << one.Script;
+        EXPECT_EQ(Read(second), Read(fs::path(SAMPLES) / "drawings/garden-2007.dxf")) << one.Script;
     }
 }
 

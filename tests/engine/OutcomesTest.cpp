@@ -111,6 +111,24 @@ TEST_F(RunTest, OtherExtensionsGetANewDrawing) {
     EXPECT_EQ(host.Symbols.value("CURRENTEXT"), ".dws");
 }
 
+TEST_F(RunTest, ScriptThatEndsInACommandIsNotDone) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
+    ui.DialogAnswers = {RunUi::Ok};
+    Command("TARNEL");
+    host.RunInput(2);
+    const QString before = SavedStatuses();
+    const qsizetype commands = host.CallsOf("command").size();
+    host.Variables["CMDNAMES"] = QStringLiteral("ZOOM");
+    EXPECT_NE(host.CallLisp(QStringLiteral("TNL_Script_Complete")), "T");
+    EXPECT_EQ(SavedStatuses(), before);
+    EXPECT_EQ(host.CallsOf("command").size(), commands + 1)
+        << "the cancel; anything more would answer the command";
+    EXPECT_TRUE(host.Printed.contains(QStringLiteral("the script ends while ZOOM waits for an answer")));
+    host.Variables["CMDNAMES"] = QString();
+    EXPECT_EQ(host.CallLisp(QStringLiteral("TNL_Script_Complete")), "T");
+    EXPECT_TRUE(SavedStatuses().startsWith(QStringLiteral("1 ")));
+}
+
 TEST_F(RunTest, CompleteOutsideARunOnlyTurnsTheLogOff) {
     SetQueue({MakeFile("a.dxf")});
     EXPECT_EQ(host.CallLisp("TNL_Script_Complete"), "T");
