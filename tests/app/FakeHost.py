@@ -70,7 +70,11 @@ def run():
             time.sleep(600)
         if name.startswith("slow"):
             say("Specify first point:")
-            if select.select([sys.stdin], [], [], 60)[0] and "TNL_Cancel" in sys.stdin.readline():
+            line = sys.stdin.readline() if select.select([sys.stdin], [], [], 60)[0] else "nobody speaks"
+            if not line:
+                # The front is gone; this host is about to be killed, and must not go on in between.
+                time.sleep(600)
+            if "TNL_Cancel" in line:
                 give(entry, "Canceled")
                 break
         give(entry, "Done")
