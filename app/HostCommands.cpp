@@ -6,10 +6,6 @@
 
 namespace {
 
-/// Limits of a new run that gives none.
-constexpr unsigned kMaxTime = 60;
-constexpr unsigned kAlarmTime = 40;
-
 std::string Switch(const char* function, bool on) {
     return std::string("(") + function + (on ? " T)\n" : " nil)\n");
 }
@@ -33,7 +29,8 @@ std::string Times(std::optional<unsigned> maxTime, std::optional<unsigned> alarm
 }  // namespace
 
 std::string StartCommands(const RunOptions& options, const std::vector<std::string>& drawings) {
-    return "TARNEL\n" + Times(options.MaxTime.value_or(kMaxTime), options.AlarmTime.value_or(kAlarmTime)) +
+    return "TARNEL\n" +
+           Times(options.MaxTime.value_or(kDefaultMaxTime), options.AlarmTime.value_or(kDefaultAlarmTime)) +
            "eXit\n" + SetScript(options) + Switch("Tarnel_DoReadOnly", options.ReadOnly) +
            Switch("Tarnel_SetRecoverMode", options.Recover) + LispRunList(drawings);
 }

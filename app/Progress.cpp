@@ -53,7 +53,7 @@ void Progress::Settled(const DrawingRecord& record) {
     std::fflush(stdout);
 }
 
-void Progress::Refresh(const RunLedger& ledger) {
+void Progress::Refresh(const DrawingRecord* current) {
     if (!terminal) {
         return;
     }
@@ -67,7 +67,7 @@ void Progress::Refresh(const RunLedger& ledger) {
         const double left = elapsed / static_cast<double>(settled) * static_cast<double>(waiting - settled);
         text += ", about " + DurationText(left) + " left";
     }
-    if (const DrawingRecord* current = ledger.Current()) {
+    if (current) {
         const std::size_t width = TerminalWidth() - 1;
         text += "  ";
         text += FitLeft(current->Path, width > text.size() + 8 ? width - text.size() : 8);

@@ -14,7 +14,8 @@ class Progress {
     /// A drawing is settled.
     void Settled(const DrawingRecord& record);
     /// Draws the live line again; on anything but a terminal nothing.
-    void Refresh(const RunLedger& ledger);
+    /// current is the drawing in work; null is none.
+    void Refresh(const DrawingRecord* current);
     /// A drawing takes long.
     void Alarm(const std::string& path);
     /// A message in between, to standard error; shown even when quiet.

@@ -2,10 +2,12 @@
 
 #include "app/DataFolder.h"
 #include "app/DrawingList.h"
-#include "app/HostCommands.h"
 #include "app/HostNames.h"
+#include "app/JobFolders.h"
 #include "app/QueueFile.h"
+#include "app/RunLogs.h"
 #include "app/RunMonitor.h"
+#include "app/RunParts.h"
 #include "app/RunReport.h"
 
 #include <unistd.h>
@@ -116,15 +118,79 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
     return ledger.Count(DrawingStatus::Done) == ledger.Records().size() ? AllDone : SomeNotDone;
 }
 
+/// Takes the lock and clears up what an earlier run has left: results of several hosts that never came back
+/// together, and logs that were set aside.
+bool TakeFolder(const RunOptions& options, DataFolder* folder, std::string* error) {
+    if (!folder->Lock(error)) {
+        return false;
+    }
+    if (!options.KeepsQueue()) {
+        DropJobs(*folder);
+        DropLogsAside(folder->Path());
+        return MakeRoomForState(*folder, error);
+    }
+    if (!GatherJobs(*folder, error)) {
+        return false;
+    }
+    if (options.Resume) {
+        return SetLogsAside(folder->Path(), HostLogFolder(""), error);
+    }
+    DropLogsAside(folder->Path());
+    return true;
+}
+
+/// Works off what waits and brings what is on disk together with what was told.
+RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunLedger* ledger, Progress* progress,
+                         Signals* signals) {
+    std::string error;
+    std::vector<std::unique_ptr<RunMonitor>> monitors;
+    for (std::size_t i = 0; i < parts.Ledgers.size(); ++i) {
+        monitors.push_back(
+            std::make_unique<RunMonitor>(std::move(parts.Settings[i]), parts.Ledgers[i].get(), progress));
+    }
+    auto outcome = WatchOver(monitors, progress, signals, &error);
+    const auto breakOff = [&](const std::string& text) {
+        progress->Note(text);
+        outcome = RunMonitor::Outcome::Broken;
+    };
+    if (outcome == RunMonitor::Outcome::Broken) {
+        progress->Note(error);
+    }
+    std::string complaint;
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        ledger->Adopt(*parts.Ledgers[i]);
+        complaint = complaint.empty() ? monitors[i]->Complaint() : complaint;
+    }
+    if (!GatherJobs(folder, &error) ||
+        (HasLogsAside(folder.Path()) && !MergeLogs({folder.Path()}, folder.Path(), &error))) {
+        breakOff(error);
+    }
+    QueueFile saved;
+    if (!saved.Load(folder.StateFile(), &error)) {
+        breakOff(error);
+    } else if (!ledger->Reconcile(saved.Entries())) {
+        breakOff(
+            (complaint.empty() ? folder.StateFile() + ": the state was not saved to its end" : complaint) +
+            "; what stands there is older than the list below");
+    }
+    return outcome;
+}
+
 }  // namespace
 
 ExitStatus RunDrawings(const RunOptions& options) {
     std::string error;
     DataFolder folder(options.DataDir);
     HostNames names(folder.Path());
+    MonitorSettings settings;
     std::vector<QueueEntry> queue;
-    unsigned maxTime = 0;
-    if (const ExitStatus refused = BuildQueue(options, folder, &queue, &maxTime); refused != AllDone) {
+    // Results that wait in the folders of several hosts belong to the queue that is read below.
+    const bool first = options.KeepsQueue() && HasJobs(folder);
+    if (first && !TakeFolder(options, &folder, &error)) {
+        return Refuse(BrokenOff, error);
+    }
+    if (const ExitStatus refused = BuildQueue(options, folder, &queue, &settings.MaxTime);
+        refused != AllDone) {
         return refused;
     }
     if (options.DryRun) {
@@ -135,20 +201,13 @@ ExitStatus RunDrawings(const RunOptions& options) {
         }
         return AllDone;
     }
-    MonitorSettings settings;
     if (!options.JsonFile.empty() && !CheckJsonTarget(options.JsonFile, &error)) {
         return Refuse(WrongUsage, error);
     }
-    if (!settings.Files.Find(&error) || !folder.Lock(&error) ||
-        (!options.KeepsQueue() && !MakeRoomForState(folder, &error))) {
+    if (!settings.Files.Find(&error) || (!first && !TakeFolder(options, &folder, &error)) ||
+        (!options.KeepsQueue() && !NameForHost(&names, &queue, &error))) {
         return Refuse(BrokenOff, error);
     }
-    if (!options.KeepsQueue() && !NameForHost(&names, &queue, &error)) {
-        return Refuse(BrokenOff, error);
-    }
-    settings.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini",
-                      folder.LockDescriptor()};
-    settings.MaxTime = maxTime;
     settings.Grace = options.Grace;
     settings.Restart = options.Monitor;
 
@@ -156,30 +215,15 @@ ExitStatus RunDrawings(const RunOptions& options) {
     RunLedger ledger(queue, names);
     auto outcome = RunMonitor::Outcome::Ended;
     if (const std::size_t waiting = ledger.Count(DrawingStatus::ToDo); waiting > 0) {
-        std::vector<std::string> drawings;
-        for (const QueueEntry& entry : queue) {
-            drawings.push_back(entry.Path);
+        const bool several = options.Jobs > 1 && waiting > 1;
+        RunParts parts = several ? SeveralHosts(options, folder, queue, names, settings, &error)
+                                 : OneHost(options, folder, queue, names, settings);
+        if (parts.Ledgers.empty()) {
+            return Refuse(BrokenOff, error);
         }
         Signals signals;
         Progress progress(waiting, options.Quiet);
-        RunMonitor monitor(std::move(settings), &ledger, &progress, &signals);
-        outcome =
-            monitor.Run(options.KeepsQueue() ? ContinueCommands(options) : StartCommands(options, drawings),
-                        RestartCommands(options), &error);
-        if (outcome == RunMonitor::Outcome::Broken) {
-            progress.Note(error);
-        }
-        QueueFile saved;
-        if (!saved.Load(folder.StateFile(), &error)) {
-            progress.Note(error);
-            outcome = RunMonitor::Outcome::Broken;
-        } else if (!ledger.Reconcile(saved.Entries())) {
-            progress.Note((monitor.Complaint().empty()
-                               ? folder.StateFile() + ": the state was not saved to its end"
-                               : monitor.Complaint()) +
-                          "; what stands there is older than the list below");
-            outcome = RunMonitor::Outcome::Broken;
-        }
+        outcome = Work(folder, std::move(parts), &ledger, &progress, &signals);
     }
     PrintReport(ledger.Records(), options,
                 std::chrono::duration<double>(RunLedger::Clock::now() - started).count());

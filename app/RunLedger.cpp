@@ -69,6 +69,14 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
     return settled;
 }
 
+void RunLedger::Adopt(const RunLedger& share) {
+    for (const auto& [path, index] : share.indices) {
+        if (DrawingRecord* record = Find(path)) {
+            *record = share.records[index];
+        }
+    }
+}
+
 bool RunLedger::Reconcile(const std::vector<QueueEntry>& saved) {
     bool same = true;
     std::size_t found = 0;

@@ -36,6 +36,8 @@ class RunLedger {
     /// The run or the host has ended: settles the drawing in work, if there is one. host is empty or how the
     /// host died.
     const DrawingRecord* Settle(Clock::time_point now, const std::string& host = {});
+    /// Takes over what another ledger knows of drawings that stand here too.
+    void Adopt(const RunLedger& share);
     /// Takes over the statuses on disk. False when a drawing stands there as less than was told here: the
     /// state was not saved.
     bool Reconcile(const std::vector<QueueEntry>& saved);

@@ -1,9 +1,6 @@
 #include "app/RunMonitor.h"
 
-#include <poll.h>
-#include <cerrno>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -22,93 +19,97 @@ constexpr const char* kCancel = "\3\3\3\3\3\3(TNL_Cancel_Batch)\n";
 
 }  // namespace
 
-RunMonitor::RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* progress, Signals* signals)
-    : settings(std::move(settings)), ledger(ledger), progress(progress), signals(signals) {}
-
-RunMonitor::Outcome RunMonitor::Run(const std::string& start, const std::string& resume, std::string* error) {
-    std::size_t deaths = 0;
-    for (const std::string* commands = &start;; commands = &resume) {
-        std::string cause;
-        switch (LiveOnce(*commands, &cause)) {
-            case Life::Finished:
-                return Outcome::Ended;
-            case Life::Interrupted:
-                return Outcome::Interrupted;
-            case Life::NeverBegan:
-                *error = "the run could not start: " + cause;
-                return Outcome::Broken;
-            case Life::Died:
-                break;
-        }
-        // A drawing that went well in between shows that the host as such works.
-        deaths = settledInLife > 0 ? 1 : deaths + 1;
-        if (!settings.Restart) {
-            *error = "the host " + cause;
-            return Outcome::Broken;
-        }
-        if (deaths == kDeathsInARow) {
-            *error = "the host " + cause + "; that is the third time in a row, so the run is broken off";
-            return Outcome::Broken;
-        }
-        if (ledger->Count(DrawingStatus::ToDo) == 0) {
-            progress->Note("the host " + cause);
-            return Outcome::Ended;
-        }
-        progress->Note("the host " + cause + "; it is started again for the rest");
-    }
+RunMonitor::RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* progress)
+    : settings(std::move(settings)), ledger(ledger), progress(progress) {
+    Launch();
 }
 
-RunMonitor::Life RunMonitor::LiveOnce(const std::string& commands, std::string* cause) {
-    HostProcess process;
-    host = &process;
+void RunMonitor::Launch() {
+    host = std::make_unique<HostProcess>();
     listener = {};
     phase = Phase::Starting;
     lastStep = RunLedger::Clock::now();
     lastWords.clear();
     settledInLife = 0;
     hung = false;
-    if (!process.Launch(settings.Files, settings.Place, cause)) {
-        return Life::NeverBegan;
+    std::string cause;
+    if (!host->Launch(settings.Files, settings.Place, &cause)) {
+        error = "the run could not start: " + cause;
+        outcome = Outcome::Broken;
+        host.reset();
+        return;
     }
-    process.Send(commands);
+    host->Send(everBegan ? settings.Resume : settings.Start);
+}
 
+void RunMonitor::AddDescriptors(std::vector<pollfd>* watched) const {
+    if (host) {
+        watched->push_back({host->OutputDescriptor(), POLLIN, 0});
+        watched->push_back({host->InputDescriptor(), POLLOUT, 0});
+    }
+}
+
+void RunMonitor::Step() {
+    if (!host) {
+        return;
+    }
+    host->Flush();
     std::vector<std::string> lines;
-    for (bool open = true; open;) {
-        pollfd watched[] = {{process.OutputDescriptor(), POLLIN, 0},
-                            {signals->Descriptor(), POLLIN, 0},
-                            {process.InputDescriptor(), POLLOUT, 0}};
-        poll(watched, 3, kRefreshMilliseconds);
-        ReactToSignals();
-        process.Flush();
-        lines.clear();
-        open = process.ReadLines(&lines);
-        for (const std::string& line : lines) {
-            Hear(line);
-        }
+    const bool open = host->ReadLines(&lines);
+    for (const std::string& line : lines) {
+        Hear(line);
+    }
+    if (open) {
         CheckPatience();
-        progress->Refresh(*ledger);
+    } else {
+        HostEnded();
     }
+}
 
-    const std::string end = process.Wait();
-    host = nullptr;
-    if (interrupts > 0) {
+void RunMonitor::HostEnded() {
+    const std::string end = host->Wait();
+    host.reset();
+    if (interrupted) {
         ledger->Settle(RunLedger::Clock::now());
-        return Life::Interrupted;
+        outcome = Outcome::Interrupted;
+    } else if (phase == Phase::Quitting) {
+        outcome = Outcome::Ended;
+    } else if (phase == Phase::Running) {
+        const std::string cause = hung ? "stopped answering, killed" : end;
+        std::string place;
+        if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now(), cause)) {
+            place = " at " + record->Path;
+            progress->Settled(*record);
+        }
+        ReactToDeath(cause + place, true);
+    } else if (!hung && end.starts_with("died")) {
+        ReactToDeath(end, false);
+    } else {
+        error = "the run could not start: the host " + (hung ? std::string("did not answer") : end) +
+                (lastWords.empty() ? "" : "; its last words: " + lastWords);
+        outcome = Outcome::Broken;
     }
-    if (phase == Phase::Quitting) {
-        return Life::Finished;
+}
+
+void RunMonitor::ReactToDeath(const std::string& cause, bool began) {
+    // A drawing that went well in between shows that the host as such works.
+    deaths = settledInLife > 0 ? 1 : deaths + 1;
+    if (settings.HostDied) {
+        settings.HostDied();
     }
-    if (phase == Phase::Starting) {
-        *cause = "the host " + (hung ? std::string("did not answer") : end) +
-                 (lastWords.empty() ? "" : "; its last words: " + lastWords);
-        return Life::NeverBegan;
+    if (!settings.Restart) {
+        error = "the host " + cause;
+        outcome = Outcome::Broken;
+    } else if (deaths == kDeathsInARow) {
+        error = "the host " + cause + "; that is the third time in a row, so the run is broken off";
+        outcome = Outcome::Broken;
+    } else if (began && ledger->Count(DrawingStatus::ToDo) == 0) {
+        progress->Note("the host " + cause);
+        outcome = Outcome::Ended;
+    } else {
+        progress->Note("the host " + cause + "; it is started again for the rest");
+        Launch();
     }
-    *cause = hung ? "did not answer past the time limit and was ended" : end;
-    if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now(), *cause)) {
-        *cause += " at " + record->Path;
-        progress->Settled(*record);
-    }
-    return Life::Died;
 }
 
 void RunMonitor::Hear(const std::string& text) {
@@ -121,6 +122,7 @@ void RunMonitor::Hear(const std::string& text) {
     switch (line.What) {
         case HostLine::Kind::RunStarted:
             phase = Phase::Running;
+            everBegan = true;
             lastStep = now;
             break;
         case HostLine::Kind::File:
@@ -151,20 +153,17 @@ void RunMonitor::Hear(const std::string& text) {
     }
 }
 
-void RunMonitor::ReactToSignals() {
-    const int count = signals->Take();
-    if (count == 0) {
+void RunMonitor::Interrupt() {
+    if (!host) {
         return;
     }
-    const bool first = interrupts == 0;
-    interrupts += count;
-    if (!first || count > 1 || phase == Phase::Starting) {
+    if (interrupted || phase == Phase::Starting) {
         host->Kill();
     } else if (phase == Phase::Running) {
-        progress->Note("cancelling; once more to end at once");
         lastStep = RunLedger::Clock::now();
         host->Send(kCancel);
     }
+    interrupted = true;
 }
 
 void RunMonitor::CheckPatience() {
@@ -174,7 +173,7 @@ void RunMonitor::CheckPatience() {
         over = waited > kStartPatience;
     } else if (phase == Phase::Quitting) {
         over = waited > kQuitPatience;
-    } else if (interrupts > 0) {
+    } else if (interrupted) {
         over = waited > kCancelPatience;
     } else {
         over = settings.MaxTime > 0 && waited > seconds(settings.MaxTime + settings.Grace);
@@ -183,4 +182,52 @@ void RunMonitor::CheckPatience() {
         hung = true;
         host->Kill();
     }
+}
+
+RunMonitor::Outcome WatchOver(std::vector<std::unique_ptr<RunMonitor>>& monitors, Progress* progress,
+                              Signals* signals, std::string* error) {
+    using Outcome = RunMonitor::Outcome;
+    bool interrupted = false;
+    bool broken = false;
+    for (;;) {
+        std::vector<pollfd> watched = {{signals->Descriptor(), POLLIN, 0}};
+        for (const auto& monitor : monitors) {
+            monitor->AddDescriptors(&watched);
+        }
+        if (watched.size() == 1) {
+            break;
+        }
+        poll(watched.data(), watched.size(), kRefreshMilliseconds);
+        if (const int count = signals->Take(); count > 0) {
+            if (!interrupted && count == 1) {
+                progress->Note("cancelling; once more to end at once");
+            }
+            interrupted = true;
+            for (int i = 0; i < count; ++i) {
+                for (const auto& monitor : monitors) {
+                    monitor->Interrupt();
+                }
+            }
+        }
+        const DrawingRecord* current = nullptr;
+        for (const auto& monitor : monitors) {
+            monitor->Step();
+            current = monitor->Ledger().Current() ? monitor->Ledger().Current() : current;
+            if (monitor->Result() == Outcome::Broken && !broken) {
+                broken = true;
+                *error = monitor->Error();
+                for (const auto& other : monitors) {
+                    other->Interrupt();
+                }
+            }
+        }
+        progress->Refresh(current);
+    }
+    for (const auto& monitor : monitors) {
+        if (monitor->Result() == Outcome::Broken && !broken) {
+            broken = true;
+            *error = monitor->Error();
+        }
+    }
+    return interrupted ? Outcome::Interrupted : broken ? Outcome::Broken : Outcome::Ended;
 }

@@ -1,63 +1,88 @@
 #pragma once
-// Watches over the host that does a run. The host and the module keep their own time limits; this is for what
+// Watches over a host that does a run. The host and the module keep their own time limits; this is for what
 // they cannot do themselves: a host that dies on a drawing, or hangs where no limit reaches it, is started
-// again on the rest of the queue, since the state on disk tells how far each drawing came.
+// again on the rest of the queue, since the state on disk tells how far each drawing came. A monitor does its
+// work in short steps and never waits, so that one loop can watch over several hosts.
 #include "app/HostLine.h"
 #include "app/HostProcess.h"
 #include "app/Progress.h"
 #include "app/RunLedger.h"
 #include "app/Signals.h"
 
+#include <poll.h>
+#include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 struct MonitorSettings {
     HostFiles Files;
     HostPlace Place;
+    /// What the first host is told, and what each later one is told.
+    std::string Start;
+    std::string Resume;
     /// Seconds; 0 is no limit, and then no host is taken for hanging.
     unsigned MaxTime = 60;
     unsigned Grace = 30;
     /// Start the host again when it dies.
     bool Restart = true;
+    /// Called when a host has died, before the next one starts.
+    std::function<void()> HostDied;
 };
 
 class RunMonitor {
   public:
-    enum class Outcome { Ended, Interrupted, Broken };
+    enum class Outcome { Working, Ended, Interrupted, Broken };
 
-    RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* progress, Signals* signals);
+    /// Starts the first host.
+    RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* progress);
 
-    /// Works the queue off. start is what the first host is told, resume each later one. Broken comes with
-    /// one line in error.
-    Outcome Run(const std::string& start, const std::string& resume, std::string* error);
-
+    Outcome Result() const { return outcome; }
+    /// One line when the outcome is Broken.
+    const std::string& Error() const { return error; }
+    const RunLedger& Ledger() const { return *ledger; }
     /// The module's last complaint about a file of the data folder that it could not write or read; empty
     /// when there was none.
     const std::string& Complaint() const { return complaint; }
 
+    /// Adds what there is to poll for.
+    void AddDescriptors(std::vector<pollfd>* watched) const;
+    /// Takes what has come from the host and reacts to it, and to its silence or its end.
+    void Step();
+    /// Cancels the drawing in work and ends the run; the host is killed when it was asked before.
+    void Interrupt();
+
   private:
-    /// How the life of one host ended.
-    enum class Life { Finished, Interrupted, NeverBegan, Died };
     /// What the host is at.
     enum class Phase { Starting, Running, Quitting };
 
-    Life LiveOnce(const std::string& commands, std::string* cause);
+    void Launch();
     void Hear(const std::string& text);
-    void ReactToSignals();
     void CheckPatience();
+    void HostEnded();
+    void ReactToDeath(const std::string& cause, bool began);
 
     MonitorSettings settings;
     RunLedger* ledger;
     Progress* progress;
-    Signals* signals;
+    Outcome outcome = Outcome::Working;
+    std::string error;
+    std::size_t deaths = 0;
+    bool everBegan = false;
+    bool interrupted = false;
 
     // Of the host that lives now.
-    HostProcess* host = nullptr;
+    std::unique_ptr<HostProcess> host;
     HostListener listener;
     Phase phase = Phase::Starting;
     RunLedger::Clock::time_point lastStep;
     std::string lastWords;
     std::size_t settledInLife = 0;
     bool hung = false;
-    int interrupts = 0;
     std::string complaint;
 };
+
+/// Works the queues of all monitors off. When one breaks off, so do the others. The worst outcome of all;
+/// Broken comes with one line in error.
+RunMonitor::Outcome WatchOver(std::vector<std::unique_ptr<RunMonitor>>& monitors, Progress* progress,
+                              Signals* signals, std::string* error);

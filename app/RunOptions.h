@@ -5,6 +5,10 @@
 #include <string>
 #include <vector>
 
+/// Limits in seconds of a new run that gives none.
+constexpr unsigned kDefaultMaxTime = 60;
+constexpr unsigned kDefaultAlarmTime = 40;
+
 struct RunOptions {
     enum class RetryKind { None, Failed, All };
 
@@ -29,6 +33,8 @@ struct RunOptions {
     std::string DataDir;
     std::string JsonFile;
     bool Quiet = false;
+    /// Number of hosts that share the queue.
+    unsigned Jobs = 1;
     /// Start the host again when it dies.
     bool Monitor = true;
     /// Seconds beyond MaxTime after which a host that does not move on is ended.

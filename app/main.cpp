@@ -1,4 +1,5 @@
 // The command line of tarnel.
+#include "app/BundleCommand.h"
 #include "app/RunCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -51,6 +52,10 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
         ->type_name("DIR");
     run->add_option("--json", options->JsonFile, "Write path, status, seconds and message of each drawing")
         ->type_name("FILE");
+    run->add_option("-j,--jobs", options->Jobs, "Number of hosts that share the drawings")
+        ->check(CLI::Range(1U, 256U))
+        ->type_name("N")
+        ->capture_default_str();
     run->add_flag("-q,--quiet", options->Quiet, "Print only what went wrong");
     run->add_flag_function(
         "--no-monitor", [options](std::int64_t) { options->Monitor = false; },
@@ -82,6 +87,10 @@ int main(int argc, char** argv) {
     RunOptions options;
     CLI::App* run = app.add_subcommand("run", "Run a script over drawings");
     DeclareRun(run, &options);
+    CLI::App* bundle = app.add_subcommand("bundle", "Pack what support needs of the last run");
+    std::string bundleDir;
+    bundle->add_option("--data-dir", bundleDir, "Folder with the state and the logs instead of the user's")
+        ->type_name("DIR");
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& wanted) {
@@ -89,6 +98,9 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& wrong) {
         std::fprintf(stderr, "tarnel: %s (tarnel run --help tells what there is)\n", wrong.what());
         return WrongUsage;
+    }
+    if (bundle->parsed()) {
+        return MakeBundle(bundleDir, TARNEL_VERSION);
     }
     if (const std::string wrong = CheckUsage(options); !wrong.empty()) {
         std::fprintf(stderr, "tarnel: %s\n", wrong.c_str());

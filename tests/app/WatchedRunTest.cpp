@@ -68,7 +68,7 @@ TEST_F(WatchedRun, BringsADeadHostBackForTheRest) {
     EXPECT_EQ(HostStarts(), 3U);
     EXPECT_THAT(result.Out, HasSubstr("3 Done, 2 Error"));
     EXPECT_THAT(result.Out, HasSubstr("the host died, signal 11"));
-    EXPECT_THAT(result.Out, HasSubstr("the host did not answer past the time limit"));
+    EXPECT_THAT(result.Out, HasSubstr("the host stopped answering, killed"));
     EXPECT_THAT(Read(Folder / "r.json"), HasSubstr("\"host\": \"died, signal 11\""));
 
     const ProgramResult unwatched = Run(Arguments({"die.dxf", "b.dxf"}, {"--no-monitor"}));

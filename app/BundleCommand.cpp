@@ -1,0 +1,30 @@
+#include "app/BundleCommand.h"
+
+#include "app/DataFolder.h"
+#include "app/JobFolders.h"
+#include "log/SupportBundle.h"
+#include "log/SupportInfo.h"
+
+#include <cstdio>
+#include <filesystem>
+
+ExitStatus MakeBundle(const std::string& dataDir, const char* version) {
+    DataFolder folder(dataDir);
+    std::string error;
+    if (!std::filesystem::exists(folder.StateFile())) {
+        error = folder.Path() + ": no run was started here, so there is nothing to pack";
+    } else if (folder.Lock(&error) && GatherJobs(folder, &error)) {
+        SupportInfo info;
+        info.Version = QString::fromLatin1(version);
+        info.DataDir = QString::fromStdString(folder.Path());
+        const SupportResult result =
+            PackSupportBundle(SupportFilesIn(info.DataDir), SupportInfoBytes(SupportInfoText(info)));
+        if (result.Error.isEmpty()) {
+            std::printf("%s\n", result.Archive.toStdString().c_str());
+            return AllDone;
+        }
+        error = result.Error.toStdString();
+    }
+    std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+    return BrokenOff;
+}

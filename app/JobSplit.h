@@ -1,0 +1,12 @@
+#pragma once
+// Deals a queue out to several hosts. The split is made once, before the hosts start: a drawing that only one
+// state file names can never be given to two hosts, whatever dies when. What makes it fair is the size of the
+// files, since reading and saving take most of the time: the largest drawing goes first, each to the host
+// that has least so far.
+#include "app/QueueFile.h"
+
+#include <vector>
+
+/// The drawings of each host that are still ToDo, in the order of the queue. No host is left without one:
+/// there are fewer shares when there are fewer drawings.
+std::vector<std::vector<QueueEntry>> SplitBySize(const std::vector<QueueEntry>& queue, unsigned jobs);

@@ -1,0 +1,293 @@
+#include "app/RunLogs.h"
+
+#include "log/ZipArchive.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kLog = "/tnl log.html";
+constexpr const char* kArchive = "/TNLLog.zip";
+constexpr int kLevel = 9;
+
+/// A run log with the archive that belongs to it.
+struct Part {
+    std::string Log;
+    std::string Archive;
+};
+
+std::string ReadText(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+std::string AsideName(const std::string& folder, const char* file, int number) {
+    return folder + file + ".part-" + std::to_string(number);
+}
+
+/// What was set aside in a folder, oldest first, and what stands there under the usual names.
+std::vector<Part> PartsIn(const std::string& folder, bool asideOnly = false) {
+    std::vector<Part> parts;
+    for (int number = 1; fs::exists(AsideName(folder, kLog, number)); ++number) {
+        parts.push_back({AsideName(folder, kLog, number), AsideName(folder, kArchive, number)});
+    }
+    if (!asideOnly && fs::exists(folder + kLog)) {
+        parts.push_back({folder + kLog, folder + kArchive});
+    }
+    return parts;
+}
+
+/// The lines of a log without its frame.
+std::vector<std::string> LinesOf(std::string text) {
+    for (const std::string_view frame : {"<html><body>", "</body></html>"}) {
+        for (std::size_t at; (at = text.find(frame)) != std::string::npos;) {
+            text.erase(at, frame.size());
+        }
+    }
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        // The last line of a host that was killed may be cut off.
+        if (line.ends_with("<br />")) {
+            lines.push_back(std::move(line));
+        }
+    }
+    return lines;
+}
+
+/// Names under which the logs of the drawings are linked.
+std::unordered_set<std::string> LinksOf(const std::string& text) {
+    constexpr std::string_view mark = "<span id=\"";
+    std::unordered_set<std::string> links;
+    for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at)) {
+        at += mark.size();
+        links.insert(text.substr(at, std::min(text.find('"', at), text.size()) - at));
+    }
+    return links;
+}
+
+/// As the module makes it of the path of a host's log.
+std::string LinkOf(std::string path) {
+    std::replace(path.begin(), path.end(), ':', '-');
+    std::replace(path.begin(), path.end(), '\\', '_');
+    std::replace(path.begin(), path.end(), '/', '_');
+    return path;
+}
+
+/// The time of a line, in the form of the user's locale; that of the line before when it has none.
+std::time_t TimeOf(const std::string& line, std::time_t before) {
+    static const locale_t user = newlocale(LC_TIME_MASK, "", locale_t{});
+    constexpr std::string_view head = "<span>";
+    std::tm time{};
+    time.tm_isdst = -1;
+    const bool known = line.starts_with(head) && user &&
+                       strptime_l(line.c_str() + head.size(), "%x %X", &time, user) != nullptr;
+    return known ? std::mktime(&time) : before;
+}
+
+std::string MergedText(const std::vector<Part>& parts) {
+    struct Line {
+        std::time_t Time;
+        std::string Text;
+    };
+    std::vector<Line> lines;
+    std::vector<Line> starts;
+    std::vector<Line> ends;
+    for (const Part& part : parts) {
+        std::time_t time = 0;
+        for (std::string& text : LinesOf(ReadText(part.Log))) {
+            time = TimeOf(text, time);
+            auto& kind = text.find(">Batch started<") != std::string::npos     ? starts
+                         : text.find(">Batch completed<") != std::string::npos ? ends
+                                                                               : lines;
+            kind.push_back({time, std::move(text)});
+        }
+    }
+    const auto earlier = [](const Line& left, const Line& right) { return left.Time < right.Time; };
+    std::stable_sort(lines.begin(), lines.end(), earlier);
+    std::string text = "<html><body>";
+    if (!starts.empty()) {
+        text += std::min_element(starts.begin(), starts.end(), earlier)->Text + "\r\n";
+    }
+    for (const Line& line : lines) {
+        text += line.Text + "\r\n";
+    }
+    if (!ends.empty()) {
+        text += std::max_element(ends.begin(), ends.end(), earlier)->Text + "\r\n";
+    }
+    return text + "</body></html>";
+}
+
+bool WriteText(const std::string& path, const std::string& text, std::string* error) {
+    const std::string beside = path + ".new";
+    std::ofstream out(beside, std::ios::binary | std::ios::trunc);
+    out << text;
+    out.close();
+    if (!out || std::rename(beside.c_str(), path.c_str()) != 0) {
+        *error = path + ": cannot be written: " + std::strerror(errno);
+        std::remove(beside.c_str());
+        return false;
+    }
+    return true;
+}
+
+/// Copies the entries that a part's log links to; others are of a run before.
+void CopyEntries(const Part& part, std::unordered_set<std::string>* have, CZipArchive* target) {
+    CZipArchive source;
+    if (!fs::exists(part.Archive)) {
+        return;
+    }
+    if (!source.Open(part.Archive, CZipArchive::Existing)) {
+        throw CZipException(CZipException::ReadError, part.Archive, std::strerror(errno));
+    }
+    const std::unordered_set<std::string> links = LinksOf(ReadText(part.Log));
+    for (int i = 0; i < source.Count(); ++i) {
+        CFileHeader header;
+        source.GetFileInfo(header, i);
+        if (links.contains(header.Name) && have->insert(header.Name).second) {
+            const std::string content = source.ReadWholeFile(i);
+            CFileHeader fresh;
+            fresh.Name = header.Name;
+            fresh.ModTime = header.ModTime;
+            fresh.ModDate = header.ModDate;
+            target->OpenNewFile(fresh, kLevel);
+            target->WriteNewFile(content.data(), content.size());
+            target->CloseNewFile();
+        }
+    }
+}
+
+/// Packs the logs of the drawings that a dead host has left behind.
+void PackLeftLogs(const Part& part, const std::string& hostLogs) {
+    const std::unordered_set<std::string> links = LinksOf(ReadText(part.Log));
+    std::vector<fs::path> left;
+    std::error_code failure;
+    for (fs::directory_iterator walk(hostLogs, failure), end; !failure && walk != end;
+         walk.increment(failure)) {
+        if (links.contains(LinkOf(walk->path().string()))) {
+            left.push_back(walk->path());
+        }
+    }
+    if (left.empty()) {
+        return;
+    }
+    std::sort(left.begin(), left.end());
+    CZipArchive archive;
+    const bool isThere = fs::exists(part.Archive);
+    if (!archive.Open(part.Archive, isThere ? CZipArchive::Existing : CZipArchive::Create)) {
+        throw CZipException(CZipException::WriteError, part.Archive, std::strerror(errno));
+    }
+    for (const fs::path& log : left) {
+        CFileHeader header;
+        header.Name = LinkOf(log.string());
+        if (archive.FindFile(header.Name, true) < 0) {
+            const std::string content = ReadText(log);
+            archive.OpenNewFile(header, kLevel, log.c_str());
+            archive.WriteNewFile(content.data(), content.size());
+            archive.CloseNewFile();
+        }
+    }
+    archive.Close();
+    for (const fs::path& log : left) {
+        fs::remove(log, failure);
+    }
+}
+
+}  // namespace
+
+bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::string* error) {
+    if (!fs::exists(folder + kLog)) {
+        return true;
+    }
+    const int number = static_cast<int>(PartsIn(folder, true).size()) + 1;
+    const Part part = {AsideName(folder, kLog, number), AsideName(folder, kArchive, number)};
+    // The archive first: a part is known by its log.
+    std::remove(part.Archive.c_str());
+    if ((fs::exists(folder + kArchive) &&
+         std::rename((folder + kArchive).c_str(), part.Archive.c_str()) != 0) ||
+        std::rename((folder + kLog).c_str(), part.Log.c_str()) != 0) {
+        *error = part.Log + ": the log cannot be set aside: " + std::strerror(errno);
+        return false;
+    }
+    try {
+        PackLeftLogs(part, hostLogs);
+    } catch (const CZipException& failure) {
+        *error = failure.what();
+        return false;
+    }
+    return true;
+}
+
+bool HasLogsAside(const std::string& folder) {
+    return fs::exists(AsideName(folder, kLog, 1));
+}
+
+void DropLogsAside(const std::string& folder) {
+    const std::vector<Part> parts = PartsIn(folder, true);
+    // The last first, so that those that are left still count from one.
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+        std::remove(part->Log.c_str());
+        std::remove(part->Archive.c_str());
+    }
+}
+
+bool MergeLogs(const std::vector<std::string>& folders, const std::string& target, std::string* error) {
+    std::vector<Part> parts;
+    for (const std::string& folder : folders) {
+        const std::vector<Part> found = PartsIn(folder);
+        parts.insert(parts.end(), found.begin(), found.end());
+    }
+    if (parts.empty()) {
+        return true;
+    }
+    try {
+        CZipArchive archive;
+        if (!archive.Open(target + kArchive, CZipArchive::Create)) {
+            *error = target + kArchive + ": cannot be written: " + std::strerror(errno);
+            return false;
+        }
+        std::unordered_set<std::string> have;
+        for (const Part& part : parts) {
+            CopyEntries(part, &have, &archive);
+        }
+        const std::string text = MergedText(parts);
+        archive.Close();
+        if (!WriteText(target + kLog, text, error)) {
+            return false;
+        }
+    } catch (const CZipException& failure) {
+        *error = failure.what();
+        return false;
+    }
+    DropLogsAside(target);
+    return true;
+}
+
+std::string HostLogFolder(const std::string& stateHome) {
+    if (!stateHome.empty()) {
+        return stateHome + "/drafthost";
+    }
+    const char* state = std::getenv("XDG_STATE_HOME");
+    if (state && *state == '/') {
+        return std::string(state) + "/drafthost";
+    }
+    const char* home = std::getenv("HOME");
+    return home && *home == '/' ? std::string(home) + "/.local/state/drafthost" : "/tmp";
+}

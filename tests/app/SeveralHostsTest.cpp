@@ -1,0 +1,204 @@
+// Runs whose hosts die, one host or several, with the real programs: nothing is lost, nothing is done twice,
+// and one log and one archive tell of it all.
+#include "tests/app/Program.h"
+
+#include "app/JobSplit.h"
+#include "log/ZipArchive.h"
+
+#include <gmock/gmock.h>
+#include <csignal>
+#include <fstream>
+#include <map>
+#include <set>
+#include <thread>
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+class SeveralHosts : public ProgramTest {
+  protected:
+    /// Small drawings, and a script that writes a line to Folder/tally for each drawing that it finishes.
+    std::vector<std::string> Arguments(std::size_t count, const std::string& before,
+                                       std::vector<std::string> options) {
+        for (std::size_t i = 0; i < count; ++i) {
+            Drawings.push_back(Write("p" + std::to_string(1000 + i) + ".dxf", "0\nEOF\n"));
+            options.push_back(Drawings.back());
+        }
+        const std::string script = Write("s.scr", before + "(setq f (open \"" + (Folder / "tally").string() +
+                                                      "\" \"a\")) (write-line currentfile f) (close f)\n");
+        options.insert(options.begin(), {"--script", script});
+        return options;
+    }
+    std::map<std::string, int> Tally() const {
+        std::map<std::string, int> tally;
+        std::ifstream in(Folder / "tally");
+        for (std::string line; std::getline(in, line);) {
+            ++tally[line];
+        }
+        return tally;
+    }
+    std::size_t CountInState(int status) const {
+        const std::string text = Read(StateFile());
+        const std::string mark = "Status=\"" + std::to_string(status) + "\"";
+        std::size_t count = 0;
+        for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1)) {
+            ++count;
+        }
+        return count;
+    }
+    std::size_t LinesInTally() const {
+        std::size_t lines = 0;
+        for (const auto& [name, count] : Tally()) {
+            lines += static_cast<std::size_t>(count);
+        }
+        return lines;
+    }
+    /// Waits until so many more drawings are finished, then kills one of the front's hosts.
+    void KillAHost(pid_t front, std::size_t after) const {
+        WaitForTally(LinesInTally() + after);
+        const std::string number = std::to_string(front);
+        std::ifstream children("/proc/" + number + "/task/" + number + "/children");
+        pid_t host = 0;
+        children >> host;
+        ASSERT_GT(host, 0) << "the run was over before its host could be killed";
+        kill(host, SIGKILL);
+    }
+    void WaitForTally(std::size_t lines) const {
+        for (int tries = 0; tries < 4000 && LinesInTally() < lines; ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+    /// Each drawing that was opened stands in the run log, between one start and one end; what its host had
+    /// begun to write lies in the archive.
+    void ExpectWholeLog(std::size_t atLeastPacked) const {
+        const std::string log = Read(Folder / "data/Ovrix/tnl log.html");
+        const std::string state = Read(StateFile());
+        for (const std::string& drawing : Drawings) {
+            // A host that was killed while it opened a drawing had not written its line yet.
+            if (state.find("Status=\"2\">" + drawing + "<") != std::string::npos) {
+                continue;
+            }
+            EXPECT_NE(log.find(">" + drawing + "</span>"), std::string::npos) << drawing;
+        }
+        EXPECT_EQ(log.find("Batch started"), log.rfind("Batch started"));
+        EXPECT_EQ(log.find("Batch completed"), log.rfind("Batch completed"));
+        EXPECT_THAT(log, testing::EndsWith("Batch completed</font></span><br />\r\n</body></html>"));
+        CZipArchive archive;
+        ASSERT_TRUE(archive.Open(Folder / "data/Ovrix/TNLLog.zip", CZipArchive::Existing));
+        EXPECT_GE(static_cast<std::size_t>(archive.Count()), atLeastPacked);
+        for (int i = 0; i < archive.Count(); ++i) {
+            CFileHeader header;
+            archive.GetFileInfo(header, i);
+            EXPECT_THAT(log, HasSubstr("id=\"" + header.Name + "\"")) << "a log that nothing links to";
+            archive.ReadWholeFile(i);
+        }
+        EXPECT_FALSE(fs::exists(Folder / "data/Ovrix/job-1"));
+    }
+
+    std::vector<std::string> Drawings;
+};
+
+const std::string kDawdle = "(setq i 0) (while (< i 20000) (setq i (1+ i)))\n";
+const std::string kCrash = "(arxload \"" CRASH_MODULE "\")\n(command \"CRASH\")\n";
+
+TEST_F(SeveralHosts, ACrashCostsOneDrawingAndOneRestart) {
+    const std::vector<std::string> arguments =
+        Arguments(5, "(if (= currentfile \"p1002\") (progn " + kCrash + "))\n", {"--json", "r.json"});
+    const ProgramResult result = Run(arguments);
+    EXPECT_EQ(result.Status, 1);
+    EXPECT_THAT(result.Out, HasSubstr("4 Done, 1 Error"));
+    EXPECT_THAT(result.Out, HasSubstr(Drawings[2] + "\n         the host died, signal 11\n"));
+    EXPECT_EQ(result.Errors.find("started again"), result.Errors.rfind("started again")) << result.Errors;
+    EXPECT_THAT(result.Errors, HasSubstr("started again"));
+    EXPECT_THAT(Read(Folder / "r.json"), HasSubstr("\"host\": \"died, signal 11\""));
+    EXPECT_THAT(Tally(), ElementsAre(testing::Pair("p1000", 1), testing::Pair("p1001", 1),
+                                     testing::Pair("p1003", 1), testing::Pair("p1004", 1)));
+    ExpectWholeLog(4);
+}
+
+TEST_F(SeveralHosts, ThreeCrashesInARowEndTheRunOfAllHosts) {
+    for (const char* jobs : {"1", "2"}) {
+        Drawings.clear();
+        const ProgramResult result = Run(Arguments(9, kCrash, {"--jobs", jobs}));
+        EXPECT_EQ(result.Status, 3);
+        EXPECT_THAT(result.Errors, HasSubstr("third time in a row"));
+        EXPECT_GT(CountInState(0), 0U) << "what was not reached still waits";
+        EXPECT_THAT(result.Out, HasSubstr("--resume"));
+    }
+}
+
+TEST_F(SeveralHosts, KilledHostsLoseNothingAndDoNothingTwice) {
+    const std::vector<std::string> arguments = Arguments(200, kDawdle, {"--jobs", "2"});
+    const ProgramResult result = Run(arguments, [this](pid_t front) {
+        for (int i = 0; i < 3; ++i) {
+            KillAHost(front, 8);
+        }
+    });
+    EXPECT_NE(result.Errors.find("started again"), std::string::npos) << result.Errors;
+    EXPECT_THAT(result.Out, HasSubstr("200 drawings in "));
+    const std::size_t done = CountInState(1);
+    EXPECT_GE(done, 197U);
+    EXPECT_EQ(CountInState(0), 0U);
+    ExpectWholeLog(done);
+
+    // What was in work when its host was killed is the one thing that is left to do.
+    const std::size_t before = LinesInTally();
+    if (done < 200) {
+        EXPECT_EQ(Run({"--retry", "failed", "--jobs", "2"}).Status, 0);
+    }
+    EXPECT_EQ(LinesInTally() - before, 200 - done) << "a drawing that was Done ran again";
+    EXPECT_EQ(CountInState(1), 200U);
+    EXPECT_EQ(Tally().size(), 200U);
+}
+
+TEST_F(SeveralHosts, AKilledFrontGoesOnWithOneHostOrSeveral) {
+    for (const char* jobs : {"1", "3"}) {
+        Drawings.clear();
+        fs::remove(Folder / "tally");
+        Run(Arguments(120, kDawdle, {"--jobs", "3"}), [this](pid_t front) {
+            WaitForTally(20);
+            kill(front, SIGKILL);
+        });
+        ProgramResult resumed;
+        do {  // The lock is free once the hosts are dead too.
+            usleep(20000);
+            resumed = Run({"--resume", "--jobs", jobs});
+        } while (resumed.Status == 3 && resumed.Errors.find("another run") != std::string::npos);
+        EXPECT_LE(resumed.Status, 1) << resumed.Errors;
+        EXPECT_EQ(CountInState(0), 0U);
+        EXPECT_GE(CountInState(1), 117U);
+        EXPECT_LE(LinesInTally(), 120U) << "a drawing ran again";
+        ExpectWholeLog(CountInState(1));
+    }
+}
+
+TEST_F(SeveralHosts, SharesAreFairWholeAndInOrder) {
+    std::vector<QueueEntry> queue;
+    for (const std::size_t size : {900, 10, 300, 20, 300, 30, 300}) {
+        queue.push_back({Write(std::to_string(queue.size()) + ".dxf", std::string(size * 1024, ' ')),
+                         DrawingStatus::ToDo});
+    }
+    queue[1].Status = DrawingStatus::Done;
+    const auto shares = SplitBySize(queue, 2);
+    ASSERT_EQ(shares.size(), 2U);
+    std::set<std::string> given;
+    for (const auto& share : shares) {
+        std::uintmax_t size = 0;
+        std::string last;
+        for (const QueueEntry& entry : share) {
+            EXPECT_TRUE(given.insert(entry.Path).second);
+            EXPECT_LT(last, entry.Path);
+            last = entry.Path;
+            size += fs::file_size(entry.Path);
+        }
+        EXPECT_GE(size, 900U * 1024);
+    }
+    EXPECT_EQ(given.size(), 6U);
+    EXPECT_EQ(SplitBySize(queue, 50).size(), 6U) << "no host without a drawing";
+}
+
+}  // namespace
