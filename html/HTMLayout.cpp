@@ -1,0 +1,318 @@
+#include "html/HTMLayout.h"
+
+#include "html/HtmlResources.h"
+
+#include <QFile>
+#include <QPainter>
+#include <QPaintEvent>
+#include <QScrollBar>
+
+namespace {
+
+// Defaults of the elements that the module's pages use.
+constexpr const char* MasterStyle = R"css(
+html { display: block; height: 100%; width: 100%; position: relative; }
+head, style, script, title, meta, link, base { display: none; }
+body { display: block; margin: 8px; color: windowtext; }
+div, p, h1, h2, h3, h4, ul, ol, form, center, hr, pre, blockquote, dl { display: block; }
+p { margin: 1em 0; }
+h1 { font-size: 2em; font-weight: bold; margin: .67em 0; }
+h2 { font-size: 1.5em; font-weight: bold; margin: .75em 0; }
+h3 { font-size: 1.17em; font-weight: bold; margin: .83em 0; }
+h4 { font-weight: bold; margin: 1.12em 0; }
+b, strong { font-weight: bold; }
+i, em { font-style: italic; }
+u { text-decoration: underline; }
+small { font-size: .83em; }
+big { font-size: 1.17em; }
+center { text-align: center; }
+a { color: linktext; text-decoration: underline; cursor: pointer; }
+ul, ol { margin: 1em 0; padding-left: 40px; }
+ul { list-style-type: disc; }
+ol { list-style-type: decimal; }
+li { display: list-item; }
+hr { margin: .5em 0; border-top: 1px solid graytext; height: 0; }
+pre { font-family: monospace; white-space: pre; margin: 1em 0; }
+tt, code { font-family: monospace; }
+table { display: table; border-collapse: separate; border-spacing: 2px; }
+tr { display: table-row; }
+td, th { display: table-cell; padding: 1px; vertical-align: inherit; }
+th { font-weight: bold; text-align: center; }
+img, input, button { display: inline-block; }
+)css";
+
+/// Line ends inside <pre> become marks, see PreLineEnd.
+QString markPreLineEnds(const QString& html) {
+    QString marked;
+    marked.reserve(html.size());
+    qsizetype at = 0;
+    while (true) {
+        const qsizetype begin = html.indexOf(QLatin1String("<pre"), at, Qt::CaseInsensitive);
+        if (begin < 0)
+            break;
+        qsizetype end = html.indexOf(QLatin1String("</pre"), begin, Qt::CaseInsensitive);
+        if (end < 0)
+            end = html.size();
+        qsizetype text = html.indexOf(u'>', begin);
+        text = text < 0 || text > end ? end : text + 1;
+        marked += QStringView(html).mid(at, text - at);
+        QString inside = html.mid(text, end - text);
+        inside.remove(u'\r');
+        if (inside.startsWith(u'\n'))
+            inside.remove(0, 1);
+        inside.replace(u'\n', QChar(PreLineEnd));
+        marked += inside;
+        at = end;
+    }
+    marked += QStringView(html).mid(at);
+    return marked;
+}
+
+}  // namespace
+
+CHTMLayout::CHTMLayout(QWidget* parent) : QAbstractScrollArea(parent), HtmlPainter(this) {
+    context.load_master_stylesheet(MasterStyle);
+    ImageData = [this](const QString& uri) { return loadData(uri); };
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::StrongFocus);
+    viewport()->setMouseTracking(true);
+    viewport()->setAutoFillBackground(true);
+    verticalScrollBar()->setSingleStep(fontMetrics().height());
+}
+
+CHTMLayout::~CHTMLayout() {
+    controls.clear();
+    document.reset();
+}
+
+bool CHTMLayout::LoadHtml(const QString& text) {
+    source = text;
+    load();
+    return true;
+}
+
+bool CHTMLayout::LoadHtml(const QByteArray& narrow) {
+    return LoadHtml(QString::fromLocal8Bit(narrow));
+}
+
+bool CHTMLayout::LoadHtmlResource(const QString& name) {
+    const QByteArray page = FindHtmlResource(name, HtmlResourceKind::Page);
+    return !page.isEmpty() && LoadHtml(QString::fromUtf8(page));
+}
+
+bool CHTMLayout::LoadFile(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    return LoadHtml(QString::fromUtf8(file.readAll()));
+}
+
+HtmlElement CHTMLayout::GetRoot() {
+    return document ? HtmlElement(this, document->root()) : HtmlElement();
+}
+
+QSize CHTMLayout::sizeHint() const {
+    return document ? QSize(document->width(), document->height()) : QAbstractScrollArea::sizeHint();
+}
+
+void CHTMLayout::load() {
+    controls.clear();
+    runs.clear();
+    runsKnown = false;
+    anchor = caret = {-1, 0};
+    pressed = focusedLink = HtmlElement();
+    selecting = false;
+    forgetImages();
+    document =
+        litehtml::document::createFromUTF8(markPreLineEnds(source).toUtf8().constData(), this, &context);
+    horizontalScrollBar()->setValue(0);
+    verticalScrollBar()->setValue(0);
+    if (document)
+        collectControls(document->root());
+    layOut();
+}
+
+void CHTMLayout::collectControls(const litehtml::element::ptr& element) {
+    if (dynamic_cast<HtmlControl*>(element.get()) != nullptr)
+        controls.push_back(element);
+    const auto count = static_cast<int>(element->get_children_count());
+    for (int i = 0; i < count; ++i)
+        collectControls(element->get_child(i));
+}
+
+void CHTMLayout::layOut() {
+    if (!document)
+        return;
+    runsKnown = false;
+    document->render(viewport()->width());
+    const QSize page(document->width(), document->height());
+    verticalScrollBar()->setPageStep(viewport()->height());
+    verticalScrollBar()->setRange(0, std::max(0, page.height() - viewport()->height()));
+    horizontalScrollBar()->setPageStep(viewport()->width());
+    horizontalScrollBar()->setRange(0, std::max(0, page.width() - viewport()->width()));
+    placeControls();
+    viewport()->update();
+}
+
+void CHTMLayout::placeControls() {
+    QWidget* before = this;
+    for (const litehtml::element::ptr& element : controls) {
+        QWidget* field = dynamic_cast<HtmlControl&>(*element).ControlWidget(viewport());
+        if (field == nullptr)
+            continue;
+        field->installEventFilter(this);
+        field->setGeometry(
+            ElementBox(element).translated(-horizontalScrollBar()->value(), -verticalScrollBar()->value()));
+        field->show();
+        QWidget::setTabOrder(before, field);
+        before = field;
+    }
+}
+
+QRect CHTMLayout::ElementBox(const litehtml::element::ptr& element) {
+    const litehtml::position place = element->get_placement();
+    const litehtml::margins padding = element->get_paddings();
+    const litehtml::margins border = element->get_borders();
+    if (place.width > 0 || place.height > 0) {
+        return {place.x - padding.left - border.left, place.y - padding.top - border.top,
+                place.width + padding.width() + border.width(),
+                place.height + padding.height() + border.height()};
+    }
+    // An inline element has no box of its own: its boxes stand in the nearest element that is not inline.
+    litehtml::position::vector boxes;
+    element->get_inline_boxes(boxes);
+    litehtml::element::ptr outer = element->parent();
+    while (outer && outer->get_display() == litehtml::display_inline)
+        outer = outer->parent();
+    const litehtml::position origin = outer ? outer->get_placement() : litehtml::position();
+    QRect all;
+    for (const litehtml::position& box : boxes)
+        all |= toRect(box).translated(origin.x, origin.y);
+    return all;
+}
+
+void CHTMLayout::ReplaceChildren(const litehtml::element::ptr& element, const QString& html) {
+    element->clearRecursive();
+    document->append_children_from_utf8(*element, markPreLineEnds(html).toUtf8().constData());
+    // The engine parses a whole page and hangs its html element in; only what stands in the body is wanted.
+    litehtml::element::ptr body;
+    const litehtml::element::ptr wrapper =
+        element->get_children_count() > 0 ? element->get_child(0) : litehtml::element::ptr();
+    if (wrapper) {
+        const auto count = static_cast<int>(wrapper->get_children_count());
+        for (int i = 0; i < count; ++i) {
+            if (wrapper->get_child(i)->is_body())
+                body = wrapper->get_child(i);
+        }
+    }
+    if (body) {
+        std::vector<litehtml::element::ptr> moved;
+        const auto count = static_cast<int>(body->get_children_count());
+        for (int i = 0; i < count; ++i)
+            moved.push_back(body->get_child(i));
+        for (const auto& child : moved) {
+            body->removeChild(child);
+            element->appendChild(child);
+        }
+        element->removeChild(wrapper);
+    }
+    element->parse_styles(true);
+    controls.clear();
+    collectControls(document->root());
+    layOut();
+}
+
+litehtml::element::ptr CHTMLayout::create_element(const char* tag, const litehtml::string_map& attributes,
+                                                  const std::shared_ptr<litehtml::document>& owner) {
+    return MakeHtmlElement(QString::fromUtf8(tag), attributes, owner, this);
+}
+
+QByteArray CHTMLayout::loadData(const QString& uri) {
+    LoadDataRequest request{uri, {}};
+    Q_EMIT OnLoadData(request);
+    if (!request.Data.isEmpty())
+        return request.Data;
+    QString name = uri.toLower();
+    // A style sheet is looked up by its whole address, "res:" included.
+    if (name.contains(QLatin1String(".css")))
+        return FindHtmlResource(name, HtmlResourceKind::Page);
+    if (name.startsWith(QLatin1String("res:")))
+        name.remove(0, 4);
+    return FindHtmlResource(name, HtmlResourceKind::Data);
+}
+
+void CHTMLayout::import_css(std::string& text, const std::string& url, std::string& /*baseUrl*/) {
+    text = loadData(QString::fromStdString(url)).toStdString();
+}
+
+void CHTMLayout::get_client_rect(litehtml::position& client) const {
+    client = litehtml::position(0, 0, viewport()->width(), viewport()->height());
+}
+
+void CHTMLayout::paintEvent(QPaintEvent* event) {
+    QPainter painter(viewport());
+    painter.fillRect(event->rect(), palette().color(QPalette::Base));
+    if (!document)
+        return;
+    const int x = -horizontalScrollBar()->value();
+    const int y = -verticalScrollBar()->value();
+    if (anchor.first >= 0 && anchor != caret) {
+        const auto [from, to] = std::minmax(anchor, caret);
+        const std::vector<HtmlTextRun>& all = textRuns();
+        QPalette::ColorGroup group = hasFocus() ? QPalette::Active : QPalette::Inactive;
+        QColor shade = palette().color(group, QPalette::Highlight);
+        painter.save();
+        litehtml::position clip(event->rect().x(), event->rect().y(), event->rect().width(),
+                                event->rect().height());
+        document->draw(reinterpret_cast<litehtml::uint_ptr>(&painter), x, y, &clip);
+        painter.restore();
+        shade.setAlpha(110);
+        for (int i = from.first; i <= to.first && i < static_cast<int>(all.size()); ++i) {
+            const HtmlTextRun& run = all[static_cast<std::size_t>(i)];
+            const QFontMetrics metrics(run.Font, this);
+            const int left = i == from.first ? metrics.horizontalAdvance(run.Text.left(from.second)) : 0;
+            const int right =
+                i == to.first ? metrics.horizontalAdvance(run.Text.left(to.second)) : run.Box.width();
+            painter.fillRect(QRect(run.Box.x() + left + x, run.Box.y() + y, right - left, run.Box.height()),
+                             shade);
+        }
+    } else {
+        litehtml::position clip(event->rect().x(), event->rect().y(), event->rect().width(),
+                                event->rect().height());
+        document->draw(reinterpret_cast<litehtml::uint_ptr>(&painter), x, y, &clip);
+    }
+    if (!focusedLink.IsNull() && hasFocus()) {
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DotLine));
+        painter.drawRect(focusedLink.Box().translated(x, y).adjusted(-2, -1, 1, 1));
+    }
+}
+
+void CHTMLayout::resizeEvent(QResizeEvent*) {
+    layOut();
+}
+
+void CHTMLayout::scrollContentsBy(int, int) {
+    placeControls();
+    viewport()->update();
+}
+
+void CHTMLayout::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    // Colours and fonts were taken while the page was parsed, so that it is read again; what the user has
+    // entered in its fields goes over to the new page.
+    const bool again = event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
+                       event->type() == QEvent::StyleChange;
+    if (!again || !document)
+        return;
+    std::vector<std::pair<bool, QString>> entered;
+    for (const auto& element : controls) {
+        const auto& field = dynamic_cast<const HtmlControl&>(*element);
+        entered.emplace_back(field.IsChecked(), field.Value());
+    }
+    load();
+    for (std::size_t i = 0; i < controls.size() && i < entered.size(); ++i) {
+        auto& field = dynamic_cast<HtmlControl&>(*controls[i]);
+        field.SetChecked(entered[i].first);
+        field.SetValue(entered[i].second);
+    }
+}

@@ -1,0 +1,111 @@
+#pragma once
+// The one control through which the module shows HTML: pages from text, resources and files, links and mouse
+// buttons as typed signals, form controls as real widgets over the page. A link does nothing unless a slot
+// acts on it; a slot asks for the system's browser by setting an integer. Loading replaces the page as a
+// whole.
+#include "html/HtmlElement.h"
+#include "html/HtmlPainter.h"
+
+#include <QAbstractScrollArea>
+#include <QTimer>
+
+/// A link that was used. Action 3 is a click.
+struct HyperlinkEvent {
+    int Action = 3;
+    QString Href;
+    QString Target;
+    HtmlElement Element;
+};
+
+/// A page asks for a style sheet or picture. A slot that has the bytes puts them in Data.
+struct LoadDataRequest {
+    QString Uri;
+    QByteArray Data;
+};
+
+class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
+    Q_OBJECT
+  public:
+    explicit CHTMLayout(QWidget* parent = nullptr);
+    ~CHTMLayout() override;
+
+    bool LoadHtml(const QString& text);
+    /// The same for text in the narrow encoding of the system.
+    bool LoadHtml(const QByteArray& narrow);
+    /// A page of the module by name. False, with the page left as it was, when there is none.
+    bool LoadHtmlResource(const QString& name);
+    /// A page from a file. False, with the page left as it was, when it cannot be read.
+    bool LoadFile(const QString& path);
+    HtmlElement GetRoot();
+
+    QString SelectedText() const;
+    QSize sizeHint() const override;
+
+    /// Box of an element in page coordinates.
+    static QRect ElementBox(const litehtml::element::ptr& element);
+    /// Replaces what stands inside an element, and lays the page out again.
+    void ReplaceChildren(const litehtml::element::ptr& element, const QString& html);
+
+  public Q_SLOTS:
+    void Copy();
+    void SelectAll();
+
+  Q_SIGNALS:
+    void OnLinkClick(const QString& href, int* openExternally);
+    void OnHyperlink(HyperlinkEvent& event, int& handled);
+    void OnLoadData(LoadDataRequest& request);
+    void OnXButton1();
+    void OnXButton2();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+  private:
+    // What the page engine asks of its container beyond painting.
+    void set_caption(const char*) override {}
+    void set_base_url(const char*) override {}
+    void link(const std::shared_ptr<litehtml::document>&, const litehtml::element::ptr&) override {}
+    void on_anchor_click(const char* url, const litehtml::element::ptr& element) override;
+    void set_cursor(const char* cursor) override;
+    void import_css(std::string& text, const std::string& url, std::string& baseUrl) override;
+    void get_client_rect(litehtml::position& client) const override;
+    litehtml::element::ptr create_element(const char* tag, const litehtml::string_map& attributes,
+                                          const std::shared_ptr<litehtml::document>& document) override;
+
+    QByteArray loadData(const QString& uri);
+    void load();
+    void layOut();
+    void placeControls();
+    void collectControls(const litehtml::element::ptr& element);
+    void useLink(const QString& href, const HtmlElement& element);
+    void redraw(const litehtml::position::vector& boxes);
+    QPoint toPage(const QPoint& point) const;
+    HtmlElement elementAt(const QPoint& viewportPoint) const;
+    HtmlElement withAttribute(HtmlElement element, const QString& name) const;
+    void focusLink(const HtmlElement& link);
+    /// Position in the text of the page nearest to a point of it.
+    std::pair<int, int> textPosition(const QPoint& pagePoint);
+    const std::vector<HtmlTextRun>& textRuns();
+
+    litehtml::context context;
+    litehtml::document::ptr document;
+    QString source;
+    std::vector<litehtml::element::ptr> controls;
+    std::vector<HtmlTextRun> runs;
+    bool runsKnown = false;
+    bool selecting = false;
+    std::pair<int, int> anchor = {-1, 0};
+    std::pair<int, int> caret = {-1, 0};
+    HtmlElement pressed;
+    HtmlElement focusedLink;
+};

@@ -1,0 +1,298 @@
+// Mouse, keyboard, links and the selection of the HTML view.
+#include "html/HTMLayout.h"
+#include "html/HtmlBehavior.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QToolTip>
+#include <QUrl>
+
+QPoint CHTMLayout::toPage(const QPoint& point) const {
+    return point + QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value());
+}
+
+HtmlElement CHTMLayout::elementAt(const QPoint& viewportPoint) const {
+    if (!document)
+        return {};
+    const QPoint page = toPage(viewportPoint);
+    const litehtml::element::ptr found =
+        document->root()->get_element_by_point(page.x(), page.y(), viewportPoint.x(), viewportPoint.y());
+    return found ? HtmlElement(const_cast<CHTMLayout*>(this), found) : HtmlElement();
+}
+
+HtmlElement CHTMLayout::withAttribute(HtmlElement element, const QString& name) const {
+    while (!element.IsNull() && element.Attribute(name).isEmpty())
+        element = element.Parent();
+    return element;
+}
+
+void CHTMLayout::redraw(const litehtml::position::vector& boxes) {
+    for (const litehtml::position& box : boxes)
+        viewport()->update(
+            toRect(box).translated(-horizontalScrollBar()->value(), -verticalScrollBar()->value()));
+}
+
+void CHTMLayout::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !document)
+        return;
+    const QPoint at = event->position().toPoint();
+    const QPoint page = toPage(at);
+    litehtml::position::vector boxes;
+    document->on_lbutton_down(page.x(), page.y(), at.x(), at.y(), boxes);
+    redraw(boxes);
+    pressed = elementAt(at);
+    for (HtmlElement element = pressed; !element.IsNull(); element = element.Parent()) {
+        if (HtmlBehavior* behavior = FindHtmlBehavior(element.Style(QStringLiteral("behavior")))) {
+            behavior->OnMouseDown(element, page);
+            pressed = element;
+            return;
+        }
+    }
+    selecting = true;
+    anchor = caret = textPosition(page);
+    viewport()->update();
+}
+
+void CHTMLayout::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::BackButton) {
+        Q_EMIT OnXButton1();
+        return;
+    }
+    if (event->button() == Qt::ForwardButton) {
+        Q_EMIT OnXButton2();
+        return;
+    }
+    if (event->button() != Qt::LeftButton || !document)
+        return;
+    const QPoint at = event->position().toPoint();
+    const QPoint page = toPage(at);
+    selecting = false;
+    if (HtmlBehavior* behavior = FindHtmlBehavior(pressed.Style(QStringLiteral("behavior")))) {
+        HtmlElement element = pressed;
+        pressed = HtmlElement();
+        behavior->OnMouseUp(element, page);
+        return;
+    }
+    pressed = HtmlElement();
+    // A drag over a link selects its text and does not follow it.
+    if (anchor != caret)
+        return;
+    // Following a link may replace this very page: the engine must not stand in it then.
+    const litehtml::document::ptr keep = document;
+    litehtml::position::vector boxes;
+    keep->on_lbutton_up(page.x(), page.y(), at.x(), at.y(), boxes);
+    if (keep == document)
+        redraw(boxes);
+}
+
+void CHTMLayout::mouseMoveEvent(QMouseEvent* event) {
+    if (!document)
+        return;
+    const QPoint at = event->position().toPoint();
+    const QPoint page = toPage(at);
+    if (selecting && (event->buttons() & Qt::LeftButton) != 0) {
+        caret = textPosition(page);
+        if (at.y() < 0)
+            verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepSub);
+        else if (at.y() > viewport()->height())
+            verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        viewport()->update();
+        return;
+    }
+    litehtml::position::vector boxes;
+    document->on_mouse_over(page.x(), page.y(), at.x(), at.y(), boxes);
+    redraw(boxes);
+}
+
+void CHTMLayout::set_cursor(const char* cursor) {
+    viewport()->setCursor(qstrcmp(cursor, "pointer") == 0 ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
+bool CHTMLayout::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = dynamic_cast<QHelpEvent*>(event);
+        const HtmlElement titled = withAttribute(elementAt(help->pos()), QStringLiteral("title"));
+        if (titled.IsNull())
+            QToolTip::hideText();
+        else
+            QToolTip::showText(help->globalPos(), titled.Attribute(QStringLiteral("title")), viewport());
+        return true;
+    }
+    if (event->type() == QEvent::Leave && document) {
+        litehtml::position::vector boxes;
+        document->on_mouse_leave(boxes);
+        redraw(boxes);
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+void CHTMLayout::on_anchor_click(const char* url, const litehtml::element::ptr& element) {
+    useLink(QString::fromUtf8(url), HtmlElement(this, element));
+}
+
+void CHTMLayout::useLink(const QString& href, const HtmlElement& element) {
+    HyperlinkEvent event;
+    event.Href = href.left(2047);
+    event.Target = element.Attribute(QStringLiteral("target")).left(2047);
+    event.Element = element;
+    int handled = 0;
+    Q_EMIT OnHyperlink(event, handled);
+    if (handled != 0 || event.Action != 3)
+        return;
+    int openExternally = 0;
+    Q_EMIT OnLinkClick(event.Href, &openExternally);
+    if (openExternally == 1)
+        QDesktopServices::openUrl(QUrl(event.Href));
+}
+
+// Wheel turns over a spin box scroll the page unless the box has the focus, and a control that gets the
+// focus is scrolled into view.
+bool CHTMLayout::eventFilter(QObject* watched, QEvent* event) {
+    auto* field = qobject_cast<QWidget*>(watched);
+    if (field != nullptr && event->type() == QEvent::Wheel && !field->hasFocus()) {
+        QApplication::sendEvent(viewport(), event);
+        return true;
+    }
+    if (field != nullptr && event->type() == QEvent::FocusIn) {
+        focusedLink = HtmlElement();
+        const QRect box = field->geometry();
+        if (box.top() < 0)
+            verticalScrollBar()->setValue(verticalScrollBar()->value() + box.top() - 4);
+        else if (box.bottom() > viewport()->height())
+            verticalScrollBar()->setValue(verticalScrollBar()->value() + box.bottom() - viewport()->height() +
+                                          4);
+    }
+    return QAbstractScrollArea::eventFilter(watched, event);
+}
+
+// Tab goes through the links of the page before it leaves the view.
+bool CHTMLayout::focusNextPrevChild(bool next) {
+    const std::vector<HtmlElement> links = Select(GetRoot(), QStringLiteral("a[href]"));
+    if (hasFocus() && !links.empty()) {
+        auto at = static_cast<int>(std::find(links.begin(), links.end(), focusedLink) - links.begin());
+        if (at == static_cast<int>(links.size()))
+            at = next ? -1 : static_cast<int>(links.size());
+        at += next ? 1 : -1;
+        if (at >= 0 && at < static_cast<int>(links.size())) {
+            focusLink(links[static_cast<std::size_t>(at)]);
+            return true;
+        }
+        focusLink(HtmlElement());
+    }
+    return QAbstractScrollArea::focusNextPrevChild(next);
+}
+
+void CHTMLayout::focusLink(const HtmlElement& link) {
+    focusedLink = link;
+    if (!link.IsNull()) {
+        const QRect box = link.Box();
+        const int top = verticalScrollBar()->value();
+        if (box.top() < top)
+            verticalScrollBar()->setValue(box.top() - 4);
+        else if (box.bottom() > top + viewport()->height())
+            verticalScrollBar()->setValue(box.bottom() - viewport()->height() + 4);
+    }
+    viewport()->update();
+}
+
+void CHTMLayout::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Copy)) {
+        Copy();
+    } else if (event->matches(QKeySequence::SelectAll)) {
+        SelectAll();
+    } else if (event->matches(QKeySequence::MoveToStartOfDocument) || event->key() == Qt::Key_Home) {
+        verticalScrollBar()->setValue(0);
+    } else if (event->matches(QKeySequence::MoveToEndOfDocument) || event->key() == Qt::Key_End) {
+        verticalScrollBar()->setValue(verticalScrollBar()->maximum());
+    } else if (!focusedLink.IsNull() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
+                                         event->key() == Qt::Key_Space)) {
+        const HtmlElement link = focusedLink;
+        useLink(link.Attribute(QStringLiteral("href")), link);
+    } else {
+        QAbstractScrollArea::keyPressEvent(event);
+    }
+}
+
+const std::vector<HtmlTextRun>& CHTMLayout::textRuns() {
+    if (!runsKnown && document) {
+        runs.clear();
+        Recording = &runs;
+        document->draw(0, 0, 0, nullptr);
+        Recording = nullptr;
+        std::erase_if(runs, [](const HtmlTextRun& run) { return run.Text.isEmpty(); });
+        std::stable_sort(runs.begin(), runs.end(), [](const HtmlTextRun& a, const HtmlTextRun& b) {
+            if (a.Box.bottom() <= b.Box.top() || b.Box.bottom() <= a.Box.top())
+                return a.Box.top() < b.Box.top();
+            return a.Box.left() < b.Box.left();
+        });
+        runsKnown = true;
+    }
+    return runs;
+}
+
+std::pair<int, int> CHTMLayout::textPosition(const QPoint& pagePoint) {
+    const std::vector<HtmlTextRun>& all = textRuns();
+    int best = -1;
+    for (int i = 0; i < static_cast<int>(all.size()); ++i) {
+        const QRect& box = all[static_cast<std::size_t>(i)].Box;
+        if (box.top() > pagePoint.y())
+            break;
+        if (box.bottom() < pagePoint.y() || box.left() <= pagePoint.x())
+            best = i;
+    }
+    if (best < 0)
+        return all.empty() ? std::pair(-1, 0) : std::pair(0, 0);
+    const HtmlTextRun& run = all[static_cast<std::size_t>(best)];
+    const QFontMetrics metrics(run.Font, this);
+    const int offset = pagePoint.x() - run.Box.left();
+    int character = 0;
+    while (character < run.Text.size()) {
+        const int left = metrics.horizontalAdvance(run.Text.left(character));
+        const int right = metrics.horizontalAdvance(run.Text.left(character + 1));
+        if (pagePoint.y() <= run.Box.bottom() && offset < (left + right) / 2)
+            break;
+        ++character;
+    }
+    return {best, character};
+}
+
+QString CHTMLayout::SelectedText() const {
+    if (anchor.first < 0 || anchor == caret)
+        return {};
+    const auto [from, to] = std::minmax(anchor, caret);
+    QString text;
+    for (int i = from.first; i <= to.first && i < static_cast<int>(runs.size()); ++i) {
+        const HtmlTextRun& run = runs[static_cast<std::size_t>(i)];
+        if (i > from.first) {
+            const QRect& before = runs[static_cast<std::size_t>(i) - 1].Box;
+            if (run.Box.top() >= before.bottom())
+                text += u'\n';
+            else if (run.Box.left() > before.right() + 1)
+                text += u' ';
+        }
+        const int begin = i == from.first ? from.second : 0;
+        const int end = i == to.first ? to.second : static_cast<int>(run.Text.size());
+        text += run.Text.mid(begin, end - begin);
+    }
+    return text;
+}
+
+void CHTMLayout::Copy() {
+    const QString text = SelectedText();
+    if (!text.isEmpty())
+        QApplication::clipboard()->setText(text);
+}
+
+void CHTMLayout::SelectAll() {
+    const std::vector<HtmlTextRun>& all = textRuns();
+    if (all.empty())
+        return;
+    anchor = {0, 0};
+    caret = {static_cast<int>(all.size()) - 1, static_cast<int>(all.back().Text.size())};
+    viewport()->update();
+}

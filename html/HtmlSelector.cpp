@@ -1,0 +1,182 @@
+#include "html/HtmlSelector.h"
+
+#include <QStringList>
+
+namespace {
+
+class Reader {
+  public:
+    explicit Reader(const QString& selector) : text(selector) {}
+
+    bool atEnd() const { return at >= text.size(); }
+    QChar peek() const { return atEnd() ? QChar() : text[at]; }
+    void skip() { ++at; }
+    bool skipBlanks() {
+        const qsizetype before = at;
+        while (!atEnd() && text[at].isSpace())
+            ++at;
+        return at != before;
+    }
+    QString name() {
+        const qsizetype begin = at;
+        while (!atEnd() && (text[at].isLetterOrNumber() || text[at] == u'-' || text[at] == u'_'))
+            ++at;
+        return text.mid(begin, at - begin);
+    }
+    /// Value of an attribute test up to its closing bracket.
+    bool value(QString& result) {
+        const QChar quote = peek();
+        qsizetype end;
+        if (quote == u'"' || quote == u'\'') {
+            end = text.indexOf(quote, at + 1);
+            if (end < 0)
+                return false;
+            result = text.mid(at + 1, end - at - 1);
+            at = end + 1;
+            skipBlanks();
+            return peek() == u']';
+        }
+        end = text.indexOf(u']', at);
+        if (end < 0)
+            return false;
+        result = text.mid(at, end - at).trimmed();
+        at = end;
+        return true;
+    }
+
+  private:
+    const QString& text;
+    qsizetype at = 0;
+};
+
+bool readTest(Reader& reader, HtmlCompound& compound) {
+    reader.skip();
+    reader.skipBlanks();
+    HtmlAttributeTest test;
+    test.Name = reader.name().toLower();
+    if (test.Name.isEmpty())
+        return false;
+    reader.skipBlanks();
+    if (reader.peek() == u'=') {
+        reader.skip();
+        reader.skipBlanks();
+        test.HasValue = true;
+        if (!reader.value(test.Value))
+            return false;
+    }
+    if (reader.peek() != u']')
+        return false;
+    reader.skip();
+    compound.Tests.push_back(test);
+    return true;
+}
+
+bool readCompound(Reader& reader, HtmlCompound& compound) {
+    bool any = false;
+    while (!reader.atEnd() && !reader.peek().isSpace() && reader.peek() != u',') {
+        any = true;
+        const QChar first = reader.peek();
+        if (first == u'[') {
+            if (!readTest(reader, compound))
+                return false;
+        } else if (first == u'*') {
+            reader.skip();
+        } else if (first == u'#' || first == u'.') {
+            reader.skip();
+            const QString word = reader.name();
+            if (word.isEmpty())
+                return false;
+            if (first == u'#')
+                compound.Tests.push_back({QStringLiteral("id"), word, true});
+            else
+                compound.Classes.push_back(word);
+        } else {
+            compound.Tag = reader.name().toLower();
+            if (compound.Tag.isEmpty())
+                return false;
+        }
+    }
+    return any;
+}
+
+bool matches(const litehtml::element& element, const HtmlCompound& compound) {
+    const char* tag = element.get_tagName();
+    if (tag == nullptr || *tag == '\0')
+        return false;
+    if (!compound.Tag.isEmpty() && compound.Tag != QString::fromUtf8(tag))
+        return false;
+    for (const HtmlAttributeTest& test : compound.Tests) {
+        const char* value = element.get_attr(test.Name.toUtf8().constData());
+        if (value == nullptr || (test.HasValue && QString::fromUtf8(value) != test.Value))
+            return false;
+    }
+    const QStringList classes =
+        QString::fromUtf8(element.get_attr("class", "")).split(u' ', Qt::SkipEmptyParts);
+    for (const QString& name : compound.Classes) {
+        if (!classes.contains(name))
+            return false;
+    }
+    return true;
+}
+
+bool matchesChain(const litehtml::element::ptr& element, const std::vector<HtmlCompound>& chain) {
+    if (!matches(*element, chain.back()))
+        return false;
+    auto wanted = static_cast<std::ptrdiff_t>(chain.size()) - 2;
+    for (litehtml::element::ptr outer = element->parent(); wanted >= 0 && outer; outer = outer->parent()) {
+        if (matches(*outer, chain[static_cast<std::size_t>(wanted)]))
+            --wanted;
+    }
+    return wanted < 0;
+}
+
+bool walk(const litehtml::element::ptr& element, const HtmlSelector& selector,
+          const std::function<bool(const litehtml::element::ptr&)>& found) {
+    for (const auto& chain : selector) {
+        if (matchesChain(element, chain)) {
+            if (found(element))
+                return true;
+            break;
+        }
+    }
+    const auto count = static_cast<int>(element->get_children_count());
+    for (int i = 0; i < count; ++i) {
+        if (walk(element->get_child(i), selector, found))
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+HtmlSelector ParseHtmlSelector(const QString& text) {
+    HtmlSelector selector;
+    Reader reader(text);
+    reader.skipBlanks();
+    while (!reader.atEnd()) {
+        std::vector<HtmlCompound> chain;
+        while (!reader.atEnd() && reader.peek() != u',') {
+            HtmlCompound compound;
+            if (!readCompound(reader, compound))
+                return {};
+            chain.push_back(compound);
+            reader.skipBlanks();
+        }
+        if (chain.empty())
+            return {};
+        selector.push_back(chain);
+        if (!reader.atEnd()) {
+            reader.skip();
+            reader.skipBlanks();
+            if (reader.atEnd())
+                return {};
+        }
+    }
+    return selector;
+}
+
+void SelectHtml(const litehtml::element::ptr& root, const HtmlSelector& selector,
+                const std::function<bool(const litehtml::element::ptr&)>& found) {
+    if (root && !selector.empty())
+        walk(root, selector, found);
+}
