@@ -1,0 +1,100 @@
+#include "ui/DialogUi.h"
+
+#include "acframe.h"
+#include "acutads.h"
+#include "engine/Watch.h"
+#include "html/HtmlResources.h"
+#include "ui/LogTab.h"
+#include "ui/StatusDialog.h"
+#include "ui/TarnelDlg.h"
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QMessageBox>
+
+DialogUi::~DialogUi() {
+    delete status;
+}
+
+QWidget* DialogUi::owner() const {
+    return mainDialog.isNull() ? adsw_acadMainWnd() : mainDialog.data();
+}
+
+RunUi::Answer DialogUi::RunMainDialog() {
+    InitHtmlResources();
+    if (QWidget* view = acedGetAcadDwgView())
+        view->update();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    TarnelDlg dialog(acedGetAcadFrame());
+    QApplication::restoreOverrideCursor();
+    dialog.Log().EmailLog = EmailLog;
+    mainDialog = &dialog;
+    return dialog.exec() == QDialog::Accepted ? Ok : Cancel;
+}
+
+RunUi::Answer DialogUi::Ask(const QString& caption, const QString& text, Buttons buttons) {
+    QMessageBox::StandardButtons shown = QMessageBox::Ok;
+    if (buttons != OkOnly)
+        shown = QMessageBox::Yes | QMessageBox::No;
+    if (buttons == YesNoCancel)
+        shown |= QMessageBox::Cancel;
+    QMessageBox box(QMessageBox::Warning, caption, text, shown, owner());
+    switch (box.exec()) {
+        case QMessageBox::Yes:
+            return Yes;
+        case QMessageBox::No:
+            return No;
+        case QMessageBox::Ok:
+            return Ok;
+        default:
+            return Cancel;
+    }
+}
+
+void DialogUi::OpenStatus(int fileCount) {
+    delete status;
+    status = new StatusDialog(acedGetAcadFrame(), fileCount);
+    QObject::connect(status, &StatusDialog::CancelPressed, status, [] { CancelRun(); });
+}
+
+void DialogUi::ShowStatus() {
+    if (!status.isNull())
+        status->show();
+}
+
+void DialogUi::ShowFile(const QString& path, int limit) {
+    if (!status.isNull())
+        status->ShowFile(path, limit);
+}
+
+void DialogUi::StepFileTime() {
+    if (!status.isNull())
+        status->StepFileTime();
+}
+
+void DialogUi::Alarm() {
+    QApplication::beep();
+    if (!status.isNull())
+        QApplication::alert(status);
+    Flash(true);
+}
+
+void DialogUi::Flash(bool on) {
+    if (!status.isNull())
+        status->Flash(on);
+}
+
+void DialogUi::ShowFileStatus(const QString& /*path*/, const QString& /*status*/) {}
+
+void DialogUi::CloseStatus() {
+    delete status;
+}
+
+void DialogUi::OpenStepThrough() {
+    acutPrintf(ACRX_T("The step-through of scripts is not part of this version.\n"));
+}
+
+void DialogUi::RefreshActiveWindow() {
+    if (QWidget* view = acedGetAcadDwgView())
+        view->update();
+}

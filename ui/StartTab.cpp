@@ -1,0 +1,46 @@
+#include "ui/StartTab.h"
+
+#include "acedads.h"
+#include "engine/HostText.h"
+#include "html/HTMLayout.h"
+#include "ui_StartTab.h"
+
+StartTab::StartTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<Ui::StartTab>()) {
+    SetPage();
+    ui->setupUi(this);
+    InitLayout();
+    ui->view->LoadHtmlResource(QStringLiteral("Startpage"));
+    connect(ui->view, &CHTMLayout::OnLinkClick, this, &StartTab::OnLink);
+    connect(ui->view, &CHTMLayout::OnXButton1, this,
+            [this] { ui->view->LoadHtmlResource(QStringLiteral("Startpage")); });
+}
+
+StartTab::~StartTab() = default;
+
+void StartTab::OnLink(const QString& href, int* openExternally) {
+    const QString link = href.toLower();
+    *openExternally = 0;
+    // Posted, so that the handling of the link ends before the page changes.
+    const auto post = [this](auto signal) { QMetaObject::invokeMethod(this, signal, Qt::QueuedConnection); };
+    if (link == u"help") {
+        post([this] { Q_EMIT HelpWanted(); });
+    } else if (link == u"filestab") {
+        post([this] { Q_EMIT PageWanted(1); });
+    } else if (link == u"scripttab") {
+        post([this] { Q_EMIT PageWanted(2); });
+    } else if (link == u"settingstab") {
+        post([this] { Q_EMIT PageWanted(3); });
+    } else if (link == u"logtab") {
+        post([this] { Q_EMIT PageWanted(4); });
+    } else if (link == u"acadscripthelp") {
+        // The host's own help is looked up and not shown, as it always was.
+        ACHAR found[2048];
+        acedFindFile(ACRX_T("acad_acg.chm"), found, 2048);
+    } else if (link.startsWith(QLatin1String("http:"))) {
+        *openExternally = 1;
+    } else if (link.startsWith(QLatin1String("res:"))) {
+        ui->view->LoadHtmlResource(link.mid(4));
+    } else {
+        ui->view->LoadFile(link);
+    }
+}

@@ -1,0 +1,27 @@
+#pragma once
+// First page of the main dialog: a welcome with links to the help, to outside pages and to the other pages.
+#include "widgets/ResizableDialog.h"
+
+#include <memory>
+
+namespace Ui {
+class StartTab;
+}
+
+class StartTab : public CResizableDialog {
+    Q_OBJECT
+  public:
+    explicit StartTab(QWidget* parent = nullptr);
+    ~StartTab() override;
+
+    /// Follows a link of the page; sets *openExternally to 1 when the system's browser should open it.
+    void OnLink(const QString& href, int* openExternally);
+
+  Q_SIGNALS:
+    /// The page with that index of the main dialog is asked for.
+    void PageWanted(int index);
+    void HelpWanted();
+
+  private:
+    std::unique_ptr<Ui::StartTab> ui;
+};

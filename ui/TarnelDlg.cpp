@@ -1,0 +1,167 @@
+#include "ui/TarnelDlg.h"
+
+#include "engine/RunState.h"
+#include "engine/TarnelData.h"
+#include "log/Trace.h"
+#include "ui/FilesTab.h"
+#include "ui/HelpPages.h"
+#include "ui/Icons.h"
+#include "ui/LogTab.h"
+#include "ui/Schedule.h"
+#include "ui/ScriptChecks.h"
+#include "ui/ScriptTab.h"
+#include "ui/SettingsTab.h"
+#include "ui/StartTab.h"
+#include "ui_TarnelDlg.h"
+#include "widgets/BalloonHelp.h"
+
+#include <QMessageBox>
+#include <QShortcut>
+
+TarnelDlg::TarnelDlg(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<Ui::TarnelDlg>()) {
+    Trace("Default InitDialog\n");
+    ui->setupUi(this);
+    Trace("LoadAccelerators\n");
+    addShortcuts();
+    Trace("Load Tab ImageList\n");
+    Trace("Get Tab Rect\n");
+    Trace("Set Window Text\n");
+    setWindowTitle(QStringLiteral("%1 v%2").arg(TarnelData().ProductName, TarnelData().Version));
+    createPages();
+    Trace("Show the current tab\n");
+    ui->tab->SetActive(TarnelData().LastTab);
+    Trace("Add resizing info\n");
+    InitLayout();
+    Trace("Move the window to it's stored position\n");
+    moveToStored();
+    Trace("Load the icon\n");
+    setWindowIcon(ResourceIcon(QStringLiteral("tarnel")));
+    Trace("Set button info\n");
+    ui->help->SetInfo(ResourceIcon(QStringLiteral("help")), tr("Help"));
+    ui->runScript->SetInfo(ResourceIcon(QStringLiteral("run")), tr("Run Batch"));
+    ui->schedule->SetInfo(ResourceIcon(QStringLiteral("schedule")), tr("Schedule Batch"));
+    ui->close->SetInfo(ResourceIcon(QStringLiteral("close")), tr("Close Tarnel"));
+    connect(ui->help, &QPushButton::clicked, this, &ShowHelp);
+    connect(ui->runScript, &QPushButton::clicked, this, &TarnelDlg::OnOK);
+    connect(ui->schedule, &QPushButton::clicked, this, &TarnelDlg::onSchedule);
+    connect(ui->close, &QPushButton::clicked, this, &TarnelDlg::OnCancel);
+    for (QPushButton* button : {ui->help, ui->schedule, ui->close})
+        button->setAutoDefault(false);
+    Run().Scheduled = false;
+    Trace("InitDone\n");
+}
+
+TarnelDlg::~TarnelDlg() {
+    CBalloonHelp::CloseAll();
+}
+
+void TarnelDlg::createPages() {
+    Trace("Create Start Tab\n");
+    start = new StartTab(this);
+    Trace("Create File Tab\n");
+    files = new FilesTab(this);
+    Trace("Create Script Tab\n");
+    script = new ScriptTab(this);
+    Trace("Create Settings Tab\n");
+    settings = new SettingsTab(this);
+    Trace("Create Settings Tab: 1\n");
+    Trace("Create Settings Tab: MoveWindow\n");
+    Trace("Create Log Tab\n");
+    log = new LogTab(this);
+    Trace("Add the Pages to the Tab\n");
+    ui->tab->AddTab(tr("St&art Page"), start, ResourceIcon(QStringLiteral("tabstart")));
+    ui->tab->AddTab(tr("&Files for Processing"), files, ResourceIcon(QStringLiteral("tabfiles")));
+    ui->tab->AddTab(tr("&Script"), script, ResourceIcon(QStringLiteral("tabscript")));
+    ui->tab->AddTab(tr("S&ettings"), settings, ResourceIcon(QStringLiteral("tabsettings")));
+    ui->tab->AddTab(tr("&Log"), log, ResourceIcon(QStringLiteral("tablog")));
+    connect(start, &StartTab::PageWanted, this, &TarnelDlg::ShowPage);
+    connect(start, &StartTab::HelpWanted, this, &ShowHelp);
+}
+
+// Alt with the letter of a tab's title shows its page; the tab control itself sees to that.
+void TarnelDlg::addShortcuts() {
+    const auto add = [this](const QKeySequence& keys, auto action) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
+    };
+    add(Qt::CTRL | Qt::Key_Tab, [this] { ui->tab->Step(1); });
+    add(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, [this] { ui->tab->Step(-1); });
+    add(Qt::Key_F1, [] { ShowHelp(); });
+}
+
+void TarnelDlg::ShowPage(int index) {
+    ui->tab->SetActive(index);
+}
+
+void TarnelDlg::moveToStored() {
+    const CTarnelData& data = TarnelData();
+    const WindowRect& stored = data.MainWindow;
+    if (stored.Right != 0) {
+        setGeometry(QRect(QPoint(static_cast<int>(stored.Left), static_cast<int>(stored.Top)),
+                          QPoint(static_cast<int>(stored.Right) - 1, static_cast<int>(stored.Bottom) - 1)));
+    }
+    if (data.WasMaximized != 0)
+        setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+void TarnelDlg::keepGeometry() {
+    CTarnelData& data = TarnelData();
+    data.LastTab = ui->tab->currentIndex();
+    data.WasMaximized = isMaximized() ? 1 : 0;
+    const QRect place = isMaximized() && normalGeometry().isValid() ? normalGeometry() : geometry();
+    data.MainWindow = {place.left(), place.right() + 1, place.top(), place.bottom() + 1};
+    const std::array<int, 3> widths = files->ColumnWidths();
+    std::copy(widths.begin(), widths.end(), data.ColumnWidths.begin() + 1);
+}
+
+bool TarnelDlg::hasToDo() const {
+    const CTarnelData& data = TarnelData();
+    for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
+        if (data.FileStatus[i] == ToDo)
+            return true;
+    }
+    return false;
+}
+
+bool TarnelDlg::scriptMayRun() {
+    const bool may = RunScriptChecks([this](const ScriptQuestion& question) {
+        QMessageBox box(QMessageBox::Warning, QStringLiteral("Script Warning"), question.Text,
+                        QMessageBox::Yes | QMessageBox::No, this);
+        box.setDefaultButton(question.YesIsDefault ? QMessageBox::Yes : QMessageBox::No);
+        return box.exec() == QMessageBox::Yes;
+    });
+    if (!may)
+        Q_EMIT TarnelData().Signals.RefreshSignal();
+    return may;
+}
+
+void TarnelDlg::OnOK() {
+    Q_EMIT TarnelData().Signals.CollectSignal();
+    TarnelData().LastTab = ui->tab->currentIndex();
+    if (!hasToDo()) {
+        CBalloonHelp::CloseAll();
+        const QPoint edge(ui->runScript->width() / 2, 0);
+        CBalloonHelp::Show(this, tr("Run Script"),
+                           tr("None of the files have a status of TODO.\n\nHighlight the file you wish to "
+                              "process and change their status.\n"),
+                           ui->runScript->mapToGlobal(edge), QMessageBox::Information, 10000);
+        return;
+    }
+    if (!Run().Scheduled && !scriptMayRun())
+        return;
+    keepGeometry();
+    QDialog::accept();
+}
+
+void TarnelDlg::OnCancel() {
+    Q_EMIT TarnelData().Signals.CollectSignal();
+    keepGeometry();
+    QDialog::reject();
+}
+
+void TarnelDlg::onSchedule() {
+    Schedule schedule(this);
+    if (schedule.exec() != QDialog::Accepted)
+        return;
+    Run().Scheduled = true;
+    OnOK();
+}
