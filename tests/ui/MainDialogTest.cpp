@@ -1,0 +1,184 @@
+// The main dialog by keys and mouse: pages, what it keeps, when a run may start.
+#include "tests/ui/UiFixture.h"
+#include "ui/ScriptChecks.h"
+#include "ui/TarnelDlg.h"
+#include "widgets/AutoTab.h"
+#include "widgets/BalloonHelp.h"
+
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTreeView>
+
+namespace {
+
+class MainDialogTest : public UiFixture {
+  protected:
+    static CAutoTab* tabs(TarnelDlg& dialog) { return dialog.findChild<CAutoTab*>(QStringLiteral("tab")); }
+    static void press(TarnelDlg& dialog, const char* button) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QString::fromLatin1(button)), Qt::LeftButton);
+    }
+};
+
+TEST_F(MainDialogTest, PagesByKeyboardAndTheLastOneKept) {
+    TarnelData().LastTab = 4;
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    EXPECT_EQ(tabs(dialog)->currentIndex(), 4);
+    QTest::keyClick(&dialog, Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(tabs(dialog)->currentIndex(), 0);
+    QTest::keyClick(&dialog, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(tabs(dialog)->currentIndex(), 4);
+    QTest::keyClick(&dialog, Qt::Key_S, Qt::AltModifier);
+    EXPECT_EQ(tabs(dialog)->currentIndex(), 2);
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(TarnelData().LastTab, 2);
+}
+
+TEST_F(MainDialogTest, GeometryOverTwoOpenings) {
+    QRect place;
+    {
+        TarnelDlg dialog(nullptr);
+        dialog.show();
+        dialog.setGeometry(40, 50, 900, 640);
+        QCoreApplication::processEvents();
+        place = dialog.geometry();
+        press(dialog, "close");
+    }
+    {
+        TarnelDlg dialog(nullptr);
+        dialog.show();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(dialog.geometry(), place);
+        dialog.showMaximized();
+        QCoreApplication::processEvents();
+        press(dialog, "close");
+    }
+    EXPECT_EQ(TarnelData().WasMaximized, 1);
+    EXPECT_EQ(TarnelData().MainWindow.Left, place.left());
+    EXPECT_EQ(TarnelData().MainWindow.Bottom, place.bottom() + 1) << "the restored rectangle is what is kept";
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    EXPECT_TRUE(dialog.isMaximized());
+}
+
+TEST_F(MainDialogTest, RunScriptNeedsAFileToDo) {
+    addFile(QStringLiteral("/d/a.dwg"), Done);
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    press(dialog, "runScript");
+    EXPECT_TRUE(dialog.isVisible());
+    ASSERT_EQ(CBalloonHelp::OpenCount(), 1);
+    press(dialog, "runScript");
+    EXPECT_EQ(CBalloonHelp::OpenCount(), 1) << "an open balloon is closed first";
+    addFile(QStringLiteral("/d/b.dwg"));
+    press(dialog, "runScript");
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(MainDialogTest, EachQuestionAnsweredBothWays) {
+    addFile(QStringLiteral("/d/a.dwg"));
+    TarnelData().Script = "options\r\n(plot)\r\n";
+    int refreshed = 0;
+    const auto connection = QObject::connect(&TarnelData().Signals, &TarnelSignals::RefreshSignal, qApp,
+                                             [&] { ++refreshed; });
+    for (int noAt = 1; noAt <= 4; ++noAt) {
+        questions.clear();
+        refreshed = 0;
+        TarnelDlg dialog(nullptr);
+        dialog.show();
+        for (int question = 1; question < noAt; ++question)
+            answerNext(QMessageBox::Yes);
+        if (noAt <= 3)
+            answerNext(QMessageBox::No);
+        press(dialog, "runScript");
+        EXPECT_EQ(questions.size(), std::min(noAt, 3));
+        EXPECT_EQ(dialog.isVisible(), noAt <= 3) << noAt;
+        EXPECT_EQ(refreshed, noAt <= 3 ? 1 : 0);
+    }
+    QObject::disconnect(connection);
+    EXPECT_TRUE(questions[0].startsWith(QStringLiteral("The script does not contain a QSAVE or SAVEAS")));
+    EXPECT_TRUE(questions[1].contains(QStringLiteral("\nOPTIONS\n")));
+    EXPECT_TRUE(questions[2].contains(QStringLiteral("PLOT to -PLOT\n")));
+}
+
+TEST_F(MainDialogTest, ScriptChecksMatchTheWholeText) {
+    struct Case {
+        const char* script;
+        QStringList expected;
+    };
+    const Case cases[] = {
+        {"zoom e\nQSave", {}},
+        {"; saveas is only in this comment", {}},
+        {"plot\nqsave", {}},
+        {"-plot\n-layer\nqsave", {}},
+        {"-plot\nplot\nqsave", {QStringLiteral("PLOT to -PLOT")}},
+        {"qsave\nlayer", {QStringLiteral("LAYER to -LAYER")}},
+        {"qsave\npreferences options", {QStringLiteral("PREFERENCES,OPTIONS")}},
+    };
+    for (const Case& one : cases) {
+        TarnelData().Script = one.script;
+        QStringList asked;
+        RunScriptChecks([&](const ScriptQuestion& question) {
+            asked << question.Text;
+            return true;
+        });
+        ASSERT_EQ(asked.size(), one.expected.size()) << one.script;
+        for (int i = 0; i < asked.size(); ++i)
+            EXPECT_TRUE(asked[i].contains(one.expected[i])) << asked[i].toStdString();
+    }
+    TarnelData().Script = "options\nxplot";
+    TarnelData().WarnNoSave = TarnelData().WarnDialogCommand = TarnelData().WarnDialogCmdReplacement = false;
+    EXPECT_TRUE(RunScriptChecks([](const ScriptQuestion&) { return false; }));
+}
+
+TEST_F(MainDialogTest, ControlsGoIntoTheRecordOnlyWhenCollected) {
+    addFile(QStringLiteral("/d/a.dwg"));
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    auto* script = dialog.findChild<QPlainTextEdit*>(QStringLiteral("script"));
+    script->selectAll();
+    QTest::keyClicks(script, QStringLiteral("regen"));
+    QTest::keyClick(script, Qt::Key_Return);
+    auto* readOnly = dialog.findChild<QAbstractButton*>(QStringLiteral("readonly"));
+    readOnly->click();
+    EXPECT_EQ(TarnelData().Script, QByteArray("zoom e\r\nqsave\r\n"));
+    EXPECT_FALSE(TarnelData().ProcessReadOnly);
+    press(dialog, "close");
+    EXPECT_EQ(TarnelData().Script, QByteArray("regen\r\n"));
+    EXPECT_TRUE(TarnelData().ScriptModified());
+    EXPECT_TRUE(TarnelData().ProcessReadOnly);
+    TarnelData().ProcessReadOnly = false;
+    addFile(QStringLiteral("/d/b.dwg"));
+    Q_EMIT TarnelData().Signals.RefreshSignal();
+    EXPECT_FALSE(readOnly->isChecked());
+    EXPECT_EQ(dialog.findChild<QTreeView*>(QStringLiteral("queue"))->model()->rowCount(), 2);
+}
+
+TEST_F(MainDialogTest, EveryControlHasANameForScreenReaders) {
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    for (const QWidget* control : dialog.findChildren<QWidget*>()) {
+        if (control->focusPolicy() == Qt::NoFocus || qobject_cast<const QTabBar*>(control) != nullptr ||
+            control->objectName().startsWith(QLatin1String("qt_")) || qobject_cast<const CAutoTab*>(control))
+            continue;
+        const auto* button = qobject_cast<const QAbstractButton*>(control);
+        const bool named = !control->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty());
+        EXPECT_TRUE(named) << control->metaObject()->className() << " " << control->objectName().toStdString();
+    }
+}
+
+TEST_F(MainDialogTest, OpensAndClosesManyTimes) {
+    for (int i = 0; i < 100; ++i) {
+        TarnelData().LastTab = i % 5;
+        TarnelDlg dialog(nullptr);
+        dialog.show();
+        QCoreApplication::processEvents();
+        press(dialog, "close");
+    }
+}
+
+}  // namespace

@@ -1,0 +1,131 @@
+// The log page over a real run log and archive, and the links of the start page.
+#include "html/HTMLayout.h"
+#include "log/ZipArchive.h"
+#include "tests/ui/UiFixture.h"
+#include "ui/LogTab.h"
+#include "ui/StartTab.h"
+
+#include <QFile>
+#include <QPushButton>
+
+namespace {
+
+class LogTabTest : public UiFixture {
+  protected:
+    void writeLog(bool closed = true) {
+        QFile log(folder.filePath(QStringLiteral("tnl log.html")));
+        ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+        log.write("<html><body><span>1: <font color=blue>Batch started</font></span><br />\r\n"
+                  "<span>2: Processing file: <span id=\"_l_a.log\">C:\\d\\a & b.dwg</span></span><br />\r\n"
+                  "<span>3: Processing file: <span id=\"_l_gone.log\">/d/gone.dwg</span></span><br />\r\n");
+        if (closed)
+            log.write("<span>4: <font color=blue>Batch completed</font></span><br />\r\n</body></html>");
+        log.close();
+        CZipArchive archive;
+        ASSERT_TRUE(archive.Open(folder.filePath(QStringLiteral("TNLLog.zip")).toStdString(), CZipArchive::Create));
+        CFileHeader header;
+        header.name = "_l_a.log";
+        archive.OpenNewFile(header, 9);
+        const std::string text = "Command: ZOOM\nSpecify <all>\n";
+        archive.WriteNewFile(text.data(), text.size());
+        archive.CloseNewFile();
+        archive.Close();
+    }
+    static CHTMLayout* view(LogTab& tab) { return tab.findChild<CHTMLayout*>(QStringLiteral("log")); }
+    static QString shown(LogTab& tab) { return view(tab)->GetRoot().Text(); }
+    static void follow(LogTab& tab, const QString& link) {
+        int handled = 1;
+        tab.ShowHostLog(link, &handled);
+        EXPECT_EQ(handled, 0);
+    }
+};
+
+TEST_F(LogTabTest, NamesAreLinksToTheHostLogs) {
+    writeLog();
+    LogTab tab;
+    tab.resize(700, 400);
+    tab.show();
+    const std::vector<HtmlElement> links = Select(view(tab)->GetRoot(), QStringLiteral("a"));
+    ASSERT_EQ(links.size(), 2U);
+    EXPECT_EQ(links[0].Text(), QStringLiteral("C:\\d\\a & b.dwg"));
+    EXPECT_EQ(links[0].Attribute(QStringLiteral("title")), QStringLiteral("View log"));
+    QTest::mouseClick(view(tab)->viewport(), Qt::LeftButton, {}, links[0].Box().center());
+    EXPECT_TRUE(shown(tab).contains(QStringLiteral("Specify <all>")));
+    EXPECT_TRUE(shown(tab).contains(QStringLiteral("C:\\d\\a & b.dwg"))) << "a name may hold a colon";
+    QTest::mouseClick(view(tab)->viewport(), Qt::LeftButton, {},
+                      FindFirst(view(tab)->GetRoot(), QStringLiteral("a")).Box().center());
+    EXPECT_TRUE(shown(tab).contains(QStringLiteral("Batch started")));
+    follow(tab, QStringLiteral("logfile:_L_A.LOG:x"));
+    EXPECT_TRUE(shown(tab).contains(QStringLiteral("Specify"))) << "found without regard to case";
+    QTest::mouseClick(view(tab)->viewport(), Qt::BackButton);
+    EXPECT_TRUE(shown(tab).contains(QStringLiteral("Batch started")));
+    const QString before = shown(tab);
+    for (const char* nothing : {"logfile:_l_gone.log:/d/gone.dwg", "logfile:", "elsewhere", "LOGFILE:_l_a.log:x"}) {
+        follow(tab, QString::fromLatin1(nothing));
+        EXPECT_EQ(shown(tab), before) << nothing;
+    }
+    QFile archive(folder.filePath(QStringLiteral("TNLLog.zip")));
+    ASSERT_TRUE(archive.open(QIODevice::WriteOnly));
+    archive.write("PK damaged");
+    archive.close();
+    follow(tab, QStringLiteral("logfile:_l_a.log:x"));
+    EXPECT_EQ(shown(tab), before);
+}
+
+TEST_F(LogTabTest, WithoutALogAndAfterClearing) {
+    const auto enabled = [](LogTab& tab, const char* name) {
+        return tab.findChild<QPushButton*>(QString::fromLatin1(name))->isEnabled();
+    };
+    {
+        LogTab tab;
+        EXPECT_TRUE(shown(tab).contains(QStringLiteral("No log file present.")));
+        EXPECT_FALSE(enabled(tab, "emailLog"));
+        EXPECT_FALSE(enabled(tab, "saveLog"));
+        EXPECT_TRUE(enabled(tab, "clearLog"));
+    }
+    writeLog(false);
+    {
+        LogTab tab;
+        EXPECT_TRUE(shown(tab).contains(QStringLiteral("No log file present."))) << "the host died in this run";
+    }
+    writeLog();
+    LogTab tab;
+    EXPECT_TRUE(enabled(tab, "saveLog"));
+    tab.ClearLog();
+    EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("tnl log.html"))));
+    EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("TNLLog.zip"))));
+    EXPECT_FALSE(enabled(tab, "saveLog"));
+    EXPECT_TRUE(enabled(tab, "emailLog"));
+}
+
+TEST_F(UiFixture, LinksOfTheStartPage) {
+    StartTab tab;
+    int page = -1;
+    int help = 0;
+    QObject::connect(&tab, &StartTab::PageWanted, &tab, [&](int wanted) { page = wanted; });
+    QObject::connect(&tab, &StartTab::HelpWanted, &tab, [&] { ++help; });
+    const auto follow = [&](const char* link) {
+        int external = 7;
+        tab.OnLink(QString::fromLatin1(link), &external);
+        QCoreApplication::processEvents();
+        return external;
+    };
+    EXPECT_EQ(follow("HELP"), 0);
+    EXPECT_EQ(help, 1);
+    const char* pages[] = {"filestab", "ScriptTab", "settingstab", "logtab"};
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(follow(pages[i]), 0);
+        EXPECT_EQ(page, i + 1);
+    }
+    EXPECT_EQ(follow("http://x/"), 1);
+    EXPECT_EQ(follow("https://x/"), 0);
+    EXPECT_EQ(follow("acadscripthelp"), 0);
+    auto* view = tab.findChild<CHTMLayout*>();
+    EXPECT_TRUE(view->GetRoot().Text().contains(QStringLiteral("Welcome to the")));
+    follow("res:Settings");
+    EXPECT_TRUE(view->GetRoot().Text().contains(QStringLiteral("Processing")));
+    QTest::mouseClick(view->viewport(), Qt::BackButton);
+    EXPECT_TRUE(view->GetRoot().Text().contains(QStringLiteral("Welcome to the")));
+}
+
+}  // namespace
