@@ -14,11 +14,11 @@ namespace {
 
 const QString StyleHeader = QStringLiteral(
     "<html><style>html{background-color:threedface;}body{font-family:Arial;font-size:9pt;}</style>");
-const QString NoLogPage =
-    StyleHeader + QStringLiteral("<body><font size=+2 face=Arial>No log file present.");
+const QString NoLogPage = StyleHeader + QStringLiteral("<body><font size=+2 face=Arial>No log file present.");
 const QString TopNote =
-    StyleHeader + QStringLiteral("<body><font size=+2 face=Arial>Below is the log from the last time "
-                                 "<font color=blue>Tarnel</font> was run.<hr>");
+    StyleHeader + QStringLiteral(
+                      "<body><font size=+2 face=Arial>Below is the log from the last time "
+                      "<font color=blue>Tarnel</font> was run.<hr>");
 
 QString runLogPath() {
     return DataFile(QStringLiteral("tnl log.html"));
@@ -133,8 +133,8 @@ void LogTab::ShowHostLog(const QString& link, int* handled) {
             return;
         const std::string text = archive.ReadWholeFile(index);
         archive.Close();
-        ui->log->LoadHtml(hostLogPage(name, QString::fromLocal8Bit(text.c_str(),
-                                                                   static_cast<qsizetype>(text.size()))));
+        ui->log->LoadHtml(
+            hostLogPage(name, QString::fromLocal8Bit(text.c_str(), static_cast<qsizetype>(text.size()))));
     } catch (const CZipException&) {
         // A damaged archive leaves the view as it was, like an entry that has been lost.
     }

@@ -1,6 +1,6 @@
 #pragma once
-// Page of the last run. The run log is not shown as it lies on disk: the names in it become links to the host's
-// log of each drawing, which comes out of the archive into the same view, with a way back.
+// Page of the last run. The run log is not shown as it lies on disk: the names in it become links to the
+// host's log of each drawing, which comes out of the archive into the same view, with a way back.
 #include "widgets/ResizableDialog.h"
 
 #include <functional>

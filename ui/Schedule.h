@@ -1,6 +1,6 @@
 #pragma once
-// Waits for a moment that the user picks, with a tick every second, and then ends as if OK had been pressed. A
-// schedule does not survive the dialog.
+// Waits for a moment that the user picks, with a tick every second, and then ends as if OK had been pressed.
+// A schedule does not survive the dialog.
 #include <functional>
 #include <memory>
 #include <QDateTime>

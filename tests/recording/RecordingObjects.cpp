@@ -10,6 +10,7 @@
 #include "tests/recording/RecordingHost.h"
 
 #include <cstdlib>
+#include <QRegularExpression>
 
 namespace {
 
@@ -242,5 +243,15 @@ int acutWcMatch(const ACHAR* text, const ACHAR* pattern) {
 }
 
 bool acutWcMatchEx(const ACHAR* text, const ACHAR* pattern, bool ignoreCase) {
-    return TextOf(text).compare(TextOf(pattern), ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive) == 0;
+    // Stars and sets, which is what the module's patterns are made of.
+    QString expression = QRegularExpression::escape(TextOf(pattern));
+    expression.replace(QLatin1String("\\*"), QLatin1String(".*"))
+        .replace(QLatin1String("\\[\\~"), QLatin1String("[^"))
+        .replace(QLatin1String("\\]"), QLatin1String("]"));
+    QRegularExpression::PatternOptions options = QRegularExpression::DotMatchesEverythingOption;
+    if (ignoreCase)
+        options |= QRegularExpression::CaseInsensitiveOption;
+    return QRegularExpression(QRegularExpression::anchoredPattern(expression), options)
+        .match(TextOf(text))
+        .hasMatch();
 }

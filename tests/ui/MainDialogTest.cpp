@@ -83,8 +83,8 @@ TEST_F(MainDialogTest, EachQuestionAnsweredBothWays) {
     addFile(QStringLiteral("/d/a.dwg"));
     TarnelData().Script = "options\r\n(plot)\r\n";
     int refreshed = 0;
-    const auto connection = QObject::connect(&TarnelData().Signals, &TarnelSignals::RefreshSignal, qApp,
-                                             [&] { ++refreshed; });
+    const auto connection =
+        QObject::connect(&TarnelData().Signals, &TarnelSignals::RefreshSignal, qApp, [&] { ++refreshed; });
     for (int noAt = 1; noAt <= 4; ++noAt) {
         questions.clear();
         refreshed = 0;
@@ -166,8 +166,10 @@ TEST_F(MainDialogTest, EveryControlHasANameForScreenReaders) {
             control->objectName().startsWith(QLatin1String("qt_")) || qobject_cast<const CAutoTab*>(control))
             continue;
         const auto* button = qobject_cast<const QAbstractButton*>(control);
-        const bool named = !control->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty());
-        EXPECT_TRUE(named) << control->metaObject()->className() << " " << control->objectName().toStdString();
+        const bool named =
+            !control->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty());
+        EXPECT_TRUE(named) << control->metaObject()->className() << " "
+                           << control->objectName().toStdString();
     }
 }
 

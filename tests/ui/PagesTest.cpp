@@ -15,16 +15,18 @@ class LogTabTest : public UiFixture {
     void writeLog(bool closed = true) {
         QFile log(folder.filePath(QStringLiteral("tnl log.html")));
         ASSERT_TRUE(log.open(QIODevice::WriteOnly));
-        log.write("<html><body><span>1: <font color=blue>Batch started</font></span><br />\r\n"
-                  "<span>2: Processing file: <span id=\"_l_a.log\">C:\\d\\a & b.dwg</span></span><br />\r\n"
-                  "<span>3: Processing file: <span id=\"_l_gone.log\">/d/gone.dwg</span></span><br />\r\n");
+        log.write(
+            "<html><body><span>1: <font color=blue>Batch started</font></span><br />\r\n"
+            "<span>2: Processing file: <span id=\"_l_a.log\">C:\\d\\a & b.dwg</span></span><br />\r\n"
+            "<span>3: Processing file: <span id=\"_l_gone.log\">/d/gone.dwg</span></span><br />\r\n");
         if (closed)
             log.write("<span>4: <font color=blue>Batch completed</font></span><br />\r\n</body></html>");
         log.close();
         CZipArchive archive;
-        ASSERT_TRUE(archive.Open(folder.filePath(QStringLiteral("TNLLog.zip")).toStdString(), CZipArchive::Create));
+        ASSERT_TRUE(
+            archive.Open(folder.filePath(QStringLiteral("TNLLog.zip")).toStdString(), CZipArchive::Create));
         CFileHeader header;
-        header.name = "_l_a.log";
+        header.Name = "_l_a.log";
         archive.OpenNewFile(header, 9);
         const std::string text = "Command: ZOOM\nSpecify <all>\n";
         archive.WriteNewFile(text.data(), text.size());
@@ -60,7 +62,8 @@ TEST_F(LogTabTest, NamesAreLinksToTheHostLogs) {
     QTest::mouseClick(view(tab)->viewport(), Qt::BackButton);
     EXPECT_TRUE(shown(tab).contains(QStringLiteral("Batch started")));
     const QString before = shown(tab);
-    for (const char* nothing : {"logfile:_l_gone.log:/d/gone.dwg", "logfile:", "elsewhere", "LOGFILE:_l_a.log:x"}) {
+    for (const char* nothing :
+         {"logfile:_l_gone.log:/d/gone.dwg", "logfile:", "elsewhere", "LOGFILE:_l_a.log:x"}) {
         follow(tab, QString::fromLatin1(nothing));
         EXPECT_EQ(shown(tab), before) << nothing;
     }
@@ -86,7 +89,8 @@ TEST_F(LogTabTest, WithoutALogAndAfterClearing) {
     writeLog(false);
     {
         LogTab tab;
-        EXPECT_TRUE(shown(tab).contains(QStringLiteral("No log file present."))) << "the host died in this run";
+        EXPECT_TRUE(shown(tab).contains(QStringLiteral("No log file present.")))
+            << "the host died in this run";
     }
     writeLog();
     LogTab tab;

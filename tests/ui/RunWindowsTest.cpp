@@ -39,7 +39,7 @@ TEST_F(UiFixture, StatusWindowShowsTheRun) {
 }
 
 TEST_F(UiFixture, ScheduleWaitsForItsMoment) {
-    QDateTime now(QDate(2026, 3, 1), QTime(22, 0, 0));
+    QDateTime now(QDate(2031, 3, 1), QTime(22, 0, 0));
     Schedule dialog;
     dialog.Now = [&] { return now; };
     auto* go = dialog.findChild<QPushButton*>(QStringLiteral("go"));
@@ -63,7 +63,7 @@ TEST_F(UiFixture, ScheduleWaitsForItsMoment) {
     EXPECT_TRUE(dialog.Waiting());
     EXPECT_EQ(go->text(), QStringLiteral("Run Now"));
     EXPECT_FALSE(date->isEnabled());
-    now = QDateTime(QDate(2026, 3, 1), QTime(23, 0, 0));
+    now = QDateTime(QDate(2031, 3, 1), QTime(23, 0, 0));
     dialog.Tick();
     EXPECT_TRUE(dialog.isVisible()) << "strictly later";
     now = now.addSecs(1);
@@ -74,7 +74,7 @@ TEST_F(UiFixture, ScheduleWaitsForItsMoment) {
 
 TEST_F(UiFixture, ScheduleCutShortAndCancelled) {
     for (const bool cut : {true, false}) {
-        QDateTime now(QDate(2026, 3, 1), QTime(22, 0, 0));
+        QDateTime now(QDate(2031, 3, 1), QTime(22, 0, 0));
         Schedule dialog;
         dialog.Now = [&] { return now; };
         dialog.show();

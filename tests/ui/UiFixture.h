@@ -4,8 +4,9 @@
 #include "engine/TarnelData.h"
 #include "tests/recording/RecordingHost.h"
 
-#include <functional>
 #include <gtest/gtest.h>
+#include <functional>
+#include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
 #include <QTemporaryDir>
@@ -32,7 +33,7 @@ class UiFixture : public ::testing::Test {
         data.WarnNoSave = data.WarnDialogCommand = data.WarnDialogCmdReplacement = true;
         data.MaxTime = 60;
         data.AlarmTime = 40;
-        Run().Scheduled = false;
+        ::Run().Scheduled = false;
     }
     void addFile(const QString& path, FileStatusValue status = ToDo) {
         AppendEntry(TarnelData(), path);
