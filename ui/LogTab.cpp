@@ -81,6 +81,8 @@ LogTab::LogTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<
     ui->emailLog->SetInfo(ResourceIcon(QStringLiteral("email")), tr("Send the log to support"));
     ui->clearLog->SetInfo(ResourceIcon(QStringLiteral("clear")), tr("Delete the log of the last run"));
     ui->saveLog->SetInfo(ResourceIcon(QStringLiteral("save")), tr("Save a copy of the log"));
+    ui->note->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    ui->note->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     ui->note->LoadHtml(TopNote);
     LoadRunLog();
     connect(ui->log, &CHTMLayout::OnLinkClick, this, &LogTab::ShowHostLog);
