@@ -1,0 +1,40 @@
+#pragma once
+// The command line of the window: what the host says, and a line to type in with history (up and down) and
+// completion of command names (Tab). Esc is a cancel, as at every command line.
+#include <QWidget>
+
+class QLineEdit;
+class QPlainTextEdit;
+
+namespace drafthost {
+
+class Host;
+
+class CommandLineWidget : public QWidget {
+    Q_OBJECT
+  public:
+    explicit CommandLineWidget(Host& host, QWidget* parent = nullptr);
+    /// Text of the host, without a line end of its own.
+    void append(const QString& text);
+
+  Q_SIGNALS:
+    /// A line was given, ended by Enter.
+    void typed(const QString& line);
+    void cancelled();
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void enter();
+    void recall(int step);
+    void complete();
+
+    Host& host;
+    QPlainTextEdit* output;
+    QLineEdit* line;
+    QStringList history;
+    qsizetype recalled = 0;
+};
+
+}  // namespace drafthost
