@@ -14,6 +14,7 @@
 #include "host/InstallScript.h"
 #include "host/LispFunctions.h"
 #include "host/Toolbar.h"
+#include "host/WindowUi.h"
 #include "log/Trace.h"
 #include "rxregsvc.h"
 #include "state/FileName.h"
@@ -30,6 +31,8 @@ constexpr ACHAR CommandGroup[] = ACRX_T("OVRXTARNEL");
 /// What stands from the start to the stop.
 struct ModuleContext {
     CmdLine Reactor;
+    /// The dialogs, where the host has a frame.
+    std::unique_ptr<RunUi> Windows;
 };
 std::unique_ptr<ModuleContext> context;
 
@@ -81,6 +84,10 @@ void StartModule() {
     Trace("InstallScriptHandler\n");
     InstallScriptHandler();
     Trace(QStringLiteral("OvrixSetupToolbar: %1\n").arg(OvrixSetupToolbar()));
+    Trace("Load HTMLayout\n");
+    context->Windows = MakeWindowUi();
+    SetUi(context->Windows.get());
+    Trace("Scintilla_RegisterClasses\n");
     addCommands();
     Trace("Add Reactor\n");
     acedEditorPtr()->addReactor(&context->Reactor);
@@ -107,7 +114,7 @@ void StopModule() {
     printState("unloaded");
     if (CurrentUi().IsStepThroughVisible())
         CurrentUi().CloseStepThrough();
+    SetUi(nullptr);
     context.reset();
     ResetRun();
-    SetUi(nullptr);
 }

@@ -1,0 +1,35 @@
+#include "host/WindowUi.h"
+
+#include "acframe.h"
+#include "html/HtmlResources.h"
+#include "log/MapiSession.h"
+#include "log/SupportBundle.h"
+#include "ui/DialogUi.h"
+
+#include <QMessageBox>
+
+namespace {
+
+/// What the button "Email Log" does.
+void emailLog(QWidget* page) {
+    CMapiSession session;
+    if (!session.MapiInstalled()) {
+        QMessageBox::information(page, QStringLiteral("E-Mail Log"),
+                                 QStringLiteral("There is no program on this machine that can open a mail."));
+        return;
+    }
+    const SupportResult result = BuildSupportBundle(session);
+    if (!result.Error.isEmpty())
+        QMessageBox::warning(page, QStringLiteral("E-Mail Log"), result.Error);
+}
+
+}  // namespace
+
+std::unique_ptr<RunUi> MakeWindowUi() {
+    if (acedGetAcadFrame() == nullptr)
+        return nullptr;
+    InitHtmlResources();
+    auto windows = std::make_unique<DialogUi>();
+    windows->EmailLog = emailLog;
+    return windows;
+}
