@@ -17,6 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kHostName = "drafthost";
+constexpr const char* kDeskName = "drafthost-desk";
 constexpr const char* kModuleName = "tnl3-19-64.arx";
 
 struct Pipe {
@@ -81,19 +82,26 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid
 }  // namespace
 
 bool HostFiles::Find(std::string* error) {
+    return FindNamed(kHostName, std::getenv("TARNEL_HOST"), error);
+}
+
+bool HostFiles::FindDesk(std::string* error) {
+    return FindNamed(kDeskName, nullptr, error);
+}
+
+bool HostFiles::FindNamed(const char* name, const char* other, std::string* error) {
     std::error_code failure;
     const fs::path own = fs::read_symlink("/proc/self/exe", failure).parent_path();
-    const char* other = std::getenv("TARNEL_HOST");
     for (const fs::path& folder : {own, own / "../lib/tarnel"}) {
         const fs::path module = folder / kModuleName;
-        const fs::path host = other && *other ? fs::path(other) : folder / kHostName;
+        const fs::path host = other && *other ? fs::path(other) : folder / name;
         if (fs::exists(module, failure) && access(host.c_str(), X_OK) == 0) {
             Host = fs::absolute(host).lexically_normal().string();
             Module = module.lexically_normal().string();
             return true;
         }
     }
-    *error = own.string() + ": " + (other && *other ? other : kHostName) + " and " + kModuleName +
+    *error = own.string() + ": " + (other && *other ? other : name) + " and " + kModuleName +
              " are not to be found here; build or install them";
     return false;
 }

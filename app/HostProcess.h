@@ -16,6 +16,11 @@ struct HostFiles {
     /// Beside this program (a build) or in ../lib/tarnel (an installation); $TARNEL_HOST names another host.
     /// False with one line when one is missing.
     bool Find(std::string* error);
+    /// The same with the host that has a window; $TARNEL_HOST does not count for it.
+    bool FindDesk(std::string* error);
+
+  private:
+    bool FindNamed(const char* name, const char* other, std::string* error);
 };
 
 /// What a host works in.

@@ -1,5 +1,6 @@
 // The command line of tarnel.
 #include "app/BundleCommand.h"
+#include "app/DeskCommand.h"
 #include "app/RunCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -91,16 +92,23 @@ int main(int argc, char** argv) {
     std::string bundleDir;
     bundle->add_option("--data-dir", bundleDir, "Folder with the state and the logs instead of the user's")
         ->type_name("DIR");
+    CLI::App* desk = app.add_subcommand("desk", "Open the window, with the command TARNEL");
+    std::vector<std::string> drawings;
+    desk->add_option("drawings", drawings, "Drawings to open");
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& wanted) {
         return app.exit(wanted);
     } catch (const CLI::ParseError& wrong) {
-        std::fprintf(stderr, "tarnel: %s (tarnel run --help tells what there is)\n", wrong.what());
+        std::fprintf(stderr, "tarnel: %s (tarnel %s --help tells what there is)\n", wrong.what(),
+                     desk->parsed() ? "desk" : bundle->parsed() ? "bundle" : "run");
         return WrongUsage;
     }
     if (bundle->parsed()) {
         return MakeBundle(bundleDir, TARNEL_VERSION);
+    }
+    if (desk->parsed()) {
+        return OpenDesk(drawings);
     }
     if (const std::string wrong = CheckUsage(options); !wrong.empty()) {
         std::fprintf(stderr, "tarnel: %s\n", wrong.c_str());

@@ -57,8 +57,8 @@ void CommandLineWidget::recall(int step) {
 
 // Goes through the commands that begin with what stands in the line.
 void CommandLineWidget::complete() {
-    const QString start = line->text().left(line->selectionStart() < 0 ? line->cursorPosition()
-                                                                       : line->selectionStart());
+    const QString start =
+        line->text().left(line->selectionStart() < 0 ? line->cursorPosition() : line->selectionStart());
     if (start.isEmpty())
         return;
     QStringList fits;

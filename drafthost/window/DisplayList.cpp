@@ -179,7 +179,8 @@ class Builder {
         finish(std::move(item), color);
     }
 
-    void addInsert(RecordId entity, const Style& style, const QColor& color, const std::string& layer, int depth) {
+    void addInsert(RecordId entity, const Style& style, const QColor& color, const std::string& layer,
+                   int depth) {
         const Record record = drawing.record(entity);
         const std::string name = record.textOr(2, "");
         const Block* block = findBlock(drawing, name);
@@ -193,10 +194,12 @@ class Builder {
                     QTransform place;
                     place.translate(at.x, at.y);
                     place.rotate(record.realOr(50, 0));
-                    place.translate(double(column) * record.realOr(44, 0), double(row) * record.realOr(45, 0));
+                    place.translate(double(column) * record.realOr(44, 0),
+                                    double(row) * record.realOr(45, 0));
                     place.scale(record.realOr(41, 1), record.realOr(42, 1));
                     place.translate(-base.x, -base.y);
-                    addBlock(name, {place * extrusionTransform(record) * style.transform, color, layer}, depth);
+                    addBlock(name, {place * extrusionTransform(record) * style.transform, color, layer},
+                             depth);
                 }
             }
         }

@@ -28,7 +28,8 @@ struct DisplayList {
     QRectF bounds;
 };
 
-/// Walks the entities of model space, or of the active paper space; layers that are off or frozen are left out.
+/// Walks the entities of model space, or of the active paper space; layers that are off or frozen are left
+/// out.
 DisplayList buildDisplayList(const Drawing& drawing, bool paper);
 
 /// Colour of an index 1 to 255; invalid for 7, which is the colour of the foreground, and for others.

@@ -51,7 +51,8 @@ void DrawingView::takeView() {
     if (!shown.items.empty() && !seen.intersects(shown.bounds)) {
         center = shown.bounds.center();
         unitsPerPixel = std::max({shown.bounds.width() / std::max(width(), 1),
-                                  shown.bounds.height() / std::max(height(), 1), 1e-9}) * 1.05;
+                                  shown.bounds.height() / std::max(height(), 1), 1e-9}) *
+                        1.05;
     }
 }
 

@@ -13,8 +13,8 @@ class DrawingView : public QWidget {
     Q_OBJECT
   public:
     explicit DrawingView(QWidget* parent = nullptr);
-    /// Shows a document, null for none. The list of what to paint is made anew; what the wheel did to the view
-    /// of the same document stays.
+    /// Shows a document, null for none. The list of what to paint is made anew; what the wheel did to the
+    /// view of the same document stays.
     void show(Document* document);
     using QWidget::show;
     /// Takes over what commands have changed: entities, layers and the view.

@@ -130,7 +130,8 @@ QPainterPath oldPolyline(const Drawing& drawing, RecordId entity) {
     const auto flags = record.integerOr(70, 0);
     std::vector<Vertex> vertices;
     QPainterPath faces;
-    for (RecordId id = drawing.next(entity); id != NoRecord && drawing.type(id) == "VERTEX"; id = drawing.next(id)) {
+    for (RecordId id = drawing.next(entity); id != NoRecord && drawing.type(id) == "VERTEX";
+         id = drawing.next(id)) {
         const Record vertex = drawing.record(id);
         const auto kind = vertex.integerOr(70, 0);
         if ((flags & 64) != 0 && (kind & 64) == 0) {
@@ -220,7 +221,8 @@ std::optional<QPainterPath> entityPath(const Drawing& drawing, RecordId entity) 
     }
     if (type == "CIRCLE" || type == "ARC") {
         const bool arc = type == "ARC";
-        addArc(path, flat(record.pointOr(10, {})), record.realOr(40, 0), arc ? degrees(record.realOr(50, 0)) : 0,
+        addArc(path, flat(record.pointOr(10, {})), record.realOr(40, 0),
+               arc ? degrees(record.realOr(50, 0)) : 0,
                arc ? degrees(record.realOr(51, 360)) : 2 * std::numbers::pi);
         return extrusionTransform(record).map(path);
     }

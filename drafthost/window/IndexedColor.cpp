@@ -5,9 +5,16 @@ namespace drafthost {
 // The standard palette: nine named colours, then 24 hues in steps of 15 degrees with five brightnesses, each
 // full and half saturated, then six greys.
 QColor indexedColor(int index) {
-    static const QColor named[] = {QColor(),        QColor(255, 0, 0),   QColor(255, 255, 0), QColor(0, 255, 0),
-                                   QColor(0, 255, 255), QColor(0, 0, 255), QColor(255, 0, 255), QColor(),
-                                   QColor(128, 128, 128), QColor(192, 192, 192)};
+    static const QColor named[] = {QColor(),
+                                   QColor(255, 0, 0),
+                                   QColor(255, 255, 0),
+                                   QColor(0, 255, 0),
+                                   QColor(0, 255, 255),
+                                   QColor(0, 0, 255),
+                                   QColor(255, 0, 255),
+                                   QColor(),
+                                   QColor(128, 128, 128),
+                                   QColor(192, 192, 192)};
     if (index < 1 || index > 255)
         return {};
     if (index < 10)

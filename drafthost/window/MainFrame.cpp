@@ -133,8 +133,9 @@ void MainFrame::showCurrent() {
         if (&document == current)
             tabs->setCurrentIndex(i);
     }
-    setWindowTitle(current == nullptr ? QStringLiteral("drafthost")
-                                      : QString::fromStdString(current->title()) + QStringLiteral(" - drafthost"));
+    setWindowTitle(current == nullptr
+                       ? QStringLiteral("drafthost")
+                       : QString::fromStdString(current->title()) + QStringLiteral(" - drafthost"));
     drawingView->show(current);
 }
 

@@ -1,0 +1,53 @@
+#include "app/DeskCommand.h"
+
+#include "app/DataFolder.h"
+#include "app/HostProcess.h"
+#include "app/RunCommand.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+bool IsSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value && *value;
+}
+
+int Refuse(const std::string& error) {
+    std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+    return BrokenOff;
+}
+
+}  // namespace
+
+int OpenDesk(const std::vector<std::string>& drawings) {
+    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM")) {
+        return Refuse(
+            "desk needs a display, and there is none here (DISPLAY is not set); tarnel run works without");
+    }
+    std::string error;
+    HostFiles files;
+    DataFolder folder({});
+    if (!files.FindDesk(&error) || !folder.Lock(&error)) {
+        return Refuse(error);
+    }
+    // The window keeps the folder to its end, as a run's host does.
+    fcntl(folder.LockDescriptor(), F_SETFD, 0);
+    std::vector<char*> arguments = {files.Host.data(), const_cast<char*>("--load"), files.Module.data()};
+    // A drawing whose name looks like an option is still a drawing.
+    std::vector<std::string> names;
+    for (const std::string& drawing : drawings) {
+        names.push_back(drawing.starts_with('-') ? "./" + drawing : drawing);
+    }
+    for (std::string& name : names) {
+        arguments.push_back(name.data());
+    }
+    arguments.push_back(nullptr);
+    execv(files.Host.c_str(), arguments.data());
+    return Refuse(files.Host + ": cannot be started: " + std::strerror(errno));
+}

@@ -1,0 +1,156 @@
+#include "drafthost/Launch.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <string_view>
+
+#include "drafthost/editor/Host.h"
+#include "drafthost/editor/InputStream.h"
+#include "drafthost/editor/ScriptReader.h"
+#include "drafthost/Startup.h"
+
+namespace drafthost {
+namespace {
+
+constexpr const char* Options =
+    "[--load MODULE]... [--registry FILE] [--support FOLDER]... DRAWINGS [/b SCRIPT]\n"
+    "  --load MODULE      load a module at start\n"
+    "  --registry FILE    keep settings in this file\n"
+    "  --support FOLDER   look for files here too\n"
+    "  /b SCRIPT          run a script once the drawing is open\n"
+    "  --version, --help\n";
+constexpr const char* HeadlessEnd =
+    "One drawing at most. Commands are read from standard input; QUIT or the end of the input ends the "
+    "host.\n";
+constexpr const char* FramedEnd = "The drawings are opened in a window, in which commands are typed.\n";
+
+std::string defaultRegistry() {
+    const char* config = std::getenv("XDG_CONFIG_HOME");
+    if (config && config[0] == '/') {
+        return std::string(config) + "/drafthost/registry.ini";
+    }
+    const char* home = std::getenv("HOME");
+    return home ? std::string(home) + "/.config/drafthost/registry.ini" : std::string();
+}
+
+int signalPipe[2] = {-1, -1};
+
+void onSignal(int number) {
+    const int before = errno;
+    const char byte = char(number);
+    // A full pipe already holds enough to wake the reader.
+    [[maybe_unused]] const ssize_t count = ::write(signalPipe[1], &byte, 1);
+    errno = before;
+}
+
+bool openDrawing(Host& host, const std::string& drawing) {
+    OpenResult result = host.openDocument(drawing, OpenMode::ReadWrite);
+    if (!result.document && result.locked) {
+        host.printLine(result.error + " It is opened read-only.");
+        result = host.openDocument(drawing, OpenMode::ReadOnly);
+    }
+    if (!result.document) {
+        host.printLine(result.error);
+    }
+    return result.document != nullptr;
+}
+
+}  // namespace
+
+std::optional<Arguments> readArguments(int argc, char** argv, const std::string& program, bool framed) {
+    const std::string usage = "usage: " + program + (framed ? " " : " [--headless] ") + Options +
+                              (framed ? FramedEnd : HeadlessEnd);
+    Arguments arguments;
+    arguments.registry = defaultRegistry();
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view word = argv[i];
+        std::string* value = nullptr;
+        if (word == "--help") {
+            std::fputs(usage.c_str(), stdout);
+            std::exit(0);
+        }
+        if (word == "--version") {
+            std::printf("%s " DRAFTHOST_VERSION "\n", program.c_str());
+            std::exit(0);
+        }
+        if (word == "--headless" && !framed) {
+            continue;
+        }
+        if (word == "--load" || word == "/ld") {
+            value = &arguments.modules.emplace_back();
+        } else if (word == "--support") {
+            value = &arguments.support.emplace_back();
+        } else if (word == "--registry") {
+            value = &arguments.registry;
+        } else if (word == "/b") {
+            value = &arguments.script;
+        } else if (word.starts_with("--") || (!framed && !arguments.drawings.empty())) {
+            std::fprintf(stderr, "%s: unexpected argument \"%s\"\n%s", program.c_str(), argv[i],
+                         usage.c_str());
+            return std::nullopt;
+        } else {
+            arguments.drawings.emplace_back(word);
+            continue;
+        }
+        if (++i >= argc) {
+            std::fprintf(stderr, "%s: %s needs a value\n%s", program.c_str(), argv[i - 1], usage.c_str());
+            return std::nullopt;
+        }
+        *value = argv[i];
+    }
+    return arguments;
+}
+
+void watchSignals(Host& host, QCoreApplication& application) {
+    if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+        return;
+    }
+    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &application);
+    QObject::connect(notifier, &QSocketNotifier::activated, &application, [&host] {
+        char byte = 0;
+        while (::read(signalPipe[0], &byte, 1) == 1) {
+            if (byte == SIGINT) {
+                host.input().cancel();
+            } else {
+                host.input().terminate();
+            }
+        }
+    });
+    struct sigaction action {};
+    action.sa_handler = onSignal;
+    action.sa_flags = SA_RESTART;
+    for (int number : {SIGINT, SIGTERM, SIGHUP}) {
+        ::sigaction(number, &action, nullptr);
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+void prepare(Host& host, const Arguments& arguments) {
+    for (const std::string& folder : arguments.support) {
+        host.addSupportPath(folder);
+    }
+    registerCommands(host.commands());
+    registerSystemVariables(host.variables());
+}
+
+void begin(Host& host, const Arguments& arguments) {
+    loadStartupModules(host, arguments.modules);
+    bool opened = false;
+    for (const std::string& drawing : arguments.drawings) {
+        opened = openDrawing(host, drawing) || opened;
+    }
+    if (!opened) {
+        host.newDocument();
+    }
+    if (std::string error; !arguments.script.empty() && !host.script().start(arguments.script, error)) {
+        host.printLine(error);
+    }
+}
+
+}  // namespace drafthost

@@ -1,0 +1,37 @@
+#pragma once
+// What the host without a window and the one with a frame begin with alike: arguments, signals, the first
+// drawings.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+class QCoreApplication;
+
+namespace drafthost {
+
+class Host;
+
+struct Arguments {
+    std::vector<std::string> modules;
+    std::vector<std::string> support;
+    /// The user's own file when none was given; empty where there is no home.
+    std::string registry;
+    std::vector<std::string> drawings;
+    std::string script;
+};
+
+/// Reads the arguments; "--help" and "--version" end the process. Nothing, and the message is on standard
+/// error, for arguments that make no sense. Without a frame there is one drawing at most.
+std::optional<Arguments> readArguments(int argc, char** argv, const std::string& program, bool framed);
+
+/// SIGINT is an Esc, as the same key is at a command line; SIGTERM and SIGHUP end the host in order.
+void watchSignals(Host& host, QCoreApplication& application);
+
+/// Commands, system variables and the support path.
+void prepare(Host& host, const Arguments& arguments);
+
+/// Loads the modules, opens the drawings (a new one when none opens) and starts the script.
+void begin(Host& host, const Arguments& arguments);
+
+}  // namespace drafthost

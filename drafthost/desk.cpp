@@ -1,0 +1,66 @@
+// drafthost-desk: the host with a window.
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <QApplication>
+#include <string>
+
+#include "drafthost/api/ApiHost.h"
+#include "drafthost/editor/Host.h"
+#include "drafthost/editor/InputStream.h"
+#include "drafthost/Launch.h"
+#include "drafthost/window/CommandLineWidget.h"
+#include "drafthost/window/DrawingView.h"
+#include "drafthost/window/MainFrame.h"
+
+using namespace drafthost;
+
+namespace {
+
+constexpr int NoDisplay = 3;
+
+bool isSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value && *value;
+}
+
+/// Qt ends the process with a page of text when it finds no display, so this is asked before.
+bool hasDisplay() {
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    auto arguments = readArguments(argc, argv, "drafthost-desk", true);
+    if (!arguments) {
+        return 2;
+    }
+    if (!hasDisplay()) {
+        std::fputs("drafthost-desk: there is no display to open a window on (DISPLAY is not set)\n", stderr);
+        return NoDisplay;
+    }
+    QApplication application(argc, argv);
+    // Dialogs come and go while no other window is open; the host ends by QUIT alone.
+    QApplication::setQuitOnLastWindowClosed(false);
+    Host host(arguments->registry);
+    host.setHasFrame(true);
+    prepare(host, *arguments);
+    ApiHost api(host);
+    auto frame = std::make_unique<MainFrame>(host);
+    host.setOutput([line = frame->commandLine()](std::string_view text) {
+        line->append(QString::fromUtf8(text.data(), qsizetype(text.size())));
+    });
+    ApiHost::setFrame(frame.get(), frame.get(), frame->view());
+    watchSignals(host, application);
+    host.input().setOnEnd([] { QCoreApplication::quit(); });
+    frame->show();
+    begin(host, *arguments);
+    host.input().wake();
+    QCoreApplication::exec();
+    host.shutDown();
+    ApiHost::setFrame(nullptr, nullptr, nullptr);
+    host.setOutput({});
+    return 0;
+}
