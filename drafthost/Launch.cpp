@@ -107,17 +107,20 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
     return arguments;
 }
 
-void watchSignals(Host& host, QCoreApplication& application) {
+void watchSignals(Host& host, QCoreApplication& application, std::function<void()> beforeEnd) {
     if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
         return;
     }
     auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &application);
-    QObject::connect(notifier, &QSocketNotifier::activated, &application, [&host] {
+    QObject::connect(notifier, &QSocketNotifier::activated, &application, [&host, beforeEnd] {
         char byte = 0;
         while (::read(signalPipe[0], &byte, 1) == 1) {
             if (byte == SIGINT) {
                 host.input().cancel();
             } else {
+                if (beforeEnd) {
+                    beforeEnd();
+                }
                 host.input().terminate();
             }
         }

@@ -2,6 +2,7 @@
 // What the host without a window and the one with a frame begin with alike: arguments, signals, the first
 // drawings.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,8 +26,9 @@ struct Arguments {
 /// error, for arguments that make no sense. Without a frame there is one drawing at most.
 std::optional<Arguments> readArguments(int argc, char** argv, const std::string& program, bool framed);
 
-/// SIGINT is an Esc, as the same key is at a command line; SIGTERM and SIGHUP end the host in order.
-void watchSignals(Host& host, QCoreApplication& application);
+/// SIGINT is an Esc, as the same key is at a command line; SIGTERM and SIGHUP end the host in order, after
+/// what the caller has to do before.
+void watchSignals(Host& host, QCoreApplication& application, std::function<void()> beforeEnd = {});
 
 /// Commands, system variables and the support path.
 void prepare(Host& host, const Arguments& arguments);

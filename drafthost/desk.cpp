@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 #include <QApplication>
+#include <QTimer>
 #include <string>
 
 #include "drafthost/api/ApiHost.h"
@@ -30,6 +31,14 @@ bool hasDisplay() {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
 
+/// A dialog of a module holds up everything that runs below it, the end of the host too.
+void closeDialogs() {
+    if (QWidget* dialog = QApplication::activeModalWidget()) {
+        dialog->close();
+        QTimer::singleShot(20, qApp, closeDialogs);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -53,7 +62,7 @@ int main(int argc, char** argv) {
         line->append(QString::fromUtf8(text.data(), qsizetype(text.size())));
     });
     ApiHost::setFrame(frame.get(), frame.get(), frame->view());
-    watchSignals(host, application);
+    watchSignals(host, application, closeDialogs);
     host.input().setOnEnd([] { QCoreApplication::quit(); });
     frame->show();
     begin(host, *arguments);

@@ -38,7 +38,7 @@ table { display: table; border-collapse: separate; border-spacing: 2px; }
 tr { display: table-row; }
 td, th { display: table-cell; padding: 1px; vertical-align: inherit; }
 th { font-weight: bold; text-align: center; }
-img, input, button { display: inline-block; }
+br, img, input, button { display: inline-block; }
 )css";
 
 /// Line ends inside <pre> become marks, see PreLineEnd.

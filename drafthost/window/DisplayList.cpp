@@ -14,6 +14,8 @@ namespace drafthost {
 namespace {
 
 constexpr int DeepestBlock = 24;
+/// Blocks that are walked at most: arrays in arrays of a damaged drawing would take hours.
+constexpr int MostBlocks = 200000;
 
 struct Layer {
     QColor color;
@@ -212,7 +214,8 @@ class Builder {
 
     void addBlock(const std::string& name, const Style& style, int depth) {
         const Block* block = findBlock(drawing, name);
-        if (block == nullptr || depth >= DeepestBlock || !open.insert(block->begin).second)
+        if (block == nullptr || depth >= DeepestBlock || ++walked > MostBlocks ||
+            !open.insert(block->begin).second)
             return;
         for (RecordId id = firstInBlock(drawing, *block); id != NoRecord && id != block->end;
              id = drawing.next(id)) {
@@ -227,6 +230,7 @@ class Builder {
     std::unordered_map<std::string, Layer> layers;
     /// Blocks being walked: one that holds itself ends there.
     std::unordered_set<RecordId> open;
+    int walked = 0;
 };
 
 }  // namespace

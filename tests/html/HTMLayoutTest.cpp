@@ -70,6 +70,16 @@ TEST_F(HTMLayoutTest, ASlotMayReplaceThePageWhileItsLinkIsFollowed) {
     EXPECT_EQ(FindFirst(view.GetRoot(), QStringLiteral("#second")).Text(), QStringLiteral("second"));
 }
 
+TEST_F(HTMLayoutTest, LinesEndAtBreaks) {
+    view.LoadHtml(
+        QStringLiteral("<html><body><span id=one>1</span><br />\n<span id=two>2</span><br />\n"
+                       "</body></html>"));
+    const QRect one = FindFirst(view.GetRoot(), QStringLiteral("#one")).Box();
+    const QRect two = FindFirst(view.GetRoot(), QStringLiteral("#two")).Box();
+    EXPECT_GE(two.top(), one.bottom());
+    EXPECT_EQ(two.left(), one.left());
+}
+
 TEST_F(HTMLayoutTest, MouseBackAndForward) {
     int back = 0;
     int forward = 0;
