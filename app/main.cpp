@@ -101,7 +101,9 @@ int main(int argc, char** argv) {
         return app.exit(wanted);
     } catch (const CLI::ParseError& wrong) {
         std::fprintf(stderr, "tarnel: %s (tarnel %s --help tells what there is)\n", wrong.what(),
-                     desk->parsed() ? "desk" : bundle->parsed() ? "bundle" : "run");
+                     desk->parsed()     ? "desk"
+                     : bundle->parsed() ? "bundle"
+                                        : "run");
         return WrongUsage;
     }
     if (bundle->parsed()) {

@@ -113,5 +113,6 @@ TEST_F(RunTest, TraceGoesOnFromStartToStartAndEndsInDone) {
     const QString lines = QString::fromUtf8(both.mid(first.size())).section("\r\n", 1);
     EXPECT_EQ(
         lines,
-        "InstallScriptHandler\r\nOvrixSetupToolbar: 1\r\nAdd Commands\r\nAdd Reactor\r\nCheck Watch\r\n");
+        "InstallScriptHandler\r\nOvrixSetupToolbar: 1\r\nLoad HTMLayout\r\nScintilla_RegisterClasses\r\n"
+        "Add Commands\r\nAdd Reactor\r\nCheck Watch\r\n");
 }
