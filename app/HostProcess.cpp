@@ -217,7 +217,11 @@ void HostProcess::Kill() {
     }
 }
 
-std::string HostProcess::Wait() {
+bool HostEnd::FromOutside() const {
+    return Signal == SIGKILL || Signal == SIGTERM;
+}
+
+HostEnd HostProcess::Wait() {
     int status = 0;
     while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
@@ -227,8 +231,14 @@ std::string HostProcess::Wait() {
         close(output);
         output = -1;
     }
-    return WIFSIGNALED(status) ? "died, signal " + std::to_string(WTERMSIG(status))
-                               : "ended, exit status " + std::to_string(WEXITSTATUS(status));
+    if (WIFSIGNALED(status)) {
+        return {"died, signal " + std::to_string(WTERMSIG(status)), WTERMSIG(status)};
+    }
+    // The host that comes along ends in order on this signal and says so by its status.
+    if (WEXITSTATUS(status) == 128 + SIGTERM) {
+        return {"died, signal " + std::to_string(SIGTERM), SIGTERM};
+    }
+    return {"ended, exit status " + std::to_string(WEXITSTATUS(status)), 0};
 }
 
 void HostProcess::CloseInput() {

@@ -35,6 +35,17 @@ struct HostPlace {
     int Lock = -1;
 };
 
+/// How a host ended.
+struct HostEnd {
+    /// "ended, exit status 3" or "died, signal 11".
+    std::string Text;
+    /// 0 when it ended by itself.
+    int Signal = 0;
+    /// True for the signals that nothing in a host sends to itself: somebody, or a system short of memory,
+    /// has ended it.
+    bool FromOutside() const;
+};
+
 class HostProcess {
   public:
     HostProcess() = default;
@@ -59,8 +70,8 @@ class HostProcess {
 
     /// Ends it at once (SIGKILL to its group).
     void Kill();
-    /// Waits until it is dead. "exit status 3" or "died, signal 11".
-    std::string Wait();
+    /// Waits until it is dead.
+    HostEnd Wait();
 
   private:
     void CloseInput();

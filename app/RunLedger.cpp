@@ -20,7 +20,6 @@ const DrawingRecord* RunLedger::Take(const HostLine& line, Clock::time_point now
             if (current) {
                 current->Message.clear();
                 prompt.clear();
-                current->Host.clear();
                 current->Status = DrawingStatus::FailOpen;
             }
             break;
@@ -59,7 +58,10 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
     DrawingRecord* settled = current;
     if (settled) {
         settled->Seconds = std::chrono::duration<double>(now - since).count();
-        settled->Host = host;
+        // A drawing that is Done has not cost the host its life.
+        if (!host.empty() && settled->Status != DrawingStatus::Done) {
+            settled->Host = host;
+        }
         // A script that stopped for an error leaves its command waiting; the error says more.
         if (settled->Status != DrawingStatus::Done && settled->Message.empty()) {
             settled->Message = prompt;
@@ -67,6 +69,39 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
         current = nullptr;
     }
     return settled;
+}
+
+void RunLedger::CatchUp(const std::vector<QueueEntry>& saved) {
+    for (const QueueEntry& entry : saved) {
+        if (current && Find(entry.Path) == current) {
+            current->Status = entry.Status;
+        }
+    }
+}
+
+std::vector<std::string> RunLedger::LeftInWork(const std::vector<QueueEntry>& saved) const {
+    std::vector<std::string> left;
+    for (const QueueEntry& entry : saved) {
+        const auto found = indices.find(entry.Path);
+        if (found == indices.end() ||
+            (entry.Status != DrawingStatus::FailOpen && entry.Status != DrawingStatus::Error)) {
+            continue;
+        }
+        // The host may have saved a drawing's status and died before it could say so.
+        const DrawingRecord& record = records[found->second];
+        if (&record == current || record.Status == DrawingStatus::ToDo) {
+            left.push_back(entry.Path);
+        }
+    }
+    return left;
+}
+
+void RunLedger::TakeBack(const std::string& path, const std::string& host) {
+    if (DrawingRecord* record = Find(path)) {
+        record->Status = DrawingStatus::ToDo;
+        record->Host = host;
+        current = record == current ? nullptr : current;
+    }
 }
 
 void RunLedger::Adopt(const RunLedger& share) {

@@ -18,7 +18,8 @@ struct DrawingRecord {
     std::optional<double> Seconds;
     /// The host's last message while the drawing was in work.
     std::string Message;
-    /// How the host died with this drawing in work: "died, signal 11".
+    /// How the host died with this drawing in work: "died, signal 11". It stays when a second attempt went
+    /// well.
     std::string Host;
 };
 
@@ -36,6 +37,13 @@ class RunLedger {
     /// The run or the host has ended: settles the drawing in work, if there is one. host is empty or how the
     /// host died.
     const DrawingRecord* Settle(Clock::time_point now, const std::string& host = {});
+    /// Takes over what is on disk of the drawing in work, which its host may not have told any more.
+    void CatchUp(const std::vector<QueueEntry>& saved);
+    /// What a host that died has left in work: drawings that stand on disk as being opened or worked on and
+    /// whose end was not told. Names as the host knows them.
+    std::vector<std::string> LeftInWork(const std::vector<QueueEntry>& saved) const;
+    /// The drawing waits again, after a host that died with it in work.
+    void TakeBack(const std::string& path, const std::string& host);
     /// Takes over what another ledger knows of drawings that stand here too.
     void Adopt(const RunLedger& share);
     /// Takes over the statuses on disk. False when a drawing stands there as less than was told here: the

@@ -21,12 +21,15 @@ namespace {
 
 constexpr const char* kLog = "/tnl log.html";
 constexpr const char* kArchive = "/TNLLog.zip";
+constexpr std::string_view kLink = "<span id=\"";
 constexpr int kLevel = 9;
 
 /// A run log with the archive that belongs to it.
 struct Part {
     std::string Log;
     std::string Archive;
+    /// Which entries of the archive are wanted, and their names in the merged one.
+    std::unordered_map<std::string, std::string> Names;
 };
 
 std::string ReadText(const std::string& path) {
@@ -43,10 +46,10 @@ std::string AsideName(const std::string& folder, const char* file, int number) {
 std::vector<Part> PartsIn(const std::string& folder, bool asideOnly = false) {
     std::vector<Part> parts;
     for (int number = 1; fs::exists(AsideName(folder, kLog, number)); ++number) {
-        parts.push_back({AsideName(folder, kLog, number), AsideName(folder, kArchive, number)});
+        parts.push_back({AsideName(folder, kLog, number), AsideName(folder, kArchive, number), {}});
     }
     if (!asideOnly && fs::exists(folder + kLog)) {
-        parts.push_back({folder + kLog, folder + kArchive});
+        parts.push_back({folder + kLog, folder + kArchive, {}});
     }
     return parts;
 }
@@ -74,10 +77,9 @@ std::vector<std::string> LinesOf(std::string text) {
 
 /// Names under which the logs of the drawings are linked.
 std::unordered_set<std::string> LinksOf(const std::string& text) {
-    constexpr std::string_view mark = "<span id=\"";
     std::unordered_set<std::string> links;
-    for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at)) {
-        at += mark.size();
+    for (std::size_t at = text.find(kLink); at != std::string::npos; at = text.find(kLink, at)) {
+        at += kLink.size();
         links.insert(text.substr(at, std::min(text.find('"', at), text.size()) - at));
     }
     return links;
@@ -102,26 +104,66 @@ std::time_t TimeOf(const std::string& line, std::time_t before) {
     return known ? std::mktime(&time) : before;
 }
 
-std::string MergedText(const std::vector<Part>& parts) {
-    struct Line {
-        std::time_t Time;
-        std::string Text;
-    };
+struct Line {
+    std::time_t Time;
+    std::string Text;
+    Part* From;
+};
+
+/// The drawing that a line tells of; empty when it tells of none.
+std::string_view DrawingOf(std::string_view line) {
+    const std::size_t link = line.find(kLink);
+    const std::size_t start = link == std::string_view::npos ? link : line.find("\">", link);
+    const std::size_t end = line.find("</span>", std::min(start, line.size()));
+    return end == std::string_view::npos ? std::string_view() : line.substr(start + 2, end - start - 2);
+}
+
+/// Of a drawing that was begun twice, since its host was killed, only the last attempt counts.
+void DropFirstAttempts(std::vector<Line>* lines) {
+    std::unordered_set<std::string> seen;
+    std::reverse(lines->begin(), lines->end());
+    std::erase_if(*lines, [&seen](const Line& line) {
+        const std::string_view drawing = DrawingOf(line.Text);
+        return !drawing.empty() && !seen.emplace(drawing).second;
+    });
+    std::reverse(lines->begin(), lines->end());
+}
+
+/// Hosts on several machines may have named two logs alike.
+void NameEntries(std::vector<Line>* lines) {
+    std::unordered_set<std::string> taken;
+    for (Line& line : *lines) {
+        for (const std::string& link : LinksOf(line.Text)) {
+            auto [known, isNew] = line.From->Names.try_emplace(link, link);
+            for (int number = 2; isNew && !taken.insert(known->second).second; ++number) {
+                known->second = link + "-" + std::to_string(number);
+            }
+            if (known->second != link) {
+                line.Text.replace(line.Text.find(kLink) + kLink.size(), link.size(), known->second);
+            }
+        }
+    }
+}
+
+/// Also tells each part which of its entries the text links to.
+std::string MergedText(std::vector<Part>* parts) {
     std::vector<Line> lines;
     std::vector<Line> starts;
     std::vector<Line> ends;
-    for (const Part& part : parts) {
+    for (Part& part : *parts) {
         std::time_t time = 0;
         for (std::string& text : LinesOf(ReadText(part.Log))) {
             time = TimeOf(text, time);
             auto& kind = text.find(">Batch started<") != std::string::npos     ? starts
                          : text.find(">Batch completed<") != std::string::npos ? ends
                                                                                : lines;
-            kind.push_back({time, std::move(text)});
+            kind.push_back({time, std::move(text), &part});
         }
     }
     const auto earlier = [](const Line& left, const Line& right) { return left.Time < right.Time; };
     std::stable_sort(lines.begin(), lines.end(), earlier);
+    DropFirstAttempts(&lines);
+    NameEntries(&lines);
     std::string text = "<html><body>";
     if (!starts.empty()) {
         text += std::min_element(starts.begin(), starts.end(), earlier)->Text + "\r\n";
@@ -148,8 +190,8 @@ bool WriteText(const std::string& path, const std::string& text, std::string* er
     return true;
 }
 
-/// Copies the entries that a part's log links to; others are of a run before.
-void CopyEntries(const Part& part, std::unordered_set<std::string>* have, CZipArchive* target) {
+/// Copies the entries that are wanted; others are of a run before.
+void CopyEntries(const Part& part, CZipArchive* target) {
     CZipArchive source;
     if (!fs::exists(part.Archive)) {
         return;
@@ -157,14 +199,13 @@ void CopyEntries(const Part& part, std::unordered_set<std::string>* have, CZipAr
     if (!source.Open(part.Archive, CZipArchive::Existing)) {
         throw CZipException(CZipException::ReadError, part.Archive, std::strerror(errno));
     }
-    const std::unordered_set<std::string> links = LinksOf(ReadText(part.Log));
     for (int i = 0; i < source.Count(); ++i) {
         CFileHeader header;
         source.GetFileInfo(header, i);
-        if (links.contains(header.Name) && have->insert(header.Name).second) {
+        if (const auto wanted = part.Names.find(header.Name); wanted != part.Names.end()) {
             const std::string content = source.ReadWholeFile(i);
             CFileHeader fresh;
-            fresh.Name = header.Name;
+            fresh.Name = wanted->second;
             fresh.ModTime = header.ModTime;
             fresh.ModDate = header.ModDate;
             target->OpenNewFile(fresh, kLevel);
@@ -217,7 +258,7 @@ bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::s
         return true;
     }
     const int number = static_cast<int>(PartsIn(folder, true).size()) + 1;
-    const Part part = {AsideName(folder, kLog, number), AsideName(folder, kArchive, number)};
+    const Part part = {AsideName(folder, kLog, number), AsideName(folder, kArchive, number), {}};
     // The archive first: a part is known by its log.
     std::remove(part.Archive.c_str());
     if ((fs::exists(folder + kArchive) &&
@@ -263,11 +304,10 @@ bool MergeLogs(const std::vector<std::string>& folders, const std::string& targe
             *error = target + kArchive + ": cannot be written: " + std::strerror(errno);
             return false;
         }
-        std::unordered_set<std::string> have;
+        const std::string text = MergedText(&parts);
         for (const Part& part : parts) {
-            CopyEntries(part, &have, &archive);
+            CopyEntries(part, &archive);
         }
-        const std::string text = MergedText(parts);
         archive.Close();
         if (!WriteText(target + kLog, text, error)) {
             return false;

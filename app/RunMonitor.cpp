@@ -1,5 +1,8 @@
 #include "app/RunMonitor.h"
 
+#include "app/QueueFile.h"
+#include "app/StateText.h"
+
 #include <utility>
 
 namespace {
@@ -67,7 +70,7 @@ void RunMonitor::Step() {
 }
 
 void RunMonitor::HostEnded() {
-    const std::string end = host->Wait();
+    const HostEnd end = host->Wait();
     host.reset();
     if (interrupted) {
         ledger->Settle(RunLedger::Clock::now());
@@ -75,25 +78,58 @@ void RunMonitor::HostEnded() {
     } else if (phase == Phase::Quitting) {
         outcome = Outcome::Ended;
     } else if (phase == Phase::Running) {
-        const std::string cause = hung ? "stopped answering, killed" : end;
+        const std::string cause = hung ? "stopped answering, killed" : end.Text;
         std::string place;
+        const bool outside = settings.Restart && !hung && end.FromOutside();
+        const std::string again = outside ? TakeBack(cause) : std::string();
         if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now(), cause)) {
             place = " at " + record->Path;
             progress->Settled(*record);
         }
-        ReactToDeath(cause + place, true);
-    } else if (!hung && end.starts_with("died")) {
-        ReactToDeath(end, false);
+        if (!again.empty()) {
+            place = " at " + again;
+        }
+        ReactToDeath(cause + place, true, !again.empty());
+    } else if (!hung && end.Signal != 0) {
+        ReactToDeath(end.Text, false, false);
     } else {
-        error = "the run could not start: the host " + (hung ? std::string("did not answer") : end) +
+        error = "the run could not start: the host " + (hung ? std::string("did not answer") : end.Text) +
                 (lastWords.empty() ? "" : "; its last words: " + lastWords);
         outcome = Outcome::Broken;
     }
 }
 
-void RunMonitor::ReactToDeath(const std::string& cause, bool began) {
-    // A drawing that went well in between shows that the host as such works.
-    deaths = settledInLife > 0 ? 1 : deaths + 1;
+/// Whoever kills a host from outside says nothing against the drawing that is in work: what the disk has as
+/// begun and not ended is set back to wait, once for each drawing. The drawing's own name; empty when there
+/// is none, or it was set back before.
+std::string RunMonitor::TakeBack(const std::string& cause) {
+    QueueFile saved;
+    std::string failure;
+    if (!saved.Load(settings.State, &failure)) {
+        progress->Note(failure);
+        return {};
+    }
+    ledger->CatchUp(saved.Entries());
+    std::vector<std::string> left = ledger->LeftInWork(saved.Entries());
+    std::erase_if(left, [this](const std::string& path) { return secondAttempts.contains(path); });
+    if (left.empty()) {
+        return {};
+    }
+    if (!SetBack(settings.State, left, &failure)) {
+        progress->Note(failure);
+        return {};
+    }
+    secondAttempts.insert(left.begin(), left.end());
+    for (const std::string& path : left) {
+        ledger->TakeBack(path, cause);
+    }
+    return left.front();
+}
+
+void RunMonitor::ReactToDeath(const std::string& cause, bool began, bool again) {
+    // A drawing that went well in between shows that the host as such works, and one that is tried again
+    // has not cost anything yet.
+    deaths = (settledInLife > 0 ? 0 : deaths) + (again ? 0 : 1);
     if (settings.HostDied) {
         settings.HostDied();
     }
@@ -107,7 +143,8 @@ void RunMonitor::ReactToDeath(const std::string& cause, bool began) {
         progress->Note("the host " + cause);
         outcome = Outcome::Ended;
     } else {
-        progress->Note("the host " + cause + "; it is started again for the rest");
+        progress->Note("the host " + cause + "; it is started again for " +
+                       (again ? "this drawing, once, and the rest" : "the rest"));
         Launch();
     }
 }

@@ -13,11 +13,14 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 struct MonitorSettings {
     HostFiles Files;
     HostPlace Place;
+    /// The file with the queue of this host.
+    std::string State;
     /// What the first host is told, and what each later one is told.
     std::string Start;
     std::string Resume;
@@ -60,14 +63,18 @@ class RunMonitor {
     void Hear(const std::string& text);
     void CheckPatience();
     void HostEnded();
-    void ReactToDeath(const std::string& cause, bool began);
+    std::string TakeBack(const std::string& cause);
+    void ReactToDeath(const std::string& cause, bool began, bool again);
 
     MonitorSettings settings;
     RunLedger* ledger;
     Progress* progress;
     Outcome outcome = Outcome::Working;
     std::string error;
+    /// In a row, each at another drawing.
     std::size_t deaths = 0;
+    /// Drawings that were given a second attempt.
+    std::unordered_set<std::string> secondAttempts;
     bool everBegan = false;
     bool interrupted = false;
 

@@ -33,6 +33,7 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std:
     }
     common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini", "",
                     folder.LockDescriptor()};
+    common.State = folder.StateFile();
     common.Start = options.KeepsQueue() ? ContinueCommands(options) : StartCommands(options, drawings);
     common.Resume = RestartCommands(options);
     common.HostDied = KeepLogs(folder.Path(), "");
@@ -63,10 +64,11 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
             return {};
         }
         const std::vector<QueueEntry>& share = shares[number - 1];
-        if (!WriteQueue(data + "/TarnelRunner.xml", folder.StateFile(), share, error)) {
+        MonitorSettings settings = common;
+        settings.State = data + "/TarnelRunner.xml";
+        if (!WriteQueue(settings.State, folder.StateFile(), share, error)) {
             return {};
         }
-        MonitorSettings settings = common;
         settings.Place = {JobHome(folder, number), data + "/registry.ini", JobLogs(folder, number),
                           folder.LockDescriptor()};
         // The script is read once more by the module, which knows its encoding.

@@ -75,6 +75,12 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
         std::printf(", %zu still ToDo", waiting);
     }
     std::printf("\n");
+    for (const DrawingRecord& record : records) {
+        if (record.Status == DrawingStatus::Done && !record.Host.empty()) {
+            std::printf("\nDone     %s\n         the host %s; the second attempt went well\n",
+                        record.Path.c_str(), record.Host.c_str());
+        }
+    }
     for (const DrawingStatus status : kFailures) {
         for (const DrawingRecord& record : records) {
             if (record.Status != status) {

@@ -4,6 +4,7 @@
 #include "state/MarkupDocument.h"
 #include "state/WholeFile.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -87,6 +88,22 @@ bool WriteQueue(const std::string& file, const std::string& base, const std::vec
     for (const QueueEntry& entry : queue) {
         document.AddChildElement(u"File", QString::fromStdString(entry.Path));
         document.SetChildAttribute(u"Status", static_cast<int>(entry.Status));
+    }
+    return Save(&document, file, error);
+}
+
+bool SetBack(const std::string& file, const std::vector<std::string>& paths, std::string* error) {
+    MarkupDocument document;
+    if (!document.LoadFile(QString::fromStdString(file)) || !document.FindElement(u"TarnelRunner") ||
+        !document.FindChildElement(u"Files")) {
+        *error = file + ": does not hold the state of a run";
+        return false;
+    }
+    document.IntoElement();
+    while (document.FindChildElement(u"File")) {
+        if (std::find(paths.begin(), paths.end(), document.GetChildText().toStdString()) != paths.end()) {
+            document.SetChildAttribute(u"Status", static_cast<int>(DrawingStatus::ToDo));
+        }
     }
     return Save(&document, file, error);
 }

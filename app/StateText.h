@@ -13,6 +13,10 @@
 bool WriteQueue(const std::string& file, const std::string& base, const std::vector<QueueEntry>& queue,
                 std::string* error);
 
+/// Sets drawings of a state file back to wait. False with one line when that fails; the file is then as it
+/// was.
+bool SetBack(const std::string& file, const std::vector<std::string>& paths, std::string* error);
+
 /// Puts script, time limits and the switch for read-only drawings into a state file: all of them for a new
 /// run, else those that are given. False with one line when that fails.
 bool WriteSettings(const std::string& file, const RunOptions& options, std::string* error);

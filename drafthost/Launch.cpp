@@ -40,6 +40,7 @@ std::string defaultRegistry() {
 }
 
 int signalPipe[2] = {-1, -1};
+int endingSignal = 0;
 
 void onSignal(int number) {
     const int before = errno;
@@ -121,6 +122,7 @@ void watchSignals(Host& host, QCoreApplication& application, std::function<void(
                 if (beforeEnd) {
                     beforeEnd();
                 }
+                endingSignal = byte;
                 host.input().terminate();
             }
         }
@@ -132,6 +134,10 @@ void watchSignals(Host& host, QCoreApplication& application, std::function<void(
         ::sigaction(number, &action, nullptr);
     }
     std::signal(SIGPIPE, SIG_IGN);
+}
+
+int exitStatus() {
+    return endingSignal == 0 ? 0 : 128 + endingSignal;
 }
 
 void prepare(Host& host, const Arguments& arguments) {

@@ -30,6 +30,10 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
 /// what the caller has to do before.
 void watchSignals(Host& host, QCoreApplication& application, std::function<void()> beforeEnd = {});
 
+/// Exit status of a host that has ended in order: 0, or 128 and the number of the signal that made it end, as
+/// shells say it, so that whoever waits for it can tell that from a QUIT.
+int exitStatus();
+
 /// Commands, system variables and the support path.
 void prepare(Host& host, const Arguments& arguments);
 

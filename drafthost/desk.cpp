@@ -71,5 +71,5 @@ int main(int argc, char** argv) {
     host.shutDown();
     ApiHost::setFrame(nullptr, nullptr, nullptr);
     host.setOutput({});
-    return 0;
+    return exitStatus();
 }

@@ -46,5 +46,5 @@ int main(int argc, char** argv) {
     host.input().attachKeyboard(STDIN_FILENO);
     QCoreApplication::exec();
     host.shutDown();
-    return 0;
+    return exitStatus();
 }

@@ -97,6 +97,7 @@ TEST_F(HostProgramTest, EndsInOrderOnASignalInTheMiddleOfALoop) {
     ASSERT_TRUE(host.waitForFinished(Patience));
     output += host.readAll().toStdString();
     EXPECT_EQ(host.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(host.exitCode(), 128 + SIGTERM);
     EXPECT_EQ(output.find("not reached\n"), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(folder + "/plan.dwk"));
 }
