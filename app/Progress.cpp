@@ -39,12 +39,14 @@ Progress::~Progress() {
 }
 
 void Progress::Settled(const DrawingRecord& record) {
-    ++settled;
+    if (!settled.insert(record.Path).second) {
+        return;
+    }
     done += record.Status == DrawingStatus::Done ? 1 : 0;
     if (quiet || terminal) {
         return;
     }
-    const std::string number = std::to_string(settled) + "/" + std::to_string(waiting);
+    const std::string number = std::to_string(settled.size()) + "/" + std::to_string(waiting);
     std::printf("%-8s %s  %s", StatusWord(record.Status), number.c_str(), record.Path.c_str());
     if (record.Seconds) {
         std::printf("  %.3f s", *record.Seconds);
@@ -58,13 +60,14 @@ void Progress::Refresh(const DrawingRecord* current) {
         return;
     }
     const double elapsed = std::chrono::duration<double>(RunLedger::Clock::now() - started).count();
-    std::string text =
-        "[" + std::to_string(settled) + "/" + std::to_string(waiting) + "] " + std::to_string(done) + " Done";
-    if (settled > done) {
-        text += ", " + std::to_string(settled - done) + " not";
+    std::string text = "[" + std::to_string(settled.size()) + "/" + std::to_string(waiting) + "] " +
+                       std::to_string(done) + " Done";
+    if (settled.size() > done) {
+        text += ", " + std::to_string(settled.size() - done) + " not";
     }
-    if (settled > 0 && settled < waiting) {
-        const double left = elapsed / static_cast<double>(settled) * static_cast<double>(waiting - settled);
+    if (!settled.empty() && settled.size() < waiting) {
+        const double left =
+            elapsed / static_cast<double>(settled.size()) * static_cast<double>(waiting - settled.size());
         text += ", about " + DurationText(left) + " left";
     }
     if (current) {

@@ -143,6 +143,12 @@ bool TakeFolder(const RunOptions& options, DataFolder* folder, std::string* erro
 RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunLedger* ledger, Progress* progress,
                          Signals* signals) {
     std::string error;
+    std::vector<const DrawingRecord*> waiting;
+    for (const DrawingRecord& record : ledger->Records()) {
+        if (record.Status == DrawingStatus::ToDo) {
+            waiting.push_back(&record);
+        }
+    }
     std::vector<std::unique_ptr<RunMonitor>> monitors;
     for (std::size_t i = 0; i < parts.Ledgers.size(); ++i) {
         monitors.push_back(
@@ -172,6 +178,12 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunLedger* le
         breakOff(
             (complaint.empty() ? folder.StateFile() + ": the state was not saved to its end" : complaint) +
             "; what stands there is older than the list below");
+    }
+    // A host that died may have saved more than it had told.
+    for (const DrawingRecord* record : waiting) {
+        if (record->Status != DrawingStatus::ToDo) {
+            progress->Settled(*record);
+        }
     }
     return outcome;
 }

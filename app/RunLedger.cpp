@@ -10,11 +10,16 @@ RunLedger::RunLedger(const std::vector<QueueEntry>& queue, const HostNames& name
     }
 }
 
-const DrawingRecord* RunLedger::Take(const HostLine& line, Clock::time_point now) {
-    const DrawingRecord* settled = nullptr;
+std::vector<const DrawingRecord*> RunLedger::Take(const HostLine& line, Clock::time_point now) {
+    std::vector<const DrawingRecord*> settled;
+    const auto settle = [&] {
+        if (const DrawingRecord* record = Settle(now)) {
+            settled.push_back(record);
+        }
+    };
     switch (line.What) {
         case HostLine::Kind::File:
-            settled = Settle(now);
+            settle();
             current = Find(line.Text);
             since = now;
             if (current) {
@@ -27,16 +32,16 @@ const DrawingRecord* RunLedger::Take(const HostLine& line, Clock::time_point now
             if (DrawingRecord* record = Find(line.Text)) {
                 // The next drawing is FailOpen just before its own "file" line.
                 if (record != current) {
-                    settled = Settle(now);
+                    settle();
                 }
                 record->Status = line.Status;
                 if (line.Status == DrawingStatus::Locked) {
-                    settled = record;
+                    settled.push_back(record);
                 }
             }
             break;
         case HostLine::Kind::RunEnded:
-            settled = Settle(now);
+            settle();
             break;
         case HostLine::Kind::Talk:
         case HostLine::Kind::Message:

@@ -31,9 +31,9 @@ class RunLedger {
     /// the user's.
     RunLedger(const std::vector<QueueEntry>& queue, const HostNames& names);
 
-    /// Takes a line. The drawing that is settled by it, if one is: the one in work before the next began,
-    /// or one that was passed over as Locked.
-    const DrawingRecord* Take(const HostLine& line, Clock::time_point now);
+    /// Takes a line. The drawings that are settled by it, in order: the one in work before the next began,
+    /// and one that was passed over as Locked.
+    std::vector<const DrawingRecord*> Take(const HostLine& line, Clock::time_point now);
     /// The run or the host has ended: settles the drawing in work, if there is one. host is empty or how the
     /// host died.
     const DrawingRecord* Settle(Clock::time_point now, const std::string& host = {});

@@ -73,7 +73,9 @@ void RunMonitor::HostEnded() {
     const HostEnd end = host->Wait();
     host.reset();
     if (interrupted) {
-        ledger->Settle(RunLedger::Clock::now());
+        if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now())) {
+            progress->Settled(*record);
+        }
         outcome = Outcome::Interrupted;
     } else if (phase == Phase::Quitting) {
         outcome = Outcome::Ended;
@@ -152,7 +154,7 @@ void RunMonitor::ReactToDeath(const std::string& cause, bool began, bool again) 
 void RunMonitor::Hear(const std::string& text) {
     const HostLine line = listener.Read(text);
     const auto now = RunLedger::Clock::now();
-    if (const DrawingRecord* settled = ledger->Take(line, now)) {
+    for (const DrawingRecord* settled : ledger->Take(line, now)) {
         ++settledInLife;
         progress->Settled(*settled);
     }

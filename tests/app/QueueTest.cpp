@@ -93,9 +93,12 @@ TEST(RunLedger, FollowsTheLinesOfARun) {
     HostListener listener;
     const auto start = RunLedger::Clock::now();
     const auto take = [&](const char* line, int seconds) -> std::string {
-        const DrawingRecord* settled =
-            ledger.Take(listener.Read(line), start + std::chrono::seconds(seconds));
-        return settled ? settled->Path : "";
+        std::string settled;
+        for (const DrawingRecord* record :
+             ledger.Take(listener.Read(line), start + std::chrono::seconds(seconds))) {
+            settled += record->Path + ";";
+        }
+        return settled;
     };
     take("Cannot load a font.", 0);
     take("Tarnel: status FailOpen: /a: 1 of 2.dxf", 0);
@@ -111,13 +114,13 @@ TEST(RunLedger, FollowsTheLinesOfARun) {
     take("Specify first point: ", 1);
     take("*Cancel*", 2);
     take("Tarnel: status Timeout: /a: 1 of 2.dxf", 3);
-    EXPECT_EQ(take("Tarnel: status Locked: /locked.dwg", 3), "/locked.dwg");
+    EXPECT_EQ(take("Tarnel: status Locked: /locked.dwg", 3), "/a: 1 of 2.dxf;/locked.dwg;");
     take("Tarnel: status FailOpen: /b.dxf", 3);
     take("Tarnel: file 2 of 2: /b.dxf", 4);
     EXPECT_EQ(ledger.Current()->Path, "/b.dxf");
     take("Specify first point:", 5);
     take("Tarnel: status Error: /b.dxf", 9);
-    EXPECT_EQ(take("Tarnel: run ended", 9), "/b.dxf");
+    EXPECT_EQ(take("Tarnel: run ended", 9), "/b.dxf;");
 
     const DrawingRecord& first = ledger.Records()[0];
     EXPECT_EQ(first.Status, DrawingStatus::Timeout);

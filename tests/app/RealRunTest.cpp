@@ -81,6 +81,12 @@ TEST_F(RealRun, DamagedDrawingsFailOpenWithPlaceAndCauseAndTheRestIsDone) {
         Run({"--script", Script("zoom-save.scr"), "d", "--list", (Folder / "list.lst").string()});
     EXPECT_EQ(listed.Status, 1);
     EXPECT_THAT(listed.Out, HasSubstr("3 Done, 5 FailOpen"));
+    Write("d/f.dxf", "0\nnothing\n");
+    fs::remove(Folder / "d/last.dxf");
+    EXPECT_THAT(Run({"--script", Script("zoom-save.scr"), "d"}).Out,
+                HasSubstr("\nFailOpen 6/6  " + (Folder / "d/f.dxf").string()))
+        << "the last one has its line too";
+    Write("d/f.dxf", whole);
     for (const char* message : {"d/b.dxf, line 1: ", "d/c.dxf, line ", "d/d.dwg: a DWG file (AC1032)",
                                 "d/e.dxf: the file is empty", "gone.dxf"}) {
         EXPECT_THAT(listed.Out, HasSubstr((Folder / message).string()));
@@ -150,6 +156,10 @@ TEST_F(RealRun, LockedDrawingsArePassedOverOrReadOnly) {
     const std::vector<std::string> arguments = {"--script", Script("zoom-save.scr"), locked, writeProtected,
                                                 other};
     EXPECT_THAT(Run(arguments).Out, HasSubstr("1 Done, 2 Locked"));
+    // One that is passed over behind one that is worked on: each has its line, in order.
+    EXPECT_THAT(Run({"--script", Script("zoom-save.scr"), other, locked}).Out,
+                testing::MatchesRegex("Done     1/2  " + other + "  [0-9.]+ s\nLocked   2/2  " + locked +
+                                      "\n(.|\n)*"));
     std::vector<std::string> readOnly = arguments;
     readOnly.push_back("--read-only");
     EXPECT_THAT(Run(readOnly).Out, HasSubstr("1 Done, 2 FailOpen"));

@@ -99,6 +99,7 @@ TEST_F(WatchedRun, InterruptCancelsTheDrawingAndResumeTakesTheRest) {
         kill(process, SIGINT);
     });
     EXPECT_EQ(once.Status, 130);
+    EXPECT_THAT(once.Out, HasSubstr("\nCanceled 2/3  "));
     EXPECT_THAT(once.Out, HasSubstr("1 Done, 1 Canceled, 1 still ToDo"));
     EXPECT_THAT(once.Out, HasSubstr("tarnel run --resume --data-dir"));
     EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(6, "slow.dxf")));
