@@ -63,6 +63,10 @@ FormValue GetElementValue(const HtmlElement& element) {
         case HtmlControlType::Button:
         case HtmlControlType::Text:
             return FormValue(element.ControlValue());
+        case HtmlControlType::HtmlArea: {
+            const QString html = element.InnerHtml();
+            return html.isEmpty() ? FormValue() : FormValue(html);
+        }
         case HtmlControlType::None:
             break;
     }
@@ -90,6 +94,10 @@ void SetElementValue(HtmlElement& element, const FormValue& value) {
         case HtmlControlType::Text:
             element.SetControlValue(value.GetKind() == FormValue::String ? std::get<QString>(value.Value)
                                                                          : QString());
+            break;
+        case HtmlControlType::HtmlArea:
+            element.SetInnerHtml(value.GetKind() == FormValue::String ? std::get<QString>(value.Value)
+                                                                      : QString());
             break;
         case HtmlControlType::None:
         case HtmlControlType::Unknown:

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QPainter>
 #include <QPaintEvent>
+#include <QPushButton>
 #include <QScrollBar>
 
 namespace {
@@ -14,7 +15,7 @@ constexpr const char* MasterStyle = R"css(
 html { display: block; height: 100%; width: 100%; position: relative; }
 head, style, script, title, meta, link, base { display: none; }
 body { display: block; margin: 8px; color: windowtext; }
-div, p, h1, h2, h3, h4, ul, ol, form, center, hr, pre, blockquote, dl { display: block; }
+div, htmlarea, p, h1, h2, h3, h4, ul, ol, form, center, hr, pre, blockquote, dl { display: block; }
 p { margin: 1em 0; }
 h1 { font-size: 2em; font-weight: bold; margin: .67em 0; }
 h2 { font-size: 1.5em; font-weight: bold; margin: .75em 0; }
@@ -81,6 +82,7 @@ CHTMLayout::CHTMLayout(QWidget* parent) : QAbstractScrollArea(parent), HtmlPaint
 }
 
 CHTMLayout::~CHTMLayout() {
+    behaviors.clear();
     controls.clear();
     document.reset();
 }
@@ -116,25 +118,46 @@ QSize CHTMLayout::sizeHint() const {
 }
 
 void CHTMLayout::load() {
-    controls.clear();
     runs.clear();
     runsKnown = false;
     anchor = caret = {-1, 0};
     pressed = focusedLink = HtmlElement();
     selecting = false;
+    selectionScroll.stop();
     forgetImages();
+    // The page before lives until its controls have been told of.
+    const litehtml::document::ptr before = document;
     document =
         litehtml::document::createFromUTF8(markPreLineEnds(source).toUtf8().constData(), this, &context);
     horizontalScrollBar()->setValue(0);
     verticalScrollBar()->setValue(0);
+    gatherControls();
+    layOut();
+}
+
+void CHTMLayout::gatherControls() {
+    const std::vector<litehtml::element::ptr> before = std::exchange(controls, {});
+    behaviors.clear();
     if (document)
         collectControls(document->root());
-    layOut();
+    for (const litehtml::element::ptr& element : before) {
+        QWidget* field = dynamic_cast<HtmlControl&>(*element).ExistingWidget();
+        if (field != nullptr && std::find(controls.begin(), controls.end(), element) == controls.end())
+            Q_EMIT OnDestroyControl(HtmlElement(this, element), field);
+    }
 }
 
 void CHTMLayout::collectControls(const litehtml::element::ptr& element) {
     if (dynamic_cast<HtmlControl*>(element.get()) != nullptr)
         controls.push_back(element);
+    const HtmlElement handle(this, element);
+    if (const QString name = handle.Style(QStringLiteral("behavior")); !name.isEmpty()) {
+        AttachBehaviorRequest request{name, handle};
+        Q_EMIT OnAttachBehavior(request);
+        HtmlBehavior* behavior = request.Behavior != nullptr ? request.Behavior : FindHtmlBehavior(name);
+        if (behavior != nullptr)
+            behaviors.emplace(element.get(), behavior);
+    }
     const auto count = static_cast<int>(element->get_children_count());
     for (int i = 0; i < count; ++i)
         collectControls(element->get_child(i));
@@ -151,22 +174,41 @@ void CHTMLayout::layOut() {
     horizontalScrollBar()->setPageStep(viewport()->width());
     horizontalScrollBar()->setRange(0, std::max(0, page.width() - viewport()->width()));
     placeControls();
+    // A page without anything to follow or to scroll is no stop of the keyboard.
+    const bool stop = verticalScrollBar()->maximum() > 0 || horizontalScrollBar()->maximum() > 0 ||
+                      !FindFirst(GetRoot(), QStringLiteral("a[href]")).IsNull();
+    setFocusPolicy(stop ? Qt::StrongFocus : Qt::ClickFocus);
     viewport()->update();
 }
 
 void CHTMLayout::placeControls() {
     QWidget* before = this;
     for (const litehtml::element::ptr& element : controls) {
-        QWidget* field = dynamic_cast<HtmlControl&>(*element).ControlWidget(viewport());
-        if (field == nullptr)
-            continue;
-        field->installEventFilter(this);
+        auto& control = dynamic_cast<HtmlControl&>(*element);
+        const bool made = control.ExistingWidget() == nullptr;
+        QWidget* field = control.ControlWidget(viewport());
+        if (made) {
+            const HtmlElement handle(this, element);
+            field->installEventFilter(this);
+            // Queued, since what follows from a button may replace the page that it stands on.
+            if (auto* button = qobject_cast<QPushButton*>(field))
+                connect(
+                    button, &QPushButton::clicked, this, [this, handle] { Q_EMIT OnCommandClick(handle); },
+                    Qt::QueuedConnection);
+            Q_EMIT OnCreateControl(handle, field);
+        }
         field->setGeometry(
             ElementBox(element).translated(-horizontalScrollBar()->value(), -verticalScrollBar()->value()));
         field->show();
-        QWidget::setTabOrder(before, field);
+        if (made || before != this)
+            QWidget::setTabOrder(before, field);
         before = field;
     }
+}
+
+HtmlBehavior* CHTMLayout::behaviorOf(const HtmlElement& element) const {
+    const auto found = behaviors.find(element.Native().get());
+    return found == behaviors.end() ? nullptr : found->second;
 }
 
 QRect CHTMLayout::ElementBox(const litehtml::element::ptr& element) {
@@ -217,8 +259,7 @@ void CHTMLayout::ReplaceChildren(const litehtml::element::ptr& element, const QS
         element->removeChild(wrapper);
     }
     element->parse_styles(true);
-    controls.clear();
-    collectControls(document->root());
+    gatherControls();
     layOut();
 }
 
@@ -256,35 +297,48 @@ void CHTMLayout::paintEvent(QPaintEvent* event) {
         return;
     const int x = -horizontalScrollBar()->value();
     const int y = -verticalScrollBar()->value();
-    if (anchor.first >= 0 && anchor != caret) {
-        const auto [from, to] = std::minmax(anchor, caret);
-        const std::vector<HtmlTextRun>& all = textRuns();
-        QPalette::ColorGroup group = hasFocus() ? QPalette::Active : QPalette::Inactive;
-        QColor shade = palette().color(group, QPalette::Highlight);
-        painter.save();
-        litehtml::position clip(event->rect().x(), event->rect().y(), event->rect().width(),
-                                event->rect().height());
-        document->draw(reinterpret_cast<litehtml::uint_ptr>(&painter), x, y, &clip);
-        painter.restore();
-        shade.setAlpha(110);
-        for (int i = from.first; i <= to.first && i < static_cast<int>(all.size()); ++i) {
-            const HtmlTextRun& run = all[static_cast<std::size_t>(i)];
-            const QFontMetrics metrics(run.Font, this);
-            const int left = i == from.first ? metrics.horizontalAdvance(run.Text.left(from.second)) : 0;
-            const int right =
-                i == to.first ? metrics.horizontalAdvance(run.Text.left(to.second)) : run.Box.width();
-            painter.fillRect(QRect(run.Box.x() + left + x, run.Box.y() + y, right - left, run.Box.height()),
-                             shade);
-        }
-    } else {
-        litehtml::position clip(event->rect().x(), event->rect().y(), event->rect().width(),
-                                event->rect().height());
-        document->draw(reinterpret_cast<litehtml::uint_ptr>(&painter), x, y, &clip);
-    }
+    litehtml::position clip(event->rect().x(), event->rect().y(), event->rect().width(),
+                            event->rect().height());
+    document->draw(reinterpret_cast<litehtml::uint_ptr>(&painter), x, y, &clip);
+    if (anchor.first >= 0 && anchor != caret)
+        paintSelection(painter, event->rect().translated(-x, -y));
     if (!focusedLink.IsNull() && hasFocus()) {
         painter.setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DotLine));
         painter.drawRect(focusedLink.Box().translated(x, y).adjusted(-2, -1, 1, 1));
+    } else if (reachedByKey && hasFocus()) {
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DotLine));
+        painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
     }
+}
+
+void CHTMLayout::paintSelection(QPainter& painter, const QRect& area) {
+    const auto [from, to] = std::minmax(anchor, caret);
+    const std::vector<HtmlTextRun>& all = textRuns();
+    const QPalette::ColorGroup group = hasFocus() ? QPalette::Active : QPalette::Inactive;
+    painter.translate(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+    for (int i = from.first; i <= to.first && i < static_cast<int>(all.size()); ++i) {
+        const HtmlTextRun& run = all[static_cast<std::size_t>(i)];
+        if (!run.Box.intersects(area))
+            continue;
+        const QFontMetrics metrics(run.Font, this);
+        const int left = i == from.first ? metrics.horizontalAdvance(run.Text.left(from.second)) : 0;
+        int right = i == to.first ? metrics.horizontalAdvance(run.Text.left(to.second)) : run.Box.width();
+        // The blank up to the next word of the line belongs to the selection too.
+        if (i < to.first) {
+            const QRect& next = all[static_cast<std::size_t>(i) + 1].Box;
+            if (next.top() < run.Box.bottom() && next.left() > run.Box.right())
+                right = next.left() - run.Box.left();
+        }
+        const QRect part(run.Box.x() + left, run.Box.y(), right - left, run.Box.height());
+        painter.save();
+        painter.setClipRect(part);
+        painter.fillRect(part, palette().color(group, QPalette::Highlight));
+        painter.setFont(run.Font);
+        painter.setPen(palette().color(group, QPalette::HighlightedText));
+        painter.drawText(run.Box.left(), run.Box.bottom() + 1 - metrics.descent(), run.Text);
+        painter.restore();
+    }
+    painter.resetTransform();
 }
 
 void CHTMLayout::resizeEvent(QResizeEvent*) {
@@ -300,6 +354,8 @@ void CHTMLayout::changeEvent(QEvent* event) {
     QAbstractScrollArea::changeEvent(event);
     // Colours and fonts were taken while the page was parsed, so that it is read again; what the user has
     // entered in its fields goes over to the new page.
+    if (event->type() == QEvent::FontChange)
+        takeDefaultFont();
     const bool again = event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
                        event->type() == QEvent::StyleChange;
     if (!again || !document)

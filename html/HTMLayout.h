@@ -3,11 +3,12 @@
 // buttons as typed signals, form controls as real widgets over the page. A link does nothing unless a slot
 // acts on it; a slot asks for the system's browser by setting an integer. Loading replaces the page as a
 // whole.
-#include "html/HtmlElement.h"
+#include "html/HtmlBehavior.h"
 #include "html/HtmlPainter.h"
 
 #include <QAbstractScrollArea>
-#include <QTimer>
+#include <QBasicTimer>
+#include <unordered_map>
 
 /// A link that was used. Action 3 is a click.
 struct HyperlinkEvent {
@@ -21,6 +22,13 @@ struct HyperlinkEvent {
 struct LoadDataRequest {
     QString Uri;
     QByteArray Data;
+};
+
+/// An element of the page names a behaviour. A slot that has one of its own puts it in Behavior.
+struct AttachBehaviorRequest {
+    QString Name;
+    HtmlElement Element;
+    HtmlBehavior* Behavior = nullptr;
 };
 
 class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
@@ -53,7 +61,13 @@ class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
   Q_SIGNALS:
     void OnLinkClick(const QString& href, int* openExternally);
     void OnHyperlink(HyperlinkEvent& event, int& handled);
+    /// A push button of the page was used.
+    void OnCommandClick(const HtmlElement& button);
+    /// The widget of a form control was made, or is about to go.
+    void OnCreateControl(const HtmlElement& element, QWidget* widget);
+    void OnDestroyControl(const HtmlElement& element, QWidget* widget);
     void OnLoadData(LoadDataRequest& request);
+    void OnAttachBehavior(AttachBehaviorRequest& request);
     void OnXButton1();
     void OnXButton2();
 
@@ -64,6 +78,11 @@ class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
@@ -86,7 +105,11 @@ class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
     void load();
     void layOut();
     void placeControls();
+    /// Lists the controls and behaviours of the page anew, and tells of controls that have gone.
+    void gatherControls();
     void collectControls(const litehtml::element::ptr& element);
+    HtmlBehavior* behaviorOf(const HtmlElement& element) const;
+    void paintSelection(QPainter& painter, const QRect& area);
     void useLink(const QString& href, const HtmlElement& element);
     void redraw(const litehtml::position::vector& boxes);
     QPoint toPage(const QPoint& point) const;
@@ -101,11 +124,14 @@ class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
     litehtml::document::ptr document;
     QString source;
     std::vector<litehtml::element::ptr> controls;
+    std::unordered_map<litehtml::element*, HtmlBehavior*> behaviors;
     std::vector<HtmlTextRun> runs;
     bool runsKnown = false;
     bool selecting = false;
     std::pair<int, int> anchor = {-1, 0};
     std::pair<int, int> caret = {-1, 0};
+    QBasicTimer selectionScroll;
+    bool reachedByKey = false;
     HtmlElement pressed;
     HtmlElement focusedLink;
 };

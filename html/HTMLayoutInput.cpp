@@ -1,12 +1,12 @@
 // Mouse, keyboard, links and the selection of the HTML view.
 #include "html/HTMLayout.h"
-#include "html/HtmlBehavior.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QToolTip>
@@ -47,7 +47,7 @@ void CHTMLayout::mousePressEvent(QMouseEvent* event) {
     redraw(boxes);
     pressed = elementAt(at);
     for (HtmlElement element = pressed; !element.IsNull(); element = element.Parent()) {
-        if (HtmlBehavior* behavior = FindHtmlBehavior(element.Style(QStringLiteral("behavior")))) {
+        if (HtmlBehavior* behavior = behaviorOf(element)) {
             behavior->OnMouseDown(element, page);
             pressed = element;
             return;
@@ -72,7 +72,8 @@ void CHTMLayout::mouseReleaseEvent(QMouseEvent* event) {
     const QPoint at = event->position().toPoint();
     const QPoint page = toPage(at);
     selecting = false;
-    if (HtmlBehavior* behavior = FindHtmlBehavior(pressed.Style(QStringLiteral("behavior")))) {
+    selectionScroll.stop();
+    if (HtmlBehavior* behavior = behaviorOf(pressed)) {
         HtmlElement element = pressed;
         pressed = HtmlElement();
         behavior->OnMouseUp(element, page);
@@ -97,16 +98,76 @@ void CHTMLayout::mouseMoveEvent(QMouseEvent* event) {
     const QPoint page = toPage(at);
     if (selecting && (event->buttons() & Qt::LeftButton) != 0) {
         caret = textPosition(page);
-        if (at.y() < 0)
-            verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepSub);
-        else if (at.y() > viewport()->height())
-            verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        const bool outside = at.y() < 0 || at.y() > viewport()->height();
+        if (outside && !selectionScroll.isActive())
+            selectionScroll.start(40, this);
+        else if (!outside)
+            selectionScroll.stop();
         viewport()->update();
         return;
     }
     litehtml::position::vector boxes;
     document->on_mouse_over(page.x(), page.y(), at.x(), at.y(), boxes);
     redraw(boxes);
+}
+
+// A selection that is drawn beyond the edge scrolls on while the mouse rests there.
+void CHTMLayout::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != selectionScroll.timerId()) {
+        QAbstractScrollArea::timerEvent(event);
+        return;
+    }
+    const QPoint at = viewport()->mapFromGlobal(QCursor::pos());
+    verticalScrollBar()->triggerAction(at.y() < 0 ? QAbstractSlider::SliderSingleStepSub
+                                                  : QAbstractSlider::SliderSingleStepAdd);
+    caret = textPosition(toPage(at));
+    viewport()->update();
+}
+
+// A double click selects a word.
+void CHTMLayout::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !document)
+        return;
+    const auto [at, character] = textPosition(toPage(event->position().toPoint()));
+    if (at < 0)
+        return;
+    const QString& text = textRuns()[static_cast<std::size_t>(at)].Text;
+    const auto inWord = [&text](int i) { return !text[i].isSpace(); };
+    int begin = std::min(character, static_cast<int>(text.size()) - 1);
+    int end = begin;
+    while (begin > 0 && inWord(begin) && inWord(begin - 1))
+        --begin;
+    while (end < text.size() && inWord(end))
+        ++end;
+    anchor = {at, begin};
+    caret = {at, end};
+    viewport()->update();
+}
+
+void CHTMLayout::contextMenuEvent(QContextMenuEvent* event) {
+    if (!document)
+        return;
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QAction* copy = menu->addAction(tr("&Copy"), QKeySequence::Copy, this, &CHTMLayout::Copy);
+    copy->setEnabled(!SelectedText().isEmpty());
+    menu->addAction(tr("Select &All"), QKeySequence::SelectAll, this, &CHTMLayout::SelectAll);
+    menu->popup(event->globalPos());
+}
+
+void CHTMLayout::focusInEvent(QFocusEvent* event) {
+    const bool byKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
+                       event->reason() == Qt::ShortcutFocusReason;
+    if (byKey)
+        focusedLink = HtmlElement();
+    reachedByKey = byKey;
+    viewport()->update();
+    QAbstractScrollArea::focusInEvent(event);
+}
+
+void CHTMLayout::focusOutEvent(QFocusEvent* event) {
+    viewport()->update();
+    QAbstractScrollArea::focusOutEvent(event);
 }
 
 void CHTMLayout::set_cursor(const char* cursor) {

@@ -109,6 +109,8 @@ HtmlControlType HtmlElement::ControlType() const {
         return HtmlControlType::Button;
     if (tag == u"input")
         return HtmlControlType::Unknown;
+    if (tag == u"htmlarea")
+        return HtmlControlType::HtmlArea;
     return HtmlControlType::None;
 }
 

@@ -1,5 +1,8 @@
 #include "html/HtmlElements.h"
 
+#include "html/HtmlFields.h"
+#include "html/HtmlPainter.h"
+
 #include <litehtml/el_anchor.h>
 #include <litehtml/el_body.h>
 #include <litehtml/el_div.h>
@@ -31,6 +34,11 @@ class FontElement : public ListedElement<litehtml::el_font> {
         const QString face = attribute(*this, "face");
         if (!face.isEmpty())
             m_style.add_property("font-family", face.toUtf8().constData(), nullptr, false, this);
+        // What was written for a light page must be readable on a dark desktop too.
+        const auto* painter = dynamic_cast<const HtmlPainter*>(get_document()->container());
+        if (const QColor color(attribute(*this, "color")); painter != nullptr && color.isValid())
+            m_style.add_property("color", painter->ReadableColor(color).name().toUtf8().constData(), nullptr,
+                                 false, this);
         const QString size = attribute(*this, "size");
         if (size.startsWith(u'+') || size.startsWith(u'-')) {
             const int percent = static_cast<int>(std::lround(std::pow(1.2, size.toInt()) * 100));
@@ -137,57 +145,6 @@ QString CheckElement::Value() const {
     return attribute(*this, "value");
 }
 
-NumberElement::NumberElement(const std::shared_ptr<litehtml::document>& document) : ListedElement(document) {}
-
-NumberElement::~NumberElement() {
-    delete spin;
-}
-
-void NumberElement::parse_attributes() {
-    html_tag::parse_attributes();
-    m_style.add_property("display", "inline-block", nullptr, false, this);
-    value = attribute(*this, "value").toInt();
-}
-
-void NumberElement::get_content_size(litehtml::size& size, int /*maxWidth*/) {
-    size.width = sizeHint.width();
-    size.height = sizeHint.height();
-}
-
-// The engine lays out only pictures as replaced elements; without this the field would get no room.
-int NumberElement::render(int x, int y, int maxWidth, bool /*secondPass*/) {
-    calc_outlines(maxWidth);
-    m_pos.move_to(x, y);
-    m_pos.width = sizeHint.width();
-    m_pos.height = sizeHint.height();
-    m_pos.x += content_margins_left();
-    m_pos.y += content_margins_top();
-    return m_pos.width + content_margins_left() + content_margins_right();
-}
-
-QWidget* NumberElement::ControlWidget(QWidget* parent) {
-    if (spin.isNull()) {
-        spin = new QSpinBox(parent);
-        spin->setRange(attribute(*this, "minvalue").toInt(), attribute(*this, "maxvalue").toInt());
-        spin->setValue(value);
-        spin->setFocusPolicy(Qt::StrongFocus);
-        spin->setObjectName(attribute(*this, "id"));
-        spin->setAccessibleName(attribute(*this, "title"));
-        QObject::connect(spin, &QSpinBox::valueChanged, spin, [this](int changed) { value = changed; });
-    }
-    return spin;
-}
-
-QString NumberElement::Value() const {
-    return spin.isNull() ? QString::number(value) : QString::number(spin->value());
-}
-
-void NumberElement::SetValue(const QString& text) {
-    value = text.toInt();
-    if (!spin.isNull())
-        spin->setValue(value);
-}
-
 litehtml::element::ptr MakeHtmlElement(const QString& tag, const litehtml::string_map& attributes,
                                        const std::shared_ptr<litehtml::document>& document, QWidget* view) {
     using litehtml::element;
@@ -197,17 +154,12 @@ litehtml::element::ptr MakeHtmlElement(const QString& tag, const litehtml::strin
     if (tag == u"button" || tag == u"input") {
         if (type == u"checkbox" || type == u"radio")
             return std::make_shared<CheckElement>(document, type == u"radio");
-        if (tag == u"input" && type == u"number") {
-            const auto field = std::make_shared<NumberElement>(document);
-            const QSpinBox model(view);
-            const auto size = attributes.find("size");
-            const int digits = size == attributes.end() ? 4 : std::max(1, std::atoi(size->second.c_str()));
-            field->SetSizeHint({model.sizeHint().width() +
-                                    view->fontMetrics().horizontalAdvance(QString(digits, u'0')) -
-                                    view->fontMetrics().horizontalAdvance(QStringLiteral("00")),
-                                model.sizeHint().height()});
-            return field;
-        }
+        if (tag == u"input" && type == u"number")
+            return std::make_shared<NumberElement>(document, view);
+        if (tag == u"input" && (type.isEmpty() || type == u"text"))
+            return std::make_shared<TextElement>(document, view);
+        if (tag == u"button" || type == u"button" || type == u"submit")
+            return std::make_shared<ButtonElement>(document, view);
         return std::make_shared<ListedElement<litehtml::html_tag>>(document);
     }
     if (tag == u"font")

@@ -6,7 +6,6 @@
 #include <memory>
 #include <QAbstractButton>
 #include <QPointer>
-#include <QSpinBox>
 #include <QString>
 
 /// Lists the attributes of an element, in the order of their names.
@@ -32,7 +31,8 @@ enum class HtmlControlType {
     Text = 3,
     Button = 4,
     CheckBox = 5,
-    Radio = 6
+    Radio = 6,
+    HtmlArea = 11
 };
 
 /// What the view and the form binding need of a control.
@@ -85,29 +85,6 @@ class CheckElement : public ListedElement<litehtml::html_tag>, public HtmlContro
     bool radio;
     bool checked = false;
     QPointer<CheckOverlay> overlay;
-};
-
-/// A number field with attributes minvalue, maxvalue and size, shown as a real spin box.
-class NumberElement : public ListedElement<litehtml::html_tag>, public HtmlControl {
-  public:
-    explicit NumberElement(const std::shared_ptr<litehtml::document>& document);
-    ~NumberElement() override;
-    void parse_attributes() override;
-    bool is_replaced() const override { return true; }
-    void get_content_size(litehtml::size& size, int maxWidth) override;
-    int render(int x, int y, int maxWidth, bool secondPass = false) override;
-    HtmlControlType ControlType() const override { return HtmlControlType::Number; }
-    QWidget* ControlWidget(QWidget* parent) override;
-    QWidget* ExistingWidget() const override { return spin; }
-    QString Value() const override;
-    void SetValue(const QString& value) override;
-    /// Size that the spin box asks for.
-    void SetSizeHint(const QSize& hint) { sizeHint = hint; }
-
-  private:
-    int value = 0;
-    QSize sizeHint;
-    QPointer<QSpinBox> spin;
 };
 
 /// Makes the element for a tag, null where the engine's own will do.

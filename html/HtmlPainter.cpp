@@ -1,6 +1,9 @@
 #include "html/HtmlPainter.h"
 
+#include <QBuffer>
+#include <QFontInfo>
 #include <QGuiApplication>
+#include <QImageReader>
 #include <QPainter>
 #include <QPalette>
 #include <QScreen>
@@ -27,8 +30,13 @@ QColor toColor(const litehtml::web_color& color) {
 
 }  // namespace
 
-HtmlPainter::HtmlPainter(QWidget* view)
-    : widget(view), defaultFontName(view->font().family().toUtf8().toStdString()) {}
+HtmlPainter::HtmlPainter(QWidget* view) : widget(view) {
+    takeDefaultFont();
+}
+
+void HtmlPainter::takeDefaultFont() {
+    defaultFontName = widget->font().family().toUtf8().toStdString();
+}
 
 litehtml::uint_ptr HtmlPainter::create_font(const char* faceName, int size, int weight,
                                             litehtml::font_style italic, unsigned int decoration,
@@ -79,8 +87,10 @@ void HtmlPainter::draw_text(litehtml::uint_ptr hdc, const char* text, litehtml::
     painter->drawText(pos.left(), pos.bottom() - toFont(font)->metrics.descent(), QString::fromUtf8(text));
 }
 
+// The points of the pages are meant beside a desktop font of nine, and grow with it.
 int HtmlPainter::pt_to_px(int pt) const {
-    return qRound(pt * widget->logicalDpiY() / 72.0);
+    const double scale = QFontInfo(widget->font()).pointSizeF() / 9;
+    return qRound(pt * scale * widget->logicalDpiY() / 72.0);
 }
 
 int HtmlPainter::get_default_font_size() const {
@@ -118,9 +128,15 @@ QPixmap HtmlPainter::image(const char* src) {
     const auto known = images.constFind(uri);
     if (known != images.constEnd())
         return *known;
-    QPixmap loaded;
-    if (ImageData)
-        loaded.loadFromData(ImageData(uri));
+    QByteArray data = ImageData ? ImageData(uri) : QByteArray();
+    QBuffer buffer(&data);
+    QImageReader reader(&buffer);
+    // Drawings are made in the pixels of the screen, so that they stay sharp at every scaling.
+    const qreal ratio = reader.format() == "svg" ? widget->devicePixelRatioF() : 1;
+    if (ratio != 1)
+        reader.setScaledSize((QSizeF(reader.size()) * ratio).toSize());
+    QPixmap loaded = QPixmap::fromImageReader(&reader);
+    loaded.setDevicePixelRatio(ratio);
     images.insert(uri, loaded);
     return loaded;
 }
@@ -130,9 +146,9 @@ void HtmlPainter::load_image(const char* src, const char* /*baseUrl*/, bool /*re
 }
 
 void HtmlPainter::get_image_size(const char* src, const char* /*baseUrl*/, litehtml::size& size) {
-    const QPixmap picture = image(src);
-    size.width = picture.width();
-    size.height = picture.height();
+    const QSizeF picture = image(src).deviceIndependentSize();
+    size.width = qRound(picture.width());
+    size.height = qRound(picture.height());
 }
 
 void HtmlPainter::draw_background(litehtml::uint_ptr hdc, const litehtml::background_paint& paint) {
@@ -146,28 +162,38 @@ void HtmlPainter::draw_background(litehtml::uint_ptr hdc, const litehtml::backgr
     const QPixmap picture = image(paint.image.c_str());
     if (picture.isNull() || paint.image_size.width <= 0 || paint.image_size.height <= 0)
         return;
-    const QPixmap scaled = picture.size() == QSize(paint.image_size.width, paint.image_size.height)
-                               ? picture
-                               : picture.scaled(paint.image_size.width, paint.image_size.height,
-                                                Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    painter->save();
-    painter->setClipRect(toRect(paint.clip_box), Qt::IntersectClip);
-    QRect area(QPoint(paint.position_x, paint.position_y), scaled.size());
     const QRect clip = toRect(paint.clip_box);
-    const bool repeatX = paint.repeat == litehtml::background_repeat_repeat ||
-                         paint.repeat == litehtml::background_repeat_repeat_x;
-    const bool repeatY = paint.repeat == litehtml::background_repeat_repeat ||
-                         paint.repeat == litehtml::background_repeat_repeat_y;
-    if (repeatX) {
-        area.setLeft(clip.left());
-        area.setRight(clip.right());
+    QRect area(paint.position_x, paint.position_y, paint.image_size.width, paint.image_size.height);
+    if (paint.attachment == litehtml::background_attachment_fixed) {
+        // The engine places it within the element; it belongs to the same corner or edge of the window.
+        const QRect origin = toRect(paint.origin_box);
+        const auto place = [](int at, int begin, int room, int window) {
+            return room == 0 ? at - begin : qRound(double(at - begin) / room * window);
+        };
+        litehtml::position window;
+        get_client_rect(window);
+        area.moveTo(
+            place(area.x(), origin.x(), origin.width() - area.width(), window.width - area.width()),
+            place(area.y(), origin.y(), origin.height() - area.height(), window.height - area.height()));
     }
-    if (repeatY) {
-        area.setTop(clip.top());
-        area.setBottom(clip.bottom());
+    painter->save();
+    painter->setClipRect(clip, Qt::IntersectClip);
+    const auto repeats = [&paint](litehtml::background_repeat one) {
+        return paint.repeat == litehtml::background_repeat_repeat || paint.repeat == one;
+    };
+    const int left = repeats(litehtml::background_repeat_repeat_x)
+                         ? area.x() - (area.x() - clip.x() + area.width() - 1) / area.width() * area.width()
+                         : area.x();
+    const int top = repeats(litehtml::background_repeat_repeat_y)
+                        ? area.y() - (area.y() - clip.y() + area.height() - 1) / area.height() * area.height()
+                        : area.y();
+    const int right = repeats(litehtml::background_repeat_repeat_x) ? clip.right() : area.x();
+    const int bottom = repeats(litehtml::background_repeat_repeat_y) ? clip.bottom() : area.y();
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    for (int y = top; y <= bottom; y += area.height()) {
+        for (int x = left; x <= right; x += area.width())
+            painter->drawPixmap(QRect(QPoint(x, y), area.size()), picture);
     }
-    painter->drawTiledPixmap(area, scaled,
-                             QPoint(area.left() - paint.position_x, area.top() - paint.position_y));
     painter->restore();
 }
 
@@ -238,10 +264,13 @@ std::string HtmlPainter::resolve_color(const std::string& color) const {
     const auto role = roles.constFind(QString::fromStdString(color).toLower());
     if (role != roles.constEnd())
         return widget->palette().color(*role).name().toStdString();
-    // A plain blue cannot be read on a dark page.
-    if (color == "blue" && widget->palette().color(QPalette::Window).lightness() < 128)
-        return "#6aa8ff";
     return {};
+}
+
+QColor HtmlPainter::ReadableColor(const QColor& color) const {
+    if (widget->palette().color(QPalette::Window).lightness() >= 128 || color.lightness() >= 170)
+        return color;
+    return QColor::fromHsl(std::max(color.hslHue(), 0), color.hslSaturation(), 185);
 }
 
 void HtmlPainter::split_text(const char* text, const std::function<void(const char*)>& onWord,

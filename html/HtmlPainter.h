@@ -4,6 +4,7 @@
 #include <litehtml/litehtml.h>
 #include <functional>
 #include <memory>
+#include <QColor>
 #include <QFont>
 #include <QFontMetrics>
 #include <QHash>
@@ -53,6 +54,8 @@ class HtmlPainter : public litehtml::document_container {
     void transform_text(std::string& text, litehtml::text_transform transform) override;
     void get_media_features(litehtml::media_features& media) const override;
     void get_language(std::string& language, std::string& culture) const override;
+    /// A text colour that was chosen for a light page, made lighter where the desktop is dark.
+    QColor ReadableColor(const QColor& color) const;
     /// System colours (threedface, highlight, windowtext ...) from the widget's palette, as "#rrggbb".
     std::string resolve_color(const std::string& color) const override;
     void split_text(const char* text, const std::function<void(const char*)>& onWord,
@@ -60,6 +63,8 @@ class HtmlPainter : public litehtml::document_container {
 
   protected:
     void forgetImages() { images.clear(); }
+    /// Text without a font of its own follows the widget's font.
+    void takeDefaultFont();
     static QRect toRect(const litehtml::position& pos) { return {pos.x, pos.y, pos.width, pos.height}; }
 
   private:
