@@ -1,12 +1,8 @@
 #pragma once
 // Pictures of buttons and tabs from the module's resources.
-#include "html/HtmlResources.h"
-
 #include <QIcon>
 
-/// The picture of that name; an empty icon when there is none.
+/// The picture of that name, drawn anew for every size and scaling; an empty icon when there is none.
 inline QIcon ResourceIcon(const QString& name) {
-    QPixmap picture;
-    picture.loadFromData(FindHtmlResource(name, HtmlResourceKind::Data));
-    return QIcon(picture);
+    return QIcon(QStringLiteral(":/tarnel/data/%1.svg").arg(name));
 }

@@ -9,6 +9,8 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QSaveFile>
 
 namespace {
 
@@ -154,7 +156,12 @@ void LogTab::SaveLog() {
                                                       tr("Html Files (*.html);;All Files (*)"));
     if (path.isEmpty())
         return;
-    const QString target = path.contains(u'.') ? path : path + QStringLiteral(".html");
-    QFile::remove(target);
-    QFile::copy(runLogPath(), target);
+    const QString target = QFileInfo(path).suffix().isEmpty() ? path + QStringLiteral(".html") : path;
+    // What the file held goes only once the copy is whole.
+    QFile log(runLogPath());
+    QSaveFile copy(target);
+    if (log.open(QIODevice::ReadOnly) && copy.open(QIODevice::WriteOnly)) {
+        copy.write(log.readAll());
+        copy.commit();
+    }
 }

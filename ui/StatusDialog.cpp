@@ -41,8 +41,10 @@ void StatusDialog::StepFileTime() {
 
 void StatusDialog::Flash(bool on) {
     QPalette colors;
-    if (on)
+    if (on) {
         colors.setColor(QPalette::Window, QColor(0xE0, 0x9F, 0x3E));
+        colors.setColor(QPalette::WindowText, Qt::black);
+    }
     setPalette(colors);
 }
 

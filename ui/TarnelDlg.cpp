@@ -15,8 +15,11 @@
 #include "ui_TarnelDlg.h"
 #include "widgets/BalloonHelp.h"
 
+#include <QGuiApplication>
 #include <QMessageBox>
+#include <QScreen>
 #include <QShortcut>
+#include <QTabBar>
 
 TarnelDlg::TarnelDlg(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<Ui::TarnelDlg>()) {
     Trace("Default InitDialog\n");
@@ -47,6 +50,7 @@ TarnelDlg::TarnelDlg(QWidget* parent) : CResizableDialog(parent), ui(std::make_u
     connect(ui->close, &QPushButton::clicked, this, &TarnelDlg::OnCancel);
     for (QPushButton* button : {ui->help, ui->schedule, ui->close})
         button->setAutoDefault(false);
+    orderTabStops();
     Run().Scheduled = false;
     Trace("InitDone\n");
 }
@@ -88,6 +92,25 @@ void TarnelDlg::addShortcuts() {
     add(Qt::Key_F1, [] { ShowHelp(); });
 }
 
+// The keyboard goes as the eye does: titles of the pages, the page, the buttons below it.
+void TarnelDlg::orderTabStops() {
+    QWidget* last = ui->tab->tabBar();
+    for (QWidget* page :
+         {static_cast<QWidget*>(start), static_cast<QWidget*>(files), static_cast<QWidget*>(script),
+          static_cast<QWidget*>(settings), static_cast<QWidget*>(log)}) {
+        // The focus chain of a page is in order in itself.
+        for (QWidget* next = page->nextInFocusChain(); next != nullptr && page->isAncestorOf(next);
+             next = next->nextInFocusChain()) {
+            if (next->focusPolicy() != Qt::NoFocus)
+                last = next;
+        }
+    }
+    for (QWidget* button : {ui->help, ui->schedule, ui->runScript, ui->close}) {
+        setTabOrder(last, button);
+        last = button;
+    }
+}
+
 void TarnelDlg::ShowPage(int index) {
     ui->tab->SetActive(index);
 }
@@ -96,8 +119,13 @@ void TarnelDlg::moveToStored() {
     const CTarnelData& data = TarnelData();
     const WindowRect& stored = data.MainWindow;
     if (stored.Right != 0) {
-        setGeometry(QRect(QPoint(static_cast<int>(stored.Left), static_cast<int>(stored.Top)),
-                          QPoint(static_cast<int>(stored.Right) - 1, static_cast<int>(stored.Bottom) - 1)));
+        QRect place(QPoint(static_cast<int>(stored.Left), static_cast<int>(stored.Top)),
+                    QPoint(static_cast<int>(stored.Right) - 1, static_cast<int>(stored.Bottom) - 1));
+        // A screen that has gone in the meantime must not keep the dialog out of reach.
+        const QScreen* screen = QGuiApplication::screenAt(place.center());
+        if (screen == nullptr)
+            place.moveCenter(QGuiApplication::primaryScreen()->availableGeometry().center());
+        setGeometry(place);
     }
     if (data.WasMaximized != 0)
         setWindowState(windowState() | Qt::WindowMaximized);

@@ -34,6 +34,7 @@ class TarnelDlg : public CResizableDialog {
   private:
     void createPages();
     void addShortcuts();
+    void orderTabStops();
     void moveToStored();
     void keepGeometry();
     void onSchedule();

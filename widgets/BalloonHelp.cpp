@@ -101,7 +101,8 @@ void CBalloonHelp::paintEvent(QPaintEvent*) {
     QFont bold = font();
     bold.setBold(true);
     painter.setFont(bold);
-    painter.drawText(inner.adjusted(34, 0, 0, 0), Qt::AlignLeft | Qt::AlignTop, title);
+    painter.drawText(QRect(inner.left() + 34, inner.top(), inner.width() - 34, 24),
+                     Qt::AlignLeft | Qt::AlignVCenter, title);
     painter.setFont(font());
     painter.drawText(inner.adjusted(0, std::max(QFontMetrics(bold).height(), 26) + Margin, 0, 0),
                      Qt::AlignLeft | Qt::TextWordWrap, text);

@@ -11,13 +11,17 @@ CResizableDialog::CResizableDialog(QWidget* parent) : QDialog(parent) {
 void CResizableDialog::SetPage() {
     page = true;
     setWindowFlags(Qt::Widget);
+    // Its own ground, since some styles paint the tab control lighter than the pages in HTML.
+    setAutoFillBackground(true);
 }
 
 void CResizableDialog::InitLayout() {
     layout.Attach(this);
     if (page)
         return;
-    setMinimumSize(layout.DesignSize() * 3 / 5);
+    // Narrower than this, what keeps to the left and what keeps to the right would meet.
+    const QSize design = layout.DesignSize();
+    setMinimumSize(design.width() * 17 / 20, design.height() * 3 / 5);
     grip = new QSizeGrip(this);
     grip->resize(grip->sizeHint());
     grip->move(rect().bottomRight() - grip->rect().bottomRight());

@@ -1,0 +1,237 @@
+// Takes the pictures of the manual: every page and dialog off screen, into a folder. It also serves to look
+// at other fonts, scalings (QT_SCALE_FACTOR), colours and longer texts than the ones that are at hand.
+//   take-pictures FOLDER [--dark] [--font PER_CENT] [--long]
+#include "engine/RunState.h"
+#include "engine/TarnelData.h"
+#include "html/HTMLayout.h"
+#include "html/HtmlResources.h"
+#include "log/ZipArchive.h"
+#include "ui/LogTab.h"
+#include "ui/Schedule.h"
+#include "ui/StatusDialog.h"
+#include "ui/TarnelDlg.h"
+#include "widgets/AutoTab.h"
+#include "widgets/BalloonHelp.h"
+
+#include <cstdio>
+#include <QApplication>
+#include <QDateTimeEdit>
+#include <QFile>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPushButton>
+#include <QTemporaryDir>
+
+namespace {
+
+QString folder;
+QString suffix;
+bool longTexts = false;
+
+QPalette darkPalette() {
+    QPalette dark;
+    const QColor ground(42, 44, 48);
+    const QColor text(225, 227, 230);
+    dark.setColor(QPalette::Window, ground);
+    dark.setColor(QPalette::WindowText, text);
+    dark.setColor(QPalette::Base, QColor(30, 31, 34));
+    dark.setColor(QPalette::AlternateBase, ground);
+    dark.setColor(QPalette::Text, text);
+    dark.setColor(QPalette::Button, QColor(56, 59, 64));
+    dark.setColor(QPalette::ButtonText, text);
+    dark.setColor(QPalette::BrightText, Qt::red);
+    dark.setColor(QPalette::ToolTipBase, QColor(70, 73, 80));
+    dark.setColor(QPalette::ToolTipText, text);
+    dark.setColor(QPalette::PlaceholderText, QColor(150, 153, 160));
+    dark.setColor(QPalette::Highlight, QColor(58, 110, 190));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Link, QColor(110, 170, 255));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        dark.setColor(QPalette::Disabled, role, QColor(125, 128, 134));
+    return dark;
+}
+
+/// Texts as long as the German ones, which are about a third longer than the English.
+void lengthen(QWidget& window) {
+    if (!longTexts)
+        return;
+    const auto longer = [](const QString& text) {
+        return text + QStringLiteral("e en und").left(std::max<qsizetype>(2, text.size() / 3));
+    };
+    for (auto* button : window.findChildren<QPushButton*>())
+        button->setText(longer(button->text()));
+    for (auto* label : window.findChildren<QLabel*>())
+        label->setText(longer(label->text()));
+    if (auto* tab = window.findChild<CAutoTab*>()) {
+        for (int i = 0; i < tab->count(); ++i)
+            tab->setTabText(i, longer(tab->tabText(i)));
+    }
+}
+
+void settle() {
+    for (int i = 0; i < 5; ++i)
+        QCoreApplication::processEvents();
+}
+
+/// The window as it stands on the screen; balloons over it are painted in.
+void take(QWidget& window, const QString& name) {
+    settle();
+    QPixmap picture = window.grab();
+    for (QWidget* other : QApplication::topLevelWidgets()) {
+        if (qobject_cast<CBalloonHelp*>(other) == nullptr || !other->isVisible())
+            continue;
+        QPixmap wider = picture;
+        QPainter painter(&wider);
+        painter.drawPixmap(other->pos() - window.mapToGlobal(QPoint()), other->grab());
+        painter.end();
+        picture = wider;
+    }
+    const QString path = folder + u'/' + name + suffix + QStringLiteral(".png");
+    if (!picture.save(path))
+        std::fprintf(stderr, "%s: cannot be written\n", qPrintable(path));
+}
+
+void fillRecord(const QString& data) {
+    CTarnelData& record = TarnelData();
+    record.DataDir = data;
+    record.ModuleDir = data + u'/';
+    record.Script = "._-layer _make walls _color 3 walls\r\n\r\n._zoom _extents\r\n._qsave\r\n";
+    const struct {
+        const char* Path;
+        FileStatusValue Status;
+    } files[] = {{"/srv/plans/ground-floor.dxf", Done}, {"/srv/plans/first-floor.dxf", Done},
+                 {"/srv/plans/roof.dxf", Timeout},      {"/srv/plans/sections.dwg", Locked},
+                 {"/srv/plans/site.dxf", ToDo},         {"/srv/plans/survey/levels.dxf", ToDo}};
+    for (const auto& file : files) {
+        AppendEntry(record, QString::fromLatin1(file.Path));
+        record.FileStatus[record.FileStatus.size() - 1] = file.Status;
+    }
+}
+
+void writeLog() {
+    QFile log(DataFile(QStringLiteral("tnl log.html")));
+    if (!log.open(QIODevice::WriteOnly))
+        return;
+    log.write("<html><body><span>3/14/2031 22:00:00: <font color=blue>Batch started</font></span><br />\r\n");
+    for (const char* name : {"ground-floor.dxf", "first-floor.dxf", "roof.dxf"}) {
+        log.write(QByteArrayLiteral("<span>3/14/2031 22:00:01: Processing file: <span id=\"_srv_") + name +
+                  ".log\">/srv/plans/" + name + "</span></span><br />\r\n");
+    }
+    log.write("<span>3/14/2031 22:01:01: <font color=red>File timed out</font></span><br />\r\n");
+    log.write("<span>3/14/2031 22:01:02: <font color=blue>Batch completed</font></span><br />\r\n");
+    log.write("</body></html>");
+    log.close();
+    CZipArchive archive;
+    archive.Open(QFile::encodeName(DataFile(QStringLiteral("TNLLog.zip"))).toStdString(),
+                 CZipArchive::Create);
+    CFileHeader header;
+    header.Name = "_srv_ground-floor.dxf.log";
+    archive.OpenNewFile(header, 9);
+    const std::string text =
+        "Command: ._-layer\nCurrent layer:  \"0\"\nEnter an option "
+        "[?/Make/Set/New/ON/OFF/Color/Ltype/LWeight/Freeze/Thaw/LOck/Unlock]: _make\nEnter name for new "
+        "layer "
+        "(becomes the current layer) <0>: walls\nCommand: ._zoom\nSpecify corner of window, enter a scale "
+        "factor (nX or nXP), or\n[All/Extents/Window] <real time>: _extents\nCommand: ._qsave\nCommand: "
+        "(TNL_ScriptComplete)\n";
+    archive.WriteNewFile(text.data(), text.size());
+    archive.CloseNewFile();
+    archive.Close();
+}
+
+void takePages() {
+    TarnelDlg dialog(nullptr);
+    lengthen(dialog);
+    dialog.show();
+    const char* names[] = {"start", "files", "script", "settings", "log"};
+    for (int i = 0; i < 5; ++i) {
+        dialog.ShowPage(i);
+        take(dialog, QString::fromLatin1(names[i]));
+    }
+    int handled = 1;
+    dialog.Log().ShowHostLog(QStringLiteral("logfile:_srv_ground-floor.dxf.log:/srv/plans/ground-floor.dxf"),
+                             &handled);
+    take(dialog, QStringLiteral("host-log"));
+    dialog.Log().findChild<CHTMLayout*>(QStringLiteral("log"))->SelectAll();
+    take(dialog, QStringLiteral("host-log-selected"));
+    dialog.Log().ClearLog();
+    take(dialog, QStringLiteral("no-log"));
+    dialog.ShowPage(3);
+    dialog.resize(dialog.minimumSize());
+    take(dialog, QStringLiteral("settings-small"));
+    dialog.ShowPage(4);
+    take(dialog, QStringLiteral("log-small"));
+    dialog.resize(1200, 800);
+    take(dialog, QStringLiteral("log-large"));
+    dialog.ShowPage(0);
+    take(dialog, QStringLiteral("start-large"));
+    dialog.resize(760, 520);
+    for (std::uint32_t& status : TarnelData().FileStatus)
+        status = Done;
+    dialog.ShowPage(1);
+    dialog.OnOK();
+    take(dialog, QStringLiteral("balloon"));
+}
+
+void takeDialogs() {
+    StatusDialog status(nullptr, 6);
+    lengthen(status);
+    status.show();
+    for (const char* path : {"/srv/plans/a.dxf", "/srv/plans/b.dxf", "/srv/plans/survey/levels.dxf"})
+        status.ShowFile(QString::fromLatin1(path), 60);
+    for (int i = 0; i < 21; ++i)
+        status.StepFileTime();
+    take(status, QStringLiteral("status"));
+    status.ShowFile(
+        QStringLiteral("/srv/plans/customers/north/a rather long name of a project/drawings/second "
+                       "floor/electrical installations and lighting.dxf"),
+        60);
+    status.Flash(true);
+    take(status, QStringLiteral("status-alarm"));
+    Schedule schedule;
+    lengthen(schedule);
+    schedule.show();
+    schedule.findChild<QDateEdit*>()->setDate(QDate(2031, 3, 14));
+    schedule.Tick();
+    schedule.Tick();
+    take(schedule, QStringLiteral("schedule"));
+    schedule.findChild<QPushButton*>(QStringLiteral("go"))->click();
+    take(schedule, QStringLiteral("schedule-waiting"));
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Script Warning"),
+                    QStringLiteral("The script does not contain a QSAVE or SAVEAS command.\nAny changes made "
+                                   "during the script will not be saved.\nDo you wish to continue?\n"),
+                    QMessageBox::Yes | QMessageBox::No);
+    box.show();
+    take(box, QStringLiteral("warning"));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() < 2) {
+        std::fputs("take-pictures FOLDER [--dark] [--font PER_CENT] [--long]\n", stderr);
+        return 2;
+    }
+    folder = arguments[1];
+    if (arguments.contains(QStringLiteral("--dark"))) {
+        suffix = QStringLiteral("-dark");
+        QApplication::setPalette(darkPalette());
+    }
+    if (const auto at = arguments.indexOf(QStringLiteral("--font")); at > 0) {
+        QFont font = QApplication::font();
+        font.setPointSizeF(font.pointSizeF() * arguments.value(at + 1).toDouble() / 100);
+        QApplication::setFont(font);
+    }
+    longTexts = arguments.contains(QStringLiteral("--long"));
+    InitHtmlResources();
+    QTemporaryDir data;
+    fillRecord(data.path());
+    writeLog();
+    takePages();
+    takeDialogs();
+    return 0;
+}
