@@ -1,6 +1,9 @@
 #include "app/DrawingList.h"
 
 #include "app/QueueFile.h"
+#include "state/FileName.h"
+#include "state/GroupList.h"
+#include "state/StdioFileEx.h"
 
 #include <fnmatch.h>
 #include <strings.h>
@@ -8,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <QString>
 #include <unordered_set>
 
 namespace fs = std::filesystem;
@@ -45,8 +49,12 @@ class Queue {
             *error = absolute + ": the name is not UTF-8 and cannot be given to the host; rename the file";
             return false;
         }
-        if (seen.insert(absolute).second) {
-            paths.push_back(std::move(absolute));
+        return AddForeign(std::move(absolute));
+    }
+    /// A path of another system stays as it is: it names nothing here, and the user must know it again.
+    bool AddForeign(std::string path) {
+        if (seen.insert(path).second) {
+            paths.push_back(std::move(path));
         }
         return true;
     }
@@ -97,46 +105,59 @@ bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, 
                        [&](const fs::path& path) { return queue->Add(path, error); });
 }
 
-/// A saved queue (".xml") or one path a line; "@" starts a comment. Relative paths are taken from the list's
-/// own folder, so that a list can be kept beside its drawings.
-bool AddList(const std::string& list, Queue* queue, std::string* error) {
-    const fs::path folder = fs::absolute(list).parent_path();
-    std::string extension = fs::path(list).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return c < 0x80 ? static_cast<char>(std::tolower(c)) : char(c); });
-    if (extension == ".xml") {
+/// The entries of a list as they stand there, by the form that its extension tells.
+bool ReadList(const std::string& list, const QString& folder, std::vector<QString>* entries,
+              std::string* error) {
+    const QString path = QString::fromStdString(list);
+    const QString extension = CFileName(path).GetExt().toLower();
+    if (!std::ifstream(list) || fs::is_directory(list)) {
+        *error = list + ": the list cannot be read: " +
+                 (fs::is_directory(list) ? "Is a directory" : std::strerror(errno));
+        return false;
+    }
+    if (extension == u".xml") {
         QueueFile saved;
         if (!saved.Load(list, error)) {
             return false;
         }
-        return std::all_of(saved.Entries().begin(), saved.Entries().end(),
-                           [&](const QueueEntry& entry) { return queue->Add(folder / entry.Path, error); });
+        for (const QueueEntry& entry : saved.Entries()) {
+            entries->push_back(QString::fromStdString(entry.Path));
+        }
+        return true;
     }
-    std::ifstream in(list);
-    if (!in) {
-        *error = list + ": the list cannot be read: " + std::strerror(errno);
+    if (CStdioFileEx::HasWideMark(path)) {
+        *error = list + ": the list is UTF-16; save it as UTF-8 or in a narrow encoding";
         return false;
     }
-    std::string line;
-    for (bool first = true; std::getline(in, line); first = false) {
-        if (first && line.starts_with("\xEF\xBB\xBF")) {
-            line.erase(0, 3);
-        }
-        if (line.ends_with('\r')) {
-            line.pop_back();
-        }
-        if (line.empty() || line.front() == '@') {
-            continue;
-        }
-        if (!queue->Add(folder / line, error)) {
-            return false;
-        }
+    if (extension != u".grp") {
+        return ReadPathList(path, folder, entries) == GroupListError::None;
     }
-    if (in.bad()) {
-        *error = list + ": the list cannot be read: " + std::strerror(errno);
+    ScriptFileGroup group;
+    if (ReadScriptFileGroup(path, &group) != GroupListError::None) {
+        *error = list + ": the first line is not that of a script file of an earlier version";
         return false;
+    }
+    for (const ScriptFileGroup::Entry& entry : group.Entries) {
+        entries->push_back(entry.Path);
     }
     return true;
+}
+
+/// Relative paths are taken from the list's own folder, so that a list can be kept beside its drawings.
+bool AddList(const std::string& list, Queue* queue, std::string* error) {
+    const fs::path folder = fs::absolute(list).parent_path();
+    const QString folderText = QString::fromStdString(folder.string());
+    std::vector<QString> entries;
+    if (!ReadList(list, folderText, &entries, error)) {
+        return false;
+    }
+    return std::all_of(entries.begin(), entries.end(), [&](const QString& entry) {
+        if (entry.isEmpty()) {
+            return true;
+        }
+        return IsWindowsPath(entry) ? queue->AddForeign(entry.toStdString())
+                                    : queue->Add(folder / LocalPath(entry, folderText).toStdString(), error);
+    });
 }
 
 }  // namespace

@@ -18,7 +18,8 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
     run->add_option("-s,--script", options->Script, "The script of host commands for each drawing")
         ->type_name("FILE");
     run->add_option("-l,--list", options->Lists,
-                    "Take drawings from a list: one path a line, or a saved queue (.xml)")
+                    "Take drawings from a list: one path a line, a saved queue (.xml), or a group file\n"
+                    "of an earlier version (.grp)")
         ->type_name("FILE")
         ->allow_extra_args(false);
     run->add_option("--mask", options->Mask, "Which files of a folder, any case")

@@ -59,6 +59,41 @@ TEST_F(DrawingList, ReadsListsOfPathsAndSavedQueues) {
     EXPECT_THAT(Collect(options), ElementsAre(Folder / "lists/plan a.dxf", "/abs/b.dxf", "/abs/<c> & d.dxf"));
 }
 
+TEST_F(DrawingList, ReadsListsMadeOnOtherSystemsAndByEarlierVersions) {
+    const auto read = [this](const std::string& name, const std::string& text) {
+        RunOptions options;
+        options.Lists = {Write(name, text)};
+        return Collect(options);
+    };
+    Write("odd\\name.dxf", "");
+    const std::string folder = Folder.string() + "/";
+    // A Windows page, backslashes, CR LF, any case of the extension, and what has no place here.
+    EXPECT_THAT(read("w.TXT", "@ pl\xE4ne\r\nsub\\gr\xFCn.dxf\r\nP:\\Plans\\A.DWG\r\nodd\\name.dxf\r\n"),
+                ElementsAre(folder + "sub/grün.dxf", "p:\\plans\\a.dwg", folder + "odd\\name.dxf"));
+    EXPECT_THAT(read("u.lst", "sub\\gr\xC3\xBCn.dxf\n\\\\Srv\\x\\B.dwg"),
+                ElementsAre(folder + "sub/grün.dxf", "\\\\srv\\x\\b.dwg"));
+    EXPECT_THAT(read("q.XML",
+                     "<TarnelRunner><Files><File Status=\"1\">sub\\a.dxf</File>"
+                     "<File>C:\\B.dxf</File></Files></TarnelRunner>"),
+                ElementsAre("C:\\B.dxf", folder + "sub/a.dxf"))
+        << "in the order that the queue is shown in";
+    // The script that such a file names may be long gone; the drawings are what counts.
+    EXPECT_THAT(read("g.grp",
+                     "Tarnel V2 Script File\r\nC:\\s.scr\r\n90\r\n45\r\n"
+                     "5     Sub\\A.dxf\r\n0     /b.dxf\r\n1 ____\r\n"),
+                ElementsAre(folder + "Sub/A.dxf", "/b.dxf"));
+    EXPECT_THAT(read("g.grp", "a.dxf\n"), IsEmpty());
+    EXPECT_THAT(Error, testing::HasSubstr("g.grp: the first line is not"));
+    EXPECT_THAT(read("u16.txt", std::string("\xFF\xFE/\0a\0", 6)), IsEmpty());
+    EXPECT_THAT(Error, testing::HasSubstr("u16.txt: the list is UTF-16"));
+    EXPECT_THAT(read("x.xml", "a.dxf\n"), IsEmpty());
+    EXPECT_THAT(Error, testing::HasSubstr("x.xml: does not hold the state of a run"));
+    RunOptions options;
+    options.Lists = {Folder};
+    EXPECT_THAT(Collect(options), IsEmpty());
+    EXPECT_THAT(Error, testing::HasSubstr("the list cannot be read: Is a directory"));
+}
+
 TEST_F(DrawingList, AQueueOnDiskIsRunInItsSortOrder) {
     const auto order = [this](const std::string& key, const std::string& reverse) {
         QueueFile queue;
