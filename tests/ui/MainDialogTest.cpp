@@ -7,6 +7,7 @@
 
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTreeView>
 
 namespace {
@@ -145,16 +146,23 @@ TEST_F(MainDialogTest, ControlsGoIntoTheRecordOnlyWhenCollected) {
     QTest::keyClick(script, Qt::Key_Return);
     auto* readOnly = dialog.findChild<QAbstractButton*>(QStringLiteral("readonly"));
     readOnly->click();
+    auto* limit = dialog.findChild<QSpinBox*>(QStringLiteral("maxtime"));
+    EXPECT_EQ(limit->value(), 60);
+    limit->selectAll();
+    QTest::keyClicks(limit, QStringLiteral("7"));
     EXPECT_EQ(TarnelData().Script, QByteArray("zoom e\r\nqsave\r\n"));
     EXPECT_FALSE(TarnelData().ProcessReadOnly);
     press(dialog, "close");
     EXPECT_EQ(TarnelData().Script, QByteArray("regen\r\n"));
     EXPECT_TRUE(TarnelData().ScriptModified());
     EXPECT_TRUE(TarnelData().ProcessReadOnly);
+    EXPECT_EQ(TarnelData().MaxTime, 7U);
     TarnelData().ProcessReadOnly = false;
+    TarnelData().MaxTime = 0;
     addFile(QStringLiteral("/d/b.dwg"));
     Q_EMIT TarnelData().Signals.RefreshSignal();
     EXPECT_FALSE(readOnly->isChecked());
+    EXPECT_EQ(limit->value(), 0) << "no limit is a value";
     EXPECT_EQ(dialog.findChild<QTreeView*>(QStringLiteral("queue"))->model()->rowCount(), 2);
 }
 

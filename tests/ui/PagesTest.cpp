@@ -2,10 +2,15 @@
 #include "html/HTMLayout.h"
 #include "log/ZipArchive.h"
 #include "tests/ui/UiFixture.h"
+#include "ui/HelpPages.h"
 #include "ui/LogTab.h"
 #include "ui/StartTab.h"
 
+#include <QDesktopServices>
+#include <QDir>
 #include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QPushButton>
 
 namespace {
@@ -102,8 +107,95 @@ TEST_F(LogTabTest, WithoutALogAndAfterClearing) {
     EXPECT_TRUE(enabled(tab, "emailLog"));
 }
 
+TEST_F(LogTabTest, SavesTheLogAsItLiesOnDisk) {
+    writeLog();
+    LogTab tab;
+    tab.show();
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    const auto save = [&](const QString& name, QDialog::DialogCode code) {
+        QTimer::singleShot(0, qApp, [name, code] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            dialog->findChild<QLineEdit*>()->setText(name);
+            // Asks nothing about a file that is there: the dialog's own question is not what is tested.
+            dialog->setOption(QFileDialog::DontConfirmOverwrite);
+            QMetaObject::invokeMethod(dialog, code == QDialog::Accepted ? "accept" : "reject");
+        });
+        QTest::mouseClick(tab.findChild<QPushButton*>(QStringLiteral("saveLog")), Qt::LeftButton);
+    };
+    const auto content = [](const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    const QByteArray log = content(folder.filePath(QStringLiteral("tnl log.html")));
+    QDir(folder.path()).mkdir(QStringLiteral("v1.2"));
+    save(folder.filePath(QStringLiteral("v1.2/kept")), QDialog::Accepted);
+    EXPECT_EQ(content(folder.filePath(QStringLiteral("v1.2/kept.html"))), log);
+    save(folder.filePath(QStringLiteral("tnl log.html")), QDialog::Accepted);
+    EXPECT_EQ(content(folder.filePath(QStringLiteral("tnl log.html"))), log) << "saved over itself";
+    save(folder.filePath(QStringLiteral("none.html")), QDialog::Rejected);
+    EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("none.html"))));
+}
+
+/// Takes what would go to the desktop's browser.
+class Browser : public QObject {
+    Q_OBJECT
+  public:
+    Browser() {
+        for (const char* scheme : {"file", "http"})
+            QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), this, "open");
+    }
+    ~Browser() override {
+        for (const char* scheme : {"file", "http"})
+            QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
+    }
+    Q_SLOT void open(const QUrl& url) { opened << url; }
+    QList<QUrl> opened;
+};
+
+TEST_F(UiFixture, HelpIsCopiedWhenItHasChangedAndOpened) {
+    Browser browser;
+    ShowHelp();
+    EXPECT_TRUE(browser.opened.isEmpty()) << "no help, no message";
+    QDir(folder.path()).mkdir(QStringLiteral("module"));
+    const auto write = [](const QString& path, const char* text) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+    };
+    const QString source = TarnelData().ModuleDir + QStringLiteral("tarnel-help.html");
+    const QString copy = folder.filePath(QStringLiteral("help/tarnel-help.html"));
+    const auto content = [&] {
+        QFile file(copy);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    };
+    write(source, "first");
+    ShowHelp();
+    EXPECT_EQ(browser.opened, QList<QUrl>{QUrl::fromLocalFile(copy)});
+    EXPECT_EQ(content(), "first");
+    const QDateTime written = QFileInfo(source).lastModified();
+    write(copy, "edited");
+    QFile kept(copy);
+    ASSERT_TRUE(kept.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(kept.setFileTime(written, QFileDevice::FileModificationTime));
+    kept.close();
+    ShowHelp();
+    EXPECT_EQ(content(), "edited") << "the same time: the copy is left";
+    QFile changed(source);
+    ASSERT_TRUE(changed.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(changed.setFileTime(written.addSecs(5), QFileDevice::FileModificationTime));
+    changed.close();
+    ShowHelp();
+    EXPECT_EQ(content(), "first");
+    EXPECT_EQ(browser.opened.size(), 3);
+}
+
 TEST_F(UiFixture, LinksOfTheStartPage) {
     StartTab tab;
+    tab.resize(900, 700);
+    tab.show();
     int page = -1;
     int help = 0;
     QObject::connect(&tab, &StartTab::PageWanted, &tab, [&](int wanted) { page = wanted; });
@@ -125,6 +217,12 @@ TEST_F(UiFixture, LinksOfTheStartPage) {
     EXPECT_EQ(follow("https://x/"), 0);
     EXPECT_EQ(follow("acadscripthelp"), 0);
     auto* view = tab.findChild<CHTMLayout*>();
+    {
+        Browser browser;
+        for (const HtmlElement& link : Select(view->GetRoot(), QStringLiteral("a[href]")))
+            QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, link.Box().center());
+        EXPECT_EQ(browser.opened.size(), 3) << "only what is outside goes to the browser";
+    }
     EXPECT_TRUE(view->GetRoot().Text().contains(QStringLiteral("Welcome to the")));
     follow("res:Settings");
     EXPECT_TRUE(view->GetRoot().Text().contains(QStringLiteral("Processing")));
@@ -133,3 +231,5 @@ TEST_F(UiFixture, LinksOfTheStartPage) {
 }
 
 }  // namespace
+
+#include "PagesTest.moc"

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <QApplication>
 #include <QClipboard>
+#include <QDateEdit>
 #include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
@@ -81,6 +82,9 @@ class DialogRunTest : public testing::Test {
             if (dialog->objectName() == u"TarnelDlg") {
                 if (auto act = std::exchange(onDialog, {}))
                     act(*dialog);
+            } else if (dialog->objectName() == u"Schedule") {
+                if (auto act = onSchedule)
+                    act(*dialog);
             } else if (auto* box = qobject_cast<QMessageBox*>(dialog)) {
                 questions << box->text();
                 box->reject();
@@ -94,11 +98,12 @@ class DialogRunTest : public testing::Test {
             }
         }
     }
-    /// Presses Run Script in the dialog; the act gets the dialog that comes back after the run.
-    void run(std::function<void(QDialog&)> after) {
+    /// Presses Run Script, or another button, in the dialog; the act gets the dialog that comes back after
+    /// the run.
+    void run(std::function<void(QDialog&)> after, const char* button = "runScript") {
         bool returned = false;
         onDialog = [&](QDialog& dialog) {
-            press(dialog, "runScript");
+            press(dialog, button);
             onDialog = [&](QDialog& second) {
                 after(second);
                 returned = true;
@@ -130,6 +135,7 @@ class DialogRunTest : public testing::Test {
     QObject watch;
     std::string output;
     std::function<void(QDialog&)> onDialog;
+    std::function<void(QDialog&)> onSchedule;
     std::function<void(QWidget&)> onStatus;
     QStringList questions;
     int statusSeen = 0;
@@ -181,6 +187,52 @@ TEST_F(DialogRunTest, CancelInTheMiddleLeavesTheRest) {
     EXPECT_EQ(countOf("0") + countOf("1") + countOf("6"), drawings);
     for (QWidget* window : QApplication::topLevelWidgets())
         EXPECT_FALSE(window->objectName() == u"StatusDialog" && window->isVisible());
+}
+
+TEST_F(DialogRunTest, AScheduledRunAsksNothing) {
+    begin("zoom e\r\n");
+    QString waiting;
+    onSchedule = [&](QDialog& schedule) {
+        auto* go = schedule.findChild<QPushButton*>(QStringLiteral("go"));
+        if (!schedule.findChild<QDateEdit*>()->isEnabled()) {
+            waiting = go->text();
+            onSchedule = {};
+            QTest::mouseClick(go, Qt::LeftButton);
+        } else if (go->isEnabled()) {
+            QTest::mouseClick(go, Qt::LeftButton);
+        } else {
+            schedule.findChild<QDateEdit*>()->setDate(QDate::currentDate().addDays(1));
+        }
+    };
+    run([](QDialog& dialog) { press(dialog, "close"); }, "schedule");
+    EXPECT_EQ(waiting, QStringLiteral("Run Now"));
+    EXPECT_EQ(questions, QStringList());
+    EXPECT_EQ(countOf("1"), drawings) << output;
+}
+
+TEST_F(DialogRunTest, OpensAHundredTimesAndUnloads) {
+    begin("zoom e\r\nqsave\r\n");
+    const auto open = [this](int page) {
+        bool left = false;
+        onDialog = [&](QDialog& dialog) {
+            dialog.findChild<QTabWidget*>()->setCurrentIndex(page);
+            QCoreApplication::processEvents();
+            press(dialog, "close");
+            left = true;
+        };
+        host.input().type("TARNEL\n");
+        return until([&] { return left && !QApplication::activeModalWidget() && host.input().isIdle(); });
+    };
+    for (int i = 0; i < 100; ++i)
+        ASSERT_TRUE(open(i % 5)) << i;
+    EXPECT_EQ(countOf("0"), drawings) << "nothing but looking has happened";
+    EXPECT_EQ(host.modules().unload("tnl3-19-64", false), lisp::ModuleStatus::Done);
+    EXPECT_TRUE(frame->findChildren<QDialog*>().isEmpty());
+    output.clear();
+    host.input().type("TARNEL\n");
+    EXPECT_TRUE(until([&] { return output.find("Unknown command") != std::string::npos; })) << output;
+    host.modules().load(MODULE_FILE, false);
+    EXPECT_TRUE(open(3)) << "a second load starts anew";
 }
 
 }  // namespace
