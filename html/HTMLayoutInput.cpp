@@ -160,6 +160,13 @@ void CHTMLayout::focusInEvent(QFocusEvent* event) {
                        event->reason() == Qt::ShortcutFocusReason;
     if (byKey)
         focusedLink = HtmlElement();
+    // A form that is no stop of its own hands the focus to its first field.
+    if (byKey && focusPolicy() == Qt::ClickFocus && !controls.empty()) {
+        if (QWidget* first = dynamic_cast<HtmlControl&>(*controls.front()).ExistingWidget()) {
+            first->setFocus(event->reason());
+            return;
+        }
+    }
     reachedByKey = byKey;
     viewport()->update();
     QAbstractScrollArea::focusInEvent(event);

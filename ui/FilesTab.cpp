@@ -51,6 +51,7 @@ FilesTab::FilesTab(QWidget* parent)
     SetPage();
     ui->setupUi(this);
     InitLayout();
+    setFocusProxy(ui->queue);
     ui->queue->setModel(model);
     ui->queue->setRootIsDecorated(false);
     ui->queue->setUniformRowHeights(true);

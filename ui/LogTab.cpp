@@ -80,6 +80,7 @@ LogTab::LogTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<
     SetPage();
     ui->setupUi(this);
     InitLayout();
+    setFocusProxy(ui->log);
     ui->emailLog->SetInfo(ResourceIcon(QStringLiteral("email")), tr("Send the log to support"));
     ui->clearLog->SetInfo(ResourceIcon(QStringLiteral("clear")), tr("Delete the log of the last run"));
     ui->saveLog->SetInfo(ResourceIcon(QStringLiteral("save")), tr("Save a copy of the log"));

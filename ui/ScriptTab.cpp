@@ -9,6 +9,7 @@ ScriptTab::ScriptTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_u
     SetPage();
     ui->setupUi(this);
     InitLayout();
+    setFocusProxy(ui->script);
     ui->script->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     ui->script->setLineWrapMode(QPlainTextEdit::NoWrap);
     const TarnelSignals& record = TarnelData().Signals;

@@ -39,6 +39,7 @@ SettingsTab::SettingsTab(QWidget* parent)
     ui->view->LoadHtmlResource(QStringLiteral("settings"));
     Trace("SettingsTab: AddAnchor\n");
     InitLayout();
+    setFocusProxy(ui->view);
     Trace("SettingsTab: Connect signals\n");
     const TarnelSignals& record = TarnelData().Signals;
     connect(&record, &TarnelSignals::CollectSignal, this, &SettingsTab::OnCollect);

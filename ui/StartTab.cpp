@@ -9,6 +9,7 @@ StartTab::StartTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_uni
     SetPage();
     ui->setupUi(this);
     InitLayout();
+    setFocusProxy(ui->view);
     ui->view->LoadHtmlResource(QStringLiteral("Startpage"));
     connect(ui->view, &CHTMLayout::OnLinkClick, this, &StartTab::OnLink);
     connect(ui->view, &CHTMLayout::OnXButton1, this,

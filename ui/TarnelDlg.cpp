@@ -48,8 +48,6 @@ TarnelDlg::TarnelDlg(QWidget* parent) : CResizableDialog(parent), ui(std::make_u
     connect(ui->runScript, &QPushButton::clicked, this, &TarnelDlg::OnOK);
     connect(ui->schedule, &QPushButton::clicked, this, &TarnelDlg::onSchedule);
     connect(ui->close, &QPushButton::clicked, this, &TarnelDlg::OnCancel);
-    for (QPushButton* button : {ui->help, ui->schedule, ui->close})
-        button->setAutoDefault(false);
     orderTabStops();
     Run().Scheduled = false;
     Trace("InitDone\n");

@@ -2,8 +2,16 @@
 
 #include "widgets/BalloonHelp.h"
 
+#include <QTabBar>
+
 CAutoTab::CAutoTab(QWidget* parent) : QTabWidget(parent) {
-    connect(this, &QTabWidget::currentChanged, this, [] { CBalloonHelp::CloseAll(); });
+    connect(this, &QTabWidget::currentChanged, this, [this] {
+        CBalloonHelp::CloseAll();
+        // The keyboard goes on in what the page is for, not in whatever button stands first on it.
+        if (currentWidget() != nullptr && currentWidget()->focusProxy() != nullptr && isVisible() &&
+            !tabBar()->hasFocus())
+            currentWidget()->setFocus(Qt::ShortcutFocusReason);
+    });
 }
 
 void CAutoTab::AddTab(const QString& title, QWidget* page, const QIcon& icon) {

@@ -1,11 +1,11 @@
 #include "widgets/ResizableDialog.h"
 
-#include <QEvent>
+#include <QKeyEvent>
 #include <QSizeGrip>
 
 CResizableDialog::CResizableDialog(QWidget* parent) : QDialog(parent) {
-    setWindowFlag(Qt::WindowMaximizeButtonHint);
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                   Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint);
 }
 
 void CResizableDialog::SetPage() {
@@ -32,6 +32,14 @@ void CResizableDialog::resizeEvent(QResizeEvent* event) {
     layout.Arrange();
     if (grip != nullptr)
         grip->move(rect().bottomRight() - grip->rect().bottomRight());
+}
+
+// Esc and Enter mean the dialog that the page stands in; a dialog's own answer to Esc would hide the page.
+void CResizableDialog::keyPressEvent(QKeyEvent* event) {
+    if (page)
+        event->ignore();
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void CResizableDialog::changeEvent(QEvent* event) {

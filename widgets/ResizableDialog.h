@@ -20,6 +20,7 @@ class CResizableDialog : public QDialog {
   protected:
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     CResizableLayout layout;

@@ -40,15 +40,18 @@ void DrawingView::takeView() {
     const QPointF place(view.center.x, view.center.y);
     if (view.height == viewHeight && place == viewCenter)
         return;
+    const bool first = viewHeight == 0;
     viewHeight = view.height;
     viewCenter = place;
     center = place;
     const double perPixel = view.height / std::max(height(), 1);
     unitsPerPixel = std::isfinite(perPixel) && perPixel > 0 ? perPixel : 1;
-    // A drawing without a usable view is shown whole.
+    // A drawing without a usable view is shown whole; one that was never looked at often says that a single
+    // unit of it is seen.
     const QRectF seen(center - QPointF(width(), height()) * unitsPerPixel / 2,
                       QSizeF(width(), height()) * unitsPerPixel);
-    if (!shown.items.empty() && !seen.intersects(shown.bounds)) {
+    const bool tiny = first && seen.width() * 200 < shown.bounds.width();
+    if (!shown.items.empty() && (tiny || !seen.intersects(shown.bounds))) {
         center = shown.bounds.center();
         unitsPerPixel = std::max({shown.bounds.width() / std::max(width(), 1),
                                   shown.bounds.height() / std::max(height(), 1), 1e-9}) *

@@ -5,6 +5,7 @@
 #include "widgets/AutoTab.h"
 #include "widgets/BalloonHelp.h"
 
+#include <QFile>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
@@ -36,6 +37,37 @@ TEST_F(MainDialogTest, PagesByKeyboardAndTheLastOneKept) {
     EXPECT_EQ(dialog.result(), QDialog::Rejected);
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(TarnelData().LastTab, 2);
+}
+
+TEST_F(MainDialogTest, EnterAndEscReachTheDialogFromEveryPage) {
+    addFile(QStringLiteral("/d/a.dwg"));
+    QFile log(folder.filePath(QStringLiteral("tnl log.html")));
+    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+    log.close();
+    for (int page = 0; page < 5; ++page) {
+        for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+            TarnelData().LastTab = 1;
+            TarnelDlg dialog(nullptr);
+            dialog.show();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+            dialog.findChild<QTreeView*>(QStringLiteral("queue"))->setFocus();
+            dialog.ShowPage(page);
+            // In the script Enter is a new line.
+            if (page == 2 && key == Qt::Key_Return)
+                continue;
+            QTest::keyClick(QApplication::focusWidget(), key);
+            EXPECT_FALSE(dialog.isVisible()) << page;
+            EXPECT_EQ(dialog.result(), key == Qt::Key_Return ? QDialog::Accepted : QDialog::Rejected) << page;
+        }
+    }
+    EXPECT_TRUE(log.exists()) << "Enter on the log page must not clear the log";
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    QTest::keyClick(dialog.findChild<QPushButton*>(QStringLiteral("close")), Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Rejected)
+        << "a button that has the focus is the one that Enter means";
+    EXPECT_FALSE(dialog.isVisible());
 }
 
 TEST_F(MainDialogTest, GeometryOverTwoOpenings) {
