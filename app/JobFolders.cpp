@@ -4,10 +4,7 @@
 #include "app/RunLogs.h"
 #include "app/StateText.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <unordered_map>
 
 namespace fs = std::filesystem;
@@ -54,21 +51,6 @@ bool GatherQueue(const DataFolder& folder, const std::vector<std::size_t>& numbe
     return WriteQueue(folder.StateFile(), fs::exists(first) ? first : folder.StateFile(), queue, error);
 }
 
-bool AppendFile(const std::string& from, const std::string& to, std::string* error) {
-    std::ifstream in(from, std::ios::binary);
-    // Copying nothing would count as a failure.
-    if (!in || in.peek() == std::ifstream::traits_type::eof()) {
-        return true;
-    }
-    std::ofstream out(to, std::ios::binary | std::ios::app);
-    out << in.rdbuf();
-    out.close();
-    if (!out) {
-        *error = to + ": cannot be written: " + std::strerror(errno);
-    }
-    return bool(out);
-}
-
 }  // namespace
 
 std::string JobHome(const DataFolder& folder, std::size_t number) {
@@ -111,7 +93,7 @@ bool GatherJobs(const DataFolder& folder, std::string* error) {
         return false;
     }
     for (const std::size_t number : numbers) {
-        if (!AppendFile(JobData(folder, number) + "/TNLapp.log", folder.Path() + "/TNLapp.log", error)) {
+        if (!AppendTrace(JobData(folder, number), folder.Path(), error)) {
             return false;
         }
     }

@@ -2,13 +2,17 @@
 
 #include "app/DataFolder.h"
 #include "app/DrawingList.h"
+#include "app/FolderUse.h"
 #include "app/HostNames.h"
 #include "app/JobFolders.h"
 #include "app/QueueFile.h"
+#include "app/RecordFile.h"
 #include "app/RunLogs.h"
 #include "app/RunMonitor.h"
 #include "app/RunParts.h"
 #include "app/RunReport.h"
+#include "app/Shard.h"
+#include "app/StateText.h"
 
 #include <unistd.h>
 #include <cerrno>
@@ -74,26 +78,11 @@ ExitStatus BuildQueue(const RunOptions& options, const DataFolder& folder, std::
     if (drawings.empty()) {
         return Refuse(WrongUsage, error);
     }
-    for (const std::string& drawing : drawings) {
+    for (const std::string& drawing : options.Share ? TakeShare(drawings, *options.Share) : drawings) {
         queue->push_back({drawing, DrawingStatus::ToDo});
     }
     *maxTime = options.MaxTime.value_or(60);
     return AllDone;
-}
-
-/// A state that cannot be read is moved away before the module would put a new one over it.
-bool MakeRoomForState(const DataFolder& folder, std::string* error) {
-    std::string cause;
-    QueueFile state;
-    if (!fs::exists(folder.StateFile()) || state.Load(folder.StateFile(), &cause)) {
-        return true;
-    }
-    const std::string kept = folder.KeepStateAside(error);
-    if (kept.empty()) {
-        return false;
-    }
-    std::fprintf(stderr, "tarnel: %s; it is kept as %s\n", cause.c_str(), kept.c_str());
-    return true;
 }
 
 /// Gives a new queue the names under which the host opens the drawings.
@@ -116,27 +105,6 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
         return BrokenOff;
     }
     return ledger.Count(DrawingStatus::Done) == ledger.Records().size() ? AllDone : SomeNotDone;
-}
-
-/// Takes the lock and clears up what an earlier run has left: results of several hosts that never came back
-/// together, and logs that were set aside.
-bool TakeFolder(const RunOptions& options, DataFolder* folder, std::string* error) {
-    if (!folder->Lock(error)) {
-        return false;
-    }
-    if (!options.KeepsQueue()) {
-        DropJobs(*folder);
-        DropLogsAside(folder->Path());
-        return MakeRoomForState(*folder, error);
-    }
-    if (!GatherJobs(*folder, error)) {
-        return false;
-    }
-    if (options.Resume) {
-        return SetLogsAside(folder->Path(), HostLogFolder(""), error);
-    }
-    DropLogsAside(folder->Path());
-    return true;
 }
 
 /// Works off what waits and brings what is on disk together with what was told.
@@ -196,9 +164,15 @@ ExitStatus RunDrawings(const RunOptions& options) {
     HostNames names(folder.Path());
     MonitorSettings settings;
     std::vector<QueueEntry> queue;
+    const auto take = [&] {
+        return options.KeepsQueue()
+                   ? TakeToGoOn(&folder, options.Resume, &error)
+                   : TakeForNewQueue(&folder, &error) && NameForHost(&names, &queue, &error) &&
+                         MarkShard(folder, options.Share, &error);
+    };
     // Results that wait in the folders of several hosts belong to the queue that is read below.
     const bool first = options.KeepsQueue() && HasJobs(folder);
-    if (first && !TakeFolder(options, &folder, &error)) {
+    if (first && !take()) {
         return Refuse(BrokenOff, error);
     }
     if (const ExitStatus refused = BuildQueue(options, folder, &queue, &settings.MaxTime);
@@ -213,11 +187,15 @@ ExitStatus RunDrawings(const RunOptions& options) {
         }
         return AllDone;
     }
-    if (!options.JsonFile.empty() && !CheckJsonTarget(options.JsonFile, &error)) {
+    if (!options.JsonFile.empty() && !CheckRecordTarget(options.JsonFile, &error)) {
         return Refuse(WrongUsage, error);
     }
-    if (!settings.Files.Find(&error) || (!first && !TakeFolder(options, &folder, &error)) ||
-        (!options.KeepsQueue() && !NameForHost(&names, &queue, &error))) {
+    if (!settings.Files.Find(&error) || (!first && !take())) {
+        return Refuse(BrokenOff, error);
+    }
+    // Without drawings no host writes the state, and a share without any must still be known as finished.
+    if (queue.empty() && (!WriteQueue(folder.StateFile(), folder.StateFile(), queue, &error) ||
+                          !WriteSettings(folder.StateFile(), options, &error))) {
         return Refuse(BrokenOff, error);
     }
     settings.Grace = options.Grace;
@@ -237,9 +215,15 @@ ExitStatus RunDrawings(const RunOptions& options) {
         Progress progress(waiting, options.Quiet);
         outcome = Work(folder, std::move(parts), &ledger, &progress, &signals);
     }
+    // The run that this one goes on with may have been killed before it had any.
+    std::vector<DrawingRecord> earlier;
+    if (options.Resume && ReadRecords(RecordFile(folder), &earlier, &error)) {
+        ledger.Recall(earlier);
+    }
     PrintReport(ledger.Records(), options,
                 std::chrono::duration<double>(RunLedger::Clock::now() - started).count());
-    if (!options.JsonFile.empty() && !WriteJson(ledger.Records(), options.JsonFile, &error)) {
+    if (!WriteRecords(ledger.Records(), RecordFile(folder), &error) ||
+        (!options.JsonFile.empty() && !WriteRecords(ledger.Records(), options.JsonFile, &error))) {
         return Refuse(BrokenOff, error);
     }
     return StatusOf(ledger, outcome);

@@ -76,6 +76,20 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
     return settled;
 }
 
+void RunLedger::Recall(const std::vector<DrawingRecord>& earlier) {
+    std::unordered_map<std::string_view, const DrawingRecord*> known;
+    for (const DrawingRecord& record : earlier) {
+        known.emplace(record.Path, &record);
+    }
+    for (DrawingRecord& record : records) {
+        const auto found = known.find(record.Path);
+        if (found != known.end() && record.Status != DrawingStatus::ToDo && !record.Seconds &&
+            found->second->Status == record.Status) {
+            record = *found->second;
+        }
+    }
+}
+
 void RunLedger::CatchUp(const std::vector<QueueEntry>& saved) {
     for (const QueueEntry& entry : saved) {
         if (current && Find(entry.Path) == current) {

@@ -37,6 +37,9 @@ class RunLedger {
     /// The run or the host has ended: settles the drawing in work, if there is one. host is empty or how the
     /// host died.
     const DrawingRecord* Settle(Clock::time_point now, const std::string& host = {});
+    /// Takes over what was told in an earlier run, of drawings that were not in work since and stand as they
+    /// did then.
+    void Recall(const std::vector<DrawingRecord>& earlier);
     /// Takes over what is on disk of the drawing in work, which its host may not have told any more.
     void CatchUp(const std::vector<QueueEntry>& saved);
     /// What a host that died has left in work: drawings that stand on disk as being opened or worked on and

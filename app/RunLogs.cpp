@@ -21,6 +21,7 @@ namespace {
 
 constexpr const char* kLog = "/tnl log.html";
 constexpr const char* kArchive = "/TNLLog.zip";
+constexpr const char* kTrace = "/TNLapp.log";
 constexpr std::string_view kLink = "<span id=\"";
 constexpr int kLevel = 9;
 
@@ -318,6 +319,21 @@ bool MergeLogs(const std::vector<std::string>& folders, const std::string& targe
     }
     DropLogsAside(target);
     return true;
+}
+
+bool AppendTrace(const std::string& from, const std::string& to, std::string* error) {
+    std::ifstream in(from + kTrace, std::ios::binary);
+    // Copying nothing would count as a failure.
+    if (!in || in.peek() == std::ifstream::traits_type::eof()) {
+        return true;
+    }
+    std::ofstream out(to + kTrace, std::ios::binary | std::ios::app);
+    out << in.rdbuf();
+    out.close();
+    if (!out) {
+        *error = to + kTrace + ": cannot be written: " + std::strerror(errno);
+    }
+    return bool(out);
 }
 
 std::string HostLogFolder(const std::string& stateHome) {

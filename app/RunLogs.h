@@ -20,5 +20,8 @@ bool HasLogsAside(const std::string& folder);
 /// is gone afterwards. False with one line, and everything left as it was, when that fails.
 bool MergeLogs(const std::vector<std::string>& folders, const std::string& target, std::string* error);
 
+/// Adds the trace in one data folder to that in another. False with one line.
+bool AppendTrace(const std::string& from, const std::string& to, std::string* error);
+
 /// Where the host keeps the logs of its drawings, given its XDG_STATE_HOME or, when that is empty, ours.
 std::string HostLogFolder(const std::string& stateHome);

@@ -1,6 +1,8 @@
 #pragma once
 // What the command line of `tarnel run` asks for, as plain values, so that all else can be tested and called
 // without a command line.
+#include "app/Shard.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,6 +35,8 @@ struct RunOptions {
     std::string DataDir;
     std::string JsonFile;
     bool Quiet = false;
+    /// Take this share of the drawings only.
+    std::optional<Shard> Share;
     /// Number of hosts that share the queue.
     unsigned Jobs = 1;
     /// Start the host again when it dies.

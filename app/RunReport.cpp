@@ -2,18 +2,9 @@
 
 #include "app/Progress.h"
 
-#include <unistd.h>
 #include <array>
-#include <cerrno>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -58,14 +49,16 @@ std::string FollowUpCommand(const RunOptions& options, const std::string& what) 
     return command;
 }
 
-void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& options, double seconds) {
+void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& options,
+                 std::optional<double> seconds) {
     const std::size_t done = CountOf(records, DrawingStatus::Done);
     const std::size_t waiting = CountOf(records, DrawingStatus::ToDo);
     if (options.Quiet && done == records.size()) {
         return;
     }
-    std::printf("\n%zu drawing%s in %s:  %zu Done", records.size(), records.size() == 1 ? "" : "s",
-                DurationText(seconds).c_str(), done);
+    const std::string time = seconds ? " in " + DurationText(*seconds) : "";
+    std::printf("\n%zu drawing%s%s:  %zu Done", records.size(), records.size() == 1 ? "" : "s", time.c_str(),
+                done);
     for (const DrawingStatus status : kFailures) {
         if (const std::size_t count = CountOf(records, status)) {
             std::printf(", %zu %s", count, StatusWord(status));
@@ -102,47 +95,4 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
         std::printf("\nTo go on with the rest:  %s\n", FollowUpCommand(options, "--resume").c_str());
     }
     std::fflush(stdout);
-}
-
-bool WriteJson(const std::vector<DrawingRecord>& records, const std::string& file, std::string* error) {
-    nlohmann::ordered_json all = nlohmann::ordered_json::array();
-    for (const DrawingRecord& record : records) {
-        nlohmann::ordered_json one;
-        one["path"] = record.Path;
-        one["status"] = StatusWord(record.Status);
-        one["seconds"] =
-            record.Seconds ? nlohmann::ordered_json(std::round(*record.Seconds * 1000) / 1000) : nullptr;
-        one["message"] = record.Message;
-        if (!record.Host.empty()) {
-            one["host"] = record.Host;
-        }
-        all.push_back(std::move(one));
-    }
-    // The host's words may hold bytes of any encoding.
-    const std::string text = all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-    const bool isSpecial = fs::exists(file) && !fs::is_regular_file(file);
-    const std::string target = isSpecial ? file : file + ".part";
-    std::ofstream out(target, std::ios::trunc);
-    out << text;
-    out.close();
-    if (!out || (!isSpecial && std::rename(target.c_str(), file.c_str()) != 0)) {
-        *error = file + ": cannot be written: " + std::strerror(errno);
-        if (!isSpecial) {
-            std::remove(target.c_str());
-        }
-        return false;
-    }
-    return true;
-}
-
-bool CheckJsonTarget(const std::string& file, std::string* error) {
-    const bool isSpecial = fs::exists(file) && !fs::is_regular_file(file);
-    const std::string folder = fs::absolute(file).parent_path().string();
-    if (fs::is_directory(file)) {
-        errno = EISDIR;
-    } else if (access(isSpecial ? file.c_str() : folder.c_str(), W_OK) == 0) {
-        return true;
-    }
-    *error = file + ": cannot be written: " + std::strerror(errno);
-    return false;
 }

@@ -1,6 +1,7 @@
 // The command line of tarnel.
 #include "app/BundleCommand.h"
 #include "app/DeskCommand.h"
+#include "app/MergeCommand.h"
 #include "app/RunCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -54,6 +55,18 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
         ->type_name("DIR");
     run->add_option("--json", options->JsonFile, "Write path, status, seconds and message of each drawing")
         ->type_name("FILE");
+    run->add_option_function<std::string>(
+           "--shard",
+           [options](const std::string& text) {
+               options->Share = ParseShard(text);
+               if (!options->Share) {
+                   throw CLI::ValidationError("--shard", "\"" + text + "\" is no share such as 2/4");
+               }
+           },
+           "Take every N-th drawing, from the I-th on: a run's share on one of N machines")
+        ->type_name("I/N")
+        ->excludes(retry)
+        ->excludes(resume);
     run->add_option("-j,--jobs", options->Jobs, "Number of hosts that share the drawings")
         ->check(CLI::Range(1U, 256U))
         ->type_name("N")
@@ -66,6 +79,20 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
                     "Seconds beyond the time limit until a host that hangs is ended")
         ->type_name("SECONDS")
         ->capture_default_str();
+}
+
+void DeclareMerge(CLI::App* merge, MergeOptions* options) {
+    merge->add_option("folders", options->Folders, "The data folders of the runs, as given to --data-dir")
+        ->required();
+    merge
+        ->add_option("--data-dir", options->DataDir,
+                     "Folder for the result (in its folder Ovrix) instead of the user's")
+        ->type_name("DIR");
+    merge->add_option("--json", options->JsonFile, "Write path, status, seconds and message of each drawing")
+        ->type_name("FILE");
+    merge->add_flag("--unfinished", options->Unfinished,
+                    "Also take runs with drawings that still wait, and some of the shares");
+    merge->add_flag("-q,--quiet", options->Quiet, "Print only what went wrong");
 }
 
 /// What CLI11 cannot tell by itself. Empty when all is well.
@@ -89,6 +116,9 @@ int main(int argc, char** argv) {
     RunOptions options;
     CLI::App* run = app.add_subcommand("run", "Run a script over drawings");
     DeclareRun(run, &options);
+    MergeOptions mergeOptions;
+    CLI::App* merge = app.add_subcommand("merge", "Join the results of runs over parts of a list");
+    DeclareMerge(merge, &mergeOptions);
     CLI::App* bundle = app.add_subcommand("bundle", "Pack what support needs of the last run");
     std::string bundleDir;
     bundle->add_option("--data-dir", bundleDir, "Folder with the state and the logs instead of the user's")
@@ -102,10 +132,14 @@ int main(int argc, char** argv) {
         return app.exit(wanted);
     } catch (const CLI::ParseError& wrong) {
         std::fprintf(stderr, "tarnel: %s (tarnel %s --help tells what there is)\n", wrong.what(),
-                     desk->parsed()     ? "desk"
+                     merge->parsed()    ? "merge"
+                     : desk->parsed()   ? "desk"
                      : bundle->parsed() ? "bundle"
                                         : "run");
         return WrongUsage;
+    }
+    if (merge->parsed()) {
+        return MergeRuns(mergeOptions);
     }
     if (bundle->parsed()) {
         return MakeBundle(bundleDir, TARNEL_VERSION);

@@ -24,7 +24,13 @@ void ProgramTest::TearDown() {
 
 ProgramResult ProgramTest::Run(std::vector<std::string> arguments,
                                const std::function<void(pid_t)>& meanwhile) {
-    arguments.insert(arguments.begin(), {TARNEL_PROGRAM, "run", "--data-dir", Folder / "data"});
+    arguments.insert(arguments.begin(), {"run", "--data-dir", Folder / "data"});
+    return Call(std::move(arguments), meanwhile);
+}
+
+ProgramResult ProgramTest::Call(std::vector<std::string> arguments,
+                                const std::function<void(pid_t)>& meanwhile) {
+    arguments.insert(arguments.begin(), TARNEL_PROGRAM);
     const std::string number = std::to_string(++runs);
     const std::string out = Folder / ("stdout-" + number);
     const std::string errors = Folder / ("stderr-" + number);

@@ -21,6 +21,8 @@ class ProgramTest : public testing::Test {
     /// `tarnel run ARGS…` in Folder, with the state in Folder/data. meanwhile is called with the process
     /// once it has started.
     ProgramResult Run(std::vector<std::string> arguments, const std::function<void(pid_t)>& meanwhile = {});
+    /// `tarnel ARGS…` in Folder.
+    ProgramResult Call(std::vector<std::string> arguments, const std::function<void(pid_t)>& meanwhile = {});
     /// Writes a file in Folder and gives its path.
     std::string Write(const std::string& name, const std::string& text) const;
     static std::string Read(const std::string& path);

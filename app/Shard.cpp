@@ -1,0 +1,64 @@
+#include "app/Shard.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+std::string MarkFile(const DataFolder& folder) {
+    return folder.Path() + "/shard";
+}
+
+}  // namespace
+
+std::optional<Shard> ParseShard(const std::string& text) {
+    Shard shard;
+    const char* end = text.data() + text.size();
+    const auto number = std::from_chars(text.data(), end, shard.Number);
+    if (number.ec != std::errc() || number.ptr == end || *number.ptr != '/') {
+        return std::nullopt;
+    }
+    const auto count = std::from_chars(number.ptr + 1, end, shard.Count);
+    if (count.ec != std::errc() || count.ptr != end || shard.Number < 1 || shard.Number > shard.Count) {
+        return std::nullopt;
+    }
+    return shard;
+}
+
+std::string ShardText(const Shard& shard) {
+    return std::to_string(shard.Number) + "/" + std::to_string(shard.Count);
+}
+
+std::vector<std::string> TakeShare(const std::vector<std::string>& drawings, const Shard& shard) {
+    std::vector<std::string> share;
+    for (std::size_t i = shard.Number - 1; i < drawings.size(); i += shard.Count) {
+        share.push_back(drawings[i]);
+    }
+    return share;
+}
+
+bool MarkShard(const DataFolder& folder, const std::optional<Shard>& shard, std::string* error) {
+    const std::string file = MarkFile(folder);
+    if (!shard) {
+        std::error_code failure;
+        std::filesystem::remove(file, failure);
+        *error = failure ? file + ": cannot be removed: " + failure.message() : "";
+        return !failure;
+    }
+    std::ofstream out(file, std::ios::trunc);
+    out << ShardText(*shard) << "\n";
+    out.close();
+    if (!out) {
+        *error = file + ": cannot be written: " + std::strerror(errno);
+    }
+    return bool(out);
+}
+
+std::optional<Shard> ShardOf(const DataFolder& folder) {
+    std::string text;
+    std::getline(std::ifstream(MarkFile(folder)) >> std::ws, text);
+    return ParseShard(text);
+}
