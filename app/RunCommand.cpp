@@ -108,8 +108,8 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
 }
 
 /// Works off what waits and brings what is on disk together with what was told.
-RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunLedger* ledger, Progress* progress,
-                         Signals* signals) {
+RunMonitor::Outcome Work(const DataFolder& folder, const HostNames& names, RunParts parts, RunLedger* ledger,
+                         Progress* progress, Signals* signals) {
     std::string error;
     std::vector<const DrawingRecord*> waiting;
     for (const DrawingRecord& record : ledger->Records()) {
@@ -136,7 +136,8 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunLedger* le
         complaint = complaint.empty() ? monitors[i]->Complaint() : complaint;
     }
     if (!GatherJobs(folder, &error) ||
-        (HasLogsAside(folder.Path()) && !MergeLogs({folder.Path()}, folder.Path(), &error))) {
+        (HasLogsAside(folder.Path()) && !MergeLogs({folder.Path()}, folder.Path(), &error)) ||
+        !NameDrawings(folder.Path(), names, &error)) {
         breakOff(error);
     }
     QueueFile saved;
@@ -213,7 +214,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
         }
         Signals signals;
         Progress progress(waiting, options.Quiet);
-        outcome = Work(folder, std::move(parts), &ledger, &progress, &signals);
+        outcome = Work(folder, names, std::move(parts), &ledger, &progress, &signals);
     }
     // The run that this one goes on with may have been killed before it had any.
     std::vector<DrawingRecord> earlier;

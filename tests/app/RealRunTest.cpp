@@ -46,6 +46,64 @@ TEST_F(RealRun, EverySampleIsDoneUnderEveryScriptAndStaysSound) {
     EXPECT_THAT(Read(Folder / "drawings/plan-2000-cyrillic.dxf"), HasSubstr("OFFICE-TEXT"));
 }
 
+TEST_F(RealRun, TheRunLogLinksEachDrawingToItsLogInTheArchive) {
+    constexpr std::size_t count = 50;
+    std::vector<fs::path> samples;
+    for (const auto& entry : fs::directory_iterator(fs::path(SAMPLES) / "drawings")) {
+        samples.push_back(entry.path().filename());
+    }
+    std::vector<std::string> drawings;
+    std::vector<std::string> arguments = {"--script",
+                                          Write("s.scr", "(princ (strcat \"this is \" currentfile))\n")};
+    for (std::size_t i = 0; i < count; ++i) {
+        const char* extension = i % 10 == 9 ? ".DXF" : ".dxf";
+        drawings.push_back(CopySample(samples[i % samples.size()], "plan " + std::to_string(i) + extension));
+        arguments.push_back(drawings.back());
+    }
+    const ProgramResult result = Run(arguments);
+    ASSERT_EQ(result.Status, 0) << result.Out << result.Errors;
+
+    const std::string unzip =
+        "cd '" + Folder.string() + "' && mkdir logs && unzip -q data/Ovrix/TNLLog.zip -d logs";
+    ASSERT_EQ(std::system(unzip.c_str()), 0);
+    std::string log = Read(Folder / "data/Ovrix/tnl log.html");
+    EXPECT_THAT(log, testing::StartsWith("<html><body><span>"));
+    EXPECT_THAT(log, testing::EndsWith("<br />\r\n</body></html>"));
+    std::size_t at = 0;
+    for (const std::string& drawing : drawings) {
+        const std::string mark = "Processing file: <span id=\"";
+        at = log.find(mark, at);
+        ASSERT_NE(at, std::string::npos) << drawing;
+        at += mark.size();
+        const std::string link = log.substr(at, log.find('"', at) - at);
+        EXPECT_EQ(log.substr(at + link.size() + 2, drawing.size() + 7), drawing + "</span>");
+        EXPECT_THAT(Read(Folder / "logs" / link), HasSubstr("this is " + fs::path(drawing).stem().string()));
+        fs::remove(Folder / "logs" / link);
+    }
+    EXPECT_EQ(log.find("Processing file", at), std::string::npos);
+    EXPECT_TRUE(fs::is_empty(Folder / "logs")) << "a log that nothing links to";
+
+    // The trace: each step of each drawing, once, between one start and one end.
+    const std::string trace = Read(Folder / "data/Ovrix/TNLapp.log");
+    const auto times = [&trace](const std::string& line) {
+        std::size_t found = 0;
+        for (std::size_t from = trace.find("\n" + line + "\r"); from != std::string::npos;
+             from = trace.find("\n" + line + "\r", from + 1)) {
+            ++found;
+        }
+        return found;
+    };
+    for (const char* step : {"Open document", "Turn on logfile", "WatchNewLogFile", "DoScriptComplete"}) {
+        EXPECT_EQ(times(step), count) << step;
+    }
+    for (const char* step :
+         {"DoStartBatch", "Delete log zip", "Open and write to tnl log.html", "CloseWatch"}) {
+        EXPECT_EQ(times(step), 1U) << step;
+    }
+    EXPECT_THAT(trace, testing::StartsWith(std::string(33, '_')));
+    EXPECT_THAT(trace, testing::EndsWith("\r\nRemove Commands\r\nDone"));
+}
+
 TEST_F(RealRun, NamesReachTheHostWhole) {
     std::vector<std::string> arguments = {"--script", Script("zoom-save.scr"), "--json", "r.json"};
     const std::vector<std::string> names = {"two  blanks.dxf", "quo\"te.dxf",           "back\\slash\\n.dxf",
