@@ -158,8 +158,12 @@ void CHTMLayout::contextMenuEvent(QContextMenuEvent* event) {
 void CHTMLayout::focusInEvent(QFocusEvent* event) {
     const bool byKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
                        event->reason() == Qt::ShortcutFocusReason;
-    if (byKey)
-        focusedLink = HtmlElement();
+    if (byKey) {
+        const std::vector<HtmlElement> links = Select(GetRoot(), QStringLiteral("a[href]"));
+        focusLink(links.empty() || event->reason() == Qt::ShortcutFocusReason ? HtmlElement()
+                  : event->reason() == Qt::TabFocusReason                     ? links.front()
+                                                                              : links.back());
+    }
     // A form that is no stop of its own hands the focus to its first field.
     if (byKey && focusPolicy() == Qt::ClickFocus && !controls.empty()) {
         if (QWidget* first = dynamic_cast<HtmlControl&>(*controls.front()).ExistingWidget()) {

@@ -58,8 +58,10 @@ void DialogUi::OpenStatus(int fileCount) {
 }
 
 void DialogUi::ShowStatus() {
-    if (!status.isNull())
-        status->show();
+    if (status.isNull())
+        return;
+    status->show();
+    status->activateWindow();
 }
 
 void DialogUi::ShowFile(const QString& path, int limit) {

@@ -20,6 +20,9 @@ StatusDialog::StatusDialog(QWidget* parent, int fileCount)
     parts->ui.batch->setRange(0, std::max(fileCount, 1));
     parts->ui.batch->setValue(0);
     parts->ui.fileTime->setRange(0, 1);
+    // Enter, pressed once too often on Run Script, must not end the run that has just begun.
+    parts->ui.cancel->setAutoDefault(false);
+    parts->ui.fileText->setFocus();
     connect(parts->ui.cancel, &QPushButton::clicked, this, &StatusDialog::CancelPressed);
     if (parent != nullptr)
         move(parent->frameGeometry().center() - rect().center());

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QPainter>
-#include <QPainterPath>
 #include <QScreen>
 #include <QStyle>
 #include <QTimer>
@@ -77,6 +76,8 @@ CBalloonHelp::CBalloonHelp(QWidget* parent, const QString& caption, const QStrin
         << QPoint(tipX, above ? size.height() + TipHeight - 1 : 1);
     setGeometry(
         QRect(QPoint(left, above ? at.y() - size.height() - TipHeight : at.y()), size + QSize(0, TipHeight)));
+    // Cut out as well, for desktops that do not blend windows.
+    setMask(QRegion(outline().toFillPolygon().toPolygon()).united(QRegion(body.adjusted(3, 3, -3, -3))));
     openBalloons().append(this);
     connect(this, &QObject::destroyed, qApp, [this] { openBalloons().removeAll(this); });
     if (life > 0)
@@ -85,17 +86,21 @@ CBalloonHelp::CBalloonHelp(QWidget* parent, const QString& caption, const QStrin
     show();
 }
 
-void CBalloonHelp::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath outline;
-    outline.addRoundedRect(QRectF(body).adjusted(.5, .5, -.5, -.5), 6, 6);
+QPainterPath CBalloonHelp::outline() const {
+    QPainterPath box;
+    box.addRoundedRect(QRectF(body).adjusted(.5, .5, -.5, -.5), 6, 6);
     QPainterPath pointer;
     pointer.addPolygon(QPolygonF(tip));
     pointer.closeSubpath();
+    return box.united(pointer);
+}
+
+void CBalloonHelp::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(palette().color(QPalette::ToolTipText));
     painter.setBrush(palette().color(QPalette::ToolTipBase));
-    painter.drawPath(outline.united(pointer));
+    painter.drawPath(outline());
     const QRect inner = body.adjusted(Margin, Margin, -Margin, -Margin);
     painter.drawPixmap(inner.topLeft(), picture);
     QFont bold = font();

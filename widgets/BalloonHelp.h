@@ -2,6 +2,7 @@
 // A balloon that tells something at a control: title, text, icon, and a life after which it goes by itself. A
 // click on it, a key press, or the call that closes all balloons ends it earlier.
 #include <QMessageBox>
+#include <QPainterPath>
 #include <QWidget>
 
 class CBalloonHelp : public QWidget {
@@ -26,6 +27,8 @@ class CBalloonHelp : public QWidget {
   private:
     CBalloonHelp(QWidget* parent, const QString& title, const QString& text, const QPoint& at,
                  QMessageBox::Icon icon, int life);
+
+    QPainterPath outline() const;
 
     QString title;
     QString text;

@@ -515,6 +515,8 @@ void InputStream::terminate() {
     terminating_ = true;
     host_.script().stop();
     host_.requestQuit();
+    // At a prompt nothing else would come along that looks.
+    wake();
 }
 
 unsigned InputStream::activeBits() const {

@@ -14,6 +14,7 @@ namespace {
 TEST_F(UiFixture, StatusWindowShowsTheRun) {
     StatusDialog dialog(nullptr, 3);
     dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
     auto* batch = dialog.findChild<QProgressBar*>(QStringLiteral("batch"));
     auto* seconds = dialog.findChild<QProgressBar*>(QStringLiteral("fileTime"));
     EXPECT_EQ(batch->maximum(), 3);
@@ -34,7 +35,9 @@ TEST_F(UiFixture, StatusWindowShowsTheRun) {
     dialog.close();
     EXPECT_TRUE(dialog.isVisible()) << "only the run takes the window away";
     EXPECT_EQ(cancelled, 0);
-    QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cancel")), Qt::LeftButton);
+    QTest::keyClick(&dialog, Qt::Key_Return);
+    EXPECT_EQ(cancelled, 0);
+    QTest::keyClick(dialog.findChild<QPushButton*>(QStringLiteral("cancel")), Qt::Key_Space);
     EXPECT_EQ(cancelled, 1);
 }
 

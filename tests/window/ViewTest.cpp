@@ -112,6 +112,13 @@ TEST_F(WindowTest, CommandLineKeys) {
     EXPECT_EQ(host.current()->commandLine().names(), "") << "Esc cancels the command";
 }
 
+TEST_F(WindowTest, AnEndFromOutsideIsHeardAtThePrompt) {
+    bool ended = false;
+    host.input().setOnEnd([&] { ended = true; });
+    host.input().terminate();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ended; }, 5000));
+}
+
 TEST_F(WindowTest, TabsFollowTheDocuments) {
     auto* tabs = frame->findChild<QTabBar*>();
     EXPECT_EQ(tabs->count(), 1);
