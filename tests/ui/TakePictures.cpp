@@ -166,7 +166,7 @@ void takePages() {
     take(dialog, QStringLiteral("log-large"));
     dialog.ShowPage(0);
     take(dialog, QStringLiteral("start-large"));
-    dialog.resize(760, 520);
+    dialog.resize(900, 520);
     for (std::uint32_t& status : TarnelData().FileStatus)
         status = Done;
     dialog.ShowPage(1);
