@@ -48,7 +48,6 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
                       ->type_name("");
     auto* resume =
         run->add_flag("--resume", options->Resume, "Go on with what is still ToDo of an interrupted run");
-    retry->excludes(resume);
     run->add_flag("-n,--dry-run", options->DryRun, "Only print what would be processed, in order");
     run->add_option("--data-dir", options->DataDir,
                     "Folder for the state and the logs (in its folder Ovrix) instead of the user's")
@@ -97,6 +96,9 @@ void DeclareMerge(CLI::App* merge, MergeOptions* options) {
 
 /// What CLI11 cannot tell by itself. Empty when all is well.
 std::string CheckUsage(const RunOptions& options) {
+    if (options.Resume && options.Retry == RunOptions::RetryKind::All) {
+        return "--resume goes on with a run and --retry all does all of it again; give one of them";
+    }
     if (options.KeepsQueue() && !(options.Drawings.empty() && options.Lists.empty())) {
         return "--resume and --retry take the drawings of the last run; name none";
     }

@@ -232,6 +232,8 @@ TEST_F(SeveralHosts, AKilledFrontGoesOnWithOneHostOrSeveral) {
         EXPECT_GE(CountInState(1), 117U);
         EXPECT_LE(LinesInTally(), 120U) << "a drawing ran again";
         ExpectWholeLog(CountInState(1));
+        EXPECT_EQ(Run({"--resume", "--retry", "failed", "--jobs", jobs}).Status, 0);
+        ExpectWholeLog(120);
     }
 }
 
