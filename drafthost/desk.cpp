@@ -31,6 +31,18 @@ bool hasDisplay() {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
 
+/// While the application starts: a display that is named and does not answer is one line too.
+void refuseDisplay(QtMsgType type, const QMessageLogContext&, const QString&) {
+    if (type != QtFatalMsg) {
+        return;
+    }
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    const QByteArray display = qgetenv(isSet("DISPLAY") ? "DISPLAY" : "WAYLAND_DISPLAY");
+    std::fprintf(stderr, "drafthost-desk: the display %s cannot be opened\n",
+                 platform.isEmpty() ? display.constData() : platform.constData());
+    std::_Exit(NoDisplay);
+}
+
 /// A dialog of a module holds up everything that runs below it, the end of the host too.
 void closeDialogs() {
     if (QWidget* dialog = QApplication::activeModalWidget()) {
@@ -50,7 +62,9 @@ int main(int argc, char** argv) {
         std::fputs("drafthost-desk: there is no display to open a window on (DISPLAY is not set)\n", stderr);
         return NoDisplay;
     }
+    const QtMessageHandler handler = qInstallMessageHandler(refuseDisplay);
     QApplication application(argc, argv);
+    qInstallMessageHandler(handler);
     // Dialogs come and go while no other window is open; the host ends by QUIT alone.
     QApplication::setQuitOnLastWindowClosed(false);
     Host host(arguments->registry);
