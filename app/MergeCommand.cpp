@@ -142,6 +142,7 @@ bool CheckDoubles(const std::vector<Part>& parts, std::string* error) {
 bool WriteMerged(const DataFolder& target, const std::vector<Part>& parts,
                  const std::vector<DrawingRecord>& records, std::string* error) {
     std::vector<std::string> folders;
+    folders.reserve(parts.size());
     for (const Part& part : parts) {
         folders.push_back(part.Folder->Path());
     }
@@ -156,6 +157,7 @@ bool WriteMerged(const DataFolder& target, const std::vector<Part>& parts,
     HostNames names(target.Path());
     names.Clear();
     std::vector<QueueEntry> queue;
+    queue.reserve(records.size());
     for (const DrawingRecord& record : records) {
         queue.push_back({names.ForHost(record.Path, error), record.Status});
         if (queue.back().Path.empty()) {

@@ -28,6 +28,7 @@ std::function<void()> KeepLogs(const std::string& folder, const std::string& sta
 RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std::vector<QueueEntry>& queue,
                  const HostNames& names, MonitorSettings common) {
     std::vector<std::string> drawings;
+    drawings.reserve(queue.size());
     for (const QueueEntry& entry : queue) {
         drawings.push_back(entry.Path);
     }
@@ -44,8 +45,8 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std:
 }
 
 RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
-                      const std::vector<QueueEntry>& queue, const HostNames& names, MonitorSettings common,
-                      std::string* error) {
+                      const std::vector<QueueEntry>& queue, const HostNames& names,
+                      const MonitorSettings& common, std::string* error) {
     // The whole queue first: it says what waits, should this end between two shares.
     if (!WriteQueue(folder.StateFile(), folder.StateFile(), queue, error) ||
         !WriteSettings(folder.StateFile(), options, error)) {

@@ -21,5 +21,5 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std:
 /// Writes the queue and its shares to the disk, and gives what does the run with several hosts. Empty with
 /// one line when something cannot be written.
 RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
-                      const std::vector<QueueEntry>& queue, const HostNames& names, MonitorSettings common,
-                      std::string* error);
+                      const std::vector<QueueEntry>& queue, const HostNames& names,
+                      const MonitorSettings& common, std::string* error);

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <exception>
 
 namespace {
 
@@ -108,9 +109,7 @@ std::string CheckUsage(const RunOptions& options) {
     return {};
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int RunProgram(int argc, char** argv) {
     CLI::App app("Runs a script of host commands over many drawings.", "tarnel");
     app.set_version_flag("--version", "tarnel " TARNEL_VERSION);
     app.require_subcommand(1);
@@ -154,4 +153,16 @@ int main(int argc, char** argv) {
         return WrongUsage;
     }
     return RunDrawings(options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return RunProgram(argc, argv);
+    } catch (const std::exception& failure) {
+        // No memory, or a folder that cannot even be looked at.
+        std::fprintf(stderr, "tarnel: %s\n", failure.what());
+        return BrokenOff;
+    }
 }
