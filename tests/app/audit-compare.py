@@ -1,14 +1,15 @@
 #!/usr/bin/python3
 """Audits drawings before and after a run with ezdxf, and tells what is wrong only afterwards.
 
-usage: audit-compare.py ORIGINALS SAVED
+usage: audit-compare.py ORIGINALS SAVED...
 
-Both are folders of the same shape. Exit status 1 when a saved drawing cannot be read though its original
+All are folders of the same shape. Exit status 1 when a saved drawing cannot be read though its original
 can, or when it has an audit error that its original has not. Errors are compared by their code and count,
 since ezdxf's messages name handles that a repair may shift.
 """
 import collections
 import logging
+import multiprocessing
 import pathlib
 import sys
 
@@ -33,30 +34,36 @@ def errors(path):
     return collections.Counter(str(entry.code) for entry in auditor.errors + auditor.fixes)
 
 
+def compare(paths):
+    """None when ezdxf cannot read the original, else a line for each saved drawing that is worse."""
+    before = errors(paths[0])
+    if before is None:
+        return None
+    lines = []
+    for path in paths[1:]:
+        after = errors(path) if path.exists() else None
+        if after is None:
+            lines.append(f"{path}: cannot be read any more")
+        elif after - before:
+            lines.append(f"{path}: {dict(after - before)}")
+    return lines
+
+
 def main():
-    if len(sys.argv) != 3:
+    if len(sys.argv) < 3:
         print(__doc__, file=sys.stderr)
         return 2
-    originals, saved = (pathlib.Path(argument) for argument in sys.argv[1:])
-    compared = unreadable = 0
-    worse = []
-    for before_path in sorted(originals.rglob("*")):
-        if before_path.suffix.lower() != ".dxf":
-            continue
-        after_path = saved / before_path.relative_to(originals)
-        before = errors(before_path)
-        if before is None:
-            unreadable += 1
-            continue
-        after = errors(after_path) if after_path.exists() else None
-        compared += 1
-        if after is None:
-            worse.append(f"{after_path}: cannot be read any more")
-        elif after - before:
-            worse.append(f"{after_path}: {dict(after - before)}")
+    originals, *saved = (pathlib.Path(argument) for argument in sys.argv[1:])
+    jobs = [[path] + [folder / path.relative_to(originals) for folder in saved]
+            for path in sorted(originals.rglob("*")) if path.suffix.lower() == ".dxf"]
+    with multiprocessing.Pool() as pool:
+        found = pool.map(compare, jobs, chunksize=8)
+    worse = [line for lines in found for line in lines or []]
     for line in worse:
         print(line)
-    print(f"{compared} drawings compared, {unreadable} that ezdxf cannot read before, {len(worse)} worse after")
+    unreadable = found.count(None)
+    print(f"{len(jobs) - unreadable} drawings compared, {unreadable} that ezdxf cannot read before, "
+          f"{len(worse)} worse after")
     return 1 if worse else 0
 
 
