@@ -107,6 +107,13 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
     return ledger.Count(DrawingStatus::Done) == ledger.Records().size() ? AllDone : SomeNotDone;
 }
 
+/// What several hosts, or one after the other, have left becomes one queue, one log and one archive.
+bool BringTogether(const DataFolder& folder, const HostNames& names, std::string* error) {
+    return GatherJobs(folder, error) &&
+           (!HasLogsAside(folder.Path()) || MergeLogs({folder.Path()}, folder.Path(), error)) &&
+           NameDrawings(folder.Path(), names, error);
+}
+
 /// Works off what waits and brings what is on disk together with what was told.
 RunMonitor::Outcome Work(const DataFolder& folder, const HostNames& names, RunParts parts, RunLedger* ledger,
                          Progress* progress, Signals* signals) {
@@ -135,9 +142,7 @@ RunMonitor::Outcome Work(const DataFolder& folder, const HostNames& names, RunPa
         ledger->Adopt(*parts.Ledgers[i]);
         complaint = complaint.empty() ? monitors[i]->Complaint() : complaint;
     }
-    if (!GatherJobs(folder, &error) ||
-        (HasLogsAside(folder.Path()) && !MergeLogs({folder.Path()}, folder.Path(), &error)) ||
-        !NameDrawings(folder.Path(), names, &error)) {
+    if (!BringTogether(folder, names, &error)) {
         breakOff(error);
     }
     QueueFile saved;
@@ -215,6 +220,8 @@ ExitStatus RunDrawings(const RunOptions& options) {
         Signals signals;
         Progress progress(waiting, options.Quiet);
         outcome = Work(folder, names, std::move(parts), &ledger, &progress, &signals);
+    } else if (!BringTogether(folder, names, &error)) {
+        return Refuse(BrokenOff, error);
     }
     // The run that this one goes on with may have been killed before it had any.
     std::vector<DrawingRecord> earlier;

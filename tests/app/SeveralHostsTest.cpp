@@ -60,15 +60,22 @@ class SeveralHosts : public ProgramTest {
         }
         return lines;
     }
+    /// The first host of the front; 0 when none starts.
+    static pid_t WaitForHost(pid_t front) {
+        const std::string number = std::to_string(front);
+        pid_t host = 0;
+        for (int tries = 0; tries < 2000 && host == 0; ++tries) {
+            std::ifstream("/proc/" + number + "/task/" + number + "/children") >> host;
+            usleep(host == 0 ? 5000 : 0);
+        }
+        return host;
+    }
     /// Waits until so many more drawings are finished and so many microseconds, then ends one of the front's
     /// hosts with a signal and waits until it is dead.
     void KillAHost(pid_t front, std::size_t after, int signal, useconds_t later) const {
         WaitForTally(LinesInTally() + after);
         usleep(later);
-        const std::string number = std::to_string(front);
-        std::ifstream children("/proc/" + number + "/task/" + number + "/children");
-        pid_t host = 0;
-        children >> host;
+        const pid_t host = WaitForHost(front);
         ASSERT_GT(host, 0) << "the run was over before its host could be killed";
         kill(host, signal);
         for (int tries = 0; tries < 2000 && kill(host, 0) == 0; ++tries) {
@@ -204,6 +211,8 @@ TEST_F(SeveralHosts, ADrawingWhoseHostIsKilledIsTriedOnceMore) {
         Arguments(3, "(if (= currentfile \"p1001\") (while t))\n", {"--json", "r.json"});
     const ProgramResult twice = Run(arguments, [&](pid_t front) {
         for (const char* attempt : {"first", "second"}) {
+            // The host before must be gone from the state too.
+            WaitForHost(front);
             ASSERT_TRUE(WaitForState("Status=\"5\">" + Drawings[1])) << attempt;
             KillAHost(front, 0, SIGKILL, 0);
         }
@@ -233,6 +242,8 @@ TEST_F(SeveralHosts, AKilledFrontGoesOnWithOneHostOrSeveral) {
         EXPECT_LE(LinesInTally(), 120U) << "a drawing ran again";
         ExpectWholeLog(CountInState(1));
         EXPECT_EQ(Run({"--resume", "--retry", "failed", "--jobs", jobs}).Status, 0);
+        ExpectWholeLog(120);
+        EXPECT_EQ(Run({"--resume"}).Status, 0);
         ExpectWholeLog(120);
     }
 }
