@@ -136,7 +136,9 @@ bool Drawing::convert(const SaveFormat& format, std::string& bytes, std::string&
             } else if (isBinary() && kind != ValueKind::Text && kind != ValueKind::Handle) {
                 bytes.append(record.text(tag));
             } else {
-                appendLine(bytes, record.raw(tag));
+                // Reading passes over a return at the end of a record's name, which a caret would make part
+                // of it.
+                appendLine(bytes, code == 0 && isBinary() ? record.type() : record.raw(tag));
             }
             bytes.append("\r\n");
         }
