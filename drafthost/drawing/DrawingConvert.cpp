@@ -111,7 +111,11 @@ bool Drawing::convert(const SaveFormat& format, std::string& bytes, std::string&
                 if (code == 999) {
                     continue;
                 }
-                if (codeBytes == 1 && code >= 0 && code < 255) {
+                if (codeBytes == 1 && code < 0) {
+                    error = badTag(record, tag);
+                    return false;
+                }
+                if (codeBytes == 1 && code < 255) {
                     bytes += static_cast<char>(code);
                 } else {
                     bytes.append(codeBytes == 1 ? 1 : 0, static_cast<char>(255));

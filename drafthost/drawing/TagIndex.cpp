@@ -297,6 +297,12 @@ bool TagIndex::buildBinary(std::string_view bytes, std::string& error) {
         const int code = static_cast<std::int16_t>(codeBytes == 1 ? byteAt(begin)
                                                                   : byteAt(begin + codeBytes - 2) |
                                                                         byteAt(begin + codeBytes - 1) << 8);
+        // The long form is for what one byte cannot say; anything else could not be told apart when going
+        // backwards from a value.
+        if (codeBytes == 3 && code < 255) {
+            error = atOffset(begin, "group code " + std::to_string(code) + " in three bytes");
+            return false;
+        }
         position += codeBytes;
         const ValueKind kind = kindOf(code);
         std::size_t length = 0;

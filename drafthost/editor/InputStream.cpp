@@ -5,13 +5,13 @@
 #include <cerrno>
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QSocketNotifier>
 #include <QTimer>
 
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/DocumentLisp.h"
 #include "drafthost/editor/Host.h"
+#include "drafthost/editor/InputStreamDetail.h"
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/RegistryFile.h"
 #include "drafthost/editor/ScriptReader.h"
@@ -21,42 +21,12 @@ namespace drafthost {
 namespace {
 
 constexpr char EndOfText = 3;
-constexpr std::string_view Pause = "\\";
 
 using Item = InputText::Item;
-using Order = std::array<InputSource, 3>;
-constexpr Order AtPrompt = {InputSource::Queue, InputSource::Script, InputSource::Keyboard};
-constexpr Order InCommand = {InputSource::Script, InputSource::Queue, InputSource::Keyboard};
-constexpr std::array<InputSource, 2> InCall = {InputSource::Script, InputSource::Keyboard};
-
-std::string shown(const Item& item) {
-    return item.kind == Item::Kind::Variable ? "!" + item.text : item.text;
-}
+constexpr std::array<InputSource, 3> InCommand = {InputSource::Script, InputSource::Queue,
+                                                  InputSource::Keyboard};
 
 }  // namespace
-
-/// One thing in work on the stack.
-class InputStream::Level {
-  public:
-    Level(InputStream& stream, InputSource source) : stream_(stream), outer_(stream.running_) {
-        ++stream_.depth_;
-        stream_.running_ = source;
-    }
-    ~Level() {
-        --stream_.depth_;
-        stream_.running_ = outer_;
-        if (stream_.depth_ == 0) {
-            stream_.applyCancels();
-            stream_.wake();
-        }
-    }
-    Level(const Level&) = delete;
-    Level& operator=(const Level&) = delete;
-
-  private:
-    InputStream& stream_;
-    InputSource outer_;
-};
 
 InputStream::InputStream(Host& host) : host_(host), receiver_(std::make_unique<QObject>()) {}
 InputStream::~InputStream() = default;
@@ -360,163 +330,6 @@ Outcome InputStream::hand(Document& document, const Input& input, InputSource so
         return transparent(document, input.text, source);
     }
     return line.answer(input, more);
-}
-
-// --- lists of modules and of LISP ---
-
-Outcome InputStream::speak(std::span<const Input> inputs, InputSource source) {
-    Document* document = target();
-    if (inputs.empty()) {
-        document->commandLine().cancel();
-        return Outcome::Ok;
-    }
-    Level level(*this, source);
-    const bool echoes = host_.variables().integer("CMDECHO", 1) != 0;
-    Outcome result = Outcome::Ok;
-    lists_.push_back({inputs, source, lispDepth_});
-    const std::size_t self = lists_.size() - 1;
-    while (!lists_[self].rest.empty() && target() == document && !document->closed()) {
-        const Input& input = lists_[self].rest.front();
-        lists_[self].rest = lists_[self].rest.subspan(1);
-        CommandLine& line = document->commandLine();
-        Outcome outcome = Outcome::Ok;
-        if (!input.isValue && input.text == Pause && !line.atPrompt()) {
-            outcome = handToUser(*document);
-        } else if (input.isValue || input.text != Pause) {
-            if (echoes && !(line.atPrompt() && input.isEnter())) {
-                echo(line.prompt(), input.text, source);
-            }
-            outcome = hand(*document, input, source, !lists_[self].rest.empty());
-        }
-        while (line.isDelaying() && !document->closed()) {
-            if (cancels_ > 0) {
-                --cancels_;
-                line.cancel();
-                outcome = Outcome::Cancelled;
-                break;
-            }
-            wait();
-        }
-        if (outcome != Outcome::Ok) {
-            result = outcome;
-        }
-        if (outcome == Outcome::Cancelled) {
-            break;
-        }
-    }
-    lists_.pop_back();
-    return result;
-}
-
-Outcome InputStream::handToUser(Document& document) {
-    CommandLine& line = document.commandLine();
-    const std::uint64_t script = host_.script().number();
-    Heard heard = listen(line.wants(), line.prompt());
-    if (heard.cancelled) {
-        line.cancel();
-        return Outcome::Cancelled;
-    }
-    if (line.atPrompt()) {
-        return Outcome::Ok;
-    }
-    Outcome outcome = hand(document, heard.input, heard.source, false);
-    suspendScriptAfter(outcome, heard.source, script);
-    return outcome;
-}
-
-// --- listening ---
-
-Heard InputStream::listen(InputKind kind, const std::string& prompt) {
-    Heard heard;
-    for (;;) {
-        if (cancels_ > 0 || terminating_) {
-            cancels_ -= cancels_ > 0 ? 1 : 0;
-            return heard;
-        }
-        if (!lists_.empty() && !lists_.back().rest.empty() && lispDepth_ == lists_.back().lispDepth) {
-            List& list = lists_.back();
-            const Input& next = list.rest.front();
-            if (next.isValue || next.text != Pause) {
-                heard = {false, next, list.source};
-                list.rest = list.rest.subspan(1);
-                return heard;
-            }
-            list.rest = list.rest.subspan(1);
-        }
-        auto fetched = running_ == InputSource::Queue ? fetch(kind, AtPrompt) : fetch(kind, InCall);
-        if (!fetched) {
-            if (!keyboardOpen_ && !host_.hasFrame() && notifier_) {
-                return heard;
-            }
-            showPrompt(prompt);
-            wait();
-            continue;
-        }
-        if (fetched->item.kind == Item::Kind::Cancel) {
-            return heard;
-        }
-        if (fetched->echo) {
-            echo(prompt, shown(fetched->item), fetched->source);
-        }
-        heard.source = fetched->source;
-        if (fetched->item.kind == Item::Kind::Text) {
-            heard.cancelled = false;
-            heard.input = Input::fromText(fetched->item.text);
-            return heard;
-        }
-        Document* document = host_.current();
-        if (!document) {
-            return heard;
-        }
-        if (fetched->item.kind == Item::Kind::Variable) {
-            heard.cancelled = false;
-            heard.input = Input::fromValue(document->world().get(fetched->item.text));
-            return heard;
-        }
-        lisp::EvalResult result = document->lisp().run(fetched->item.text, fetched->item.text);
-        if (result.ok()) {
-            heard.cancelled = false;
-            heard.input = Input::fromValue(result.value);
-            return heard;
-        }
-        if (result.status != lisp::EvalResult::Status::Error) {
-            return heard;
-        }
-        suspendScriptAfter(Outcome::Failed, heard.source, host_.script().number());
-    }
-}
-
-void InputStream::refuse(const Heard& heard, std::string_view complaint) {
-    host_.printLine(complaint);
-    suspendScriptAfter(Outcome::Rejected, heard.source, host_.script().number());
-}
-
-void InputStream::wait() {
-    host_.flushOutput();
-    if (Document* document = host_.current()) {
-        document->log().flush();
-    }
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-bool InputStream::checkInterrupt() {
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
-    if (terminating_) {
-        return true;
-    }
-    if (cancels_ > 0) {
-        --cancels_;
-        return true;
-    }
-    return false;
-}
-
-void InputStream::terminate() {
-    terminating_ = true;
-    host_.script().stop();
-    host_.requestQuit();
-    // At a prompt nothing else would come along that looks.
-    wake();
 }
 
 unsigned InputStream::activeBits() const {

@@ -133,6 +133,16 @@ TEST(TagStore, readsBothBinaryForms) {
     }
 }
 
+TEST(TagStore, refusesLongCodesThatOneByteCouldSay) {
+    std::string bytes = binary(true);
+    // The end mark with its code 0 as 255, 0, 0.
+    bytes.insert(bytes.rfind("EOF") - 1, "\xFF\0"s);
+    std::string error;
+    EXPECT_EQ(Drawing::parse(bytes, "test.dxf", error), nullptr);
+    EXPECT_EQ(error,
+              "test.dxf: offset " + std::to_string(bytes.rfind("EOF") - 3) + ": group code 0 in three bytes");
+}
+
 TEST(TagStore, refusesBrokenBinaryAtEveryCut) {
     const std::string bytes = binary(false);
     for (std::size_t cut = 22; cut < bytes.size(); ++cut) {
