@@ -140,7 +140,7 @@ TEST(TagStore, refusesLongCodesThatOneByteCouldSay) {
     std::string error;
     EXPECT_EQ(Drawing::parse(bytes, "test.dxf", error), nullptr);
     EXPECT_EQ(error,
-              "test.dxf: offset " + std::to_string(bytes.rfind("EOF") - 3) + ": group code 0 in three bytes");
+              "test.dxf, offset " + std::to_string(bytes.rfind("EOF") - 3) + ": group code 0 in three bytes");
 }
 
 TEST(TagStore, refusesBrokenBinaryAtEveryCut) {
