@@ -108,7 +108,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
     return arguments;
 }
 
-void watchSignals(Host& host, QCoreApplication& application, std::function<void()> beforeEnd) {
+void watchSignals(Host& host, QCoreApplication& application, const std::function<void()>& beforeEnd) {
     if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
         return;
     }
@@ -122,7 +122,7 @@ void watchSignals(Host& host, QCoreApplication& application, std::function<void(
                 if (beforeEnd) {
                     beforeEnd();
                 }
-                endingSignal = byte;
+                endingSignal = static_cast<unsigned char>(byte);
                 host.input().terminate();
             }
         }

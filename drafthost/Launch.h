@@ -28,7 +28,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
 
 /// SIGINT is an Esc, as the same key is at a command line; SIGTERM and SIGHUP end the host in order, after
 /// what the caller has to do before.
-void watchSignals(Host& host, QCoreApplication& application, std::function<void()> beforeEnd = {});
+void watchSignals(Host& host, QCoreApplication& application, const std::function<void()>& beforeEnd = {});
 
 /// Exit status of a host that has ended in order: 0, or 128 and the number of the signal that made it end, as
 /// shells say it, so that whoever waits for it can tell that from a QUIT.

@@ -65,7 +65,8 @@ void loadOnDemandEntries(Host& host) {
     const RegistryFile& registry = host.registry();
     const std::string applications = RegistryFile::productKey() + "\\Applications";
     for (const std::string& name : registry.keys(MachineRoot, applications)) {
-        const std::string entry = applications + "\\" + name + "\\";
+        std::string entry = applications;
+        entry.append("\\").append(name).append("\\");
         if ((registry.readNumber(MachineRoot, entry + "LOADCTRLS").value_or(0) & LoadAtStart) == 0) {
             continue;
         }

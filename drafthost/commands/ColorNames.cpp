@@ -40,7 +40,8 @@ int indexRgb(int index) {
         return greys[static_cast<size_t>(index - 250)];
     }
     constexpr std::array<double, 5> shades = {1.0, 0.65, 0.5, 0.3, 0.15};
-    double hue = (index / 10 - 1) * 15.0 / 60.0;
+    const int step = index / 10 - 1;
+    double hue = step * 15.0 / 60.0;
     double value = shades[static_cast<size_t>(index % 10 / 2)];
     double low = index % 2 ? 0.5 : 0.0;
     auto channel = [&](double offset) {

@@ -39,7 +39,7 @@ Task<bool> describeLayers(CommandContext& context);
 /// Name of the current layer.
 std::string currentLayerName(CommandContext& context);
 /// A name or a list of names; in quotes when it holds blanks.
-Ask askName(CommandContext& context, std::string prompt, std::string standard = {});
+Ask askName(CommandContext& context, std::string prompt, const std::string& standard = {});
 /// Asks for a list of layers and does something to each that it means; tells when it means none. The current
 /// layer is the default when `currentAsDefault`. False when nothing was done.
 Task<bool> forLayers(CommandContext& context, std::string prompt, bool currentAsDefault,

@@ -81,8 +81,8 @@ std::string currentLayerName(CommandContext& context) {
     return context.host().variables().string("CLAYER", "0");
 }
 
-Ask askName(CommandContext& context, std::string prompt, std::string standard) {
-    return {context, Ask::Type::FileName, std::move(prompt), {.defaultText = std::move(standard)}};
+Ask askName(CommandContext& context, std::string prompt, const std::string& standard) {
+    return {context, Ask::Type::FileName, std::move(prompt), {.defaultText = standard}};
 }
 
 bool versionHolds(CommandContext& context, int version, std::string_view property) {

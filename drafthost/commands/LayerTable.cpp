@@ -170,7 +170,7 @@ Color layerColor(const Drawing& drawing, RecordId layer) {
 
 void setLayerColor(Drawing& drawing, RecordId layer, const Color& color) {
     int sign = layerIsOff(drawing, layer) ? -1 : 1;
-    drawing.put(layer, 62, std::int64_t{sign * color.index}, {70, 2});
+    drawing.put(layer, 62, std::int64_t{sign} * color.index, {70, 2});
     // The name of a colour book's colour does not outlive a new colour.
     removeCode(drawing, layer, 430);
     if (color.rgb) {

@@ -99,6 +99,7 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
     }
     if (!selected.empty()) {
         std::vector<lisp::EntityName> names;
+        names.reserve(selected.size());
         for (RecordId record : selected) {
             names.push_back(lisp::nameOf(record));
         }

@@ -81,9 +81,10 @@ Task<bool> setVariable(CommandContext& context, std::string name) {
     for (;;) {
         std::string text;
         std::optional<VariableValue> exact;
+        std::string question = prompt;
+        question.append(isString ? ", or . for none" : "").append(" <").append(shown).append(">");
         // Names of layers and styles may hold blanks: they come in quotes, as file names do.
-        Ask ask(context, isString ? Ask::Type::FileName : Ask::Type::Input,
-                prompt + (isString ? ", or . for none" : "") + " <" + shown + ">", {});
+        Ask ask(context, isString ? Ask::Type::FileName : Ask::Type::Input, question, {});
         auto answer = co_await ask;
         if (answer.isEnter()) {
             co_return true;
