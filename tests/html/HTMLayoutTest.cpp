@@ -6,6 +6,11 @@
 
 #include <gtest/gtest.h>
 #include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTest>
@@ -164,6 +169,106 @@ TEST_F(HTMLayoutTest, GroupsOfControls) {
     EXPECT_EQ(values[QStringLiteral("r")].ToInteger(), 1);
 }
 
+TEST_F(HTMLayoutTest, TextFieldsButtonsAndAreas) {
+    QStringList commands, made, gone;
+    QObject::connect(&view, &CHTMLayout::OnCommandClick, &view, [&](const HtmlElement& button) {
+        commands << button.Attribute(QStringLiteral("name"));
+        view.LoadHtml(QStringLiteral("<p>after</p>"));
+    });
+    QObject::connect(&view, &CHTMLayout::OnCreateControl, &view,
+                     [&](const HtmlElement& element, QWidget*) { made << element.Tag(); });
+    QObject::connect(&view, &CHTMLayout::OnDestroyControl, &view,
+                     [&](const HtmlElement& element, QWidget* widget) {
+                         gone << element.Tag();
+                         EXPECT_NE(widget, nullptr);
+                     });
+    view.LoadHtml(
+        QStringLiteral("<html><body><p>Name <input name=who value=Ann maxlength=5 title=Name></p>"
+                       "<button name=go value=7>Go <b>on</b></button>"
+                       "<htmlarea name=area><i>old</i></htmlarea></body></html>"));
+    EXPECT_EQ(made, (QStringList{QStringLiteral("input"), QStringLiteral("button")}));
+    FormValues values;
+    ASSERT_TRUE(GetFormValues(view.GetRoot(), values));
+    EXPECT_EQ(std::get<QString>(values[QStringLiteral("who")].Value), QStringLiteral("Ann"));
+    EXPECT_EQ(std::get<QString>(values[QStringLiteral("go")].Value), QStringLiteral("7"));
+    EXPECT_EQ(std::get<QString>(values[QStringLiteral("area")].Value), QStringLiteral("<i>old</i>"));
+    auto* line = view.findChild<QLineEdit*>(QStringLiteral("who"));
+    auto* button = view.findChild<QPushButton*>(QStringLiteral("go"));
+    ASSERT_TRUE(line != nullptr && button != nullptr);
+    EXPECT_EQ(button->text(), QStringLiteral("Go on"));
+    EXPECT_EQ(line->geometry(), FindFirst(view.GetRoot(), QStringLiteral("[name=who]")).Box());
+    line->selectAll();
+    QTest::keyClicks(line, QStringLiteral("Barbara"));
+    SetFormValues(view.GetRoot(), {{QStringLiteral("area"), FormValue(QStringLiteral("<b>new</b>"))},
+                                   {QStringLiteral("go"), FormValue(QStringLiteral("9"))}});
+    values.clear();
+    GetFormValues(view.GetRoot(), values);
+    EXPECT_EQ(std::get<QString>(values[QStringLiteral("who")].Value), QStringLiteral("Barba"));
+    EXPECT_EQ(std::get<QString>(values[QStringLiteral("go")].Value), QStringLiteral("7"));
+    EXPECT_EQ(std::get<QString>(values[QStringLiteral("area")].Value), QStringLiteral("<b>new</b>"));
+    SetFormValues(view.GetRoot(), {{QStringLiteral("area"), FormValue(3)}});
+    values.clear();
+    GetFormValues(view.GetRoot(), values);
+    EXPECT_EQ(values[QStringLiteral("area")].GetKind(), FormValue::Undefined);
+    EXPECT_TRUE(gone.isEmpty());
+    QTest::mouseClick(button, Qt::LeftButton);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(commands, QStringList{QStringLiteral("go")});
+    EXPECT_EQ(gone, (QStringList{QStringLiteral("input"), QStringLiteral("button")}));
+    EXPECT_EQ(view.findChild<QLineEdit*>(), nullptr);
+}
+
+TEST_F(HTMLayoutTest, ABehaviourOfASlotComesBeforeTheOwnOnes) {
+    struct Counter : HtmlBehavior {
+        void OnMouseDown(HtmlElement&, const QPoint&) override { ++down; }
+        void OnMouseUp(HtmlElement& element, const QPoint& point) override {
+            inside += element.Box().contains(point) ? 1 : 0;
+        }
+        int down = 0;
+        int inside = 0;
+    } counter;
+    QStringList asked;
+    QObject::connect(&view, &CHTMLayout::OnAttachBehavior, &view, [&](AttachBehaviorRequest& request) {
+        asked << request.Name;
+        if (request.Element.Attribute(QStringLiteral("id")) == u"mine")
+            request.Behavior = &counter;
+    });
+    view.LoadHtml(QStringLiteral(
+        "<html><style>.b{behavior:setfocus}#x{behavior:unknown}</style><body>"
+        "<p><span id=mine class=b ref=field>mine</span> <span id=own class=b ref=field>own</span>"
+        " <span id=x>x</span></p><input id=field type=number maxvalue=9></body></html>"));
+    EXPECT_EQ(asked, (QStringList{QStringLiteral("setfocus"), QStringLiteral("setfocus"),
+                                  QStringLiteral("unknown")}));
+    auto* field = view.findChild<QSpinBox*>(QStringLiteral("field"));
+    click(QStringLiteral("#mine"));
+    click(QStringLiteral("#x"));
+    EXPECT_EQ(counter.down, 1);
+    EXPECT_EQ(counter.inside, 1);
+    EXPECT_FALSE(field->hasFocus());
+    QTest::mousePress(view.viewport(), Qt::LeftButton, {}, middle(QStringLiteral("#own")));
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, middle(QStringLiteral("#x")));
+    EXPECT_FALSE(field->hasFocus()) << "released elsewhere";
+    click(QStringLiteral("#own"));
+    EXPECT_TRUE(field->hasFocus());
+}
+
+TEST_F(HTMLayoutTest, ColoursOfLightPagesAreReadableOnADarkDesktop) {
+    QPalette dark = view.palette();
+    dark.setColor(QPalette::Window, QColor(40, 40, 40));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    view.setPalette(dark);
+    view.LoadHtml(
+        QStringLiteral("<html><style>html{background-color:threedface}</style><body><font color=blue size=+4>"
+                       "\u2588\u2588</font></body></html>"));
+    const QImage picture = view.viewport()->grab().toImage();
+    const QColor ground = picture.pixelColor(600, 400);
+    EXPECT_EQ(ground, QColor(40, 40, 40));
+    int lightest = 0;
+    for (int x = 0; x < 100; ++x)
+        lightest = std::max(lightest, picture.pixelColor(x, 25).lightness());
+    EXPECT_GT(lightest, 170);
+}
+
 TEST_F(HTMLayoutTest, TextCanBeSelectedAndCopied) {
     view.LoadHtml(
         QStringLiteral("<html><body><pre>first line\r\nsecond &lt;line&gt;\r\n\r\nlast</pre></body></html>"));
@@ -173,6 +278,16 @@ TEST_F(HTMLayoutTest, TextCanBeSelectedAndCopied) {
     QTest::mousePress(view.viewport(), Qt::LeftButton, {}, box.topLeft() + QPoint(0, 4));
     QTest::mouseMove(view.viewport(), box.topLeft() + QPoint(400, 4));
     EXPECT_EQ(view.SelectedText(), QStringLiteral("first line"));
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, box.topLeft() + QPoint(400, 4));
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, box.topLeft() + QPoint(3, 4));
+    EXPECT_EQ(view.SelectedText(), QStringLiteral("first"));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, box.topLeft(), view.mapToGlobal(box.topLeft()));
+    QApplication::sendEvent(view.viewport(), &event);
+    auto* menu = view.findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    menu->actions().at(0)->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("first"));
+    menu->close();
 }
 
 TEST_F(HTMLayoutTest, ChildrenAreReplaced) {

@@ -189,6 +189,41 @@ TEST_F(DialogRunTest, CancelInTheMiddleLeavesTheRest) {
         EXPECT_FALSE(window->objectName() == u"StatusDialog" && window->isVisible());
 }
 
+TEST_F(DialogRunTest, EmailLogPacksTheBundleAndOpensTheDraft) {
+    const QByteArray path = qgetenv("PATH");
+    QDir(folder.path()).mkdir(QStringLiteral("bin"));
+    qputenv("PATH", QFile::encodeName(folder.filePath(QStringLiteral("bin"))));
+    const QString mailer = folder.filePath(QStringLiteral("bin/xdg-email"));
+    const QString sent = folder.filePath(QStringLiteral("sent"));
+    const auto content = [](const QString& name) {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    begin("zoom e\r\nqsave\r\n");
+    run([&](QDialog& dialog) {
+        press(dialog, "emailLog");
+        EXPECT_EQ(questions.size(), 1) << "there is no program for mail yet";
+        QFile script(mailer);
+        ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + QFile::encodeName(sent) + "'\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        dialog.findChild<QAbstractButton*>(QStringLiteral("readonly"))->click();
+        press(dialog, "emailLog");
+        // What is on the screen goes along.
+        EXPECT_TRUE(content(stateFile()).contains("<ProcessReadOnly>1"));
+        press(dialog, "close");
+    });
+    qputenv("PATH", path);
+    EXPECT_EQ(questions.size(), 1) << questions.join(u'|').toStdString();
+    const QByteArray archive = content(folder.filePath(QStringLiteral("Ovrix/TNLLog.zip")));
+    for (const char* name : {"info.xml", "TarnelRunner.xml", "TNL Log.html", "TNLapp.log"})
+        EXPECT_TRUE(archive.contains(name)) << name;
+    const QByteArray arguments = content(sent);
+    EXPECT_TRUE(arguments.contains("--subject\nTNL Support\n")) << arguments.toStdString();
+    EXPECT_TRUE(arguments.contains("TNLLog.zip\n")) << arguments.toStdString();
+}
+
 TEST_F(DialogRunTest, AScheduledRunAsksNothing) {
     begin("zoom e\r\n");
     QString waiting;
