@@ -1,5 +1,6 @@
 #include "html/HTMLayout.h"
 
+#include "html/HtmlAccessible.h"
 #include "html/HtmlResources.h"
 
 #include <QFile>
@@ -73,6 +74,7 @@ QString markPreLineEnds(const QString& html) {
 
 CHTMLayout::CHTMLayout(QWidget* parent) : QAbstractScrollArea(parent), HtmlPainter(this) {
     context.load_master_stylesheet(MasterStyle);
+    InstallHtmlAccessible();
     ImageData = [this](const QString& uri) { return loadData(uri); };
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -109,6 +111,15 @@ bool CHTMLayout::LoadFile(const QString& path) {
     return LoadHtml(QString::fromUtf8(file.readAll()));
 }
 
+std::vector<HtmlElement> CHTMLayout::Links() {
+    return Select(GetRoot(), QStringLiteral("a[href]"));
+}
+
+QRect CHTMLayout::OnScreen(const QRect& box) const {
+    const QRect shown = box.translated(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+    return {viewport()->mapToGlobal(shown.topLeft()), shown.size()};
+}
+
 HtmlElement CHTMLayout::GetRoot() {
     return document ? HtmlElement(this, document->root()) : HtmlElement();
 }
@@ -118,6 +129,7 @@ QSize CHTMLayout::sizeHint() const {
 }
 
 void CHTMLayout::load() {
+    ++pageNumber;
     runs.clear();
     runsKnown = false;
     anchor = caret = {-1, 0};
@@ -259,6 +271,7 @@ void CHTMLayout::ReplaceChildren(const litehtml::element::ptr& element, const QS
         element->removeChild(wrapper);
     }
     element->parse_styles(true);
+    ++pageNumber;
     gatherControls();
     layOut();
 }

@@ -49,6 +49,19 @@ class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
     QString SelectedText() const;
     QSize sizeHint() const override;
 
+    /// All text of the page, a line a line.
+    QString PageText();
+    /// Counts the pages shown, so that what was taken from one is known to be old.
+    int PageNumber() const { return pageNumber; }
+    /// The links of the page in order.
+    std::vector<HtmlElement> Links();
+    HtmlElement FocusedLink() const { return focusedLink; }
+    void FocusLink(const HtmlElement& link);
+    /// What a click on the link does.
+    void FollowLink(const HtmlElement& link);
+    /// A box in page coordinates as it stands on the screen.
+    QRect OnScreen(const QRect& box) const;
+
     /// Box of an element in page coordinates.
     static QRect ElementBox(const litehtml::element::ptr& element);
     /// Replaces what stands inside an element, and lays the page out again.
@@ -115,7 +128,7 @@ class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
     QPoint toPage(const QPoint& point) const;
     HtmlElement elementAt(const QPoint& viewportPoint) const;
     HtmlElement withAttribute(HtmlElement element, const QString& name) const;
-    void focusLink(const HtmlElement& link);
+    QString textBetween(std::pair<int, int> from, std::pair<int, int> to) const;
     /// Position in the text of the page nearest to a point of it.
     std::pair<int, int> textPosition(const QPoint& pagePoint);
     const std::vector<HtmlTextRun>& textRuns();
@@ -127,6 +140,7 @@ class CHTMLayout : public QAbstractScrollArea, private HtmlPainter {
     std::unordered_map<litehtml::element*, HtmlBehavior*> behaviors;
     std::vector<HtmlTextRun> runs;
     bool runsKnown = false;
+    int pageNumber = 0;
     bool selecting = false;
     std::pair<int, int> anchor = {-1, 0};
     std::pair<int, int> caret = {-1, 0};

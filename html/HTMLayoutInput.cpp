@@ -1,6 +1,7 @@
 // Mouse, keyboard, links and the selection of the HTML view.
 #include "html/HTMLayout.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
@@ -159,8 +160,8 @@ void CHTMLayout::focusInEvent(QFocusEvent* event) {
     const bool byKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
                        event->reason() == Qt::ShortcutFocusReason;
     if (byKey) {
-        const std::vector<HtmlElement> links = Select(GetRoot(), QStringLiteral("a[href]"));
-        focusLink(links.empty() || event->reason() == Qt::ShortcutFocusReason ? HtmlElement()
+        const std::vector<HtmlElement> links = Links();
+        FocusLink(links.empty() || event->reason() == Qt::ShortcutFocusReason ? HtmlElement()
                   : event->reason() == Qt::TabFocusReason                     ? links.front()
                                                                               : links.back());
     }
@@ -244,22 +245,22 @@ bool CHTMLayout::eventFilter(QObject* watched, QEvent* event) {
 
 // Tab goes through the links of the page before it leaves the view.
 bool CHTMLayout::focusNextPrevChild(bool next) {
-    const std::vector<HtmlElement> links = Select(GetRoot(), QStringLiteral("a[href]"));
+    const std::vector<HtmlElement> links = Links();
     if (hasFocus() && !links.empty()) {
         auto at = static_cast<int>(std::find(links.begin(), links.end(), focusedLink) - links.begin());
         if (at == static_cast<int>(links.size()))
             at = next ? -1 : static_cast<int>(links.size());
         at += next ? 1 : -1;
         if (at >= 0 && at < static_cast<int>(links.size())) {
-            focusLink(links[static_cast<std::size_t>(at)]);
+            FocusLink(links[static_cast<std::size_t>(at)]);
             return true;
         }
-        focusLink(HtmlElement());
+        FocusLink(HtmlElement());
     }
     return QAbstractScrollArea::focusNextPrevChild(next);
 }
 
-void CHTMLayout::focusLink(const HtmlElement& link) {
+void CHTMLayout::FocusLink(const HtmlElement& link) {
     focusedLink = link;
     if (!link.IsNull()) {
         const QRect box = link.Box();
@@ -268,8 +269,19 @@ void CHTMLayout::focusLink(const HtmlElement& link) {
             verticalScrollBar()->setValue(box.top() - 4);
         else if (box.bottom() > top + viewport()->height())
             verticalScrollBar()->setValue(box.bottom() - viewport()->height() + 4);
+        if (QAccessible::isActive()) {
+            if (QAccessibleInterface* told = QAccessible::queryAccessibleInterface(this)->focusChild()) {
+                QAccessibleEvent focus(told, QAccessible::Focus);
+                QAccessible::updateAccessibility(&focus);
+            }
+        }
     }
     viewport()->update();
+}
+
+void CHTMLayout::FollowLink(const HtmlElement& link) {
+    const HtmlElement keep = link;
+    useLink(keep.Attribute(QStringLiteral("href")), keep);
 }
 
 void CHTMLayout::keyPressEvent(QKeyEvent* event) {
@@ -283,8 +295,7 @@ void CHTMLayout::keyPressEvent(QKeyEvent* event) {
         verticalScrollBar()->setValue(verticalScrollBar()->maximum());
     } else if (!focusedLink.IsNull() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                                          event->key() == Qt::Key_Space)) {
-        const HtmlElement link = focusedLink;
-        useLink(link.Attribute(QStringLiteral("href")), link);
+        FollowLink(focusedLink);
     } else {
         QAbstractScrollArea::keyPressEvent(event);
     }
@@ -337,6 +348,17 @@ QString CHTMLayout::SelectedText() const {
     if (anchor.first < 0 || anchor == caret)
         return {};
     const auto [from, to] = std::minmax(anchor, caret);
+    return textBetween(from, to);
+}
+
+QString CHTMLayout::PageText() {
+    const std::vector<HtmlTextRun>& all = textRuns();
+    if (all.empty())
+        return {};
+    return textBetween({0, 0}, {static_cast<int>(all.size()) - 1, static_cast<int>(all.back().Text.size())});
+}
+
+QString CHTMLayout::textBetween(std::pair<int, int> from, std::pair<int, int> to) const {
     QString text;
     for (int i = from.first; i <= to.first && i < static_cast<int>(runs.size()); ++i) {
         const HtmlTextRun& run = runs[static_cast<std::size_t>(i)];

@@ -5,6 +5,7 @@
 #include "html/HtmlSelector.h"
 
 #include <gtest/gtest.h>
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -64,6 +65,43 @@ TEST_F(HTMLayoutTest, LinksAreToldAndNothingIsOpened) {
     QTest::keyClick(&view, Qt::Key_Tab);
     QTest::keyClick(&view, Qt::Key_Return);
     EXPECT_EQ(clicked, QStringList{QStringLiteral("help")}) << "links can be reached by keyboard";
+}
+
+TEST_F(HTMLayoutTest, ScreenReadersGetTheTextAndTheLinks) {
+    QAccessible::setActive(true);
+    view.LoadHtml(
+        QStringLiteral("<html><body><p>see <a href=one title=First>this <b>one</b></a></p>"
+                       "<p><a href=two>two</a></p><input type=checkbox name=c></body></html>"));
+    QAccessibleInterface* page = QAccessible::queryAccessibleInterface(&view);
+    ASSERT_NE(page, nullptr);
+    ASSERT_NE(page->textInterface(), nullptr);
+    EXPECT_EQ(page->textInterface()->text(0, page->textInterface()->characterCount()),
+              QStringLiteral("see this one\ntwo"));
+    const auto links = [page] {
+        std::vector<QAccessibleInterface*> all;
+        for (int i = 0; i < page->childCount(); ++i) {
+            if (page->child(i)->role() == QAccessible::Link)
+                all.push_back(page->child(i));
+        }
+        return all;
+    };
+    ASSERT_EQ(links().size(), 2U);
+    QAccessibleInterface* first = links()[0];
+    EXPECT_EQ(first->text(QAccessible::Name), QStringLiteral("this one"));
+    EXPECT_EQ(first->text(QAccessible::Description), QStringLiteral("First"));
+    EXPECT_EQ(page->indexOfChild(first), page->childCount() - 2);
+    EXPECT_TRUE(view.geometry().contains(first->rect()));
+    view.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    view.setFocus();
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(page->focusChild(), first);
+    links()[1]->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(clicked, QStringList{QStringLiteral("two")});
+    view.LoadHtml(QStringLiteral("<p><a href=three>three</a></p>"));
+    ASSERT_EQ(links().size(), 1U);
+    EXPECT_EQ(links()[0]->text(QAccessible::Name), QStringLiteral("three"));
+    QAccessible::setActive(false);
 }
 
 TEST_F(HTMLayoutTest, ASlotMayReplaceThePageWhileItsLinkIsFollowed) {
