@@ -262,6 +262,7 @@ void CHTMLayout::ReplaceChildren(const litehtml::element::ptr& element, const QS
     if (body) {
         std::vector<litehtml::element::ptr> moved;
         const auto count = static_cast<int>(body->get_children_count());
+        moved.reserve(body->get_children_count());
         for (int i = 0; i < count; ++i)
             moved.push_back(body->get_child(i));
         for (const auto& child : moved) {

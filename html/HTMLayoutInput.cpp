@@ -280,8 +280,7 @@ void CHTMLayout::FocusLink(const HtmlElement& link) {
 }
 
 void CHTMLayout::FollowLink(const HtmlElement& link) {
-    const HtmlElement keep = link;
-    useLink(keep.Attribute(QStringLiteral("href")), keep);
+    useLink(link.Attribute(QStringLiteral("href")), link);
 }
 
 void CHTMLayout::keyPressEvent(QKeyEvent* event) {

@@ -16,11 +16,14 @@ struct Font {
     QFontMetrics metrics;
 };
 
+// The engine hands objects through as integers.
 Font* toFont(litehtml::uint_ptr handle) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<Font*>(handle);
 }
 
 QPainter* toPainter(litehtml::uint_ptr handle) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<QPainter*>(handle);
 }
 

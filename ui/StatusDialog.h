@@ -4,10 +4,6 @@
 #include <memory>
 #include <QDialog>
 
-namespace Ui {
-class StatusDialog;
-}
-
 class StatusDialog : public QDialog {
     Q_OBJECT
   public:

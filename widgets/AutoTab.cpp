@@ -5,6 +5,7 @@
 #include <QTabBar>
 
 CAutoTab::CAutoTab(QWidget* parent) : QTabWidget(parent) {
+    tabBar()->setAccessibleName(tr("Pages"));
     connect(this, &QTabWidget::currentChanged, this, [this] {
         CBalloonHelp::CloseAll();
         // The keyboard goes on in what the page is for, not in whatever button stands first on it.
