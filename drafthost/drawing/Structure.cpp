@@ -92,6 +92,12 @@ Structure::Structure(const Drawing& drawing) {
             table = nullptr;
         } else if (type == "EOF") {
             eof = id;
+            // A section that nobody closed ends in front of it, so that nothing is ever added behind it.
+            if (section != nullptr && section->end == NoRecord) {
+                section->end = last;
+                closeBlock(last);
+            }
+            section = nullptr;
         } else if (section == &tablesSection) {
             if (type == "TABLE") {
                 const auto kind = tableOf(nameOf(record));

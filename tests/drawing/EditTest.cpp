@@ -145,6 +145,19 @@ TEST(Edit, addsAndRenamesTableEntries) {
     EXPECT_NE(findEntry(*parsed(bare->serialise()), Table::Layer, "new"), NoRecord);
 }
 
+TEST(Edit, addsNothingBehindTheEndOfTheFile) {
+    // Neither section is closed.
+    const auto drawing = parsed(drawn("0 SECTION 2 TABLES 0 SECTION 2 ENTITIES 0 LINE 8 0 0 EOF"));
+    addEntry(*drawing, Table::Layer, "NEW");
+    addEntity(*drawing, "POINT", "NEW", false);
+    const std::string text = drawing->serialise();
+    EXPECT_TRUE(text.ends_with("EOF\n")) << text;
+    EXPECT_LT(text.find("LINE"), text.find("POINT"));
+    const auto again = parsed(text);
+    EXPECT_NE(findEntry(*again, Table::Layer, "NEW"), NoRecord);
+    EXPECT_NE(find(*again, "POINT"), NoRecord);
+}
+
 TEST(Edit, walkingBrokenLayoutsComesToAnEnd) {
     // Two layouts claim one block, and that block lacks its end.
     const auto drawing = parsed(drawn(
