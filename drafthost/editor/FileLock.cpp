@@ -145,7 +145,8 @@ std::optional<FileLock> FileLock::acquire(const std::string& path, std::string& 
         markerFd = ::open(marker.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (markerFd < 0 && errno == EEXIST) {
             if (attempt > 0 || !isStale(marker)) {
-                error = path + " is in use: " + marker + " exists.";
+                error = path;
+                error.append(" is in use: ").append(marker).append(" exists.");
                 ::close(fd);
                 return std::nullopt;
             }

@@ -58,9 +58,9 @@ ModuleTable::Module* ModuleTable::find(std::string_view name) const {
     return nullptr;
 }
 
-ModuleTable::Module* ModuleTable::byId(const void* id) const {
+ModuleTable::Module* ModuleTable::byId(std::uint64_t id) const {
     for (const auto& module : modules_) {
-        if (module.get() == id) {
+        if (module->id() == id) {
             return module.get();
         }
     }
@@ -198,7 +198,7 @@ bool ModuleTable::needsSingleDocument() const {
 }
 
 bool ModuleTable::setLocked(void* id, bool locked) {
-    Module* module = byId(id);
+    Module* module = byId(reinterpret_cast<std::uint64_t>(id));
     if (module) {
         module->locked = locked;
     }
@@ -206,7 +206,7 @@ bool ModuleTable::setLocked(void* id, bool locked) {
 }
 
 bool ModuleTable::setMdiAware(void* id) {
-    Module* module = byId(id);
+    Module* module = byId(reinterpret_cast<std::uint64_t>(id));
     if (module) {
         module->mdiAware = true;
     }
@@ -220,11 +220,11 @@ bool ModuleTable::send(Module& module, AcRx::AppMsgCode message) {
 }
 
 void ModuleTable::sendToAll(AcRx::AppMsgCode message) {
-    std::vector<const void*> ids;
+    std::vector<std::uint64_t> ids;
     for (const auto& module : modules_) {
-        ids.push_back(module.get());
+        ids.push_back(module->id());
     }
-    for (const void* id : ids) {
+    for (const std::uint64_t id : ids) {
         // It may have been unloaded by one before it.
         if (Module* module = byId(id)) {
             send(*module, message);
@@ -233,13 +233,13 @@ void ModuleTable::sendToAll(AcRx::AppMsgCode message) {
 }
 
 void ModuleTable::sendToFunctionOwners(AcRx::AppMsgCode message) {
-    std::vector<const void*> ids;
+    std::vector<std::uint64_t> ids;
     for (const auto& module : modules_) {
         if (module->ownsFunctions) {
-            ids.push_back(module.get());
+            ids.push_back(module->id());
         }
     }
-    for (const void* id : ids) {
+    for (const std::uint64_t id : ids) {
         if (Module* module = byId(id)) {
             send(*module, message);
         }
@@ -261,7 +261,7 @@ std::uint64_t ModuleTable::moduleOf(const void* address) const {
 }
 
 bool ModuleTable::setFunction(std::uint64_t module, int code, int (*function)()) {
-    Module* owner = byId(reinterpret_cast<const void*>(module));
+    Module* owner = byId(module);
     if (owner) {
         owner->functions[code] = function;
     }
@@ -269,14 +269,14 @@ bool ModuleTable::setFunction(std::uint64_t module, int code, int (*function)())
 }
 
 void ModuleTable::setOwnsFunctions(std::uint64_t module) {
-    if (Module* owner = byId(reinterpret_cast<const void*>(module))) {
+    if (Module* owner = byId(module)) {
         owner->ownsFunctions = true;
     }
 }
 
 bool ModuleTable::call(std::uint64_t id, int code, std::span<const lisp::Value> arguments,
                        lisp::Value& result) {
-    Module* module = byId(reinterpret_cast<const void*>(id));
+    Module* module = byId(id);
     if (!module) {
         return false;
     }
@@ -316,7 +316,7 @@ bool ModuleTable::guarded(std::uint64_t module, const std::function<void()>& cod
     }
     entered_.pop_back();
     if (!done) {
-        const Module* owner = byId(reinterpret_cast<const void*>(module));
+        const Module* owner = byId(module);
         host_.printLine("An error in " + (owner ? owner->name : std::string("a module")) + ": " + cause);
     }
     return done;

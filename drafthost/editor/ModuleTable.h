@@ -78,7 +78,7 @@ class ModuleTable {
     struct Module;
 
     Module* find(std::string_view name) const;
-    Module* byId(const void* id) const;
+    Module* byId(std::uint64_t id) const;
     bool send(Module& module, AcRx::AppMsgCode message);
     void remove(Module& module);
 

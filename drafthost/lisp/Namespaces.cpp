@@ -20,7 +20,7 @@ Value getFromBoard(Evaluator&, Args args) {
 
 Value propagate(Evaluator& e, Args args) {
     const Symbol* symbol = symbolArg(args[0]);
-    const Value value = e.get(symbol);
+    Value value = e.get(symbol);
     for (Evaluator* other : worlds()) {
         other->set(symbol, value);
     }
