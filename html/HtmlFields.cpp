@@ -62,7 +62,8 @@ void NumberElement::parse_attributes() {
 
 QWidget* NumberElement::make(QWidget* parent) {
     auto* spin = new QSpinBox(parent);
-    spin->setRange(attribute("minvalue").toInt(), attribute("maxvalue").toInt());
+    spin->setRange(std::min(value, attribute("minvalue").toInt()),
+                   std::max(value, attribute("maxvalue").toInt()));
     spin->setValue(value);
     spin->setFocusPolicy(Qt::StrongFocus);
     spin->setObjectName(attribute("id"));
@@ -76,8 +77,14 @@ QWidget* NumberElement::make(QWidget* parent) {
 
 void NumberElement::SetValue(const QString& text) {
     value = text.toInt();
-    if (auto* spin = qobject_cast<QSpinBox*>(widget))
-        spin->setValue(value);
+    auto* spin = qobject_cast<QSpinBox*>(widget);
+    if (spin == nullptr)
+        return;
+    // The limits are for what is typed: a greater value that is there already is shown and kept.
+    const int wanted = value;
+    spin->setRange(std::min(wanted, attribute("minvalue").toInt()),
+                   std::max(wanted, attribute("maxvalue").toInt()));
+    spin->setValue(wanted);
 }
 
 void TextElement::parse_attributes() {

@@ -195,6 +195,13 @@ TEST_F(MainDialogTest, ControlsGoIntoTheRecordOnlyWhenCollected) {
     Q_EMIT TarnelData().Signals.RefreshSignal();
     EXPECT_FALSE(readOnly->isChecked());
     EXPECT_EQ(limit->value(), 0) << "no limit is a value";
+    TarnelData().MaxTime = 900;
+    {
+        TarnelDlg other(nullptr);
+        other.show();
+        press(other, "close");
+    }
+    EXPECT_EQ(TarnelData().MaxTime, 900U) << "looking must not cut what was set elsewhere";
     EXPECT_EQ(dialog.findChild<QTreeView*>(QStringLiteral("queue"))->model()->rowCount(), 2);
 }
 
