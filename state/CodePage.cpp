@@ -188,7 +188,10 @@ class LibraryConverter {
         if (IsOpen())
             iconv_close(handle);
     }
-    bool IsOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
+    // The error value is the interface's own: a number for a pointer.
+    bool IsOpen() const {
+        return handle != reinterpret_cast<iconv_t>(-1);  // NOLINT(performance-no-int-to-ptr)
+    }
 
     /// Converts all; fallback is called for what cannot be, and tells how many bytes of it to pass over.
     template <class Fallback>
