@@ -69,7 +69,8 @@ std::vector<RecordId> activePaperRecords(const Drawing& drawing) {
 
 std::vector<RecordId> blockRecords(const Drawing& drawing, const Block& block) {
     std::vector<RecordId> records;
-    for (RecordId record = drawing.next(block.begin); record != NoRecord && record != block.end;
+    const RecordId past = pastEntities(drawing, block.end);
+    for (RecordId record = drawing.next(block.begin); record != NoRecord && record != past;
          record = drawing.next(record)) {
         records.push_back(record);
     }

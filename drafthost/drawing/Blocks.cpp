@@ -164,6 +164,10 @@ RecordId firstInBlock(const Drawing& drawing, const Block& block) {
     return id == NoRecord || endsEntities(drawing.type(id)) ? NoRecord : id;
 }
 
+RecordId pastEntities(const Drawing& drawing, RecordId end) {
+    return end == NoRecord || endsEntities(drawing.type(end)) ? end : drawing.next(end);
+}
+
 bool isSubEntity(const Drawing& drawing, RecordId record) {
     const std::string_view type = drawing.type(record);
     return type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";

@@ -40,6 +40,10 @@ RecordId nextEntity(const Drawing& drawing, RecordId entity, bool subEntities);
 RecordId lastEntity(const Drawing& drawing);
 /// First entity of a block, or NoRecord.
 RecordId firstInBlock(const Drawing& drawing, const Block& block);
+
+/// Where a walk over the entities of a section or block stops, given its last record: that record itself, or
+/// the one behind it where the mark of the end is missing and the last record is an entity.
+RecordId pastEntities(const Drawing& drawing, RecordId end);
 /// Whether the record is a VERTEX, ATTRIB or SEQEND that belongs to an entity before it.
 bool isSubEntity(const Drawing& drawing, RecordId record);
 /// The layout that an entity is drawn on, nullptr inside other blocks.

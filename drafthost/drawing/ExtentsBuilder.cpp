@@ -245,8 +245,8 @@ const Extents& ExtentsBuilder::blockExtents(const Block& block, const Transform&
     }
     open_.push_back(&block);
     Extents extents;
-    for (RecordId id = firstInBlock(drawing_, block); id != NoRecord && id != block.end;
-         id = drawing_.next(id)) {
+    const RecordId past = pastEntities(drawing_, block.end);
+    for (RecordId id = firstInBlock(drawing_, block); id != NoRecord && id != past; id = drawing_.next(id)) {
         ++visits_;
         if (!isSubEntity(drawing_, id)) {
             addEntity(id, Outline(extents, linear), true);
@@ -263,8 +263,8 @@ Extents computeExtents(const Drawing& drawing, bool paper) {
     if (section.begin == NoRecord) {
         return extents;
     }
-    for (RecordId id = drawing.next(section.begin); id != NoRecord && id != section.end;
-         id = drawing.next(id)) {
+    const RecordId past = pastEntities(drawing, section.end);
+    for (RecordId id = drawing.next(section.begin); id != NoRecord && id != past; id = drawing.next(id)) {
         if (!isSubEntity(drawing, id) && (drawing.record(id).integerOr(67, 0) != 0) == paper) {
             builder.add(id, extents);
         }

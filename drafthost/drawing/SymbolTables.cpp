@@ -28,8 +28,12 @@ RecordId tablesSection(Drawing& drawing) {
     }
     const RecordId next = drawing.next(behind);
     if (next != NoRecord && drawing.record(next).textOr(2, "") == "CLASSES") {
-        for (behind = next; behind != NoRecord && drawing.type(behind) != "ENDSEC";
-             behind = drawing.next(behind)) {
+        // Classes that nobody closed come behind the tables.
+        for (RecordId id = next; id != NoRecord && drawing.type(id) != "EOF"; id = drawing.next(id)) {
+            if (drawing.type(id) == "ENDSEC") {
+                behind = id;
+                break;
+            }
         }
     }
     const RecordId section = drawing.insertRecord(behind, "SECTION");

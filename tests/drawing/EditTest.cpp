@@ -156,6 +156,10 @@ TEST(Edit, addsNothingBehindTheEndOfTheFile) {
     const auto again = parsed(text);
     EXPECT_NE(findEntry(*again, Table::Layer, "NEW"), NoRecord);
     EXPECT_NE(find(*again, "POINT"), NoRecord);
+    const auto classes = parsed(drawn("0 SECTION 2 CLASSES 0 CLASS 1 X 0 EOF"));
+    EXPECT_NE(addEntry(*classes, Table::Layer, "NEW"), NoRecord);
+    EXPECT_TRUE(classes->serialise().ends_with("EOF\n"));
+    EXPECT_NE(findEntry(*parsed(classes->serialise()), Table::Layer, "NEW"), NoRecord);
 }
 
 TEST(Edit, walkingBrokenLayoutsComesToAnEnd) {

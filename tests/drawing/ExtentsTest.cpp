@@ -111,6 +111,18 @@ TEST(Extents, followsBlocksHoweverTheyAreInserted) {
     }
 }
 
+TEST(Extents, takesTheLastEntityWhereEndsAreMissing) {
+    for (const char* end : {" 0 ENDSEC 0 EOF", " 0 EOF"}) {
+        for (const char* endBlock : {" 0 ENDBLK 0 ENDSEC", " 0 ENDSEC", ""}) {
+            const auto drawing =
+                parsed(drawn("0 SECTION 2 BLOCKS 0 BLOCK 2 B 10 0 20 0 0 POINT 10 1 20 1 0 POINT 10 2 20 2" +
+                             std::string(endBlock) + " 0 SECTION 2 ENTITIES 0 INSERT 2 B 10 3 20 3 " +
+                             "0 POINT 10 9 20 9" + end));
+            expectBox(computeExtents(*drawing), 4, 4, 9, 9, std::string(endBlock) + end);
+        }
+    }
+}
+
 TEST(Extents, countsOffLayersAndNotFrozenOnes) {
     const std::string layers = "0 LAYER 2 OFF 70 0 62 -7 0 LAYER 2 FROZEN 70 1 62 7";
     expectBox(
