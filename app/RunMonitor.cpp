@@ -20,6 +20,12 @@ constexpr std::size_t kDeathsInARow = 3;
 /// Cancels whatever runs, at any depth, as Esc would.
 constexpr const char* kCancel = "\3\3\3\3\3\3(TNL_Cancel_Batch)\n";
 
+/// The module complains of one of the scripts that it makes for each drawing.
+bool AboutScript(const std::string& complaint) {
+    return complaint.find("/Ovrix/script1.scr: ") != std::string::npos ||
+           complaint.find("/Ovrix/script2.scr: ") != std::string::npos;
+}
+
 }  // namespace
 
 RunMonitor::RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* progress)
@@ -76,7 +82,8 @@ void RunMonitor::HostEnded() {
         if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now())) {
             progress->Settled(*record);
         }
-        outcome = Outcome::Interrupted;
+        outcome = brokenBy.empty() ? Outcome::Interrupted : Outcome::Broken;
+        error = brokenBy.empty() ? "" : brokenBy + "; the run is broken off";
     } else if (phase == Phase::Quitting) {
         outcome = Outcome::Ended;
     } else if (phase == Phase::Running) {
@@ -182,6 +189,11 @@ void RunMonitor::Hear(const std::string& text) {
             if (line.What == HostLine::Kind::Message &&
                 line.Text.find(settings.Place.DataHome + "/") != std::string::npos) {
                 complaint = line.Text;
+                // Without its script no drawing can be run, and each would cost the whole time limit.
+                if (phase == Phase::Running && !interrupted && AboutScript(line.Text)) {
+                    brokenBy = line.Text;
+                    Interrupt();
+                }
             }
             if (phase == Phase::Starting) {
                 lastWords = line.Text;

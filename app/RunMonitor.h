@@ -77,6 +77,8 @@ class RunMonitor {
     std::unordered_set<std::string> secondAttempts;
     bool everBegan = false;
     bool interrupted = false;
+    /// Why the monitor itself interrupted the run; empty otherwise.
+    std::string brokenBy;
 
     // Of the host that lives now.
     std::unique_ptr<HostProcess> host;
