@@ -41,6 +41,7 @@ int OpenDesk(const std::vector<std::string>& drawings) {
     std::vector<char*> arguments = {files.Host.data(), const_cast<char*>("--load"), files.Module.data()};
     // A drawing whose name looks like an option is still a drawing.
     std::vector<std::string> names;
+    names.reserve(drawings.size());
     for (const std::string& drawing : drawings) {
         names.push_back(drawing.starts_with('-') ? "./" + drawing : drawing);
     }

@@ -8,7 +8,7 @@
 namespace {
 
 /// What a drawing costs beside its size: opening an empty one takes about as long as reading so many bytes.
-constexpr std::uintmax_t kCostOfAny = 64 * 1024;
+constexpr std::uintmax_t kCostOfAny = std::uintmax_t{64} * 1024;
 
 std::uintmax_t CostOf(const QueueEntry& entry) {
     std::error_code failure;

@@ -92,8 +92,9 @@ void RunLedger::Recall(const std::vector<DrawingRecord>& earlier) {
 
 void RunLedger::CatchUp(const std::vector<QueueEntry>& saved) {
     for (const QueueEntry& entry : saved) {
-        if (current && Find(entry.Path) == current) {
-            current->Status = entry.Status;
+        DrawingRecord* const record = Find(entry.Path);
+        if (record != nullptr && record == current) {
+            record->Status = entry.Status;
         }
     }
 }
