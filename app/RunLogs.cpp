@@ -33,9 +33,17 @@ struct Part {
     std::unordered_map<std::string, std::string> Names;
 };
 
+/// Whole, or the exception says why not: what is read here replaces its sources, so a log that cannot be read
+/// must not pass for an empty one.
 std::string ReadText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
+    if (in.peek() != std::ifstream::traits_type::eof()) {
+        text << in.rdbuf();
+    }
+    if (!in.is_open() || in.bad() || text.bad()) {
+        throw CZipException(CZipException::ReadError, path, std::strerror(errno));
+    }
     return text.str();
 }
 
@@ -322,7 +330,16 @@ bool MergeLogs(const std::vector<std::string>& folders, const std::string& targe
 }
 
 bool NameDrawings(const std::string& folder, const HostNames& names, std::string* error) {
-    const std::string before = ReadText(folder + kLog);
+    if (!fs::exists(folder + kLog)) {
+        return true;
+    }
+    std::string before;
+    try {
+        before = ReadText(folder + kLog);
+    } catch (const CZipException& failure) {
+        *error = failure.what();
+        return false;
+    }
     std::string text;
     std::size_t copied = 0;
     for (std::size_t at = before.find(kLink); at != std::string::npos; at = before.find(kLink, at + 1)) {

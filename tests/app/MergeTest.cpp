@@ -124,6 +124,17 @@ TEST_F(Merge, RefusesWhatWouldLoseOrDoubleADrawing) {
         EXPECT_EQ(Read(State("all")), waits) << one.Message;
     }
 
+    // A log that cannot be read is not taken for an empty one.
+    const fs::path log = fs::path(State("plain")).parent_path() / "tnl log.html";
+    fs::rename(log, log.string() + ".kept");
+    fs::create_directory(log);
+    const ProgramResult unread = MergeInto("all", {"plain"});
+    EXPECT_EQ(unread.Status, 3);
+    EXPECT_THAT(unread.Errors, HasSubstr("tnl log.html: Is a directory"));
+    EXPECT_EQ(Read(State("all")), waits);
+    fs::remove(log);
+    fs::rename(log.string() + ".kept", log);
+
     // On demand an unfinished one is taken, and what waits can be gone on with in the result.
     EXPECT_EQ(MergeInto("all", {"plain", "waits", "--unfinished"}).Status, 1);
     EXPECT_THAT(Queue("all"),
