@@ -7,7 +7,9 @@
 #include "engine/TarnelData.h"
 #include "log/Trace.h"
 #include "state/CodePage.h"
+#include "state/ScriptText.h"
 #include "state/StdioFileEx.h"
+#include "state/WholeFile.h"
 
 #include <QFile>
 
@@ -74,26 +76,27 @@ void StartNextScript() {
 }
 
 bool ReadScriptFile(const QString& path, QString* cause) {
-    static constexpr char Head[] = ";DESCRIPTION:";
     CTarnelData& data = TarnelData();
     data.Script.clear();
     Trace("OpenFile\n");
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QByteArray bytes;
+    QString fault;
+    if (const int error = ReadWholeFile(path, bytes))
+        fault = SystemMessage(error);
+    if (fault.isEmpty()) {
+        Trace("ReadFile\n");
+        const ScriptText read = DecodeScript(bytes);
+        fault = read.Fault;
+        data.Script = read.Script;
+        if (!read.Note.isEmpty())
+            HostPrint(QStringLiteral("\n%1: %2\n").arg(path, read.Note));
+    }
+    if (!fault.isEmpty()) {
         if (cause)
-            *cause = file.errorString();
+            *cause = fault;
         return false;
     }
-    Trace("ReadFile\n");
-    data.Script = file.readAll();
-    data.ScriptDescription.clear();
-    if (data.Script.startsWith(Head)) {
-        const qsizetype start = sizeof Head - 1;
-        const qsizetype end = data.Script.indexOf('\n', start);
-        const QByteArray line = data.Script.mid(start, end < 0 ? -1 : end - start);
-        data.ScriptDescription = DecodeText(line, LocalePage);
-        data.Script = end < 0 ? QByteArray() : data.Script.mid(end + 1);
-    }
+    data.ScriptDescription = TakeDescription(data.Script);
     data.SetScriptModified(false);
     data.LastScriptFile = path;
     return true;

@@ -11,8 +11,9 @@ QString ComposeScript();
 /// Writes the next script and hands it to the host.
 void StartNextScript();
 
-/// Reads a user's script into the record, with the description from its first line. When the file can't be
-/// opened the record has an empty script, the answer is false and cause, if given, the system's message.
+/// Reads a user's script into the record, with the description from its first line, and tells of one that was
+/// made elsewhere. When the file can't be read or is no text the record has an empty script, the answer is
+/// false and cause, if given, says why.
 bool ReadScriptFile(const QString& path, QString* cause = nullptr);
 /// Deletes both generated scripts.
 void DeleteScripts();

@@ -129,7 +129,9 @@ void DoSetScript() {
     if (arguments.IsEmpty()) {
         acedRetStr(HostText(DecodeText(TarnelData().Script, LocalePage)));
     } else if (arguments.IsType(0, RTSTR)) {
-        ReadScriptFile(arguments.String(0));
+        QString cause;
+        if (!ReadScriptFile(arguments.String(0), &cause))
+            HostPrint(QStringLiteral("\n%1: %2\n").arg(arguments.String(0), cause));
         saveSetting();
         acedRetT();
     } else {

@@ -2,6 +2,7 @@
 
 #include "state/FileName.h"
 #include "state/GroupList.h"
+#include "state/ScriptText.h"
 #include "state/StateFile.h"
 #include "state/WholeFile.h"
 
@@ -26,7 +27,7 @@ void appendPath(CTarnelData& data, const QString& path) {
 
 bool loadPlainList(CTarnelData& data, const QString& path, QString* message) {
     std::vector<QString> entries;
-    if (ReadPathList(path, {}, &entries) != GroupListError::None) {
+    if (ReadPathList(path, {}, &entries, message) != GroupListError::None) {
         *message = QStringLiteral("Could not open file.");
         return false;
     }
@@ -42,19 +43,26 @@ bool loadPlainList(CTarnelData& data, const QString& path, QString* message) {
 bool loadScriptFile(CTarnelData& data, const QString& path, QString* message) {
     constexpr std::array statuses = {Error, FailOpen, Timeout, Locked, ToDo, Done};
     ScriptFileGroup group;
-    const GroupListError error = ReadScriptFileGroup(path, &group);
+    const GroupListError error = ReadScriptFileGroup(path, &group, message);
     if (error != GroupListError::None) {
         *message = error == GroupListError::CannotOpen ? QStringLiteral("Could not open file.")
                                                        : QStringLiteral("Invalid file contents.");
         return false;
     }
-    QByteArray script;
-    if (ReadWholeFile(group.Script, script) != 0) {
+    QByteArray bytes;
+    if (ReadWholeFile(group.Script, bytes) != 0) {
         *message = QStringLiteral("Invalid script file location.");
         return false;
     }
+    const ScriptText script = DecodeScript(bytes);
+    if (!script.Fault.isEmpty()) {
+        *message = group.Script + u": " + script.Fault;
+        return false;
+    }
+    if (!script.Note.isEmpty())
+        *message = group.Script + u": " + script.Note;
     data.LastScriptFile = group.Script;
-    data.Script = script;
+    data.Script = script.Script;
     data.MaxTime = group.MaxTime;
     data.AlarmTime = group.AlarmTime;
     emptyQueue(data);

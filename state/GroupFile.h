@@ -5,7 +5,8 @@
 #include <QString>
 
 /// Replaces the queue (and what else the file holds) by a group file's. False, with the text for the user in
-/// message and nothing changed, when the file cannot be opened or is not what its extension says.
+/// message and nothing changed, when the file cannot be opened or is not what its extension says. When it was
+/// loaded, message has a line about text that came from elsewhere, and is empty mostly.
 bool LoadGroupFile(const QString& path, QString* message);
 
 /// Saves the queue with the options as XML, whatever the extension. False when it cannot be written;

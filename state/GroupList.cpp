@@ -1,121 +1,91 @@
 #include "state/GroupList.h"
 
-#include "state/CodePage.h"
 #include "state/FileName.h"
 #include "state/NumberText.h"
-#include "state/StdioFileEx.h"
+#include "state/UserText.h"
 #include "state/WholeFile.h"
 
-#include <array>
+#include <algorithm>
 #include <QDir>
 #include <QFile>
-#include <QLocale>
-#include <QStringDecoder>
 
 namespace {
 
-/// The page in which a list made on another system by a user of this language most likely is.
-int windowsPage() {
-    switch (QLocale::system().language()) {
-        case QLocale::Polish:
-        case QLocale::Czech:
-        case QLocale::Slovak:
-        case QLocale::Hungarian:
-        case QLocale::Slovenian:
-        case QLocale::Croatian:
-        case QLocale::Romanian:
-            return 1250;
-        case QLocale::Russian:
-        case QLocale::Ukrainian:
-        case QLocale::Bulgarian:
-        case QLocale::Serbian:
-        case QLocale::Belarusian:
-        case QLocale::Macedonian:
-            return 1251;
-        case QLocale::Greek:
-            return 1253;
-        case QLocale::Turkish:
-            return 1254;
-        case QLocale::Hebrew:
-            return 1255;
-        case QLocale::Arabic:
-        case QLocale::Persian:
-            return 1256;
-        case QLocale::Estonian:
-        case QLocale::Latvian:
-        case QLocale::Lithuanian:
-            return 1257;
-        case QLocale::Vietnamese:
-            return 1258;
-        case QLocale::Thai:
-            return 874;
-        case QLocale::Japanese:
-            return 932;
-        case QLocale::Korean:
-            return 949;
-        case QLocale::Chinese:
-            return QLocale::system().script() == QLocale::TraditionalChineseScript ? 950 : 936;
-        default:
-            return 1252;
+/// The lines of a file, without their ends.
+class Lines {
+  public:
+    explicit Lines(QStringView text) : rest(text) {}
+    bool Next(QString& line) {
+        if (rest.isEmpty())
+            return false;
+        const qsizetype end = rest.indexOf(u'\n');
+        QStringView piece = rest.first(end < 0 ? rest.size() : end);
+        rest = rest.sliced(end < 0 ? rest.size() : end + 1);
+        if (piece.endsWith(u'\r'))
+            piece.chop(1);
+        line = piece.toString();
+        return true;
     }
-}
 
-/// Lists are in the locale's encoding; where that is UTF-8 and the file is not, it was made elsewhere.
-int pageOfList(const QString& path) {
+  private:
+    QStringView rest;
+};
+
+/// Lines that are no text in any encoding keep what U+FFFD leaves of them: such a name is then not found, and
+/// the others are.
+GroupListError readText(const QString& path, QString& text, QString* note) {
     QByteArray bytes;
-    if (!IsUtf8Page(LocalePage) || ReadWholeFile(path, bytes) != 0)
-        return LocalePage;
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(bytes);
-    return decoder.hasError() ? windowsPage() : Utf8Page;
-}
-
-bool openList(CStdioFileEx& file, const QString& path) {
-    file.TextPage = pageOfList(path);
-    return file.Open(path, CStdioFileEx::modeRead);
-}
-
-/// The next line, without the mark that some editors put at a file's start.
-bool readLine(CStdioFileEx& file, QString& line, bool first = false) {
-    line.clear();
-    if (!file.ReadString(line))
-        return false;
-    if (first && line.startsWith(QChar(QChar::ByteOrderMark)))
-        line.remove(0, 1);
-    return true;
+    if (ReadWholeFile(path, bytes) != 0)
+        return GroupListError::CannotOpen;
+    const UserText read = DecodeUserText(bytes);
+    text = read.Text;
+    if (note)
+        *note = read.BadLine != 0 ? read.Fault() : read.Note();
+    return GroupListError::None;
 }
 
 }  // namespace
 
-GroupListError ReadPathList(const QString& path, const QString& folder, std::vector<QString>* entries) {
-    CStdioFileEx file;
-    if (!openList(file, path))
-        return GroupListError::CannotOpen;
-    entries->clear();
-    QString line;
-    for (bool first = true; readLine(file, line, first); first = false) {
-        if (!line.startsWith(u'@'))
-            entries->push_back(IsWindowsPath(line) ? line.toLower() : LocalPath(line, folder));
-    }
-    return GroupListError::None;
+GroupListError ReadPathList(const QString& path, const QString& folder, std::vector<QString>* entries,
+                            QString* note) {
+    QString text;
+    const GroupListError error = readText(path, text, note);
+    if (error == GroupListError::None)
+        *entries = PathsOfList(text, folder);
+    return error;
 }
 
-GroupListError ReadScriptFileGroup(const QString& path, ScriptFileGroup* group) {
-    constexpr qsizetype pathColumn = 6;
-    CStdioFileEx file;
-    if (!openList(file, path))
-        return GroupListError::CannotOpen;
+std::vector<QString> PathsOfList(QStringView text, const QString& folder) {
+    std::vector<QString> entries;
     QString line;
-    readLine(file, line, true);
-    if (line != u"Tarnel V2 Script File" && line != u"Tarnel V2.6.5 Script File")
+    for (Lines lines(text); lines.Next(line);) {
+        if (!line.startsWith(u'@'))
+            entries.push_back(IsWindowsPath(line) ? line.toLower() : LocalPath(line, folder));
+    }
+    return entries;
+}
+
+GroupListError ReadScriptFileGroup(const QString& path, ScriptFileGroup* group, QString* note) {
+    QString text;
+    const GroupListError error = readText(path, text, note);
+    return error == GroupListError::None ? ScriptFileGroupOfText(text, group) : error;
+}
+
+GroupListError ScriptFileGroupOfText(QStringView text, ScriptFileGroup* group) {
+    constexpr qsizetype pathColumn = 6;
+    Lines lines(text);
+    QString line;
+    if (!lines.Next(line) || (line != u"Tarnel V2 Script File" && line != u"Tarnel V2.6.5 Script File"))
         return GroupListError::NoScriptFile;
-    readLine(file, group->Script);
-    readLine(file, line);
-    group->MaxTime = static_cast<std::uint32_t>(ParseNumber(line));
-    readLine(file, line);
-    group->AlarmTime = static_cast<std::uint32_t>(ParseNumber(line));
+    lines.Next(group->Script);
+    const auto number = [&lines] {
+        QString text;
+        return static_cast<std::uint32_t>(lines.Next(text) ? ParseNumber(text) : 0);
+    };
+    group->MaxTime = number();
+    group->AlarmTime = number();
     group->Entries.clear();
-    while (readLine(file, line))
+    while (lines.Next(line))
         group->Entries.push_back({line.sliced(std::min(pathColumn, line.size())), ParseNumber(line)});
     return GroupListError::None;
 }

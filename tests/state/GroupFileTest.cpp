@@ -18,13 +18,12 @@ class GroupFile : public testing::Test {
     }
     ~GroupFile() override { ResetTarnelData(); }
 
-    /// Loads a file of that name with these bytes; the message when it is refused.
+    /// Loads a file of that name with these bytes; what the user is told.
     std::string load(const QString& name, const QByteArray& bytes) {
         const QString path = folder.filePath(name);
         WriteBytes(path, bytes);
         QString message;
-        const bool loaded = LoadGroupFile(path, &message);
-        EXPECT_EQ(loaded, message.isEmpty());
+        loaded = LoadGroupFile(path, &message);
         return Plain(message);
     }
     static QStringList queue() {
@@ -35,6 +34,7 @@ class GroupFile : public testing::Test {
     }
 
     QTemporaryDir folder;
+    bool loaded = false;
 };
 
 TEST_F(GroupFile, ReadsPlainLists) {
@@ -49,25 +49,28 @@ TEST_F(GroupFile, ReadsListsMadeOnOtherSystems) {
                    "\xEF\xBB\xBF@head\r\nC:\\Work\\A.DWG\r\n\\\\Srv\\x\\B.dwg\r\nsub\\C.dxf\r\n"),
               "");
     EXPECT_EQ(queue(), QStringList({"c:\\work\\|a.dwg", "\\\\srv\\x\\|b.dwg", "sub/|C.dxf"}));
-    EXPECT_EQ(load(QStringLiteral("l.txt"), "/pl\xE4ne/gr\xFCn.dxf\r\n"), "");
-    EXPECT_EQ(queue(), QStringList({QString::fromUtf8("/pläne/|grün.dxf")}));
+    EXPECT_EQ(load(QStringLiteral("l.txt"), "/pl\xE4ne/gr\xFCn.dxf\r\n/pl\xC3\xA4ne/a.dxf\n"),
+              "line 1 is not in UTF-8; it and others like it are read as Windows code page 1252");
+    EXPECT_TRUE(loaded);
+    EXPECT_EQ(queue(),
+              QStringList({QString::fromUtf8("/pläne/|grün.dxf"), QString::fromUtf8("/pläne/|a.dxf")}));
     EXPECT_EQ(load(QStringLiteral("l.txt"), QString::fromUtf8("/pläne/grün.dxf\n").toUtf8()), "");
     EXPECT_EQ(queue(), QStringList({QString::fromUtf8("/pläne/|grün.dxf")}));
 }
 
 TEST_F(GroupFile, ReadsOldScriptFiles) {
     const QString script = folder.filePath(QStringLiteral("s.scr"));
-    WriteBytes(script, "zoom\re\r\n\xE9");
+    WriteBytes(script, "zoom\re\r\n\n\xE9");
     const QByteArray head = "Tarnel V2.6.5 Script File\r\n" + script.toUtf8() + "\r\n90\r\n45\r\n";
     EXPECT_EQ(
         load(QStringLiteral("g.GRP"), head + "0 ____/W/A.dwg\r\n1     /W/b.dwg\r\n2     c:\\W\\c.dwg\r\n"
                                              "3     d\r\n4     e\r\n5     f\r\n"),
-        "");
+        Plain(script) + ": line 3 is not in UTF-8; it and others like it are read as Windows code page 1252");
     EXPECT_EQ(queue(), QStringList({"/W/|A.dwg", "/W/|b.dwg", "c:\\W\\|c.dwg", "|d", "|e", "|f"}));
     const CheckedArray<std::uint32_t>& statuses = TarnelData().FileStatus;
     EXPECT_EQ(std::vector<std::uint32_t>(statuses.begin(), statuses.end()),
               (std::vector<std::uint32_t>{Error, FailOpen, Timeout, Locked, ToDo, Done}));
-    EXPECT_EQ(TarnelData().Script, QByteArray("zoom\re\r\n\xE9"));
+    EXPECT_EQ(TarnelData().Script, QByteArray("zoom\re\r\n\né"));
     EXPECT_EQ(TarnelData().MaxTime, 90U);
     EXPECT_EQ(TarnelData().AlarmTime, 45U);
     EXPECT_EQ(Plain(TarnelData().LastScriptFile), Plain(script));
@@ -84,6 +87,13 @@ TEST_F(GroupFile, RefusalsChangeNothing) {
         EXPECT_FALSE(LoadGroupFile(folder.filePath(QString::fromLatin1(name)), &message));
         EXPECT_EQ(Plain(message), "Could not open file.") << name;
     }
+    WriteBytes(folder.filePath(QStringLiteral("b.scr")), QByteArray("a\0\n", 3));
+    const QByteArray binary = folder.filePath(QStringLiteral("b.scr")).toUtf8();
+    EXPECT_EQ(load(QStringLiteral("g.grp"), "Tarnel V2 Script File\n" + binary + "\n1\n1\n0     x\n"),
+              (binary + ": line 1 holds a NUL, so this is no script").toStdString());
+    QString message;
+    EXPECT_FALSE(LoadGroupFile(folder.path(), &message));
+    EXPECT_EQ(Plain(message), "Could not open file.") << "a folder empties no queue";
     EXPECT_EQ(queue(), before);
     EXPECT_EQ(TarnelData().FileStatus[0], Locked);
     EXPECT_EQ(TarnelData().MaxTime, 60U);
