@@ -139,7 +139,19 @@ void U_CALLCONV substitute(const void* context, UConverterFromUnicodeArgs* args,
     ucnv_cbFromUWriteUChars(args, &source, source + 1, 0, status);
 }
 
+/// Called by ICU for bytes that mean nothing. Its own way gives U+001A for some of them.
+void U_CALLCONV replaceBytes(const void*, UConverterToUnicodeArgs* args, const char*, int32_t,
+                             UConverterCallbackReason reason, UErrorCode* status) {
+    if (reason > UCNV_IRREGULAR)
+        return;
+    *status = U_ZERO_ERROR;
+    const UChar unknown = QChar::ReplacementCharacter;
+    ucnv_cbToUWriteUChars(args, &unknown, 1, 0, status);
+}
+
 QString decodeIcu(UConverter* converter, QByteArrayView bytes) {
+    UErrorCode set = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter, replaceBytes, nullptr, nullptr, nullptr, &set);
     QString out(bytes.size() + 16, Qt::Uninitialized);
     const char* source = bytes.data();
     const char* sourceEnd = source + bytes.size();
