@@ -10,7 +10,8 @@ struct CFileHeader {
     std::string Name;
     /// 8 deflate, 0 stored.
     std::uint16_t Method = 8;
-    /// Attributes of the file system that made the entry; 32 is "archive".
+    /// Attributes of the file system that made the entry; 32 is "archive". Writing adds the mode of the file
+    /// in the upper half.
     std::uint32_t Attributes = 32;
     std::uint16_t VersionMadeBy = 20;
     std::uint16_t VersionNeeded = 20;

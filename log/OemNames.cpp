@@ -71,28 +71,8 @@ bool unicodePath(std::string_view extra, std::string_view bytes, std::string& na
 
 }  // namespace
 
-StoredName EncodeEntryName(const std::string& name, bool oem) {
-    if (isAscii(name))
-        return {name, false};
-    if (oem) {
-        const icu::UnicodeString text = fromUtf8(name);
-        const auto& table = upperHalf();
-        std::string bytes;
-        int32_t i = 0;
-        for (; i < text.length(); ++i) {
-            const char16_t c = text.charAt(i);
-            const auto* found = std::find(table.begin(), table.end(), c);
-            if (c < 128)
-                bytes.push_back(static_cast<char>(c));
-            else if (c != 0xFFFD && found != table.end())
-                bytes.push_back(static_cast<char>(128 + (found - table.begin())));
-            else
-                break;
-        }
-        if (i == text.length())
-            return {bytes, false};
-    }
-    return {cleanUtf8(name), true};
+StoredName EncodeEntryName(const std::string& name) {
+    return {cleanUtf8(name), !isAscii(name)};
 }
 
 std::string DecodeEntryName(std::string_view bytes, std::uint16_t flags, std::uint16_t madeBy,
@@ -104,9 +84,9 @@ std::string DecodeEntryName(std::string_view bytes, std::uint16_t flags, std::ui
         return name;
     if (isAscii(bytes))
         return std::string(bytes);
-    const int system = madeBy >> 8;
+    const int system = madeBy & 0xFF00;
     name = cleanUtf8(bytes);
-    if ((system == 3 || system == 19) && name == bytes)
+    if ((system == ZipFormat::MadeOnUnix || system == ZipFormat::MadeOnMac) && name == bytes)
         return name;
     icu::UnicodeString text;
     for (const char c : bytes) {

@@ -1,8 +1,8 @@
 #pragma once
-// Names of entries between UTF-8 and the bytes in an archive. The page is IBM 437: it is the one that the
-// format names for entries without the UTF-8 flag, so that every reader agrees on it, which the page of the
-// machine's locale would not give. A name that it cannot hold is written in UTF-8 with the flag instead of
-// losing characters, because the names tie the run log to the logs in the archive.
+// Names of entries between UTF-8 and the bytes in an archive. A name outside ASCII is written in UTF-8 with
+// the format's flag for that, the one form that the tools of all systems read alike; without the flag, some
+// take the page of their locale and some IBM 437, which the format names. That page is known here for
+// reading.
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,8 +12,8 @@ struct StoredName {
     bool Utf8 = false;
 };
 
-/// UTF-8 to the bytes of an archive; what is no UTF-8 becomes U+FFFD. Without oem always UTF-8.
-StoredName EncodeEntryName(const std::string& name, bool oem);
+/// UTF-8 to the bytes of an archive; what is no UTF-8 becomes U+FFFD.
+StoredName EncodeEntryName(const std::string& name);
 
 /// The other way. The flag or an extra field with the name in UTF-8 is honoured; without either, a name made
 /// on Unix (madeBy, high byte 3 or 19) is UTF-8 if it can be, and every other is of the OEM page.

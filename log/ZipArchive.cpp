@@ -236,26 +236,29 @@ void CZipArchive::OpenNewFile(CFileHeader& header, int level, const char* path) 
         s.Header.Name = withSlashes(s.Header.Name);
     std::time_t time = std::time(nullptr);
     std::uint64_t known = 0;
+    std::uint32_t mode = ZipFormat::PlainFileMode;
     if (path != nullptr) {
         struct stat status {};
         if (stat(path, &status) != 0)
             throw CZipException(CZipException::ReadError, path,
                                 std::string("cannot read: ") + strerror(errno));
         time = status.st_mtime;
+        mode = S_IFREG | (status.st_mode & 0777U);
         known = static_cast<std::uint64_t>(status.st_size);
     }
     if (header.ModDate == 0 && header.ModTime == 0)
         s.Header.SetTime(time);
     if (header.Method != ZipFormat::Deflated && header.Method != ZipFormat::Stored)
         s.RaiseEntry(CZipException::Unsupported, "has method " + std::to_string(header.Method));
-    StoredName stored = EncodeEntryName(s.Header.Name, OemNames);
+    StoredName stored = EncodeEntryName(s.Header.Name);
     s.RawName = std::move(stored.Bytes);
     s.Header.Flags = header.Method == ZipFormat::Deflated ? levelFlags(level) : 0;
     if (stored.Utf8)
         s.Header.Flags |= ZipFormat::FlagUtf8;
-    s.Header.Name = DecodeEntryName(s.RawName, s.Header.Flags, 0, {});
-    s.Header.VersionMadeBy = 20;
     s.Header.VersionNeeded = 20;
+    s.Header.VersionMadeBy = ZipFormat::MadeOnUnix | s.Header.VersionNeeded;
+    s.Header.Attributes = mode << 16U | (header.Attributes & 0xFFFFU);
+    s.Header.Name = DecodeEntryName(s.RawName, s.Header.Flags, s.Header.VersionMadeBy, {});
     s.Header.Crc32 = s.Header.CompSize = s.Header.UncompSize = 0;
     if (s.RawName.size() > ZipFormat::MaxName)
         s.RaiseEntry(CZipException::TooLarge, "has a name of over 65,535 bytes");

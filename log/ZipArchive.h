@@ -40,8 +40,9 @@ class CZipArchive {
     /// Copies the header of an entry.
     void GetFileInfo(CFileHeader& header, int index) const;
 
-    /// Begins an entry; level 0 to 9. Of path, when given, the time is taken, and a file over the limit of
-    /// the format is refused before a byte is written. The header gets the name as it will be read.
+    /// Begins an entry; level 0 to 9. Of path, when given, time and permissions are taken, and a file over
+    /// the limit of the format is refused before a byte is written. The header gets the name as it will be
+    /// read.
     void OpenNewFile(CFileHeader& header, int level, const char* path = nullptr);
     void WriteNewFile(const void* buffer, std::size_t count);
     void CloseNewFile();
@@ -57,9 +58,6 @@ class CZipArchive {
 
     /// "\" in new names becomes "/".
     bool SlashNames = true;
-    /// New names go through the OEM page; those that it cannot hold, and all when false, are UTF-8 with the
-    /// format's flag for it.
-    bool OemNames = true;
     /// Largest size and offset that may be written; the format's own unless lowered.
     std::uint64_t SizeLimit = 0xFFFFFFFEU;
 

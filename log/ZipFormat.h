@@ -23,6 +23,12 @@ constexpr std::uint16_t FlagStrongEncryption = 1U << 6U;
 constexpr std::uint16_t FlagUtf8 = 1U << 11U;
 constexpr std::uint16_t FlagMasked = 1U << 13U;
 
+/// High byte of "made by": the attributes' upper half is a mode of this system.
+constexpr std::uint16_t MadeOnUnix = 3U << 8U;
+constexpr std::uint16_t MadeOnMac = 19U << 8U;
+/// A plain file that its owner may write and everybody read.
+constexpr std::uint32_t PlainFileMode = 0100644;
+
 constexpr std::uint16_t Stored = 0;
 constexpr std::uint16_t Deflated = 8;
 

@@ -12,6 +12,8 @@ struct Tool {
     const char* Program;
     // Run by the shell in the folder of the case.
     const char* Command;
+    // Unpacking gives a file its mode.
+    bool KeepsModes = true;
 };
 
 void PrintTo(const Tool& tool, std::ostream* out) {
@@ -43,7 +45,19 @@ class ZipTools : public ZipFolder, public testing::WithParamInterface<Tool> {
     }
 };
 
-class ZipReadByTools : public ZipTools {};
+class ZipReadByTools : public ZipTools {
+  protected:
+    /// An entry that comes from a file, which only its owner may read.
+    void AddFile(CZipArchive& archive, const std::string& name) const {
+        WriteBytes(Path(name), name);
+        std::filesystem::permissions(Path(name), std::filesystem::perms(0600));
+        CFileHeader header;
+        header.Name = name;
+        archive.OpenNewFile(header, 9, Path(name).c_str());
+        archive.WriteNewFile(name.data(), name.size());
+        archive.CloseNewFile();
+    }
+};
 class ZipWrittenByTools : public ZipTools {};
 
 TEST_P(ZipReadByTools, WithoutComplaint) {
@@ -52,26 +66,43 @@ TEST_P(ZipReadByTools, WithoutComplaint) {
     ASSERT_TRUE(archive.Open(Path("ours.zip"), CZipArchive::Existing));
     AddEntry(archive, "folder\\noise.bin", RandomBytes(400000, 11));
     AddEntry(archive, "stored.log", LogText(10), 0);
-    AddEntry(archive, "Pl\u00e4ne.log", "oem");
-    AddEntry(archive, "\u03a3\u03c7\u03ad\u03b4\u03b9\u03bf.log", "utf");
+    AddEntry(archive, "Pl\u00e4ne.log", "umlaut");
+    AddEntry(archive, "\u03a3\u03c7\u03ad\u03b4\u03b9\u03bf \u56f3\u9762.log", "utf");
+    AddFile(archive, "private.log");
     archive.Close();
     WriteBytes(Path("a.log"), LogText(3000));
     WriteBytes(Path("noise.bin"), RandomBytes(400000, 11));
-    EXPECT_EQ(RunIn(folder, GetParam().Command), 0) << ReadBytes(Path("out.txt"));
+    EXPECT_EQ(RunIn(folder, std::string("export LC_ALL=C.UTF-8; ") + GetParam().Command), 0)
+        << ReadBytes(Path("out.txt"));
     EXPECT_EQ(ReadBytes(Path("out.txt")).find("arning"), std::string::npos) << ReadBytes(Path("out.txt"));
+    // What was unpacked bears the names and the modes that it went in with.
+    EXPECT_EQ(ReadBytes(Path("x/Pl\u00e4ne.log")), "umlaut");
+    EXPECT_EQ(ReadBytes(Path("x/\u03a3\u03c7\u03ad\u03b4\u03b9\u03bf \u56f3\u9762.log")), "utf");
+    EXPECT_EQ(ReadBytes(Path("x/a.log")), LogText(3000));
+    if (GetParam().KeepsModes) {
+        const auto mode = [this](const char* name) {
+            return std::filesystem::status(Path(name)).permissions();
+        };
+        EXPECT_EQ(mode("x/private.log"), std::filesystem::perms(0600));
+        EXPECT_EQ(mode("x/a.log"), std::filesystem::perms(0644));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     All, ZipReadByTools,
     testing::Values(
-        Tool{"unzip", "unzip", "unzip -t ours.zip && unzip -p ours.zip a.log | cmp - a.log"},
-        Tool{"p7zip", "7z", "7z t ours.zip && 7z x -so ours.zip folder/noise.bin | cmp - noise.bin"},
+        Tool{"unzip", "unzip",
+             "unzip -t ours.zip && unzip -d x ours.zip && cmp x/folder/noise.bin noise.bin && "
+             "zipinfo ours.zip Pl*.log | grep -q '^-rw-r--r--  2.0 unx'"},
+        Tool{"p7zip", "7z", "7z t ours.zip && 7z x -ox ours.zip && cmp x/folder/noise.bin noise.bin"},
         Tool{"bsdtar", "bsdtar",
-             "bsdtar -tf ours.zip && bsdtar -xOf ours.zip folder/noise.bin | cmp - noise.bin"},
+             "mkdir x && bsdtar -tf ours.zip && bsdtar -pxf ours.zip -C x && "
+             "cmp x/folder/noise.bin noise.bin"},
         Tool{"python", "python3",
              "python3 -c 'import zipfile; z = zipfile.ZipFile(\"ours.zip\"); assert z.testzip() is None; "
-             "n = z.namelist(); assert n[2] == \"folder/noise.bin\" and n[4] == \"Pl\\u00e4ne.log\" and "
-             "n[5][0] == \"\\u03a3\", n; assert z.read(\"a.log\") == open(\"a.log\", \"rb\").read()'"}),
+             "n = z.infolist(); assert n[0].create_system == 3 and n[6].external_attr >> 16 == 0o100600; "
+             "z.extractall(\"x\")' && cmp x/folder/noise.bin noise.bin",
+             false}),
     [](const auto& info) { return std::string(info.param.Label); });
 
 TEST_P(ZipWrittenByTools, IsReadAndAddedTo) {
