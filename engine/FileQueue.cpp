@@ -1,8 +1,5 @@
-// The queue: entries, their order, and the status of the file in work.
-#include "engine/RunState.h"
-#include "engine/RunUi.h"
+// The queue: entries and their order.
 #include "engine/TarnelData.h"
-#include "log/Trace.h"
 #include "state/FileName.h"
 
 #include <cstdlib>
@@ -75,15 +72,4 @@ void BuildFileOrder(CTarnelData& data) {
                                   *static_cast<const std::uint32_t*>(right));
         },
         &data);
-}
-
-void SetCurrentFileStatus(FileStatusValue status) {
-    CTarnelData& data = TarnelData();
-    if (data.CurrentFile == -1)
-        return;
-    const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
-    data.FileStatus[entry] = status;
-    Trace("SaveState\n");
-    SaveRunState();
-    CurrentUi().ShowFileStatus(EntryPath(data, entry), FileStatusWord(status));
 }

@@ -1,6 +1,5 @@
 #include "engine/ResBuf.h"
 
-#include "acedads.h"
 #include "acutads.h"
 #include "engine/HostText.h"
 
@@ -57,36 +56,11 @@ void ResBuf::append(resbuf* node) {
     nodes.push_back(node);
 }
 
-int ResBuf::GetVar(const QString& name) {
-    Clear();
-    resbuf* node = acutNewRb(RTNONE);
-    if (!node)
-        return RTERROR;
-    const int result = acedGetVar(HostText(name), node);
-    if (result != RTNORM) {
-        acutRelRb(node);
-        return result;
-    }
-    append(node);
-    return result;
-}
-
-void ResBuf::GetArgs() {
-    Clear();
-    head = acedGetArgs();
-    index();
-}
-
-void ResBuf::AddString(const QString& text) {
-    append(acutBuildList(RTSTR, HostText(text), RTNONE));
-}
-
 void ResBuf::AddShort(int value) {
-    append(acutBuildList(RTSHORT, value, RTNONE));
-}
-
-void ResBuf::AddBool(bool value) {
-    append(acutBuildList(value ? RTT : RTNIL, RTNONE));
+    if (resbuf* node = acutNewRb(RTSHORT)) {
+        node->resval.rint = static_cast<short>(value);
+        append(node);
+    }
 }
 
 bool ResBuf::checked(int index) const {
@@ -142,12 +116,4 @@ void ResBuf::RemoveAt(int index) {
     if (owned)
         acutRelRb(node);
     nodes.erase(nodes.begin() + index);
-}
-
-int ResBuf::SetVar(const QString& name) const {
-    return head ? acedSetVar(HostText(name), head) : RTERROR;
-}
-
-int ResBuf::PutSym(const QString& name) const {
-    return acedPutSym(HostText(name), head);
 }

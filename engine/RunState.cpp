@@ -2,10 +2,12 @@
 
 #include "engine/FileStamp.h"
 #include "engine/HostText.h"
+#include "engine/RunUi.h"
 #include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
 #include "engine/Watch.h"
 #include "log/RunLog.h"
+#include "log/Trace.h"
 #include "state/FileName.h"
 #include "state/StateFile.h"
 
@@ -82,4 +84,15 @@ void SaveRunState() {
 
 QString DataFile(const QString& name) {
     return JoinPath(TarnelData().DataDir, name);
+}
+
+void SetCurrentFileStatus(FileStatusValue status) {
+    CTarnelData& data = TarnelData();
+    if (data.CurrentFile == -1)
+        return;
+    const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
+    data.FileStatus[entry] = status;
+    Trace("SaveState\n");
+    SaveRunState();
+    CurrentUi().ShowFileStatus(EntryPath(data, entry), FileStatusWord(status));
 }

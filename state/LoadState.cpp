@@ -106,8 +106,11 @@ void loadQueue(MarkupDocument& document, CTarnelData& data) {
 }  // namespace
 
 int LoadState(const QString* path, int full) {
+    return LoadState(TarnelData(), path, full);
+}
+
+int LoadState(CTarnelData& data, const QString* path, int full) {
     ClearStateError();
-    CTarnelData& data = TarnelData();
     const QString& file = path != nullptr ? *path : data.StateFile;
     MarkupDocument document;
     QByteArray bytes;

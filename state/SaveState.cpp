@@ -84,8 +84,11 @@ int finish(const QString& file, int error) {
 }  // namespace
 
 int SaveState(const QString* target, int full) {
+    return SaveState(TarnelData(), target, full);
+}
+
+int SaveState(CTarnelData& data, const QString* target, int full) {
     ClearStateError();
-    CTarnelData& data = TarnelData();
     const QString& file = target != nullptr ? *target : data.StateFile;
     // A run saves several times per drawing: the room of the last text is used again.
     static MarkupDocument document;

@@ -6,6 +6,8 @@
 #include <QByteArray>
 #include <QString>
 
+struct CTarnelData;
+
 /// Fills TarnelData().StateFile: "TarnelRunner.xml" in TarnelData().DataDir, or in UserDataDir() when that is
 /// empty. Makes the folder, and takes a file "Tarnel.xml" of earlier versions over when there is no new one.
 void ResolveStateFile();
@@ -17,9 +19,12 @@ QString UserDataDir();
 /// and the queue is then empty; the result is always 1. LastStateError() tells of a file that is there and
 /// could not be read.
 int LoadState(const QString* path, int full);
+/// The same with a record of the caller's own; null means its StateFile.
+int LoadState(CTarnelData& data, const QString* path, int full);
 /// Writes the record to a file; null means StateFile. The result is always 1; a failed write leaves the old
 /// file as it was and is told by LastStateError().
 int SaveState(const QString* path, int full);
+int SaveState(CTarnelData& data, const QString* path, int full);
 
 /// Why the last LoadState or SaveState failed, with the file's name and the cause; empty when it worked.
 const QString& LastStateError();
