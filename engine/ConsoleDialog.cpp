@@ -120,6 +120,11 @@ void addFile() {
 
 void clearQueue() {
     CTarnelData& data = TarnelData();
+    const QString answer = askKeyword(
+        ACRX_T("Yes No"),
+        QStringLiteral("\nTake all %1 files out of the queue [Yes/No] <No>: ").arg(data.FileNames.size()));
+    if (answer != QLatin1String("Yes"))
+        return;
     data.FileNames.clear();
     data.FileDirs.clear();
     data.FileStatus.clear();
@@ -186,17 +191,17 @@ void perform(const QString& choice) {
         askScript();
     else if (choice == QLatin1String("Maxtime"))
         askSeconds(QStringLiteral("Time limit of a drawing"), data.MaxTime);
-    else if (choice == QLatin1String("Alarmtime"))
+    else if (choice == QLatin1String("ALarmtime"))
         askSeconds(QStringLiteral("Alarm"), data.AlarmTime);
-    else if (choice == QLatin1String("Readonly"))
+    else if (choice == QLatin1String("REAdonly"))
         askSwitch(QStringLiteral("Process read-only files"), data.ProcessReadOnly);
-    else if (choice == QLatin1String("reCover"))
+    else if (choice == QLatin1String("RECover"))
         askSwitch(QStringLiteral("Start a new drawing instead of opening"), data.RecoverMode);
     else if (choice == QLatin1String("Add"))
         addFile();
-    else if (choice == QLatin1String("cLear"))
+    else if (choice == QLatin1String("CLEAR"))
         clearQueue();
-    else if (choice == QLatin1String("reTry"))
+    else if (choice == QLatin1String("RETry"))
         retry();
     else if (choice == QLatin1String("List"))
         listFiles();
@@ -204,6 +209,8 @@ void perform(const QString& choice) {
 
 }  // namespace
 
+// The capitals are what must be typed at least. No beginning of a word fits two of them, and what starts a
+// run or empties the queue is typed in full.
 RunUi::Answer RunConsoleDialog(StartAnswers& answers) {
     Run().Scheduled = false;
     printSummary();
@@ -211,13 +218,13 @@ RunUi::Answer RunConsoleDialog(StartAnswers& answers) {
         return RunUi::Cancel;
     for (;;) {
         const QString choice = askKeyword(
-            ACRX_T("Run Script Maxtime Alarmtime Readonly reCover Add cLear reTry List eXit"),
+            ACRX_T("RUN Script Maxtime ALarmtime REAdonly RECover Add CLEAR RETry List eXit"),
             QStringLiteral(
-                "\nTarnel [Run/Script/Maxtime/Alarmtime/Readonly/reCover/Add/cLear/reTry/List/eXit] "
+                "\nTarnel [RUN/Script/Maxtime/ALarmtime/REAdonly/RECover/Add/CLEAR/RETry/List/eXit] "
                 "<eXit>: "));
         if (choice.isEmpty() || choice == QLatin1String("eXit"))
             return RunUi::Cancel;
-        if (choice == QLatin1String("Run")) {
+        if (choice == QLatin1String("RUN")) {
             if (countOf(ToDo) == 0)
                 ConsoleLine(QStringLiteral("none of the files has the status ToDo"));
             else if (settleStart(answers))

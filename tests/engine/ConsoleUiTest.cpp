@@ -29,9 +29,9 @@ TEST_F(ConsoleTest, DialogSetsUpAndStartsARun) {
     const QString b = MakeFile("b.dxf");
     const QString script = MakeFile("s.scr");
     host.Answers = {"Add",      '"' + a + '"', "Add",     b,     "Add",       Folder() + "/none.dxf",
-                    "Script",   script,        "Maxtime", "400", "Alarmtime", "0",
-                    "Readonly", "Yes",         "reCover", "",    "Script",    Folder() + "/none.scr",
-                    "Run"};
+                    "Script",   script,        "Maxtime", "400", "ALarmtime", "0",
+                    "REAdonly", "Yes",         "RECover", "",    "Script",    Folder() + "/none.scr",
+                    "RUN"};
     Command("TARNEL");
     EXPECT_TRUE(host.Answers.empty());
     const CTarnelData& data = TarnelData();
@@ -65,7 +65,7 @@ TEST_F(ConsoleTest, RetrySetsTheChosenFilesBack) {
         data.FileStatus[2] = Locked;
         data.FileStatus[3] = ToDo;
         SaveState(nullptr, 1);
-        host.Answers = {"reTry", which, "eXit"};
+        host.Answers = {"RETry", which, "eXit"};
         Command("TARNEL");
         return SavedStatuses();
     };
@@ -77,8 +77,18 @@ TEST_F(ConsoleTest, RetrySetsTheChosenFilesBack) {
     EXPECT_TRUE(host.CallsOf("send").isEmpty());
 }
 
+TEST_F(ConsoleTest, ClearingAsks) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
+    host.Answers = {"CLEAR", "", "CLEAR", "No", "CLEAR", QString()};
+    Command("TARNEL");
+    EXPECT_EQ(SavedStatuses(), "0 0");
+    host.Answers = {"CLEAR", "Yes", "eXit"};
+    Command("TARNEL");
+    EXPECT_EQ(SavedStatuses(), "");
+}
+
 TEST_F(ConsoleTest, RunWithNothingToDoStaysInTheDialog) {
-    host.Answers = {"Run", ""};
+    host.Answers = {"RUN", ""};
     Command("TARNEL");
     EXPECT_TRUE(host.CallsOf("send").isEmpty());
     EXPECT_TRUE(printedLines().contains("none of the files has the status ToDo"));
@@ -88,12 +98,12 @@ TEST_F(ConsoleTest, RunSettlesOpenDrawingsBeforeItStarts) {
     SetQueue({MakeFile("a.dxf")});
     host.DocumentCount = 2;
     host.Variables["DBMOD"] = 1;
-    host.Answers = {"Run", "", "Run", "Yes", "", "eXit"};
+    host.Answers = {"RUN", "", "RUN", "Yes", "", "eXit"};
     Command("TARNEL");
     EXPECT_TRUE(host.CallsOf("send").isEmpty());
     EXPECT_TRUE(host.Answers.empty());
 
-    host.Answers = {"Run", "Yes", "Discard"};
+    host.Answers = {"RUN", "Yes", "Discard"};
     Command("TARNEL");
     host.Variables["CMDACTIVE"] = 36;
     host.RunInput();
