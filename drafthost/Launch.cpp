@@ -1,6 +1,7 @@
 #include "drafthost/Launch.h"
 
 #include <fcntl.h>
+#include <sys/time.h>
 #include <unistd.h>
 #include <cerrno>
 #include <csignal>
@@ -41,9 +42,13 @@ std::string defaultRegistry() {
 
 int signalPipe[2] = {-1, -1};
 int endingSignal = 0;
+bool endIsLimited = false;
 
 void onSignal(int number) {
     const int before = errno;
+    if (endIsLimited && number != SIGINT) {
+        limitEnd();
+    }
     const char byte = char(number);
     // A full pipe already holds enough to wake the reader.
     [[maybe_unused]] const ssize_t count = ::write(signalPipe[1], &byte, 1);
@@ -108,22 +113,36 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
     return arguments;
 }
 
-void watchSignals(Host& host, QCoreApplication& application, const std::function<void()>& beforeEnd) {
+void limitEnd() {
+    // SIGALRM is not handled, so this ends a process that hears nothing any more.
+    constexpr suseconds_t Microseconds = 800'000;
+    const itimerval timer{{0, 0}, {1, Microseconds}};
+    ::setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+void liftEndLimit() {
+    const itimerval none{};
+    ::setitimer(ITIMER_REAL, &none, nullptr);
+}
+
+void watchSignals(Host& host, QCoreApplication& application, const std::function<void()>& end) {
+    endIsLimited = bool(end);
     if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
         return;
     }
     auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &application);
-    QObject::connect(notifier, &QSocketNotifier::activated, &application, [&host, beforeEnd] {
+    QObject::connect(notifier, &QSocketNotifier::activated, &application, [&host, end] {
         char byte = 0;
         while (::read(signalPipe[0], &byte, 1) == 1) {
             if (byte == SIGINT) {
                 host.input().cancel();
             } else {
-                if (beforeEnd) {
-                    beforeEnd();
-                }
                 endingSignal = static_cast<unsigned char>(byte);
-                host.input().terminate();
+                if (end) {
+                    end();
+                } else {
+                    host.input().terminate();
+                }
             }
         }
     });

@@ -26,9 +26,15 @@ struct Arguments {
 /// error, for arguments that make no sense. Without a frame there is one drawing at most.
 std::optional<Arguments> readArguments(int argc, char** argv, const std::string& program, bool framed);
 
-/// SIGINT is an Esc, as the same key is at a command line; SIGTERM and SIGHUP end the host in order, after
-/// what the caller has to do before.
-void watchSignals(Host& host, QCoreApplication& application, const std::function<void()>& beforeEnd = {});
+/// SIGINT is an Esc, as the same key is at a command line; SIGTERM and SIGHUP end the host in order, by the
+/// caller's own way when one is given. The signal itself then also sets the limit below.
+void watchSignals(Host& host, QCoreApplication& application, const std::function<void()>& end = {});
+
+/// From now on the process has so long to end, whatever it is in the middle of: behind that the kernel ends
+/// it.
+void limitEnd();
+/// All that must be kept is on the disk: the rest of the way may take its time.
+void liftEndLimit();
 
 /// Exit status of a host that has ended in order: 0, or 128 and the number of the signal that made it end, as
 /// shells say it, so that whoever waits for it can tell that from a QUIT.

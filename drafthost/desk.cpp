@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <memory>
 #include <QApplication>
-#include <QTimer>
 #include <string>
 
 #include "drafthost/api/ApiHost.h"
@@ -14,6 +13,7 @@
 #include "drafthost/window/CommandLineWidget.h"
 #include "drafthost/window/DrawingView.h"
 #include "drafthost/window/MainFrame.h"
+#include "drafthost/window/SessionEnd.h"
 
 using namespace drafthost;
 
@@ -43,14 +43,6 @@ void refuseDisplay(QtMsgType type, const QMessageLogContext&, const QString&) {
     std::_Exit(NoDisplay);
 }
 
-/// A dialog of a module holds up everything that runs below it, the end of the host too.
-void closeDialogs() {
-    if (QWidget* dialog = QApplication::activeModalWidget()) {
-        dialog->close();
-        QTimer::singleShot(20, qApp, closeDialogs);
-    }
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -76,13 +68,15 @@ int main(int argc, char** argv) {
         line->append(QString::fromUtf8(text.data(), qsizetype(text.size())));
     });
     ApiHost::setFrame(frame.get(), frame.get(), frame->view());
-    watchSignals(host, application, closeDialogs);
-    host.input().setOnEnd([] { QCoreApplication::quit(); });
+    SessionEnd sessionEnd(host, limitEnd);
+    watchSignals(host, application, [&] { sessionEnd.end(); });
+    host.input().setOnEnd([] { QCoreApplication::exit(0); });
     frame->show();
     begin(host, *arguments);
     host.input().wake();
     QCoreApplication::exec();
     host.shutDown();
+    liftEndLimit();
     ApiHost::setFrame(nullptr, nullptr, nullptr);
     host.setOutput({});
     return exitStatus();

@@ -101,7 +101,10 @@ bool DoNextFile() {
     return true;
 }
 
-void Cleanup() {
+namespace {
+
+/// What a run leaves behind goes, and what has become of its files is on the disk.
+void endRun() {
     CTarnelData& data = TarnelData();
     DeleteScripts();
     Trace("CloseWatch\n");
@@ -114,6 +117,12 @@ void Cleanup() {
     Trace("SaveState\n");
     SaveRunState();
     SyncState();
+}
+
+}  // namespace
+
+void Cleanup() {
+    endRun();
     Trace("Start New Document\n");
     if (DrawingIsModified())
         acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T("y"), RTSTR, ACRX_T(""), RTNONE);
@@ -122,6 +131,13 @@ void Cleanup() {
     LoadSiblings();
     Trace("Call DoBatch\n");
     DoBatch();
+}
+
+void LeaveRun() {
+    if (!TarnelData().BatchRunning)
+        return;
+    SetCurrentFileStatus(Canceled);
+    endRun();
 }
 
 void DoCancelBatch() {

@@ -14,3 +14,6 @@ bool DoNextFile();
 void Cleanup();
 /// The user broke the run off. Drawings that wait stay ToDo.
 void DoCancelBatch();
+/// The host's window goes in the middle of a run: the file in work is Canceled and the state is saved. No
+/// dialog comes back and no drawing is opened any more. Without a run it does nothing.
+void LeaveRun();

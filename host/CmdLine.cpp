@@ -1,6 +1,8 @@
 #include "host/CmdLine.h"
 
+#include "acframe.h"
 #include "dbmain.h"
+#include "engine/Batch.h"
 #include "engine/HostVariables.h"
 #include "engine/TarnelData.h"
 #include "log/Trace.h"
@@ -55,4 +57,7 @@ void CmdLine::lispCancelled() {
 void CmdLine::beginQuit() {
     Trace("CmdLine::beginQuit():ResetSystemVars\n");
     ResetSystemVars();
+    // A host without a frame belongs to whoever started it, who knows what its death means for the run.
+    if (acedGetAcadFrame() != nullptr)
+        LeaveRun();
 }

@@ -12,6 +12,25 @@
 #include <QMainWindow>
 #include <QMessageBox>
 
+namespace {
+
+/// During a run nobody can be asked what is to become of the drawing in work, and a question of the host
+/// would wait for ever. So the frame's X ends the application, which breaks the run off, as a logout does.
+class FrameWatch : public QObject {
+  public:
+    using QObject::QObject;
+    bool eventFilter(QObject* frame, QEvent* event) override {
+        if (event->type() != QEvent::Close)
+            return QObject::eventFilter(frame, event);
+        event->ignore();
+        QMetaObject::invokeMethod(
+            qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
+        return true;
+    }
+};
+
+}  // namespace
+
 DialogUi::~DialogUi() {
     delete status;
 }
@@ -55,6 +74,8 @@ void DialogUi::OpenStatus(int fileCount) {
     delete status;
     status = new StatusDialog(acedGetAcadFrame(), fileCount);
     QObject::connect(status, &StatusDialog::CancelPressed, status, [] { CancelRun(); });
+    if (QMainWindow* frame = acedGetAcadFrame())
+        frame->installEventFilter(new FrameWatch(status));
 }
 
 void DialogUi::ShowStatus() {

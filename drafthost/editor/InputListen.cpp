@@ -45,8 +45,8 @@ Outcome InputStream::speak(std::span<const Input> inputs, InputSource source) {
             outcome = hand(*document, input, source, !lists_[self].rest.empty());
         }
         while (line.isDelaying() && !document->closed()) {
-            if (cancels_ > 0) {
-                --cancels_;
+            if (cancels_ > 0 || terminating_) {
+                cancels_ -= cancels_ > 0 ? 1 : 0;
                 line.cancel();
                 outcome = Outcome::Cancelled;
                 break;

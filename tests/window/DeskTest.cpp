@@ -1,7 +1,9 @@
 // `tarnel desk` as a program: what it says where there is no display, and how it ends.
 #include <gtest/gtest.h>
 #include <csignal>
+#include <functional>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -9,7 +11,8 @@ namespace {
 
 class DeskTest : public testing::Test {
   protected:
-    void start(const QStringList& settings) {
+    void start(const QStringList& settings, const QString& program = QStringLiteral(TARNEL_PROGRAM),
+               const QStringList& arguments = {QStringLiteral("desk")}) {
         QStringList environment = {QStringLiteral("PATH=/usr/bin:/bin"),
                                    QStringLiteral("HOME=") + folder.path(),
                                    QStringLiteral("XDG_RUNTIME_DIR=") + folder.path(),
@@ -20,13 +23,60 @@ class DeskTest : public testing::Test {
                 environment << QString::fromLatin1(name) + u'=' + qEnvironmentVariable(name);
         }
         desk.setEnvironment(environment + settings);
-        desk.start(QStringLiteral(TARNEL_PROGRAM), {QStringLiteral("desk")});
+        desk.start(program, arguments);
         ASSERT_TRUE(desk.waitForStarted());
+    }
+
+    void write(const QString& name, const QByteArray& text) {
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+    QByteArray content(const QString& name) const {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    QByteArray state() const { return content(QStringLiteral("Ovrix/TarnelRunner.xml")); }
+    bool until(const std::function<bool()>& condition) {
+        for (int i = 0; i < 400 && !condition(); ++i)
+            desk.waitForFinished(25);
+        return condition();
+    }
+    /// A run over two drawings that has come to its first script.
+    void startRun(const QByteArray& script) {
+        QByteArray files;
+        for (const char* name : {"a.dxf", "b.dxf"}) {
+            const QString path = folder.filePath(QString::fromLatin1(name));
+            ASSERT_TRUE(QFile::copy(QStringLiteral(SAMPLE_FOLDER "/rooms-2000.dxf"), path));
+            QFile(path).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+            files += "<File Status=\"0\">" + path.toUtf8() + "</File>\r\n";
+        }
+        QDir(folder.path()).mkdir(QStringLiteral("Ovrix"));
+        write(QStringLiteral("Ovrix/TarnelRunner.xml"),
+              "<TarnelRunner Version=\"3.0.0\" Build=\"0\">\r\n<Options>\r\n<Script>" + script +
+                  "</Script>\r\n<MaxTime>60</MaxTime>\r\n<AlarmTime>40</AlarmTime>\r\n</Options>\r\n"
+                  "<Files>\r\n" +
+                  files + "</Files>\r\n</TarnelRunner>\r\n");
+        write(QStringLiteral("start.scr"), "(TNL_Start_Batch)\n");
+        start({QStringLiteral("QT_QPA_PLATFORM=offscreen")}, QStringLiteral(DESK_PROGRAM),
+              {QStringLiteral("--load"), QStringLiteral(MODULE_FILE), QStringLiteral("--load"),
+               QStringLiteral(FRAME_MODULE), QStringLiteral("/b"),
+               folder.filePath(QStringLiteral("start.scr"))});
+        ASSERT_TRUE(until([this] { return state().contains("<File Status=\"5\">"); }))
+            << desk.readAllStandardError().toStdString();
+        // Well into the script.
+        desk.waitForFinished(200);
+        ASSERT_EQ(desk.state(), QProcess::Running);
     }
 
     QTemporaryDir folder;
     QProcess desk;
 };
+
+constexpr const char* EndlessScripts[] = {
+    "(while t)\r\n", "(command \"._delay\" 30000)\r\n", "._delay 30000\r\n",
+    "(while t (vl-catch-all-apply (quote (lambda () (while t)))))\r\n",
+    "(entmake (list (cons 0 \"POINT\") (list 10 0 0 0)))\r\n._saveas\r\n"};
 
 TEST_F(DeskTest, WithoutADisplayItSaysSoInOneLine) {
     const char* const displays[] = {"NOTHING=", "DISPLAY=:9999", "QT_QPA_PLATFORM=nowhere"};
@@ -58,6 +108,39 @@ TEST_F(DeskTest, EndsInOrderWhenItIsTold) {
     EXPECT_EQ(desk.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(desk.exitCode(), 128 + SIGTERM);
     EXPECT_TRUE(traced().endsWith("Done")) << "the module was unloaded";
+}
+
+TEST_F(DeskTest, ARunEndsWithTheWindow) {
+    const char* const ways[] = {"close", "quit", "SIGTERM", "SIGTERM over a box"};
+    for (const char* script : EndlessScripts) {
+        for (const QByteArray way : ways) {
+            SCOPED_TRACE(script + (" by " + way.toStdString()));
+            ASSERT_NO_FATAL_FAILURE(startRun(script));
+            if (way.contains("box")) {
+                write(QStringLiteral("do"), "box");
+                ASSERT_TRUE(until([this] { return !QFile::exists(folder.filePath(QStringLiteral("do"))); }));
+                desk.waitForFinished(50);
+            }
+            QElapsedTimer clock;
+            clock.start();
+            if (way.startsWith("SIGTERM"))
+                desk.terminate();
+            else
+                write(QStringLiteral("do"), way);
+            ASSERT_TRUE(desk.waitForFinished(10000));
+            EXPECT_LT(clock.elapsed(), 2000);
+            EXPECT_EQ(desk.exitStatus(), QProcess::NormalExit);
+            EXPECT_EQ(desk.exitCode(), way.startsWith("SIGTERM") ? 128 + SIGTERM : 0);
+            EXPECT_EQ(state().count("<File Status=\"6\">"), 1) << state().toStdString();
+            EXPECT_EQ(state().count("<File Status=\"0\">"), 1) << "what was not begun stays to do";
+            EXPECT_FALSE(state().contains("SysVars")) << "the host's variables are back";
+            EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("Ovrix/script1.scr"))));
+            EXPECT_TRUE(content(QStringLiteral("Ovrix/TNLapp.log")).endsWith("Done"))
+                << "the module was unloaded";
+            for (const QString& name : {QStringLiteral("a.dxf"), QStringLiteral("b.dxf")})
+                QFile::remove(folder.filePath(name));
+        }
+    }
 }
 
 }  // namespace

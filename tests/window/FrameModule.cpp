@@ -1,0 +1,42 @@
+// A module that does to the host's window what a user does, when a file in the data folder asks for it:
+// "close" clicks the window's X, "quit" is the desktop's logout, "box" opens a modal box and leaves it open.
+
+#include "acframe.h"
+#include "rxregsvc.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QTimer>
+
+namespace {
+
+void obey() {
+    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/do"));
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    const QByteArray wanted = file.readAll();
+    file.remove();
+    if (wanted == "close")
+        acedGetAcadFrame()->close();
+    else if (wanted == "quit")
+        QCoreApplication::quit();
+    else if (wanted == "box")
+        QMessageBox::warning(acedGetAcadFrame(), QStringLiteral("Box"), QStringLiteral("Still here?"));
+}
+
+}  // namespace
+
+extern "C" ARX_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void*) {
+    if (message == AcRx::kInitAppMsg) {
+        auto* timer = new QTimer(qApp);
+        QObject::connect(timer, &QTimer::timeout, &obey);
+        timer->start(20);
+    }
+    return AcRx::kRetOK;
+}
+
+extern "C" ARX_EXPORT int acrxGetApiVersion() {
+    return kArxApiVersion;
+}
