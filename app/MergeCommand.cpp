@@ -1,7 +1,6 @@
 #include "app/MergeCommand.h"
 
 #include "app/FolderUse.h"
-#include "app/HostNames.h"
 #include "app/JobFolders.h"
 #include "app/QueueFile.h"
 #include "app/RecordFile.h"
@@ -53,7 +52,7 @@ bool ReadPart(const MergeOptions& options, const std::string& given, Part* part,
                  GoOnCommand(given) + ", or merge with --unfinished";
         return false;
     }
-    RunLedger ledger(state.Entries(), HostNames(folder.Path()));
+    RunLedger ledger(state.Entries());
     std::vector<DrawingRecord> records;
     if (fs::exists(RecordFile(folder))) {
         if (!ReadRecords(RecordFile(folder), &records, error)) {
@@ -154,15 +153,10 @@ bool WriteMerged(const DataFolder& target, const std::vector<Part>& parts,
             return false;
         }
     }
-    HostNames names(target.Path());
-    names.Clear();
     std::vector<QueueEntry> queue;
     queue.reserve(records.size());
     for (const DrawingRecord& record : records) {
-        queue.push_back({names.ForHost(record.Path, error), record.Status});
-        if (queue.back().Path.empty()) {
-            return false;
-        }
+        queue.push_back({record.Path, record.Status});
     }
     return MarkShard(target, std::nullopt, error) && WriteRecords(records, RecordFile(target), error) &&
            WriteQueue(target.StateFile(), parts.front().Folder->StateFile(), queue, error);

@@ -3,7 +3,6 @@
 #include "app/DataFolder.h"
 #include "app/DrawingList.h"
 #include "app/FolderUse.h"
-#include "app/HostNames.h"
 #include "app/JobFolders.h"
 #include "app/QueueFile.h"
 #include "app/RecordFile.h"
@@ -85,18 +84,6 @@ ExitStatus BuildQueue(const RunOptions& options, const DataFolder& folder, std::
     return AllDone;
 }
 
-/// Gives a new queue the names under which the host opens the drawings.
-bool NameForHost(HostNames* names, std::vector<QueueEntry>* queue, std::string* error) {
-    names->Clear();
-    for (QueueEntry& entry : *queue) {
-        entry.Path = names->ForHost(entry.Path, error);
-        if (entry.Path.empty()) {
-            return false;
-        }
-    }
-    return true;
-}
-
 ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
     if (outcome == RunMonitor::Outcome::Interrupted) {
         return Interrupted;
@@ -108,15 +95,14 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
 }
 
 /// What several hosts, or one after the other, have left becomes one queue, one log and one archive.
-bool BringTogether(const DataFolder& folder, const HostNames& names, std::string* error) {
+bool BringTogether(const DataFolder& folder, std::string* error) {
     return GatherJobs(folder, error) &&
-           (!HasLogsAside(folder.Path()) || MergeLogs({folder.Path()}, folder.Path(), error)) &&
-           NameDrawings(folder.Path(), names, error);
+           (!HasLogsAside(folder.Path()) || MergeLogs({folder.Path()}, folder.Path(), error));
 }
 
 /// Works off what waits and brings what is on disk together with what was told.
-RunMonitor::Outcome Work(const DataFolder& folder, const HostNames& names, RunParts parts, RunLedger* ledger,
-                         Progress* progress, Signals* signals) {
+RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunLedger* ledger, Progress* progress,
+                         Signals* signals) {
     std::string error;
     std::vector<const DrawingRecord*> waiting;
     for (const DrawingRecord& record : ledger->Records()) {
@@ -142,7 +128,7 @@ RunMonitor::Outcome Work(const DataFolder& folder, const HostNames& names, RunPa
         ledger->Adopt(*parts.Ledgers[i]);
         complaint = complaint.empty() ? monitors[i]->Complaint() : complaint;
     }
-    if (!BringTogether(folder, names, &error)) {
+    if (!BringTogether(folder, &error)) {
         breakOff(error);
     }
     QueueFile saved;
@@ -167,14 +153,12 @@ RunMonitor::Outcome Work(const DataFolder& folder, const HostNames& names, RunPa
 ExitStatus RunDrawings(const RunOptions& options) {
     std::string error;
     DataFolder folder(options.DataDir);
-    HostNames names(folder.Path());
     MonitorSettings settings;
     std::vector<QueueEntry> queue;
     const auto take = [&] {
         return options.KeepsQueue()
                    ? TakeToGoOn(&folder, options.Resume, &error)
-                   : TakeForNewQueue(&folder, &error) && NameForHost(&names, &queue, &error) &&
-                         MarkShard(folder, options.Share, &error);
+                   : TakeForNewQueue(&folder, &error) && MarkShard(folder, options.Share, &error);
     };
     // Results that wait in the folders of several hosts belong to the queue that is read below.
     const bool first = options.KeepsQueue() && HasJobs(folder);
@@ -188,7 +172,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
     if (options.DryRun) {
         for (const QueueEntry& entry : queue) {
             if (entry.Status == DrawingStatus::ToDo) {
-                std::printf("%s\n", names.ForUser(entry.Path).c_str());
+                std::printf("%s\n", entry.Path.c_str());
             }
         }
         return AllDone;
@@ -208,19 +192,19 @@ ExitStatus RunDrawings(const RunOptions& options) {
     settings.Restart = options.Monitor;
 
     const auto started = RunLedger::Clock::now();
-    RunLedger ledger(queue, names);
+    RunLedger ledger(queue);
     auto outcome = RunMonitor::Outcome::Ended;
     if (const std::size_t waiting = ledger.Count(DrawingStatus::ToDo); waiting > 0) {
         const bool several = options.Jobs > 1 && waiting > 1;
-        RunParts parts = several ? SeveralHosts(options, folder, queue, names, settings, &error)
-                                 : OneHost(options, folder, queue, names, settings);
+        RunParts parts = several ? SeveralHosts(options, folder, queue, settings, &error)
+                                 : OneHost(options, folder, queue, settings);
         if (parts.Ledgers.empty()) {
             return Refuse(BrokenOff, error);
         }
         Signals signals;
         Progress progress(waiting, options.Quiet);
-        outcome = Work(folder, names, std::move(parts), &ledger, &progress, &signals);
-    } else if (!BringTogether(folder, names, &error)) {
+        outcome = Work(folder, std::move(parts), &ledger, &progress, &signals);
+    } else if (!BringTogether(folder, &error)) {
         return Refuse(BrokenOff, error);
     }
     // The run that this one goes on with may have been killed before it had any.

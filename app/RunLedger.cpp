@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-RunLedger::RunLedger(const std::vector<QueueEntry>& queue, const HostNames& names) {
+RunLedger::RunLedger(const std::vector<QueueEntry>& queue) {
     records.reserve(queue.size());
     for (const QueueEntry& entry : queue) {
         indices.emplace(entry.Path, records.size());
-        records.push_back({names.ForUser(entry.Path), entry.Status, {}, {}, {}});
+        records.push_back({entry.Path, entry.Status, {}, {}, {}});
     }
 }
 

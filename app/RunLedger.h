@@ -2,7 +2,6 @@
 // What is known of each drawing of a run while it goes on. Status lines say how far a drawing is; how long it
 // took and the last thing the host said about it stand nowhere on disk and are gathered here.
 #include "app/HostLine.h"
-#include "app/HostNames.h"
 #include "app/QueueFile.h"
 
 #include <chrono>
@@ -27,9 +26,8 @@ class RunLedger {
   public:
     using Clock = std::chrono::steady_clock;
 
-    /// queue holds the drawings in the order of the run, under the names that the host knows; names tells
-    /// the user's.
-    RunLedger(const std::vector<QueueEntry>& queue, const HostNames& names);
+    /// queue holds the drawings in the order of the run.
+    explicit RunLedger(const std::vector<QueueEntry>& queue);
 
     /// Takes a line. The drawings that are settled by it, in order: the one in work before the next began,
     /// and one that was passed over as Locked.

@@ -329,31 +329,6 @@ bool MergeLogs(const std::vector<std::string>& folders, const std::string& targe
     return true;
 }
 
-bool NameDrawings(const std::string& folder, const HostNames& names, std::string* error) {
-    if (!fs::exists(folder + kLog)) {
-        return true;
-    }
-    std::string before;
-    try {
-        before = ReadText(folder + kLog);
-    } catch (const CZipException& failure) {
-        *error = failure.what();
-        return false;
-    }
-    std::string text;
-    std::size_t copied = 0;
-    for (std::size_t at = before.find(kLink); at != std::string::npos; at = before.find(kLink, at + 1)) {
-        const std::string_view drawing = DrawingOf(std::string_view(before).substr(at));
-        if (!drawing.empty()) {
-            const auto start = static_cast<std::size_t>(drawing.data() - before.data());
-            text += before.substr(copied, start - copied) + names.ForUser(std::string(drawing));
-            copied = start + drawing.size();
-        }
-    }
-    text += before.substr(copied);
-    return text == before || WriteText(folder + kLog, text, error);
-}
-
 bool AppendTrace(const std::string& from, const std::string& to, std::string* error) {
     std::ifstream in(from + kTrace, std::ios::binary);
     // Copying nothing would count as a failure.

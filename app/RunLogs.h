@@ -3,7 +3,6 @@
 // module empties its log when a run starts, so what a host that died has written is set aside before the next
 // one starts; and the logs that the host kept of its drawings are packed here, since it cannot do that any
 // more.
-#include "app/HostNames.h"
 
 #include <string>
 #include <vector>
@@ -21,10 +20,6 @@ bool HasLogsAside(const std::string& folder);
 /// in them; target may be one of them. Lines stand in the order of their times. What was set aside in target
 /// is gone afterwards. False with one line, and everything left as it was, when that fails.
 bool MergeLogs(const std::vector<std::string>& folders, const std::string& target, std::string* error);
-
-/// Gives the drawings in a run log the names that the user knows, where the host had others. False with one
-/// line when it cannot be written.
-bool NameDrawings(const std::string& folder, const HostNames& names, std::string* error);
 
 /// Adds the trace in one data folder to that in another. False with one line.
 bool AppendTrace(const std::string& from, const std::string& to, std::string* error);

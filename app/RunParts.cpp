@@ -26,7 +26,7 @@ std::function<void()> KeepLogs(const std::string& folder, const std::string& sta
 }  // namespace
 
 RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std::vector<QueueEntry>& queue,
-                 const HostNames& names, MonitorSettings common) {
+                 MonitorSettings common) {
     std::vector<std::string> drawings;
     drawings.reserve(queue.size());
     for (const QueueEntry& entry : queue) {
@@ -39,14 +39,14 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std:
     common.Resume = RestartCommands(options);
     common.HostDied = KeepLogs(folder.Path(), "");
     RunParts parts;
-    parts.Ledgers.push_back(std::make_unique<RunLedger>(queue, names));
+    parts.Ledgers.push_back(std::make_unique<RunLedger>(queue));
     parts.Settings.push_back(std::move(common));
     return parts;
 }
 
 RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
-                      const std::vector<QueueEntry>& queue, const HostNames& names,
-                      const MonitorSettings& common, std::string* error) {
+                      const std::vector<QueueEntry>& queue, const MonitorSettings& common,
+                      std::string* error) {
     // The whole queue first: it says what waits, should this end between two shares.
     if (!WriteQueue(folder.StateFile(), folder.StateFile(), queue, error) ||
         !WriteSettings(folder.StateFile(), options, error)) {
@@ -76,7 +76,7 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
         settings.Start = ContinueCommands(start);
         settings.Resume = RestartCommands(options);
         settings.HostDied = KeepLogs(data, JobLogs(folder, number));
-        parts.Ledgers.push_back(std::make_unique<RunLedger>(share, names));
+        parts.Ledgers.push_back(std::make_unique<RunLedger>(share));
         parts.Settings.push_back(std::move(settings));
     }
     return parts;

@@ -2,7 +2,6 @@
 // The hosts of a run: one over the data folder itself, or several over shares of the queue. Both give the
 // same things: monitors, each with a ledger, whose records together are those of the queue.
 #include "app/DataFolder.h"
-#include "app/HostNames.h"
 #include "app/RunMonitor.h"
 #include "app/RunOptions.h"
 
@@ -16,10 +15,10 @@ struct RunParts {
 
 /// What does the run with one host.
 RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std::vector<QueueEntry>& queue,
-                 const HostNames& names, MonitorSettings common);
+                 MonitorSettings common);
 
 /// Writes the queue and its shares to the disk, and gives what does the run with several hosts. Empty with
 /// one line when something cannot be written.
 RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
-                      const std::vector<QueueEntry>& queue, const HostNames& names,
-                      const MonitorSettings& common, std::string* error);
+                      const std::vector<QueueEntry>& queue, const MonitorSettings& common,
+                      std::string* error);

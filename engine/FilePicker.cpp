@@ -1,9 +1,11 @@
 #include "engine/FilePicker.h"
 
+#include "engine/HostVariables.h"
+#include "engine/LockMarker.h"
 #include "engine/RunUi.h"
 #include "engine/TarnelData.h"
 #include "log/Trace.h"
-#include "state/FileName.h"
+#include "state/DrawingName.h"
 
 #include <QFile>
 
@@ -14,6 +16,11 @@
 
 namespace {
 
+/// The lock of a drawing that stands twice in the queue is this host's own, which hands it on.
+bool isCurrentDrawing(const QString& path) {
+    return HostTextVariable("DWGPREFIX") + HostTextVariable("DWGNAME") == path;
+}
+
 /// A drawing counts as writable when it can be opened and locked, and has a write bit at all: the system's
 /// administrator could write to one that has none, and still should not.
 bool opensReadWrite(const QString& path) {
@@ -23,19 +30,24 @@ bool opensReadWrite(const QString& path) {
     struct stat status {};
     const bool writable = fstat(handle, &status) == 0 &&
                           (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0 &&
-                          flock(handle, LOCK_EX | LOCK_NB) == 0;
+                          (flock(handle, LOCK_EX | LOCK_NB) == 0 || isCurrentDrawing(path));
     close(handle);
     return writable;
 }
 
-bool exists(const QString& path) {
+/// What is missing or no file is for the host to refuse, which says so.
+bool isFile(const QString& path) {
     struct stat status {};
-    return stat(QFile::encodeName(path).constData(), &status) == 0;
+    return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 /// False when the drawing is to be left alone. Sets OpenReadOnly for one that may be looked at only.
 bool mayBeProcessed(CTarnelData& data, const QString& path) {
     Trace(QStringLiteral("Check if we can open file readwrite: %1\n").arg(path));
+    if (!isFile(path)) {
+        Trace("Could not open\n");
+        return true;
+    }
     if (opensReadWrite(path)) {
         Trace("Good\n");
     } else {
@@ -45,8 +57,7 @@ bool mayBeProcessed(CTarnelData& data, const QString& path) {
         data.OpenReadOnly = true;
     }
     Trace("Check for dwk lock file\n");
-    const CFileName name(path);
-    if (exists(JoinPath(name.GetDirectory(), name.GetName() + QStringLiteral(".dwk")))) {
+    if (HasLockMarker(path)) {
         Trace("Lock file found\n");
         if (!data.ProcessReadOnly)
             return false;
@@ -65,7 +76,7 @@ bool GetNextFile(QString& path) {
             continue;
         path = EntryPath(data, entry);
         data.OpenReadOnly = false;
-        const bool tested = !data.RecoverMode && CFileName(path).GetExt() == QLatin1String(".dwg");
+        const bool tested = !data.RecoverMode && IsEditableDrawingName(path);
         if (tested && !mayBeProcessed(data, path)) {
             data.FileStatus[entry] = Locked;
             CurrentUi().ShowFileStatus(path, FileStatusWord(Locked));

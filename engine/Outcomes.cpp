@@ -8,15 +8,9 @@
 #include "engine/TarnelData.h"
 #include "log/RunLog.h"
 #include "log/Trace.h"
-#include "state/FileName.h"
+#include "state/DrawingName.h"
 
 namespace {
-
-/// The extensions that the host's OPEN takes, in the case in which they must stand.
-bool isDrawing(const QString& extension) {
-    return extension == QLatin1String(".dwg") || extension == QLatin1String(".dwt") ||
-           extension == QLatin1String(".dxf") || extension == QLatin1String(".dws");
-}
 
 /// The leading "_y" drops the changes of the drawing before, the trailing one opens read-only.
 int openDocument(const QString& path, bool modified, bool readOnly) {
@@ -66,7 +60,7 @@ void DoScriptStart() {
     const QString path = EntryPath(data, entry);
     const bool modified = DrawingIsModified();
     int result = RTNORM;
-    if (!data.RecoverMode && isDrawing(CFileName(path).GetExt())) {
+    if (!data.RecoverMode && IsDrawingName(path)) {
         Trace("Open document\n");
         result = openDocument(path, modified, data.OpenReadOnly);
     } else {

@@ -58,12 +58,12 @@ TEST_F(Merge, SharesBecomeOneRunInTheOrderOfTheList) {
     const ProgramResult merged = MergeInto("all", {"three", "one", "two", "--json", "all.json"});
     EXPECT_EQ(merged.Status, 1) << merged.Errors;
     EXPECT_THAT(merged.Out, HasSubstr("7 drawings:  6 Done, 1 FailOpen"));
-    EXPECT_THAT(Queue("all"), testing::ElementsAre("Done p0.dxf", "Done p1.dxf", "Done p2.dxf", "Done p3.dxf",
+    EXPECT_THAT(Queue("all"), testing::ElementsAre("Done p0.dxf", "Done p1.dxf", "Done p2.dxf", "Done p3.DXF",
                                                    "FailOpen p4.dxf", "Done p5.dxf", "Done p6.dxf"));
 
     const auto records = nlohmann::json::parse(Read(Folder / "all.json"));
     ASSERT_EQ(records.size(), 7U);
-    EXPECT_EQ(records[3]["path"], (Folder / "p3.DXF").string()) << "not the name of the link in the share";
+    EXPECT_EQ(records[3]["path"], (Folder / "p3.DXF").string());
     EXPECT_TRUE(records[6]["seconds"].is_number());
     EXPECT_THAT(std::string(records[4]["message"]), HasSubstr("p4.dxf, line 1"));
 

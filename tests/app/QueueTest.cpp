@@ -123,8 +123,7 @@ TEST_F(DrawingList, AQueueOnDiskIsRunInItsSortOrder) {
 TEST(RunLedger, FollowsTheLinesOfARun) {
     RunLedger ledger({{"/a: 1 of 2.dxf", DrawingStatus::ToDo},
                       {"/locked.dwg", DrawingStatus::ToDo},
-                      {"/b.dxf", DrawingStatus::ToDo}},
-                     HostNames("/data"));
+                      {"/b.dxf", DrawingStatus::ToDo}});
     HostListener listener;
     const auto start = RunLedger::Clock::now();
     const auto take = [&](const char* line, int seconds) -> std::string {

@@ -204,11 +204,9 @@ TEST_F(RealRun, InterruptCancelsAndResumeTakesTheRest) {
 }
 
 TEST_F(RealRun, LockedDrawingsArePassedOverOrReadOnly) {
-    // Only drawings with this extension are looked at for locks before they are opened; what stands in them
-    // plays no part in that.
-    const std::string locked = Write("locked.dwg", "AC1032");
+    const std::string locked = CopySample("rooms-2000.dxf", "locked.dxf");
     Write("locked.dwk", "");
-    const std::string writeProtected = Write("protected.dwg", "AC1032");
+    const std::string writeProtected = CopySample("rooms-2000.dxf", "PROTECTED.DXF");
     fs::permissions(writeProtected, fs::perms::owner_read);
     const std::string other = CopySample("garden-2007.dxf", "b.dxf");
     const std::vector<std::string> arguments = {"--script", Script("zoom-save.scr"), locked, writeProtected,
@@ -218,10 +216,29 @@ TEST_F(RealRun, LockedDrawingsArePassedOverOrReadOnly) {
     EXPECT_THAT(Run({"--script", Script("zoom-save.scr"), other, locked}).Out,
                 testing::MatchesRegex("Done     1/2  " + other + "  [0-9.]+ s\nLocked   2/2  " + locked +
                                       "\n(.|\n)*"));
+    const std::string look =
+        Write("look.scr", "(princ (strcat \"looked at \" (getvar \"dwgname\") \"\\n\"))\n");
+    EXPECT_THAT(Run({"--script", look, "--read-only", locked, writeProtected}).Out, HasSubstr("2 Done"));
     std::vector<std::string> readOnly = arguments;
-    readOnly.push_back("--read-only");
-    EXPECT_THAT(Run(readOnly).Out, HasSubstr("1 Done, 2 FailOpen"));
+    readOnly.insert(readOnly.end(), {"--read-only", "--max-time", "2"});
+    const ProgramResult saved = Run(readOnly);
+    EXPECT_THAT(saved.Out, HasSubstr("opened read-only"));
+    EXPECT_EQ(Read(writeProtected), Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf"));
+    EXPECT_EQ(Read(locked), Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf"));
     EXPECT_THAT(Run(arguments).Out, HasSubstr("1 Done, 2 Locked")) << "the option is not kept";
+}
+
+TEST_F(RealRun, AMissingDrawingSaysSoWhateverItsExtension) {
+    const std::string list = Write("l.lst", "gone.dwg\ngone.dxf\nGONE.DXF\n");
+    for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--read-only"}}) {
+        std::vector<std::string> arguments = {"--script", Script("zoom-save.scr"), "--list", list};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const ProgramResult result = Run(arguments);
+        EXPECT_THAT(result.Out, HasSubstr("3 FailOpen"));
+        for (const char* name : {"/gone.dwg: No such", "/gone.dxf: No such", "/GONE.DXF: No such"}) {
+            EXPECT_THAT(result.Out, HasSubstr(name));
+        }
+    }
 }
 
 }  // namespace

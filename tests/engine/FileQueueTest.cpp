@@ -1,12 +1,15 @@
 // The order of the queue and the choice of the next drawing.
 #include "engine/FilePicker.h"
+#include "engine/LockMarker.h"
 #include "tests/engine/RunFixture.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <QFile>
+#include <QSysInfo>
 
 namespace {
 
@@ -52,17 +55,18 @@ TEST_F(RunTest, EntriesKeepTheirFolderWithoutSeparators) {
 }
 
 TEST_F(RunTest, DrawingsThatOthersHoldAreLockedOrReadOnly) {
-    const QString readOnly = MakeFile("ro.dwg");
+    const QString readOnly = MakeFile("ro.DXF");
     chmod(QFile::encodeName(readOnly).constData(), 0444);
     const QString inUse = MakeFile("inuse.dwg");
     const int handle = open(QFile::encodeName(inUse).constData(), O_RDWR | O_CLOEXEC);
     ASSERT_EQ(flock(handle, LOCK_EX), 0);
-    const QString marked = MakeFile("marked.1.dwg");
+    const QString marked = MakeFile("marked.1.dxf");
     MakeFile("marked.1.dwk");
-    const QString missing = Folder() + "/missing.dwg";
+    const QString inUseToo = Folder() + "/inuse.link.Dxf";
+    ASSERT_EQ(symlink(QFile::encodeName(inUse).constData(), QFile::encodeName(inUseToo).constData()), 0);
     const QString free = MakeFile("free.dwg");
     CTarnelData& data = TarnelData();
-    for (const QString& path : {readOnly, inUse, marked, missing, free})
+    for (const QString& path : {readOnly, inUse, marked, inUseToo, free})
         AppendEntry(data, path);
     QString picked;
     MarkTrace();
@@ -87,11 +91,52 @@ TEST_F(RunTest, DrawingsThatOthersHoldAreLockedOrReadOnly) {
     close(handle);
 }
 
-TEST_F(RunTest, OnlyDrawingsInSmallLettersAreTested) {
-    const QString capital = MakeFile("ro.DWG");
-    chmod(QFile::encodeName(capital).constData(), 0444);
+TEST_F(RunTest, MarkersThatNobodyMeansHoldNothingUp) {
+    const auto mark = [&](const QByteArray& text) {
+        QFile marker(MakeFile("a.dwk"));
+        EXPECT_TRUE(marker.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        marker.write(text);
+        marker.close();
+        return HasLockMarker(Folder() + "/a.dxf");
+    };
+    const QByteArray here = "drafthost\n" + QSysInfo::machineHostName().toUtf8() + '\n';
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(0);
+    siginfo_t ended{};
+    ASSERT_EQ(waitid(P_PID, id_t(child), &ended, WEXITED | WNOWAIT), 0);
+    EXPECT_FALSE(mark(here + QByteArray::number(child) + "\n1\n")) << "killed, and not asked for yet";
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    EXPECT_FALSE(mark(here + QByteArray::number(child) + "\n1\n"));
+    EXPECT_FALSE(mark(here + QByteArray::number(getpid()) + "\n1\n")) << "this host's own";
+    EXPECT_FALSE(mark(here + "1\n99999999999\n")) << "a process of the same number, started later";
+    EXPECT_TRUE(mark("drafthost\nelsewhere\n" + QByteArray::number(child) + "\n1\n"));
+    EXPECT_TRUE(mark("somebody\n"));
+    EXPECT_TRUE(mark(""));
+}
+
+TEST_F(RunTest, WhatIsNoFileIsLeftToTheHostToRefuse) {
+    const QString pipe = Folder() + "/pipe.dxf";
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString& path : {Folder() + "/missing.dwg", Folder() + "/missing.DXF", pipe}) {
+        CTarnelData& data = TarnelData();
+        data.FileNames.clear();
+        data.FileDirs.clear();
+        data.FileStatus.clear();
+        data.FileOrder.clear();
+        AppendEntry(data, path);
+        QString picked;
+        ASSERT_TRUE(GetNextFile(picked)) << path.toStdString();
+        EXPECT_EQ(picked, path);
+        EXPECT_FALSE(data.OpenReadOnly);
+    }
+}
+
+TEST_F(RunTest, OnlyDrawingsThatAreEditedAreTested) {
+    const QString standards = MakeFile("ro.DWS");
+    chmod(QFile::encodeName(standards).constData(), 0444);
     CTarnelData& data = TarnelData();
-    for (const QString& path : {capital, Folder() + "/missing.dxf", Folder() + "/missing.dwg"})
+    for (const QString& path : {standards, Folder() + "/missing.dwt", Folder() + "/missing.dwg"})
         AppendEntry(data, path);
     QString picked;
     MarkTrace();
