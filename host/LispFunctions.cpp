@@ -6,12 +6,7 @@
 #include "engine/Outcomes.h"
 #include "host/LispSettings.h"
 
-#include <QStringList>
-
 namespace {
-
-/// Every name that was ever registered; its length is the code of the next.
-QStringList registeredNames;
 
 /// The host's form of a function: no arguments and the host's result code.
 template <void (*Function)()>
@@ -53,16 +48,10 @@ constexpr LispFunction Functions[] = {
 }  // namespace
 
 void RegisterLispFunctions() {
+    int code = 0;
     for (const LispFunction& function : Functions) {
-        const QString name = QString::fromLatin1(function.Name);
-        registeredNames.append(name);
-        // The host reads codes as 16 bits.
-        const auto code = static_cast<Adesk::Int16>(registeredNames.size());
-        acedDefun(HostText(name), code);
+        ++code;
+        acedDefun(HostText(QString::fromLatin1(function.Name)), code);
         acedRegFunc(function.Function, code);
     }
-}
-
-void ResetLispFunctions() {
-    registeredNames.clear();
 }

@@ -74,7 +74,6 @@ void printState(const char* what) {
 
 void StartModule() {
     ResetRun();
-    ResetLispFunctions();
     context = std::make_unique<ModuleContext>();
     acDocManagerPtr()->pushResourceHandle();
     makeDataDir();

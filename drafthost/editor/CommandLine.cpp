@@ -1,5 +1,6 @@
 #include "drafthost/editor/CommandLine.h"
 
+#include <algorithm>
 #include <QObject>
 #include <QTimer>
 
@@ -34,8 +35,18 @@ CommandLine::CommandLine(Host& host, Document& document)
 
 CommandLine::~CommandLine() = default;
 
+bool CommandLine::atPrompt() const {
+    return depthHere() == 0;
+}
+
+std::size_t CommandLine::depthHere() const {
+    const auto innermost =
+        std::find_if(active_.rbegin(), active_.rend(), [](const auto& active) { return active->ofModule; });
+    return std::size_t(innermost - active_.rbegin());
+}
+
 InputKind CommandLine::wants() const {
-    if (active_.empty()) {
+    if (atPrompt()) {
         return InputKind::Command;
     }
     auto* question = const_cast<Active&>(*active_.back()).context.state().question;
@@ -43,10 +54,10 @@ InputKind CommandLine::wants() const {
 }
 
 std::string CommandLine::prompt() const {
-    if (active_.empty()) {
+    if (atPrompt()) {
         return "Command: ";
     }
-    std::string text = active_.size() > 1 ? ">>" : "";
+    std::string text = hasTransparent() ? ">>" : "";
     auto* question = const_cast<Active&>(*active_.back()).context.state().question;
     return text + (question ? question->fullPrompt() : "");
 }
@@ -54,14 +65,8 @@ std::string CommandLine::prompt() const {
 bool CommandLine::isDelaying() const {
     return !active_.empty() && active_.back()->delay != 0;
 }
-bool CommandLine::isRunning() const {
-    return !active_.empty() && active_.back()->running;
-}
-bool CommandLine::hasTransparent() const {
-    return active_.size() > 1;
-}
 bool CommandLine::hasModuleCommand() const {
-    return !active_.empty() && active_.back()->ofModule;
+    return depthHere() < active_.size();
 }
 
 InputSource CommandLine::source() const {
@@ -103,6 +108,8 @@ Outcome CommandLine::run(const ModuleCommand& command, InputSource source) {
     }
     host_.notify([&](HostObserver& observer) { observer.commandWillStart(active.name); });
     bool done = host_.modules().guarded(command.module, [&] { command.function(); });
+    while (active_.back().get() != &active && cancel()) {
+    }
     active.context.state().failed = !done;
     return finish();
 }

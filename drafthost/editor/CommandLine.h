@@ -32,8 +32,9 @@ class CommandLine {
     CommandLine(const CommandLine&) = delete;
     CommandLine& operator=(const CommandLine&) = delete;
 
-    /// No command is active.
-    bool atPrompt() const { return active_.empty(); }
+    /// The next input is the name of a command: none is active, or a module's own command runs, which can
+    /// call others.
+    bool atPrompt() const;
     /// How many commands are active.
     std::size_t depth() const { return active_.size(); }
     /// How the next input is to be cut.
@@ -42,17 +43,15 @@ class CommandLine {
     std::string prompt() const;
     /// The innermost command waits for time to pass and takes no input.
     bool isDelaying() const;
-    /// The innermost command runs on the stack and cannot be cancelled from outside.
-    bool isRunning() const;
     /// Who called the innermost command.
     InputSource source() const;
     /// "LINE'ZOOM": active and transparent names.
     std::string names() const;
-    bool hasTransparent() const;
+    bool hasTransparent() const { return depthHere() > 1; }
     bool hasModuleCommand() const;
 
     Outcome start(const CommandEntry& entry, std::string_view calledAs, InputSource source, bool more);
-    /// Runs a module's command to its end.
+    /// Runs a module's command to its end. Commands that it called and left unfinished are cancelled then.
     Outcome run(const ModuleCommand& command, InputSource source);
     Outcome answer(const Input& input, bool more);
     /// Cancels the innermost command; false when there is none that can be.
@@ -68,6 +67,8 @@ class CommandLine {
 
     Outcome resume(Active& active, std::coroutine_handle<> handle);
     Outcome finish();
+    /// How many commands are active without those that a module's running command stands between.
+    std::size_t depthHere() const;
     void startDelay(Active& active);
 
     Host& host_;

@@ -96,7 +96,7 @@ Outcome InputStream::transparent(Document& document, std::string_view typed, Inp
     }
     if (!entry && host_.variables().find(word.name)) {
         entry = host_.commands().find("SETVAR");
-        if (entry && line.depth() == 1) {
+        if (entry && !line.hasTransparent()) {
             Outcome begun = line.start(*entry, entry->name, source, true);
             return begun == Outcome::Ok ? line.answer(Input::fromText(word.name), false) : begun;
         }
@@ -105,7 +105,7 @@ Outcome InputStream::transparent(Document& document, std::string_view typed, Inp
         host_.printLine("Unknown command \"" + word.name + "\".");
         return Outcome::Rejected;
     }
-    if (!(entry->flags & CommandTransparent) || line.depth() > 1) {
+    if (!(entry->flags & CommandTransparent) || line.hasTransparent()) {
         host_.printLine(entry->name + " cannot be used while " + line.names() + " is active.");
         return Outcome::Rejected;
     }

@@ -95,7 +95,7 @@ bool Document::saveTo(const std::string& path, bool takeName, const Writer& writ
 }
 
 bool Document::isQuiescent() const {
-    return commandLine_->atPrompt() && !lisp_->world().evaluating();
+    return commandLine_->depth() == 0 && !lisp_->world().evaluating();
 }
 
 void Document::startLog() {

@@ -336,7 +336,7 @@ unsigned InputStream::activeBits() const {
     unsigned bits = 0;
     if (Document* document = host_.current()) {
         const CommandLine& line = document->commandLine();
-        bits |= line.atPrompt() ? 0 : 1;
+        bits |= line.depth() == 0 ? 0 : 1;
         bits |= line.hasTransparent() ? 2 : 0;
         bits |= line.hasModuleCommand() ? 64 : 0;
     }

@@ -134,6 +134,23 @@ TEST_F(ModuleTest, CommandsAskWhoeverCalledThem) {
     EXPECT_EQ(host.script().state(), ScriptReader::State::Suspended);
 }
 
+TEST_F(ModuleTest, ItsCommandsCallOthersAndCanLeaveTheDrawing) {
+    load();
+    const std::string second = drawing("second.dxf");
+    type("nest\npair a b\n");
+    EXPECT_THAT(output, HasSubstr("nested: 5100 -5001 5100 5100\n"));
+    EXPECT_THAT(notes(), ElementsAre("from+module", "half+done", "a+b")) << "what it left open is cancelled";
+    for (const char* sdi : {"0", "1"}) {
+        notes().clear();
+        host.openDocument(drawing("first.dxf"), OpenMode::ReadWrite);
+        type("(setvar \"SDI\" " + std::string(sdi) + ")\nleave " + second +
+             "\npair c d\n(command \"NEST\")\n");
+        EXPECT_EQ(host.current()->title(), "second.dxf");
+        EXPECT_THAT(notes(), ElementsAre("in+second", "c+d", "from+module", "half+done"));
+        EXPECT_EQ(names(), "");
+    }
+}
+
 TEST_F(ModuleTest, ADrawingIsReplacedUnderRunningLisp) {
     load();
     host.variables().set("SDI", 1, output);

@@ -164,6 +164,24 @@ void askCommand() {
     acutPrintf(u"\n");
 }
 
+/// Calls other commands, and leaves one unfinished.
+void nestCommand() {
+    const int done = acedCommand(RTSTR, u"PAIR", RTSTR, u"from", RTSTR, u"module", RTNONE);
+    const int unknown = acedCommand(RTSTR, u"NOSUCH", RTNONE);
+    const int begun = acedCommand(RTSTR, u"PAIR", RTSTR, u"half", RTNONE);
+    const int ended = acedCommand(RTSTR, u"done", RTNONE);
+    acutPrintf(u"nested: %d %d %d %d\n", done, unknown, begun, ended);
+    acedCommand(RTSTR, u"PAIR", RTSTR, u"left", RTNONE);
+}
+
+/// Changes the drawing under itself.
+void leaveCommand() {
+    ACHAR path[512];
+    acedGetString(0, u"\nTo? ", path, 512);
+    acedCommand(RTSTR, u"LOAD", RTSTR, path, RTNONE);
+    acedCommand(RTSTR, u"PAIR", RTSTR, u"in", RTSTR, u"second", RTNONE);
+}
+
 void closeCommand() {
     acDocManagerPtr()->executeInApplicationContext(closeOthers, nullptr);
 }
@@ -189,6 +207,8 @@ extern "C" ARX_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, 
         linker->unlockApplication(appId);
         linker->registerAppMDIAware(appId);
         acedRegCmdsPtr()->addCommand(u"TESTS", u"ASK", u"ASK", ACRX_CMD_MODAL, askCommand);
+        acedRegCmdsPtr()->addCommand(u"TESTS", u"NEST", u"NEST", ACRX_CMD_MODAL, nestCommand);
+        acedRegCmdsPtr()->addCommand(u"TESTS", u"LEAVE", u"LEAVE", ACRX_CMD_MODAL, leaveCommand);
         acedRegCmdsPtr()->addCommand(u"TESTS", u"CLOSEOTHERS", u"CLOSEOTHERS", ACRX_CMD_SESSION,
                                      closeCommand);
         acedEditorPtr()->addReactor(&watcher);
