@@ -1,16 +1,18 @@
 #include "app/DrawingList.h"
 
+#include "app/InputFile.h"
 #include "app/QueueFile.h"
+#include "state/DrawingName.h"
 #include "state/FileName.h"
 #include "state/GroupList.h"
-#include "state/StdioFileEx.h"
+#include "state/UserText.h"
 
 #include <fnmatch.h>
 #include <strings.h>
+#include <sys/stat.h>
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
+#include <map>
 #include <QString>
 #include <unordered_set>
 
@@ -40,11 +42,17 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
-/// Collects while keeping each path once.
+/// Collects while keeping each drawing once, by its path and by what it is on the disk.
 class Queue {
   public:
+    explicit Queue(std::vector<std::string>* notes) : notes(notes) {}
+
     bool Add(const fs::path& path, std::string* error) {
         std::string absolute = fs::absolute(path).lexically_normal().string();
+        // What may still be a folder.
+        while (absolute.size() > 1 && absolute.ends_with('/')) {
+            absolute.pop_back();
+        }
         if (!IsUtf8(absolute)) {
             *error = absolute + ": the name is not UTF-8 and cannot be given to the host; rename the file";
             return false;
@@ -53,17 +61,29 @@ class Queue {
     }
     /// A path of another system stays as it is: it names nothing here, and the user must know it again.
     bool AddForeign(std::string path) {
-        if (seen.insert(path).second) {
-            paths.push_back(std::move(path));
+        if (!seen.insert(path).second) {
+            return true;
         }
+        struct stat status {};
+        if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+            const auto [other, isNew] = files.try_emplace({status.st_dev, status.st_ino}, paths.size());
+            if (!isNew) {
+                notes->push_back(path + ": is the same file as " + paths[other->second] +
+                                 "; it is taken once, under that name");
+                return true;
+            }
+        }
+        paths.push_back(std::move(path));
         return true;
     }
     std::vector<std::string> Take() { return std::move(paths); }
     bool IsEmpty() const { return paths.empty(); }
 
   private:
+    std::vector<std::string>* notes;
     std::vector<std::string> paths;
     std::unordered_set<std::string> seen;
+    std::map<std::pair<dev_t, ino_t>, std::size_t> files;
 };
 
 bool LessIgnoringCase(const fs::path& left, const fs::path& right) {
@@ -71,24 +91,36 @@ bool LessIgnoringCase(const fs::path& left, const fs::path& right) {
     return order != 0 ? order < 0 : left < right;
 }
 
+bool IsHidden(const fs::path& path) {
+    return path.filename().string().starts_with('.');
+}
+
 bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, std::string* error) {
     std::vector<fs::path> found;
     std::error_code failure;
+    // A folder that is gone into is no entry; every other thing of a drawing's name is told of in the end.
     const auto consider = [&](const fs::directory_entry& entry) {
         std::error_code ignored;
-        if (entry.is_regular_file(ignored) && MatchesMask(entry.path().filename().string(), options.Mask)) {
+        const bool isEntered = options.Recurse && entry.is_directory(ignored);
+        if (!isEntered && MatchesMask(entry.path().filename().string(), options.Mask)) {
             found.push_back(entry.path());
         }
     };
     if (options.Recurse) {
         for (fs::recursive_directory_iterator walk(folder, failure), end; !failure && walk != end;
              walk.increment(failure)) {
-            consider(*walk);
+            if (!options.Hidden && IsHidden(walk->path())) {
+                walk.disable_recursion_pending();
+            } else {
+                consider(*walk);
+            }
         }
     } else {
         for (fs::directory_iterator walk(folder, failure), end; !failure && walk != end;
              walk.increment(failure)) {
-            consider(*walk);
+            if (options.Hidden || !IsHidden(walk->path())) {
+                consider(*walk);
+            }
         }
     }
     if (failure) {
@@ -105,59 +137,109 @@ bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, 
                        [&](const fs::path& path) { return queue->Add(path, error); });
 }
 
-/// The entries of a list as they stand there, by the form that its extension tells.
-bool ReadList(const std::string& list, const QString& folder, std::vector<QString>* entries,
-              std::string* error) {
-    const QString path = QString::fromStdString(list);
-    const QString extension = CFileName(path).GetExt().toLower();
-    if (!std::ifstream(list) || fs::is_directory(list)) {
-        *error = list + ": the list cannot be read: " +
-                 (fs::is_directory(list) ? "Is a directory" : std::strerror(errno));
+bool ReadSavedQueue(const std::string& list, std::vector<QString>* entries, std::string* error) {
+    QueueFile saved;
+    if (!saved.Load(list, error)) {
         return false;
     }
-    if (extension == u".xml") {
-        QueueFile saved;
-        if (!saved.Load(list, error)) {
-            return false;
-        }
-        for (const QueueEntry& entry : saved.Entries()) {
-            entries->push_back(QString::fromStdString(entry.Path));
-        }
-        return true;
-    }
-    if (CStdioFileEx::HasWideMark(path)) {
-        *error = list + ": the list is UTF-16; save it as UTF-8 or in a narrow encoding";
-        return false;
-    }
-    if (extension != u".grp") {
-        return ReadPathList(path, folder, entries) == GroupListError::None;
-    }
-    ScriptFileGroup group;
-    if (ReadScriptFileGroup(path, &group) != GroupListError::None) {
-        *error = list + ": the first line is not that of a script file of an earlier version";
-        return false;
-    }
-    for (const ScriptFileGroup::Entry& entry : group.Entries) {
-        entries->push_back(entry.Path);
+    for (const QueueEntry& entry : saved.Entries()) {
+        entries->push_back(QString::fromStdString(entry.Path));
     }
     return true;
 }
 
-/// Relative paths are taken from the list's own folder, so that a list can be kept beside its drawings.
-bool AddList(const std::string& list, Queue* queue, std::string* error) {
-    const fs::path folder = fs::absolute(list).parent_path();
-    const QString folderText = QString::fromStdString(folder.string());
-    std::vector<QString> entries;
-    if (!ReadList(list, folderText, &entries, error)) {
+/// Names that end in NUL, as other programs print them: each is a path as it stands, whatever it holds.
+std::vector<QString> NamesOf(QByteArrayView bytes, QString* note) {
+    std::vector<QString> names;
+    while (!bytes.isEmpty()) {
+        const qsizetype end = bytes.indexOf('\0');
+        const UserText name = DecodeUserText(bytes.first(end < 0 ? bytes.size() : end));
+        bytes = bytes.sliced(end < 0 ? bytes.size() : end + 1);
+        if (note->isEmpty() && name.ForeignLine != 0) {
+            *note = QStringLiteral(
+                        "name %1 is not in the locale's encoding; it and others like it are read "
+                        "as Windows code page %2")
+                        .arg(names.size() + 1)
+                        .arg(WindowsPage());
+        }
+        names.push_back(name.Text);
+    }
+    return names;
+}
+
+struct List {
+    std::vector<QString> Entries;
+    /// Where relative paths start.
+    fs::path Folder;
+    QString Note;
+};
+
+/// The entries of a list as they stand there, by the form that its extension tells.
+bool ReadList(const std::string& name, bool nullEnds, List* list, std::string* error) {
+    const QString extension = CFileName(QString::fromStdString(name)).GetExt().toLower();
+    if (extension == u".xml") {
+        return ReadSavedQueue(name, &list->Entries, error);
+    }
+    QByteArray bytes;
+    if (!ReadInput(name, &bytes, error)) {
         return false;
     }
-    return std::all_of(entries.begin(), entries.end(), [&](const QString& entry) {
+    if (nullEnds) {
+        list->Entries = NamesOf(bytes, &list->Note);
+        return true;
+    }
+    const UserText text = DecodeUserText(bytes);
+    list->Note = text.BadLine != 0 ? text.Fault() : text.Note();
+    if (extension == u".grp") {
+        ScriptFileGroup group;
+        if (ScriptFileGroupOfText(text.Text, &group) != GroupListError::None) {
+            *error = name + ": the first line is not that of a script file of an earlier version";
+            return false;
+        }
+        for (const ScriptFileGroup::Entry& entry : group.Entries) {
+            list->Entries.push_back(entry.Path);
+        }
+        return true;
+    }
+    if (text.Text.contains(QChar(u'\0'))) {
+        *error = name + ": holds NULs, so it is no list of lines; --null reads names that end in NUL";
+        return false;
+    }
+    list->Entries = PathsOfList(text.Text, QString::fromStdString(list->Folder.string()));
+    return true;
+}
+
+/// Relative paths are taken from the list's own folder, so that a list can be kept beside its drawings; those
+/// from a pipe from the current one.
+bool AddList(const std::string& name, const RunOptions& options, Queue* queue,
+             std::vector<std::string>* notes, std::string* error) {
+    std::error_code failure;
+    List list;
+    list.Folder = fs::is_regular_file(name, failure) && !IsStandardInput(name)
+                      ? fs::absolute(name).parent_path()
+                      : fs::current_path();
+    if (!ReadList(name, options.NullEnds, &list, error)) {
+        return false;
+    }
+    if (!list.Note.isEmpty()) {
+        notes->push_back(name + ": " + list.Note.toStdString());
+    }
+    const QString folder = QString::fromStdString(list.Folder.string());
+    return std::all_of(list.Entries.begin(), list.Entries.end(), [&](const QString& entry) {
         if (entry.isEmpty()) {
             return true;
         }
-        return IsWindowsPath(entry) ? queue->AddForeign(entry.toStdString())
-                                    : queue->Add(folder / LocalPath(entry, folderText).toStdString(), error);
+        if (IsWindowsPath(entry) && !options.NullEnds) {
+            return queue->AddForeign(entry.toStdString());
+        }
+        const QString local = options.NullEnds ? entry : LocalPath(entry, folder);
+        return queue->Add(list.Folder / local.toStdString(), error);
     });
+}
+
+/// A folder whose name is a drawing's is most likely taken for one; with a slash behind it, it is meant.
+bool IsMeantAsFolder(const std::string& name) {
+    return name.ends_with('/') || !IsDrawingName(QString::fromStdString(name));
 }
 
 }  // namespace
@@ -177,8 +259,9 @@ bool MatchesMask(std::string_view name, std::string_view masks) {
     return false;
 }
 
-std::vector<std::string> CollectDrawings(const RunOptions& options, std::string* error) {
-    Queue queue;
+std::vector<std::string> CollectDrawings(const RunOptions& options, std::vector<std::string>* notes,
+                                         std::string* error) {
+    Queue queue(notes);
     for (const std::string& name : options.Drawings) {
         std::error_code failure;
         const fs::file_status status = fs::status(name, failure);
@@ -186,12 +269,13 @@ std::vector<std::string> CollectDrawings(const RunOptions& options, std::string*
             *error = name + ": " + (failure ? failure.message() : "No such file or directory");
             return {};
         }
-        if (!(fs::is_directory(status) ? AddFolder(name, options, &queue, error) : queue.Add(name, error))) {
+        if (!(fs::is_directory(status) && IsMeantAsFolder(name) ? AddFolder(name, options, &queue, error)
+                                                                : queue.Add(name, error))) {
             return {};
         }
     }
     for (const std::string& list : options.Lists) {
-        if (!AddList(list, &queue, error)) {
+        if (!AddList(list, options, &queue, notes, error)) {
             return {};
         }
     }

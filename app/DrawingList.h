@@ -12,5 +12,7 @@
 bool MatchesMask(std::string_view name, std::string_view masks);
 
 /// The queue for the options. Empty with one line in error when something named is not there, a folder holds
-/// no drawing, or nothing was named at all.
-std::vector<std::string> CollectDrawings(const RunOptions& options, std::string* error);
+/// no drawing, or nothing was named at all. A drawing that is reached by two names is taken once. notes gets
+/// a line for each thing that the user should know and that stops nothing.
+std::vector<std::string> CollectDrawings(const RunOptions& options, std::vector<std::string>* notes,
+                                         std::string* error);

@@ -73,7 +73,13 @@ ExitStatus BuildQueue(const RunOptions& options, const DataFolder& folder, std::
         ApplyRetry(options.Retry, queue);
         return AllDone;
     }
-    const std::vector<std::string> drawings = CollectDrawings(options, &error);
+    std::vector<std::string> notes;
+    const std::vector<std::string> drawings = CollectDrawings(options, &notes, &error);
+    for (const std::string& note : notes) {
+        if (!options.Quiet) {
+            std::fprintf(stderr, "tarnel: %s\n", note.c_str());
+        }
+    }
     if (drawings.empty()) {
         return Refuse(WrongUsage, error);
     }

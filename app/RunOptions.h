@@ -23,6 +23,10 @@ struct RunOptions {
     /// Masks for folders, separated by commas.
     std::string Mask = "*.dxf,*.dwg";
     bool Recurse = false;
+    /// Of folders also what begins with a dot.
+    bool Hidden = false;
+    /// Names in lists end in NUL instead of a line end.
+    bool NullEnds = false;
     /// Seconds; 0 is no limit. Without a value a new run takes 60 and 40, a resumed one what it had.
     std::optional<unsigned> MaxTime;
     std::optional<unsigned> AlarmTime;

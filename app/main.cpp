@@ -4,6 +4,7 @@
 #include "app/MergeCommand.h"
 #include "app/RunCommand.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -17,17 +18,20 @@ constexpr const char* kFooter =
 void DeclareRun(CLI::App* run, RunOptions* options) {
     run->footer(kFooter);
     run->add_option("drawings", options->Drawings, "Drawings, and folders with drawings");
-    run->add_option("-s,--script", options->Script, "The script of host commands for each drawing")
+    run->add_option("-s,--script", options->Script,
+                    "The script of host commands for each drawing; - is standard input")
         ->type_name("FILE");
     run->add_option("-l,--list", options->Lists,
                     "Take drawings from a list: one path a line, a saved queue (.xml), or a group file\n"
-                    "of an earlier version (.grp)")
+                    "of an earlier version (.grp); - is standard input")
         ->type_name("FILE")
         ->allow_extra_args(false);
     run->add_option("--mask", options->Mask, "Which files of a folder, any case")
         ->type_name("MASKS")
         ->capture_default_str();
     run->add_flag("-r,--recurse", options->Recurse, "Folders with all folders under them");
+    run->add_flag("--hidden", options->Hidden, "Of folders also files and folders that begin with a dot");
+    run->add_flag("-0,--null", options->NullEnds, "Names in lists end in NUL, as find -print0 writes them");
     run->add_option("--max-time", options->MaxTime,
                     "Seconds before a drawing is given up as Timeout; 0 never [60]")
         ->type_name("SECONDS");
@@ -102,6 +106,9 @@ std::string CheckUsage(const RunOptions& options) {
     }
     if (options.KeepsQueue() && !(options.Drawings.empty() && options.Lists.empty())) {
         return "--resume and --retry take the drawings of the last run; name none";
+    }
+    if (std::count(options.Lists.begin(), options.Lists.end(), "-") + (options.Script == "-" ? 1 : 0) > 1) {
+        return "standard input can be read only once; give - to --script or to one --list";
     }
     if (!options.KeepsQueue() && options.Script.empty()) {
         return "a script is needed: --script FILE";

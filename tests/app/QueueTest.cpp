@@ -24,9 +24,11 @@ class DrawingList : public ProgramTest {
   protected:
     std::vector<std::string> Collect(RunOptions options) {
         Error.clear();
-        return CollectDrawings(options, &Error);
+        Notes.clear();
+        return CollectDrawings(options, &Notes, &Error);
     }
     std::string Error;
+    std::vector<std::string> Notes;
 };
 
 TEST_F(DrawingList, TakesEachDrawingOnceInTheOrderGiven) {
@@ -84,14 +86,17 @@ TEST_F(DrawingList, ReadsListsMadeOnOtherSystemsAndByEarlierVersions) {
                 ElementsAre(folder + "Sub/A.dxf", "/b.dxf"));
     EXPECT_THAT(read("g.grp", "a.dxf\n"), IsEmpty());
     EXPECT_THAT(Error, testing::HasSubstr("g.grp: the first line is not"));
-    EXPECT_THAT(read("u16.txt", std::string("\xFF\xFE/\0a\0", 6)), IsEmpty());
-    EXPECT_THAT(Error, testing::HasSubstr("u16.txt: the list is UTF-16"));
+    EXPECT_THAT(read("u16.txt", std::string("\xFF\xFE/\0\xE4\0", 6)), ElementsAre("/ä"));
+    // One line from elsewhere leaves the others as they are.
+    EXPECT_THAT(read("mixed.txt", "/gr\xFCn.dxf\n/gr\xC3\xBCn2.dxf\n"),
+                ElementsAre("/grün.dxf", "/grün2.dxf"));
+    EXPECT_THAT(Notes, ElementsAre(testing::HasSubstr("mixed.txt: line 1 is not in UTF-8")));
     EXPECT_THAT(read("x.xml", "a.dxf\n"), IsEmpty());
     EXPECT_THAT(Error, testing::HasSubstr("x.xml: does not hold the state of a run"));
     RunOptions options;
     options.Lists = {Folder};
     EXPECT_THAT(Collect(options), IsEmpty());
-    EXPECT_THAT(Error, testing::HasSubstr("the list cannot be read: Is a directory"));
+    EXPECT_THAT(Error, testing::HasSubstr("cannot be read: Is a directory"));
 }
 
 TEST_F(DrawingList, AQueueOnDiskIsRunInItsSortOrder) {

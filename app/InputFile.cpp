@@ -1,0 +1,71 @@
+#include "app/InputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+/// A million long paths are a quarter of that.
+constexpr qsizetype kLargest = qsizetype{256} << 20;
+constexpr std::string_view kTooLarge = "holds more than 256 MB, which is no script and no list";
+
+/// Empty, or why it cannot be read.
+std::string ReadAll(int descriptor, QByteArray* bytes) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) {
+        return std::strerror(errno);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return "Is a directory";
+    }
+    if (S_ISREG(status.st_mode) && status.st_size > kLargest) {
+        return std::string(kTooLarge);
+    }
+    constexpr qsizetype block = qsizetype{64} << 10;
+    qsizetype used = 0;
+    for (;;) {
+        if (used == bytes->size()) {
+            bytes->resize(std::max(block, used * 2));
+        }
+        const ssize_t got =
+            read(descriptor, bytes->data() + used, static_cast<std::size_t>(bytes->size() - used));
+        if (got < 0 && errno != EINTR) {
+            return std::strerror(errno);
+        }
+        if (got == 0) {
+            break;
+        }
+        used += std::max<ssize_t>(got, 0);
+        if (used > kLargest) {
+            return std::string(kTooLarge);
+        }
+    }
+    bytes->resize(used);
+    return {};
+}
+
+}  // namespace
+
+bool IsStandardInput(const std::string& name) {
+    return name == "-";
+}
+
+bool ReadInput(const std::string& name, QByteArray* bytes, std::string* error) {
+    bytes->clear();
+    const bool isStandard = IsStandardInput(name);
+    const int descriptor = isStandard ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    const std::string cause = descriptor < 0 ? std::strerror(errno) : ReadAll(descriptor, bytes);
+    if (descriptor >= 0 && !isStandard) {
+        close(descriptor);
+    }
+    if (!cause.empty()) {
+        *error = (isStandard ? std::string("standard input") : name) + ": cannot be read: " + cause;
+        bytes->clear();
+    }
+    return cause.empty();
+}

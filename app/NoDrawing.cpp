@@ -1,0 +1,21 @@
+#include "app/NoDrawing.h"
+
+#include "state/DrawingName.h"
+
+#include <sys/stat.h>
+#include <QString>
+
+std::string WhyNoDrawing(const std::string& path, bool anyName) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        const char* kind = S_ISDIR(status.st_mode)    ? "a folder"
+                           : S_ISFIFO(status.st_mode) ? "a pipe"
+                           : S_ISSOCK(status.st_mode) ? "a socket"
+                                                      : "a device";
+        return std::string("is ") + kind + ", no drawing";
+    }
+    if (!anyName && !IsDrawingName(QString::fromStdString(path))) {
+        return "is no drawing by its name, which ends in none of .dxf, .dwg, .dwt and .dws";
+    }
+    return {};
+}
