@@ -3,6 +3,7 @@
 #include "acedads.h"
 #include "acframe.h"
 #include "engine/Batch.h"
+#include "engine/FileInWork.h"
 #include "engine/HostVariables.h"
 #include "engine/Restartable.h"
 #include "engine/RunState.h"
@@ -114,9 +115,17 @@ bool DoStartBatch() {
         ResolveStateFile();
     Trace("LoadState\n");
     LoadRunState();
+    const FileInWork inWork(data);
     BuildFileOrder(data);
+    inWork.FindAgain(data);
+    Run().AwaitsItsScript = false;
     if (!data.BatchRunning) {
         data.BatchRunning = true;
+        // The host died in the run before; what it had set is not what this run must put back.
+        if (data.SysVarsSaved) {
+            Trace("Restoring Sys Vars\n");
+            ResetSystemVars();
+        }
         if (!prepareRun())
             return false;
         SyncState();

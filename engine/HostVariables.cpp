@@ -1,8 +1,10 @@
 #include "engine/HostVariables.h"
 
+#include "engine/RunState.h"
 #include "engine/TarnelData.h"
 #include "log/Trace.h"
 #include "state/FileName.h"
+#include "state/StateFile.h"
 
 namespace {
 
@@ -39,6 +41,17 @@ void ResetSystemVars() {
         data.SavedSysVars[i].Clear();
     }
     data.SysVarsSaved = false;
+}
+
+void RestoreLeftSystemVars() {
+    CTarnelData left;
+    const QString file = DataFile(QStringLiteral("TarnelRunner.xml"));
+    LoadState(left, &file, 1);
+    if (!left.SysVarsSaved)
+        return;
+    for (std::size_t i = 0; i < left.SavedSysVars.size(); ++i)
+        if (!left.SavedSysVars[i].IsEmpty())
+            left.SavedSysVars[i].SetVar(left.SysVarNames[i]);
 }
 
 QString HostTextVariable(const char* name) {

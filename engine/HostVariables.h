@@ -11,6 +11,9 @@ enum SystemVarBits { SdiVar = 1, CmddiaVar = 2, FilediaVar = 4, CmdechoVar = 8 }
 void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi);
 /// Sets back every kept value; nothing when none are kept.
 void ResetSystemVars();
+/// Sets the host to the values that a run of a host that died has left in the state file. For the module's
+/// start: until the user gives the command, nothing else would.
+void RestoreLeftSystemVars();
 /// Text of a system variable of the host, empty for one that is unknown or no text.
 QString HostTextVariable(const char* name);
 /// Whether the current drawing has unsaved changes.

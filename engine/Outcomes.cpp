@@ -31,16 +31,30 @@ int newDocument(bool modified) {
     return acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T(""), RTNONE);
 }
 
+/// The file in work is settled, and the next one is picked. What is left of the script must not settle that
+/// one too, be it behind the call in the same expression or in a file that no next script has taken over.
+bool goOn() {
+    Run().AwaitsItsScript = true;
+    const bool goesOn = DoNextFile();
+    if (!goesOn)
+        Run().AwaitsItsScript = false;
+    return goesOn;
+}
+
 /// The shape that the reports of a failure share. True when the run goes on.
-bool endFile(const char* trace, FileStatusValue status) {
+bool endFile(const char* trace, FileStatusValue status, bool byTime = false) {
     Trace(trace);
+    if (Run().AwaitsItsScript && !byTime) {
+        acedRetT();
+        return true;
+    }
     // A script may report in the middle of a command, which would take the start of the next script as its
     // answer.
     if (!HostTextVariable("CMDNAMES").isEmpty())
         acedCommand(RTNONE);
     SetCurrentFileStatus(status);
     Trace("Call DoNextFile\n");
-    const bool goesOn = DoNextFile();
+    const bool goesOn = goOn();
     if (goesOn) {
         Trace("SaveState\n");
         SaveRunState();
@@ -56,6 +70,7 @@ bool endFile(const char* trace, FileStatusValue status) {
 void DoScriptStart() {
     Trace("DoScriptStart\n");
     CTarnelData& data = TarnelData();
+    Run().AwaitsItsScript = false;
     const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
     const QString path = EntryPath(data, entry);
     const bool modified = DrawingIsModified();
@@ -68,18 +83,25 @@ void DoScriptStart() {
         result = newDocument(modified);
     }
     if (result != RTNORM) {
+        LogUnopenedFile(HostTextVariable("LASTPROMPT"));
         // When the file before was refused too, this one was given Error ahead of its turn, below.
         if (data.FileStatus[entry] != FailOpen)
             SetCurrentFileStatus(FailOpen);
         // The file keeps FailOpen. With none left the run has ended in there, and ends once more here: a
         // second new drawing and a second main dialog are what users of refused last files know.
         Trace("Call DoNextFile\n");
-        if (!DoNextFile()) {
+        if (!goOn()) {
             Trace("Cleanup\n");
             Cleanup();
             acedRetT();
             return;
         }
+        // The next file is marked ahead of its own start. Its line in the run log comes with that: the log
+        // that the host has here is of another drawing.
+        SetCurrentFileStatus(Error);
+        acedRetT();
+        Trace("Return\n");
+        return;
     }
     Trace("Turn on logfile\n");
     acedCommand(RTSTR, ACRX_T("._logfileon"), RTNONE);
@@ -100,6 +122,12 @@ void DoScriptSetVars() {
 }
 
 void DoScriptComplete() {
+    if (Run().AwaitsItsScript) {
+        Trace("DoScriptComplete\n");
+        acedRetT();
+        Trace("Return\n");
+        return;
+    }
     const QString waiting = HostTextVariable("CMDNAMES");
     if (!waiting.isEmpty()) {
         // A script that ends in the middle of a command has not run to its end, and what the chain sends next
@@ -122,7 +150,7 @@ void DoScriptComplete() {
     Trace("Call DoNextFile\n");
     Trace("SaveState\n");
     SaveRunState();
-    const bool goesOn = DoNextFile();
+    const bool goesOn = goOn();
     acedRetT();
     if (goesOn)
         Trace("Return\n");
@@ -133,7 +161,8 @@ void DoScriptError() {
 }
 
 void DoScriptTimeout() {
-    if (endFile("DoScriptTimeout\n", Timeout))
+    // The time limit also ends a file whose script never begins.
+    if (endFile("DoScriptTimeout\n", Timeout, Run().TimeIsOver))
         Trace("Return\n");
 }
 

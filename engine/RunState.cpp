@@ -1,5 +1,6 @@
 #include "engine/RunState.h"
 
+#include "engine/FileInWork.h"
 #include "engine/FileStamp.h"
 #include "engine/HostText.h"
 #include "engine/RunUi.h"
@@ -69,7 +70,9 @@ void LoadRunState() {
     const auto stamp = StampOf(data.StateFile);
     if (stamp && !(ownVersion && *ownVersion == *stamp))
         reportDamage(data.StateFile);
+    const FileInWork inWork(data);
     LoadState(nullptr, 1);
+    inWork.FindAgain(data);
     ownVersion = stamp;
 }
 

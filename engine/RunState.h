@@ -15,6 +15,13 @@ struct RunState {
     QString ZenbrixModulePath;
     /// The file in work as the run log names it.
     QString CurrentFileText;
+    /// The file in work has its entry in the run log.
+    bool FileIsLogged = false;
+    /// The time limit of the file in work is over.
+    bool TimeIsOver = false;
+    /// The file in work was picked when the script of the one before had settled that, and its own script
+    /// has not begun. What that script still says is not about this file.
+    bool AwaitsItsScript = false;
 };
 
 /// The one instance.
@@ -24,6 +31,7 @@ void ResetRun();
 
 /// Loads the state file, whose name is worked out first when that was not done yet. A file that is there but
 /// holds no state is told on the command line and kept under another name, so that no save can destroy it.
+/// The file in work stays the same, at its new place in the order.
 void LoadRunState();
 /// Saves the state file. A failure is told on the command line in one line, once until a save works again.
 void SaveRunState();

@@ -21,6 +21,7 @@ bool StartWatch() {
     const CTarnelData& data = TarnelData();
     acDocManagerPtr()->pushResourceHandle();
     OpenRunLog();
+    Run().CurrentFileText.clear();
     const auto waiting = std::count(data.FileStatus.begin(), data.FileStatus.end(), ToDo);
     Trace("Create status window\n");
     timers = std::make_unique<WatchTimers>();
@@ -36,6 +37,7 @@ bool StartWatch() {
 
 void WatchNewFile(const QString& path) {
     const CTarnelData& data = TarnelData();
+    LogUnopenedFile({});
     // A script may drive the queue without a run; there is no status to show then.
     if (timers) {
         CurrentUi().ShowFile(path, static_cast<int>(std::max(data.MaxTime, data.AlarmTime)));
@@ -43,6 +45,7 @@ void WatchNewFile(const QString& path) {
     }
     acedPumpMessage();
     Run().CurrentFileText = path;
+    Run().FileIsLogged = false;
 }
 
 void CloseWatch() {

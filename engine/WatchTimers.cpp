@@ -2,6 +2,7 @@
 
 #include "acdocman.h"
 #include "engine/HostText.h"
+#include "engine/RunState.h"
 #include "engine/RunUi.h"
 #include "engine/Watch.h"
 
@@ -35,6 +36,7 @@ void WatchTimers::Start(unsigned alarmTime, unsigned maxTime) {
     alarm.stop();
     timeout.stop();
     flash.stop();
+    Run().TimeIsOver = false;
     if (alarmTime != 0)
         alarm.start(milliseconds(alarmTime));
     if (maxTime != 0)
@@ -59,6 +61,7 @@ void WatchTimers::onAlarm() {
 
 void WatchTimers::onTimeout() {
     KillAll();
+    Run().TimeIsOver = true;
     SendToHost(TimeoutString());
 }
 

@@ -3,6 +3,7 @@
 #include "acdocman.h"
 #include "acedads.h"
 #include "engine/Batch.h"
+#include "engine/FileInWork.h"
 #include "engine/HostText.h"
 #include "engine/RunState.h"
 #include "engine/ScriptChain.h"
@@ -64,6 +65,7 @@ void refuseNoString() {
 /// The queue becomes the paths between the list's marks.
 void takeQueue(ResBuf& arguments) {
     CTarnelData& data = TarnelData();
+    const FileInWork inWork(data);
     data.FileNames.clear();
     data.FileOrder.clear();
     data.FileDirs.clear();
@@ -73,6 +75,7 @@ void takeQueue(ResBuf& arguments) {
     const int count = arguments.Count();
     for (int i = 1; i < count && !arguments.IsType(i, RTLE); ++i)
         AppendEntry(data, arguments.String(i));
+    inWork.FindAgain(data);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "acedads.h"
 #include "engine/Batch.h"
 #include "engine/HostText.h"
+#include "engine/HostVariables.h"
 #include "engine/Restartable.h"
 #include "engine/RunState.h"
 #include "engine/RunUi.h"
@@ -91,6 +92,7 @@ void StartModule() {
     Trace("Add Reactor\n");
     acedEditorPtr()->addReactor(&context->Reactor);
     printState("loaded");
+    RestoreLeftSystemVars();
     Trace("Check Watch\n");
     if (CheckWatch()) {
         data.BatchRunning = true;

@@ -32,18 +32,22 @@ bool NarrowFile::OpenNew(const std::string& path) {
     return IsOpen();
 }
 
-bool NarrowFile::Write(const QString& text) {
-    const std::string bytes = NarrowLines(text);
+std::size_t NarrowFile::Append(std::string_view bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t count = write(handle, bytes.data() + done, bytes.size() - done);
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
-            return false;
+            break;
         done += static_cast<std::size_t>(count);
     }
-    return true;
+    return done;
+}
+
+bool NarrowFile::Write(const QString& text) {
+    const std::string bytes = NarrowLines(text);
+    return Append(bytes) == bytes.size();
 }
 
 void NarrowFile::Close() {

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <string>
+#include <string_view>
 
 /// Text in the locale's encoding, with CR LF for each LF that has no CR yet.
 std::string NarrowLines(const QString& text);
@@ -22,6 +23,8 @@ class NarrowFile {
     /// Creates the file or empties it.
     bool OpenNew(const std::string& path);
     bool IsOpen() const { return handle >= 0; }
+    /// How much of the bytes the system took; the cause of a failure is in errno.
+    std::size_t Append(std::string_view bytes);
     /// False when the system took less than the whole text.
     bool Write(const QString& text);
     void Close();

@@ -3,111 +3,146 @@
 #include "engine/HostText.h"
 #include "engine/RunState.h"
 #include "log/NarrowFile.h"
+#include "log/RunLogText.h"
 #include "log/Trace.h"
-#include "log/ZipArchive.h"
-#include "state/CodePage.h"
+#include "log/ZipException.h"
 
 #include <QFile>
 #include <QStringList>
 
-#include <ctime>
+#include <cerrno>
 
 namespace {
 
+/// From the start of a run to its end, whether its file could be opened or not.
+bool isOpen = false;
 NarrowFile RunLogStream;
+/// Text that the system has not taken yet; it is tried again with each line and at the end.
+std::string unwritten;
+/// A failure was told, and none is told again before something could be written.
+bool isToldBroken = false;
 QStringList HostLogList;
+/// How many drawings of this run have a log of ours, since the host had none.
+int unopenedCount = 0;
 
-QString localTime() {
-    char text[128] = {};
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    std::strftime(text, sizeof text, "%x %X", &local);
-    return DecodeText(text, LocalePage);
+QString runLogPath() {
+    return DataFile(QStringLiteral("tnl log.html"));
 }
 
-/// One host log into the archive. A log that is not there is passed over.
-void packLog(CZipArchive& archive, const QString& path) {
-    QFile log(path);
-    if (!log.open(QIODevice::ReadOnly))
-        return;
-    const QByteArray content = log.readAll();
-    CFileHeader header;
-    header.Name = HostLogId(path).toStdString();
-    archive.OpenNewFile(header, 9, QFile::encodeName(path).constData());
-    archive.WriteNewFile(content.constData(), static_cast<std::size_t>(content.size()));
-    archive.CloseNewFile();
+QString unopenedLogPath(int number) {
+    return DataFile(QStringLiteral("unopened-%1.log").arg(number));
 }
 
-/// The logs are deleted only once they are safe in the archive.
+void tell(const QString& text) {
+    HostPrint(QStringLiteral("\nTarnel: %1\n").arg(text));
+}
+
+/// Empty, or the cause for which text is left.
+QString writeWhatIsLeft() {
+    const bool ready =
+        RunLogStream.IsOpen() || RunLogStream.OpenNew(QFile::encodeName(runLogPath()).toStdString());
+    const QString cause = ready ? QString() : qt_error_string();
+    if (ready)
+        unwritten.erase(0, RunLogStream.Append(unwritten));
+    return unwritten.empty() ? QString() : cause.isEmpty() ? qt_error_string() : cause;
+}
+
+void write(const QString& text) {
+    unwritten += EncodeRunLog(text).toStdString();
+    const QString cause = writeWhatIsLeft();
+    if (!cause.isEmpty() && !isToldBroken)
+        tell(QStringLiteral("%1: cannot be written: %2; it is tried again").arg(runLogPath(), cause));
+    isToldBroken = !cause.isEmpty();
+}
+
+/// The host's logs go into the archive, and are deleted only once they are safe there.
 void packLogs() {
-    // A host without a log of the drawing gives no name, and a refused open gives the name before once more.
+    // A host without a log of the drawing gives no name.
     HostLogList.removeAll(QString());
     HostLogList.removeDuplicates();
     if (HostLogList.isEmpty())
         return;
     const QString file = DataFile(QStringLiteral("TNLLog.zip"));
-    try {
-        CZipArchive archive;
-        if (!archive.Open(QFile::encodeName(file).toStdString(), CZipArchive::Create)) {
-            HostPrint(QStringLiteral("\nTarnel: %1: %2; the host's logs stay where they are.\n")
-                          .arg(file, qt_error_string()));
+    constexpr int Attempts = 2;
+    for (int attempt = 1; attempt <= Attempts; ++attempt) {
+        try {
+            const PackedLogs result = PackHostLogs(file, HostLogList, true);
+            for (const QString& failure : result.Failures)
+                tell(failure + QStringLiteral("; the log stays where it is"));
+            for (const QString& path : result.Packed)
+                QFile::remove(path);
             return;
+        } catch (const CZipException& error) {
+            tell(QString::fromUtf8(error.what()) +
+                 (attempt < Attempts ? QStringLiteral("; it is tried again")
+                                     : QStringLiteral("; the host's logs stay where they are.")));
         }
-        for (const QString& path : std::as_const(HostLogList))
-            packLog(archive, path);
-        archive.Close();
-    } catch (const CZipException& error) {
-        HostPrint(QStringLiteral("\nTarnel: %1; the host's logs stay where they are.\n")
-                      .arg(QString::fromUtf8(error.what())));
-        return;
     }
-    for (const QString& path : std::as_const(HostLogList))
-        QFile::remove(path);
 }
 
 }  // namespace
 
-QString HostLogId(const QString& hostLogPath) {
-    QString id = hostLogPath;
-    id.replace(QLatin1Char(':'), QLatin1Char('-'));
-    id.replace(QLatin1Char('\\'), QLatin1Char('_'));
-    id.replace(QLatin1Char('/'), QLatin1Char('_'));
-    return id;
-}
-
 void OpenRunLog() {
     Trace("Open and write to tnl log.html\n");
-    if (!RunLogStream.IsOpen())
-        RunLogStream.OpenNew(QFile::encodeName(DataFile(QStringLiteral("tnl log.html"))).toStdString());
-    if (RunLogStream.IsOpen())
-        RunLogStream.Write(QStringLiteral("<html><body>"));
-    RunLogLine(QStringLiteral("<font color=blue>Batch started</font>"));
+    if (!isOpen) {
+        isOpen = true;
+        isToldBroken = false;
+        for (unopenedCount = 0; QFile::remove(unopenedLogPath(unopenedCount + 1));)
+            ++unopenedCount;
+        unopenedCount = 0;
+    }
+    write(RunLogHead);
+    RunLogLine(BatchStartedHtml());
 }
 
-void RunLogLine(const QString& text) {
-    if (RunLogStream.IsOpen())
-        RunLogStream.Write(QStringLiteral("<span>%1: %2</span><br />\n").arg(localTime(), text));
+void RunLogLine(const QString& html) {
+    if (isOpen)
+        write(RunLogLineText(RunLogTime(), html));
 }
 
 void WatchNewLogFile(const QString& hostLogPath) {
+    if (!isOpen)
+        return;
     HostLogList.append(hostLogPath);
-    RunLogLine(QStringLiteral("Processing file: <span id=\"%1\">%2</span>")
-                   .arg(HostLogId(hostLogPath), Run().CurrentFileText));
+    RunLogLine(ProcessingHtml(HostLogId(hostLogPath), Run().CurrentFileText));
+    Run().FileIsLogged = true;
+}
+
+void LogUnopenedFile(const QString& said) {
+    if (!isOpen || Run().FileIsLogged || Run().CurrentFileText.isEmpty())
+        return;
+    QString text = Run().CurrentFileText + QStringLiteral("\r\nThe drawing was not opened.\r\n");
+    if (!said.isEmpty())
+        text += said + QStringLiteral("\r\n");
+    const QString path = unopenedLogPath(++unopenedCount);
+    NarrowFile log;
+    const bool isWritten = log.OpenNew(QFile::encodeName(path).toStdString()) && log.Write(text);
+    if (!isWritten)
+        tell(QStringLiteral("%1: cannot be written: %2").arg(path, qt_error_string()));
+    WatchNewLogFile(isWritten ? path : QString());
 }
 
 bool CloseRunLog() {
-    if (!RunLogStream.IsOpen())
+    if (!isOpen)
         return false;
+    LogUnopenedFile({});
     packLogs();
     HostLogList.clear();
-    RunLogLine(QStringLiteral("<font color=blue>Batch completed</font>"));
-    RunLogStream.Write(QStringLiteral("</body></html>"));
-    RunLogStream.Close();
+    RunLogLine(BatchCompletedHtml());
+    write(RunLogTail);
+    if (!unwritten.empty()) {
+        const QString cause = writeWhatIsLeft();
+        if (!cause.isEmpty())
+            tell(QStringLiteral("%1: cannot be written: %2; the run log is not whole")
+                     .arg(runLogPath(), cause));
+    }
+    ResetRunLog();
     return true;
 }
 
 void ResetRunLog() {
     RunLogStream.Close();
+    unwritten.clear();
     HostLogList.clear();
+    isOpen = false;
 }

@@ -1,5 +1,6 @@
 #include "log/Trace.h"
 
+#include "engine/HostText.h"
 #include "engine/RunState.h"
 #include "engine/TarnelData.h"
 #include "log/NarrowFile.h"
@@ -10,6 +11,9 @@
 #include <ctime>
 
 namespace {
+
+/// Once from a start to the next: the trace is a comfort, and its loss must not drown what else is said.
+bool isLossTold = false;
 
 const std::string& tracePath() {
     static std::string path;
@@ -37,8 +41,11 @@ bool endsInDone(QFile& file) {
 
 void Trace(const QString& text) {
     NarrowFile file;
-    if (file.OpenForAppend(tracePath()))
-        file.Write(text);
+    if ((file.OpenForAppend(tracePath()) && file.Write(text)) || isLossTold)
+        return;
+    isLossTold = true;
+    HostPrint(QStringLiteral("\nTarnel: %1: cannot be written: %2; lines of the trace are missing\n")
+                  .arg(TarnelData().TraceFile, qt_error_string()));
 }
 
 void Trace(const char* text) {
@@ -46,6 +53,7 @@ void Trace(const char* text) {
 }
 
 void BeginTrace(const QString& version) {
+    isLossTold = false;
     QFile last(DataFile(QStringLiteral("TNLapp.log")));
     if (last.open(QIODevice::ReadOnly)) {
         const bool done = endsInDone(last);

@@ -4,7 +4,8 @@
 // each line, and nothing turns it off.
 #include <QString>
 
-/// Appends text as it stands to "TNLapp.log" in the data folder. A file that can't be opened drops the line.
+/// Appends text as it stands to "TNLapp.log" in the data folder. A line that can't be written is dropped; the
+/// first of them is told on the command line.
 void Trace(const QString& text);
 void Trace(const char* text);
 

@@ -3,4 +3,4 @@ target_sources(tnl_engine PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/NarrowFile.cpp
     ${CMAKE_CURRENT_LIST_DIR}/RunLog.cpp
     ${CMAKE_CURRENT_LIST_DIR}/Trace.cpp)
-target_link_libraries(tnl_engine PUBLIC tnl_zip)
+target_link_libraries(tnl_engine PUBLIC tnl_runlog)

@@ -43,3 +43,33 @@ TEST_F(RunTest, VariablesComeBackAfterACrash) {
     EXPECT_FALSE(Content(DataPath("TarnelRunner.xml")).contains("<SysVars>"));
     EXPECT_EQ(SavedStatuses(), "5");
 }
+
+TEST_F(RunTest, VariablesComeBackAfterACrashThatALispStartFollows) {
+    const QString file = MakeFile("a.dxf");
+    SetQueue({file});
+    host.CallLisp("TNL_Start_Batch");
+    TearDown();
+    const QHash<QString, QVariant> left = host.Variables;
+    SetUp();
+    host.Variables = left;
+    host.CallLisp("C:Tarnel", {LispValue::Mark(RTLB), LispValue::String(file), LispValue::Mark(RTLE)});
+    host.RunInput();
+    EXPECT_EQ(SavedStatuses(), "1");
+    EXPECT_EQ(host.Variables["SDI"], 0);
+    EXPECT_EQ(host.Variables["CMDECHO"], 1);
+}
+
+TEST_F(RunTest, VariablesComeBackAtTheStartThatFollowsACrash) {
+    SetQueue({MakeFile("a.dxf")});
+    host.CallLisp("TNL_Start_Batch");
+    EXPECT_EQ(host.Variables["SDI"], 1);
+    const QByteArray state = Content(DataPath("TarnelRunner.xml"));
+    TearDown();
+    const QHash<QString, QVariant> left = host.Variables;
+    host.Reset();
+    host.Variables = left;
+    acrxEntryPoint(AcRx::kInitAppMsg, this);
+    EXPECT_EQ(host.Variables["SDI"], 0);
+    EXPECT_EQ(host.Variables["FILEDIA"], 1);
+    EXPECT_EQ(Content(DataPath("TarnelRunner.xml")), state) << "only looked at";
+}

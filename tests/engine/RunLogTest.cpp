@@ -1,5 +1,6 @@
 // What a run leaves behind: the run log and the archive of the host's logs.
 #include "log/RunLog.h"
+#include "log/RunLogText.h"
 #include "log/ZipArchive.h"
 #include "state/StateFile.h"
 #include "tests/engine/RunFixture.h"
@@ -7,6 +8,9 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+
+#include <sys/resource.h>
+#include <csignal>
 
 namespace {
 
@@ -93,6 +97,87 @@ TEST_F(RunLogTest, LogThatIsGoneIsPassedOver) {
     ASSERT_TRUE(archive.Open(DataPath("TNLLog.zip").toStdString(), CZipArchive::Existing));
     EXPECT_EQ(archive.Count(), 1);
     EXPECT_EQ(Content(DataPath("tnl log.html")).count("Processing file"), 2);
+}
+
+TEST_F(RunLogTest, RefusedDrawingHasAnEntryWithALogOfItsOwn) {
+    const QStringList files = {MakeFile("a.dxf"), MakeFile("b.dxf"), MakeFile("c.dxf"), MakeFile("d.dxf")};
+    SetQueue(files);
+    logEachDrawing();
+    const auto open = host.OnCommand;
+    host.Variables["LASTPROMPT"] = "b.dxf, line 7: no number";
+    host.OnCommand = [&](const QStringList& words) {
+        const bool refused = words.last() == files[1] || words.last() == files[2];
+        return words[0] == QLatin1String("._open") && refused ? RTERROR : open(words);
+    };
+    StartRun();
+    EXPECT_EQ(SavedStatuses(), "1 2 2 1");
+    const RunLogContent log = ReadRunLog(Content(DataPath("tnl log.html")));
+    EXPECT_TRUE(log.IsWhole);
+    QStringList names;
+    QStringList texts;
+    CZipArchive archive;
+    ASSERT_TRUE(archive.Open(DataPath("TNLLog.zip").toStdString(), CZipArchive::Existing));
+    for (const RunLogEntry& entry : log.Entries) {
+        if (entry.Kind != RunLogEntry::File)
+            continue;
+        names << entry.Name;
+        const int index = archive.FindFile(entry.Id.toStdString(), true);
+        texts << (index < 0 ? QString() : QString::fromStdString(archive.ReadWholeFile(index)));
+    }
+    EXPECT_EQ(names, files);
+    const QString refused = "%1\r\nThe drawing was not opened.\r\nb.dxf, line 7: no number\r\n";
+    EXPECT_EQ(texts, (QStringList{"x", refused.arg(files[1]), refused.arg(files[2]), "x"}));
+    EXPECT_EQ(archive.Count(), 4);
+    EXPECT_TRUE(QDir(DataPath("")).entryList({"unopened-*"}).isEmpty());
+}
+
+TEST_F(RunLogTest, WhatCouldNotBeWrittenIsTriedAgain) {
+    const QStringList files = {MakeFile("a.dxf"), MakeFile("b.dxf")};
+    SetQueue(files);
+    ASSERT_TRUE(QDir().mkpath(DataPath("tnl log.html")));
+    ui.DialogAnswers = {RunUi::Ok};
+    Command("TARNEL");
+    host.RunInput(2);
+    EXPECT_EQ(host.Printed.count("tnl log.html: cannot be written: "), 1);
+    ASSERT_TRUE(QDir().rmdir(DataPath("tnl log.html")));
+    host.RunInput();
+    const RunLogContent log = ReadRunLog(Content(DataPath("tnl log.html")));
+    EXPECT_TRUE(log.IsWhole);
+    ASSERT_EQ(log.Entries.size(), 4u);
+    EXPECT_EQ(log.Entries[1].Name, files[0]);
+    EXPECT_FALSE(host.Printed.contains("not whole"));
+
+    TarnelData().FileStatus[0] = ToDo;
+    SaveState(nullptr, 1);
+    QFile::remove(DataPath("tnl log.html"));
+    ASSERT_TRUE(QDir().mkpath(DataPath("tnl log.html")));
+    StartRun();
+    EXPECT_TRUE(host.Printed.contains("the run log is not whole"));
+    EXPECT_EQ(SavedStatuses(), "1 1");
+}
+
+TEST_F(RunLogTest, LineThatWasCutOffIsCompleted) {
+    OpenRunLog();
+    const qsizetype before = Content(DataPath("tnl log.html")).size();
+    // The disk is full in the middle of the next line.
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    rlimit full = old;
+    full.rlim_cur = static_cast<rlim_t>(before) + 10;
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
+    RunLogLine("one");
+    RunLogLine("two");
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &old), 0);
+    signal(SIGXFSZ, handler);
+    EXPECT_EQ(Content(DataPath("tnl log.html")).size(), before + 10);
+    EXPECT_EQ(host.Printed.count("cannot be written"), 1);
+    CloseRunLog();
+    const RunLogContent log = ReadRunLog(Content(DataPath("tnl log.html")));
+    EXPECT_TRUE(log.IsWhole);
+    ASSERT_EQ(log.Entries.size(), 4u);
+    EXPECT_EQ(log.Entries[1].Html, "one");
+    EXPECT_EQ(log.Entries[2].Html, "two");
 }
 
 TEST(HostLogId, ReplacesDriveAndSeparators) {

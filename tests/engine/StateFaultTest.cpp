@@ -31,6 +31,16 @@ TEST_F(RunTest, ScriptThatCannotBeWrittenIsTold) {
     EXPECT_EQ(SavedStatuses(), "2");
 }
 
+TEST_F(RunTest, LossOfTheTraceIsToldOnceAndHarmsNothing) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
+    QFile::remove(DataPath("TNLapp.log"));
+    ASSERT_TRUE(QDir().mkpath(DataPath("TNLapp.log")));
+    StartRun();
+    EXPECT_EQ(SavedStatuses(), "1 1");
+    EXPECT_EQ(host.Printed.count(DataPath("TNLapp.log")), 1);
+    EXPECT_EQ(Content(DataPath("tnl log.html")).count("Processing file"), 2);
+}
+
 TEST_F(RunTest, DamagedStateIsKeptBeforeAnythingIsSavedOverIt) {
     const QByteArray damaged = "this is no state";
     QFile file(DataPath("TarnelRunner.xml"));
