@@ -71,7 +71,7 @@ TEST_F(Merge, SharesBecomeOneRunInTheOrderOfTheList) {
     EXPECT_EQ(log.find("Batch started"), log.rfind("Batch started"));
     CZipArchive archive;
     ASSERT_TRUE(archive.Open(Folder / "all/Ovrix/TNLLog.zip", CZipArchive::Existing));
-    EXPECT_EQ(archive.Count(), 6);
+    EXPECT_EQ(archive.Count(), 7);
     for (int i = 0; i < archive.Count(); ++i) {
         CFileHeader header;
         archive.GetFileInfo(header, i);
