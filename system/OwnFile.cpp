@@ -1,0 +1,254 @@
+#include "system/OwnFile.h"
+
+#include "system/NewFile.h"
+
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+namespace files {
+
+namespace {
+
+constexpr int MostLinks = 40;
+constexpr std::size_t RandomLetters = 12;
+
+/// Links that the kernel makes up (/proc/self/fd/1) have no text to follow.
+bool isMadeUp(const std::string& folder) {
+    struct statfs info {};
+    return ::statfs(folder.c_str(), &info) == 0 && info.f_type == PROC_SUPER_MAGIC;
+}
+
+bool isTrusted(const std::string& path, uid_t owner, Trust trust) {
+    if (owner == ::geteuid() || owner == 0) {
+        return true;
+    }
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0 && info.st_uid == owner) {
+        return true;
+    }
+    return trust == Trust::FolderOwner && ::geteuid() != 0 && ::stat(FolderOf(path).c_str(), &info) == 0 &&
+           info.st_uid == owner && (info.st_mode & S_IWOTH) == 0;
+}
+
+/// The content of an open file goes to a new one of the same name, which has no other names.
+int partFromOthers(int file, const std::string& path, int flags) {
+    NewFile copy;
+    if (!copy.Open(path)) {
+        return -1;
+    }
+    std::array<char, 65536> buffer{};
+    ssize_t count = 0;
+    off_t at = 0;
+    while ((count = ::pread(file, buffer.data(), buffer.size(), at)) > 0) {
+        if (!copy.Write({buffer.data(), static_cast<std::size_t>(count)})) {
+            return -1;
+        }
+        at += count;
+    }
+    if (count < 0 || !copy.Commit()) {
+        return -1;
+    }
+    return ::open(path.c_str(), flags | O_NOFOLLOW | O_CLOEXEC);
+}
+
+int refuse(int file, int error) {
+    ::close(file);
+    errno = error;
+    return -1;
+}
+
+int make(const std::string& path, int flags) {
+    const int file = ::open(path.c_str(), flags | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (file >= 0) {
+        GiveToFolderOwner(file, path);
+    }
+    return file;
+}
+
+/// -1 with ENOENT when the file was there and is to be made anew.
+int openPresent(const std::string& path, int flags) {
+    // A pipe that somebody has put there must not make this wait for a reader.
+    int file = ::open(path.c_str(), (flags & ~O_TRUNC) | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    struct stat info {};
+    if (file < 0) {
+        return -1;
+    }
+    if (::fstat(file, &info) != 0) {
+        return refuse(file, errno);
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return refuse(file, S_ISDIR(info.st_mode) ? EISDIR : ENXIO);
+    }
+    if (!IsOwners(info, path)) {
+        return refuse(file, EPERM);
+    }
+    if (info.st_nlink > 1 && (flags & O_TRUNC) != 0) {
+        return ::unlink(path.c_str()) == 0 ? refuse(file, ENOENT) : refuse(file, errno);
+    }
+    if (info.st_nlink > 1 && (flags & O_APPEND) != 0) {
+        const int reader = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+        const int parted = reader < 0 ? -1 : partFromOthers(reader, path, flags);
+        const int error = errno;
+        if (reader >= 0) {
+            ::close(reader);
+        }
+        ::close(file);
+        errno = error;
+        return parted;
+    }
+    if ((flags & O_TRUNC) != 0 && ::ftruncate(file, 0) != 0) {
+        return refuse(file, errno);
+    }
+    return file;
+}
+
+}  // namespace
+
+std::string Because(int error) {
+    switch (error) {
+        case ELOOP:
+            return "it is a link that somebody else has put there";
+        case ENXIO:
+            return "it is not a regular file";
+        default:
+            return std::strerror(error);
+    }
+}
+
+std::string FolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+}
+
+int Follow(const std::string& path, Trust trust, std::string* target) {
+    *target = path;
+    for (int count = 0; count < MostLinks; ++count) {
+        struct stat info {};
+        if (::lstat(target->c_str(), &info) != 0) {
+            return errno == ENOENT ? 0 : errno;
+        }
+        if (!S_ISLNK(info.st_mode)) {
+            return 0;
+        }
+        if (!isTrusted(*target, info.st_uid, trust)) {
+            return ELOOP;
+        }
+        const std::string folder = FolderOf(*target);
+        if (isMadeUp(folder)) {
+            return 0;
+        }
+        std::array<char, PATH_MAX> text{};
+        const ssize_t length = ::readlink(target->c_str(), text.data(), text.size());
+        if (length < 0) {
+            return errno;
+        }
+        const std::string next(text.data(), static_cast<std::size_t>(length));
+        *target = next.starts_with('/') ? next : folder + "/" + next;
+    }
+    return ELOOP;
+}
+
+int MakeFolder(const std::string& given) {
+    std::string path = given;
+    std::string target;
+    while (path.size() > 1 && path.ends_with('/')) {
+        path.pop_back();
+    }
+    if (const int error = Follow(path, Trust::Own, &target)) {
+        return error;
+    }
+    struct stat info {};
+    if (::stat(target.c_str(), &info) == 0) {
+        return S_ISDIR(info.st_mode) ? 0 : ENOTDIR;
+    }
+    if (errno != ENOENT) {
+        return errno;
+    }
+    if (const std::string above = FolderOf(target); above != target && above != ".") {
+        if (const int error = MakeFolder(above)) {
+            return error;
+        }
+    }
+    if (::mkdir(target.c_str(), 0777) != 0) {
+        return errno == EEXIST && ::stat(target.c_str(), &info) == 0 && S_ISDIR(info.st_mode) ? 0 : errno;
+    }
+    const int folder = ::open(target.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder >= 0) {
+        if (::fstat(folder, &info) == 0 && info.st_uid == 0) {
+            GiveToFolderOwner(folder, target);
+        }
+        ::close(folder);
+    }
+    return 0;
+}
+
+bool IsOwners(const struct stat& file, const std::string& path) {
+    if (file.st_uid == ::geteuid() || file.st_uid == 0) {
+        return true;
+    }
+    struct stat folder {};
+    return ::stat(FolderOf(path).c_str(), &folder) == 0 && folder.st_uid == file.st_uid;
+}
+
+void GiveToFolderOwner(int file, const std::string& path) {
+    struct stat folder {};
+    if (::geteuid() != 0 || ::stat(FolderOf(path).c_str(), &folder) != 0 || folder.st_uid == 0) {
+        return;
+    }
+    // Where the system does not let root give files away (some network file systems), it stays root's.
+    [[maybe_unused]] const int ignored = ::fchown(file, folder.st_uid, folder.st_gid);
+}
+
+int OpenOwn(const std::string& path, int flags) {
+    std::string target;
+    if (const int error = Follow(path, Trust::Own, &target)) {
+        errno = error;
+        return -1;
+    }
+    for (int attempt = 0;; ++attempt) {
+        int file = openPresent(target, flags);
+        if (file >= 0 || errno != ENOENT) {
+            return file;
+        }
+        file = make(target, flags & ~O_TRUNC);
+        // Somebody may make it between the two.
+        if (file >= 0 || errno != EEXIST || attempt == 2) {
+            return file;
+        }
+    }
+}
+
+std::string RandomName(const std::string& path) {
+    constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz012345";
+    std::array<unsigned char, RandomLetters> bytes{};
+    if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
+        return {};
+    }
+    std::string name = path + "-";
+    for (const unsigned char byte : bytes) {
+        name += letters[byte % 32];
+    }
+    return name;
+}
+
+int OpenRandom(const std::string& path, mode_t mode, std::string* name,
+               const std::function<void(const std::string&)>& tell) {
+    *name = RandomName(path);
+    if (name->empty()) {
+        return -1;
+    }
+    if (tell) {
+        tell(*name);
+    }
+    return ::open(name->c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+}
+
+}  // namespace files
