@@ -1,8 +1,11 @@
 #include "app/DataFolder.h"
 
+#include "system/OwnFile.h"
+
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>
 #include <cstdlib>
@@ -41,16 +44,16 @@ DataFolder::~DataFolder() {
 }
 
 bool DataFolder::Lock(std::string* error) {
-    std::error_code failure;
-    fs::create_directories(Path(), failure);
-    if (failure) {
-        *error = Path() + ": the folder cannot be made: " + failure.message();
-        return false;
+    for (const std::string& part : {Home(), Path()}) {
+        if (const int refused = files::MakeFolder(part)) {
+            *error = part + ": the folder cannot be made: " + files::Because(refused);
+            return false;
+        }
     }
     const std::string file = Path() + "/tarnel.lock";
-    lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    lock = files::OpenOwn(file, O_RDWR);
     if (lock < 0) {
-        *error = file + ": " + std::strerror(errno);
+        *error = file + ": " + files::Because(errno);
         return false;
     }
     if (flock(lock, LOCK_EX | LOCK_NB) != 0) {
@@ -65,9 +68,11 @@ bool DataFolder::Lock(std::string* error) {
                                             "; wait for it or give another --data-dir";
         return false;
     }
-    // The number only serves the message above; without it the lock holds all the same.
+    // The number only serves the message above; without it the lock holds all the same. A file with other
+    // names is locked and not written: some copies of folders are made of second names.
     const std::string owner = std::to_string(getpid());
-    if (ftruncate(lock, 0) == 0) {
+    struct stat info {};
+    if (fstat(lock, &info) == 0 && info.st_nlink == 1 && ftruncate(lock, 0) == 0) {
         [[maybe_unused]] const ssize_t written = write(lock, owner.data(), owner.size());
     }
     return true;

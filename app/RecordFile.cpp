@@ -1,15 +1,38 @@
 #include "app/RecordFile.h"
 
+#include "system/NewFile.h"
+#include "system/OwnFile.h"
+
 #include <unistd.h>
 #include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// A pipe, a terminal or a device.
+bool IsSpecial(const std::string& file) {
+    return fs::exists(file) && !fs::is_regular_file(file);
+}
+
+bool WriteSpecial(const std::string& file, const std::string& text) {
+    std::ofstream out(file);
+    out << text;
+    out.close();
+    return bool(out);
+}
+
+bool WriteBeside(const std::string& file, const std::string& text) {
+    files::NewFile fresh;
+    return fresh.Open(file) && fresh.Write(text) && fresh.Commit();
+}
+
+}  // namespace
 
 std::string RecordFile(const DataFolder& folder) {
     return folder.Path() + "/records.json";
@@ -31,19 +54,11 @@ bool WriteRecords(const std::vector<DrawingRecord>& records, const std::string& 
     }
     // The host's words may hold bytes of any encoding.
     const std::string text = all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-    const bool isSpecial = fs::exists(file) && !fs::is_regular_file(file);
-    const std::string target = isSpecial ? file : file + ".part";
-    std::ofstream out(target, std::ios::trunc);
-    out << text;
-    out.close();
-    if (!out || (!isSpecial && std::rename(target.c_str(), file.c_str()) != 0)) {
-        *error = file + ": cannot be written: " + std::strerror(errno);
-        if (!isSpecial) {
-            std::remove(target.c_str());
-        }
-        return false;
+    const bool done = IsSpecial(file) ? WriteSpecial(file, text) : WriteBeside(file, text);
+    if (!done) {
+        *error = file + ": cannot be written: " + files::Because(errno);
     }
-    return true;
+    return done;
 }
 
 bool ReadRecords(const std::string& file, std::vector<DrawingRecord>* records, std::string* error) {
@@ -80,13 +95,17 @@ bool ReadRecords(const std::string& file, std::vector<DrawingRecord>* records, s
 }
 
 bool CheckRecordTarget(const std::string& file, std::string* error) {
-    const bool isSpecial = fs::exists(file) && !fs::is_regular_file(file);
-    const std::string folder = fs::absolute(file).parent_path().string();
-    if (fs::is_directory(file)) {
+    std::string target;
+    const int refused = files::Follow(file, files::Trust::Own, &target);
+    const bool isSpecial = IsSpecial(file);
+    const std::string folder = files::FolderOf(target);
+    if (refused != 0) {
+        errno = refused;
+    } else if (fs::is_directory(file)) {
         errno = EISDIR;
     } else if (access(isSpecial ? file.c_str() : folder.c_str(), W_OK) == 0) {
         return true;
     }
-    *error = file + ": cannot be written: " + std::strerror(errno);
+    *error = file + ": cannot be written: " + files::Because(errno);
     return false;
 }

@@ -1,7 +1,11 @@
 #include "app/RunLogs.h"
 
 #include "log/ZipArchive.h"
+#include "system/NewFile.h"
+#include "system/OwnFile.h"
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <algorithm>
 #include <cerrno>
 #include <clocale>
@@ -187,16 +191,28 @@ std::string MergedText(std::vector<Part>* parts) {
 }
 
 bool WriteText(const std::string& path, const std::string& text, std::string* error) {
-    const std::string beside = path + ".new";
-    std::ofstream out(beside, std::ios::binary | std::ios::trunc);
-    out << text;
-    out.close();
-    if (!out || std::rename(beside.c_str(), path.c_str()) != 0) {
-        *error = path + ": cannot be written: " + std::strerror(errno);
-        std::remove(beside.c_str());
-        return false;
+    files::NewFile fresh;
+    const bool done = fresh.Open(path) && fresh.Write(text) && fresh.Commit();
+    if (!done) {
+        *error = path + ": cannot be written: " + files::Because(errno);
     }
-    return true;
+    return done;
+}
+
+bool Append(const std::string& path, std::string_view text) {
+    const int file = files::OpenOwn(path, O_WRONLY | O_APPEND);
+    bool done = file >= 0;
+    while (done && !text.empty()) {
+        const ssize_t count = write(file, text.data(), text.size());
+        done = count > 0 || (count < 0 && errno == EINTR);
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+    const int cause = errno;
+    if (file >= 0) {
+        close(file);
+    }
+    errno = cause;
+    return done;
 }
 
 /// Copies the entries that are wanted; others are of a run before.
@@ -335,13 +351,13 @@ bool AppendTrace(const std::string& from, const std::string& to, std::string* er
     if (!in || in.peek() == std::ifstream::traits_type::eof()) {
         return true;
     }
-    std::ofstream out(to + kTrace, std::ios::binary | std::ios::app);
-    out << in.rdbuf();
-    out.close();
-    if (!out) {
-        *error = to + kTrace + ": cannot be written: " + std::strerror(errno);
+    std::ostringstream text;
+    text << in.rdbuf();
+    if (!Append(to + kTrace, text.str())) {
+        *error = to + kTrace + ": cannot be written: " + files::Because(errno);
+        return false;
     }
-    return bool(out);
+    return true;
 }
 
 std::string HostLogFolder(const std::string& stateHome) {

@@ -1,8 +1,10 @@
 #include "app/Shard.h"
 
+#include "system/NewFile.h"
+#include "system/OwnFile.h"
+
 #include <cerrno>
 #include <charconv>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -48,13 +50,12 @@ bool MarkShard(const DataFolder& folder, const std::optional<Shard>& shard, std:
         *error = failure ? file + ": cannot be removed: " + failure.message() : "";
         return !failure;
     }
-    std::ofstream out(file, std::ios::trunc);
-    out << ShardText(*shard) << "\n";
-    out.close();
-    if (!out) {
-        *error = file + ": cannot be written: " + std::strerror(errno);
+    files::NewFile fresh;
+    const bool done = fresh.Open(file) && fresh.Write(ShardText(*shard) + "\n") && fresh.Commit();
+    if (!done) {
+        *error = file + ": cannot be written: " + files::Because(errno);
     }
-    return bool(out);
+    return done;
 }
 
 std::optional<Shard> ShardOf(const DataFolder& folder) {

@@ -20,8 +20,10 @@
 #include "rxregsvc.h"
 #include "state/FileName.h"
 #include "state/StateFile.h"
+#include "state/WholeFile.h"
+#include "system/OwnFile.h"
 
-#include <QDir>
+#include <QFile>
 
 #include <memory>
 
@@ -44,9 +46,9 @@ void openStepThrough() {
 void makeDataDir() {
     CTarnelData& data = TarnelData();
     data.DataDir = UserDataDir();
-    if (!QDir().mkpath(data.DataDir))
-        HostPrint(QStringLiteral("\nTarnel: %1: the folder cannot be made; nothing will be kept.\n")
-                      .arg(data.DataDir));
+    if (const int error = files::MakeFolder(QFile::encodeName(data.DataDir).toStdString()))
+        HostPrint(QStringLiteral("\nTarnel: %1: the folder cannot be made: %2; nothing will be kept.\n")
+                      .arg(data.DataDir, SystemMessage(error)));
 }
 
 void findModule() {

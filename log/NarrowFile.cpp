@@ -1,6 +1,7 @@
 #include "log/NarrowFile.h"
 
 #include "state/CodePage.h"
+#include "system/OwnFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -22,13 +23,13 @@ std::string NarrowLines(const QString& text) {
 
 bool NarrowFile::OpenForAppend(const std::string& path) {
     Close();
-    handle = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    handle = files::OpenOwn(path, O_WRONLY | O_APPEND);
     return IsOpen();
 }
 
 bool NarrowFile::OpenNew(const std::string& path) {
     Close();
-    handle = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+    handle = files::OpenOwn(path, O_WRONLY | O_TRUNC | O_APPEND);
     return IsOpen();
 }
 

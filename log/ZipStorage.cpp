@@ -1,23 +1,21 @@
 #include "log/ZipStorage.h"
 
 #include "log/ZipException.h"
+#include "system/OwnFile.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 namespace {
 
 constexpr std::size_t BufferSize = std::size_t{128} * 1024;
 
 [[noreturn]] void raiseWrite(const std::string& path) {
-    throw CZipException(CZipException::WriteError, path, std::string("cannot write: ") + strerror(errno));
+    throw CZipException(CZipException::WriteError, path, "cannot write: " + files::Because(errno));
 }
 
 int openRetry(const std::string& path, int flags, mode_t mode = 0) {
@@ -26,12 +24,6 @@ int openRetry(const std::string& path, int flags, mode_t mode = 0) {
         handle = open(path.c_str(), flags | O_CLOEXEC, mode);
     } while (handle < 0 && errno == EINTR);
     return handle;
-}
-
-// The file that a symbolic link leads to, so that the link outlives the replacement.
-std::string resolved(const std::string& path) {
-    std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), free);
-    return real ? std::string(real.get()) : path;
 }
 
 }  // namespace
@@ -86,8 +78,6 @@ void CZipStorage::BeginUpdate(std::uint64_t keep) {
         raiseWrite(path);
     }
     try {
-        if (fchmod(writeHandle, status.st_mode & 07777U) != 0)
-            raiseWrite(path);
         std::string buffer(BufferSize, '\0');
         while (Position() < keep) {
             const auto count =
@@ -97,55 +87,25 @@ void CZipStorage::BeginUpdate(std::uint64_t keep) {
             flush();
         }
     } catch (...) {
-        unlink(besidePath.c_str());
-        close(writeHandle);
-        writeHandle = -1;
+        fresh.Discard();
         pending.clear();
         throw;
     }
 }
 
-// One fixed name, held by a lock: what a killed process left is taken over instead of piling up.
 bool CZipStorage::openBeside() {
-    besidePath = resolved(path) + ".new";
-    for (;;) {
-        const int handle = openRetry(besidePath, O_RDWR | O_CREAT | O_NOFOLLOW, 0666);
-        if (handle < 0)
-            return false;
-        struct stat held {};
-        struct stat named {};
-        bool same = false;
-        int cause = 0;
-        if (flock(handle, LOCK_EX | LOCK_NB) != 0 || fstat(handle, &held) != 0)
-            cause = errno;
-        else if (!S_ISREG(held.st_mode))
-            cause = EINVAL;
-        else {
-            // Between opening and locking the holder before us may have put the file in the archive's place.
-            same = lstat(besidePath.c_str(), &named) == 0 && named.st_ino == held.st_ino &&
-                   named.st_dev == held.st_dev;
-            if (same && ftruncate(handle, 0) != 0)
-                cause = errno;
-        }
-        if (cause == 0 && same) {
-            writeHandle = handle;
-            flushed = 0;
-            pending.clear();
-            pending.reserve(BufferSize);
-            return true;
-        }
-        close(handle);
-        if (cause != 0) {
-            errno = cause;
-            return false;
-        }
-    }
+    if (!fresh.Open(path, files::NewFile::Busy::Refuse))
+        return false;
+    flushed = 0;
+    pending.clear();
+    pending.reserve(BufferSize);
+    return true;
 }
 
 void CZipStorage::ReadAt(std::uint64_t offset, void* buffer, std::size_t count) {
-    if (writeHandle >= 0 && offset < Position() && offset + count > flushed)
+    if (fresh.IsOpen() && offset < Position() && offset + count > flushed)
         flush();
-    const int handle = writeHandle >= 0 && offset < flushed ? writeHandle : readHandle;
+    const int handle = fresh.IsOpen() && offset < flushed ? fresh.Descriptor() : readHandle;
     auto* to = static_cast<char*>(buffer);
     while (count > 0) {
         const ssize_t done = pread(handle, to, count, static_cast<off_t>(offset));
@@ -166,7 +126,7 @@ void CZipStorage::writeAll(std::uint64_t offset, const char* data, std::size_t c
     done = 0;
     while (done < count) {
         const ssize_t wrote =
-            pwrite(writeHandle, data + done, count - done, static_cast<off_t>(offset + done));
+            pwrite(fresh.Descriptor(), data + done, count - done, static_cast<off_t>(offset + done));
         if (wrote < 0 && errno == EINTR)
             continue;
         if (wrote < 0)
@@ -212,32 +172,22 @@ void CZipStorage::Rewind(std::uint64_t offset) {
         return;
     }
     pending.clear();
-    if (ftruncate(writeHandle, static_cast<off_t>(offset)) != 0)
+    if (ftruncate(fresh.Descriptor(), static_cast<off_t>(offset)) != 0)
         raiseWrite(path);
     flushed = offset;
 }
 
 void CZipStorage::Commit() {
     flush();
-    if (fsync(writeHandle) != 0)
+    if (fsync(fresh.Descriptor()) != 0 || !fresh.Commit())
         raiseWrite(path);
-    const std::string target = besidePath.substr(0, besidePath.size() - 4);
-    if (rename(besidePath.c_str(), target.c_str()) != 0)
-        raiseWrite(path);
-    // From here on the file is the archive; a late error of close changes nothing that was synced.
-    close(writeHandle);
-    writeHandle = -1;
     Discard();
 }
 
 void CZipStorage::Discard() {
-    if (writeHandle >= 0) {
-        unlink(besidePath.c_str());
-        close(writeHandle);
-    }
+    fresh.Discard();
     if (readHandle >= 0)
         close(readHandle);
-    writeHandle = -1;
     readHandle = -1;
     size = 0;
     flushed = 0;

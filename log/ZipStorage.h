@@ -1,6 +1,8 @@
 #pragma once
 // The file of an archive: reads at any place, and appends through a buffer to a file beside it, which takes
 // the archive's place in one step. So the archive on disk is always whole, whatever happens to the process.
+#include "system/NewFile.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -21,8 +23,8 @@ class CZipStorage {
     /// Begins a file beside the open archive with a copy of its first bytes.
     void BeginUpdate(std::uint64_t keep);
 
-    bool IsOpen() const { return readHandle >= 0 || writeHandle >= 0; }
-    bool IsWriting() const { return writeHandle >= 0; }
+    bool IsOpen() const { return readHandle >= 0 || fresh.IsOpen(); }
+    bool IsWriting() const { return fresh.IsOpen(); }
     const std::string& Path() const { return path; }
     /// Bytes of the archive as it was opened.
     std::uint64_t Size() const { return size; }
@@ -49,9 +51,8 @@ class CZipStorage {
     void writeAll(std::uint64_t offset, const char* data, std::size_t count, std::size_t& done);
 
     std::string path;
-    std::string besidePath;
+    files::NewFile fresh;
     int readHandle = -1;
-    int writeHandle = -1;
     std::uint64_t size = 0;
     std::uint64_t flushed = 0;
     std::string pending;

@@ -1,6 +1,7 @@
 #include "state/PatchedFile.h"
 
 #include "state/WholeFile.h"
+#include "system/OwnFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -26,13 +27,15 @@ struct Written {
 std::optional<Written> last;
 
 bool sameVersion(const struct stat& a, const struct stat& b) {
-    return a.st_ino == b.st_ino && a.st_dev == b.st_dev && a.st_size == b.st_size &&
+    return a.st_ino == b.st_ino && a.st_dev == b.st_dev && a.st_size == b.st_size && a.st_nlink == 1 &&
            a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
 void remember(const QString& path, const QByteArray& bytes) {
     Written written{path, bytes, {}};
-    if (::stat(QFile::encodeName(path).constData(), &written.status) == 0)
+    std::string target;
+    if (files::Follow(QFile::encodeName(path).toStdString(), files::Trust::Own, &target) == 0 &&
+        ::lstat(target.c_str(), &written.status) == 0)
         last = std::move(written);
     else
         last.reset();
@@ -69,7 +72,10 @@ bool patch(const QString& path, const QByteArray& bytes) {
     const auto [start, end] = changedPart(last->bytes, bytes);
     if (end > start && start / PageSize != (end - 1) / PageSize)
         return false;
-    const int file = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
+    std::string target;
+    if (files::Follow(QFile::encodeName(path).toStdString(), files::Trust::Own, &target) != 0)
+        return false;
+    const int file = ::open(target.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
     if (file < 0)
         return false;
     struct stat status {};

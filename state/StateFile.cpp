@@ -6,6 +6,7 @@
 #include "state/MarkupFile.h"
 #include "state/StateFileError.h"
 #include "state/WholeFile.h"
+#include "system/OwnFile.h"
 
 #include "engine/TarnelData.h"
 
@@ -44,8 +45,8 @@ QString UserDataDir() {
 void ResolveStateFile() {
     CTarnelData& data = TarnelData();
     const QString folder = data.DataDir.isEmpty() ? UserDataDir() : data.DataDir;
-    if (!QFile::exists(folder) && !QDir().mkpath(folder))
-        SetStateError(folder, QStringLiteral("the folder cannot be made"));
+    if (const int error = files::MakeFolder(QFile::encodeName(folder).toStdString()))
+        SetStateError(folder, u"the folder cannot be made: " + SystemMessage(error));
     data.StateFile = JoinPath(folder, u"TarnelRunner.xml");
     const QString oldFile = JoinPath(folder, u"Tarnel.xml");
     // Not done when both are there: the new file stays in force and the old one lies untouched.

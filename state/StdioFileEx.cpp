@@ -2,7 +2,9 @@
 
 #include "state/CodePage.h"
 #include "state/WholeFile.h"
+#include "system/OwnFile.h"
 
+#include <fcntl.h>
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -49,10 +51,14 @@ bool CStdioFileEx::Open(const QString& path, std::uint32_t flags, QString* messa
     }
     FileFlags = flags;
     lastWasReturn = false;
-    const char* mode = "rbe";
-    if (flags & modeWrite)
-        mode = !(flags & modeCreate) ? "r+be" : flags & modeNoTruncate ? "abe" : "wbe";
-    stream.reset(std::fopen(QFile::encodeName(path).constData(), mode));
+    const QByteArray name = QFile::encodeName(path);
+    if (flags & modeWrite && flags & modeCreate) {
+        const bool append = flags & modeNoTruncate;
+        const int file = files::OpenOwn(name.toStdString(), O_WRONLY | (append ? O_APPEND : O_TRUNC));
+        stream.reset(file < 0 ? nullptr : ::fdopen(file, append ? "ab" : "wb"));
+    } else {
+        stream.reset(std::fopen(name.constData(), flags & modeWrite ? "r+be" : "rbe"));
+    }
     error = stream ? QString() : SystemMessage(errno);
     if (message != nullptr)
         *message = error;

@@ -1,18 +1,13 @@
 #include "state/WholeFile.h"
 
 #include "state/FileName.h"
+#include "system/NewFile.h"
+#include "system/OwnFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <array>
 #include <cerrno>
-#include <climits>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <QDir>
 #include <QFile>
 
 namespace {
@@ -53,12 +48,10 @@ int writeAll(int fd, const QByteArray& bytes) {
 /// For a folder that lets nothing be made in it. The old text is touched only when the new one is sure to
 /// fit.
 int writeInPlace(const QByteArray& path, const QByteArray& bytes) {
-    const Descriptor file(::open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+    const Descriptor file(files::OpenOwn(path.toStdString(), O_WRONLY));
     struct stat status {};
     if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
         return errno;
-    if (!S_ISREG(status.st_mode))
-        return writeAll(file.Get(), bytes);
     if (bytes.size() > status.st_size) {
         const int error = ::posix_fallocate(file.Get(), 0, bytes.size());
         if (error == ENOSPC || error == EFBIG || error == EDQUOT) {
@@ -75,7 +68,7 @@ int writeInPlace(const QByteArray& path, const QByteArray& bytes) {
 }  // namespace
 
 QString SystemMessage(int error) {
-    return QString::fromLocal8Bit(std::strerror(error));
+    return QString::fromLocal8Bit(files::Because(error));
 }
 
 int ReadWholeFile(const QString& path, QByteArray& bytes) {
@@ -110,40 +103,19 @@ int ReadWholeFile(const QString& path, QByteArray& bytes) {
 }
 
 int WriteWholeFile(const QString& path, const QByteArray& bytes) {
-    QByteArray target = QFile::encodeName(path);
+    const QByteArray name = QFile::encodeName(path);
     struct stat old {};
-    const bool exists = ::lstat(target.constData(), &old) == 0;
-    if (exists && S_ISLNK(old.st_mode)) {
-        std::array<char, PATH_MAX> real{};
-        if (::realpath(target.constData(), real.data()) == nullptr)
-            return writeInPlace(target, bytes);
-        target = real.data();
-        if (::stat(target.constData(), &old) != 0)
-            return errno;
-    }
-    if (exists && !S_ISREG(old.st_mode))
-        return S_ISDIR(old.st_mode) ? EISDIR : writeInPlace(target, bytes);
-    if (exists && ::access(target.constData(), W_OK) != 0)
+    if (::stat(name.constData(), &old) == 0 && S_ISREG(old.st_mode) && ::access(name.constData(), W_OK) != 0)
         return errno;
-
-    const QByteArray beside = target + '.' + QByteArray::number(qint64(::getpid())) + ".new";
-    Descriptor file(::open(beside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-    if (!file.IsOpen()) {
+    files::NewFile file;
+    if (!file.Open(name.toStdString())) {
         const int error = errno;
         if (error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG)
-            return writeInPlace(target, bytes);
+            return writeInPlace(name, bytes);
         return error;
     }
-    int error = writeAll(file.Get(), bytes);
-    if (error == 0 && exists && ::fchmod(file.Get(), old.st_mode & 07777) != 0)
-        error = errno;
-    if (const int closeError = file.Close(); error == 0)
-        error = closeError;
-    if (error == 0 && ::rename(beside.constData(), target.constData()) != 0)
-        error = errno;
-    if (error != 0)
-        ::unlink(beside.constData());
-    return error;
+    const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    return file.Write(text) && file.Commit() ? 0 : errno;
 }
 
 int SyncFile(const QString& path) {
@@ -161,14 +133,5 @@ int SyncFile(const QString& path) {
 }
 
 void RemoveLeftovers(const QString& path) {
-    const CFileName file(path);
-    const QDir folder(file.GetDirectory());
-    const QString name = file.GetNameExt();
-    for (const QString& found : folder.entryList({name + u".*.new"}, QDir::Files | QDir::Hidden)) {
-        const QStringView middle = QStringView(found).sliced(name.size() + 1).chopped(4);
-        bool isNumber = false;
-        const int process = middle.toInt(&isNumber);
-        if (isNumber && process > 0 && ::kill(process, 0) != 0 && errno == ESRCH)
-            QFile::remove(folder.filePath(found));
-    }
+    files::DropNewOf(QFile::encodeName(path).toStdString());
 }
