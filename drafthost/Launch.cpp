@@ -11,19 +11,25 @@
 #include <QSocketNotifier>
 #include <string_view>
 
+#include "drafthost/drawing/FileBytes.h"
+#include "drafthost/editor/FileLock.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
 #include "drafthost/editor/ScriptReader.h"
 #include "drafthost/Startup.h"
+#include "system/FileJournal.h"
 
 namespace drafthost {
 namespace {
 
 constexpr const char* Options =
-    "[--load MODULE]... [--registry FILE] [--support FOLDER]... DRAWINGS [/b SCRIPT]\n"
+    "[--load MODULE]... [--registry FILE] [--support FOLDER]... [--journal FILE]\n"
+    "  [--break-links] DRAWINGS [/b SCRIPT]\n"
     "  --load MODULE      load a module at start\n"
     "  --registry FILE    keep settings in this file\n"
     "  --support FOLDER   look for files here too\n"
+    "  --journal FILE     note temporaries, lock markers and logs here, by name\n"
+    "  --break-links      save drawings that have several names (hard links), parting them\n"
     "  /b SCRIPT          run a script once the drawing is open\n"
     "  --version, --help\n";
 constexpr const char* HeadlessEnd =
@@ -88,12 +94,18 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
         if (word == "--headless" && !framed) {
             continue;
         }
+        if (word == "--break-links") {
+            arguments.breakLinks = true;
+            continue;
+        }
         if (word == "--load" || word == "/ld") {
             value = &arguments.modules.emplace_back();
         } else if (word == "--support") {
             value = &arguments.support.emplace_back();
         } else if (word == "--registry") {
             value = &arguments.registry;
+        } else if (word == "--journal") {
+            value = &arguments.journal;
         } else if (word == "/b") {
             value = &arguments.script;
         } else if (word.starts_with("--") || (!framed && !arguments.drawings.empty())) {
@@ -160,6 +172,12 @@ int exitStatus() {
 }
 
 void prepare(Host& host, const Arguments& arguments) {
+    setBreakLinks(arguments.breakLinks);
+    std::string error;
+    if (!arguments.journal.empty() &&
+        !files::Journal().Open(arguments.journal, files::OwnerLine(FileLock::markerText()), &error)) {
+        host.printLine(error);
+    }
     for (const std::string& folder : arguments.support) {
         host.addSupportPath(folder);
     }

@@ -20,6 +20,9 @@ struct Arguments {
     std::string registry;
     std::vector<std::string> drawings;
     std::string script;
+    /// Where the names of what a kill may leave are noted; empty for nowhere.
+    std::string journal;
+    bool breakLinks = false;
 };
 
 /// Reads the arguments; "--help" and "--version" end the process. Nothing, and the message is on standard
@@ -40,7 +43,7 @@ void liftEndLimit();
 /// shells say it, so that whoever waits for it can tell that from a QUIT.
 int exitStatus();
 
-/// Commands, system variables and the support path.
+/// Commands, system variables, the support path and the journal.
 void prepare(Host& host, const Arguments& arguments);
 
 /// Loads the modules, opens the drawings (a new one when none opens) and starts the script.

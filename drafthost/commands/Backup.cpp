@@ -3,6 +3,8 @@
 #include <filesystem>
 
 #include "drafthost/editor/Host.h"
+#include "system/FileJournal.h"
+#include "system/OwnFile.h"
 
 namespace drafthost::commands {
 
@@ -16,21 +18,27 @@ bool keepBackup(Host& host, const std::string& path, std::string& error) {
     if (backup == fs::path(path)) {
         return true;
     }
+    std::string source;
+    if (const int refused = files::Follow(path, files::Trust::FolderOwner, &source)) {
+        error = path + ": " + files::Because(refused);
+        return false;
+    }
     // A save renames a new file over the old one, so a second name for the old file is a copy of it that
     // costs nothing; it is made under a name of its own first, as an old .bak must not be lost on the way.
-    fs::path temporary = backup;
-    temporary += ".tmp";
-    fs::remove(temporary, code);
-    fs::create_hard_link(path, temporary, code);
+    const std::string temporary = files::RandomName(backup.string());
+    files::Journal().NoteTemporary(temporary);
+    fs::create_hard_link(source, temporary, code);
     if (code) {
-        fs::copy_file(path, temporary, fs::copy_options::overwrite_existing, code);
+        fs::copy_file(source, temporary, fs::copy_options::none, code);
     }
     if (!code) {
         fs::rename(temporary, backup, code);
     }
+    // Two names of one file are not renamed over each other.
+    std::error_code ignored;
+    fs::remove(temporary, ignored);
+    files::Journal().Gone(temporary);
     if (code) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
         error = "Cannot write " + backup.string() + ": " + code.message() + ".";
         return false;
     }

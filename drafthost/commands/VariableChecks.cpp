@@ -6,6 +6,7 @@
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
+#include "system/OwnFile.h"
 
 namespace drafthost::commands {
 
@@ -101,10 +102,9 @@ bool checkSdi(Host& host, Document*, VariableValue& value, std::string& reason) 
 
 bool switchLog(Host& host, Document*, VariableValue& value, std::string& reason) {
     std::string folder = host.variables().string("LOGFILEPATH", "");
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (std::get<int>(value) == 1 && !folder.empty() && !std::filesystem::is_directory(folder)) {
-        reason = "Cannot make the folder of the log files " + folder + ": " + error.message() + ".";
+    const int error = folder.empty() ? 0 : files::MakeFolder(folder);
+    if (std::get<int>(value) == 1 && error != 0) {
+        reason = "Cannot make the folder of the log files " + folder + ": " + files::Because(error) + ".";
         return false;
     }
     for (Document* document : host.documents()) {

@@ -8,11 +8,12 @@
 #include <cerrno>
 #include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <memory>
-#include <utility>
+
+#include "drafthost/drawing/KeepAttributes.h"
+#include "system/FileJournal.h"
+#include "system/OwnFile.h"
 
 namespace drafthost {
 
@@ -29,8 +30,6 @@ class Descriptor {
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     int get() const { return fd_; }
-    /// Closes now, as some file systems tell of a failed write only then.
-    bool close() { return ::close(std::exchange(fd_, -1)) == 0; }
 
   private:
     int fd_;
@@ -38,11 +37,6 @@ class Descriptor {
 
 std::string because(const std::string& path, int code) {
     return path + ": " + std::strerror(code);
-}
-
-std::string resolved(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-    return real != nullptr ? std::string(real.get()) : path;
 }
 
 bool writeAll(int fd, const std::vector<std::string_view>& pieces) {
@@ -81,6 +75,27 @@ bool syncFolder(const std::string& folder) {
     return fd.get() >= 0 && (::fsync(fd.get()) == 0 || errno == EINVAL);
 }
 
+/// Some file systems tell of a failed write only when a descriptor is closed.
+bool closesWell(int fd) {
+    const int twin = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
+    return twin >= 0 && ::close(twin) == 0;
+}
+
+/// Noted before it is made, so that a kill leaves nothing that is not known.
+int openTemporary(const std::string& folder, mode_t mode, std::string& name) {
+    const std::string stem = (folder == "/" ? "" : folder) + "/.save";
+    const int fd = files::OpenRandom(
+        stem, mode, &name, [](const std::string& chosen) { files::Journal().NoteTemporary(chosen); });
+    if (fd < 0) {
+        const int code = errno;
+        files::Journal().Gone(name);
+        errno = code;
+    }
+    return fd;
+}
+
+bool breakLinks = false;
+
 }  // namespace
 
 bool readFile(const std::string& path, std::string& bytes, std::string& error) {
@@ -118,47 +133,59 @@ bool readFile(const std::string& path, std::string& bytes, std::string& error) {
     return true;
 }
 
+void setBreakLinks(bool on) {
+    breakLinks = on;
+}
+
 bool replaceFile(const std::string& path, const std::vector<std::string_view>& pieces, std::string& error) {
-    const std::string target = resolved(path);
-    const std::size_t slash = target.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : slash == 0 ? "/" : target.substr(0, slash);
-    struct stat old {};
-    const bool exists = ::stat(target.c_str(), &old) == 0;
-    if (exists && !S_ISREG(old.st_mode)) {
-        error = S_ISDIR(old.st_mode) ? because(path, EISDIR) : path + ": not a regular file";
+    std::string target;
+    if (const int refused = files::Follow(path, files::Trust::FolderOwner, &target)) {
+        error = path + ": " + files::Because(refused);
         return false;
     }
-    std::string temporary = folder + "/.save-XXXXXX";
-    Descriptor fd(::mkostemp(temporary.data(), O_CLOEXEC));
+    const std::string folder = files::FolderOf(target);
+    const Descriptor old(::open(target.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    struct stat info {};
+    const bool exists = ::lstat(target.c_str(), &info) == 0;
+    if (exists && !S_ISREG(info.st_mode)) {
+        error = S_ISDIR(info.st_mode) ? because(path, EISDIR) : path + ": not a regular file";
+        return false;
+    }
+    if (exists && (old.get() < 0 || ::fstat(old.get(), &info) != 0)) {
+        error = because(path, errno);
+        return false;
+    }
+    if (const unsigned others = exists ? otherNames(target.c_str(), info) : 0; others > 0 && !breakLinks) {
+        error = path + ": the file has " + std::to_string(others + 1) +
+                " names (hard links), of which a save would leave the others with the old drawing; "
+                "--break-links saves it all the same";
+        return false;
+    }
+    std::string temporary;
+    const Descriptor fd(openTemporary(folder, exists ? 0600 : 0666, temporary));
     if (fd.get() < 0) {
         error = because(path, errno);
         return false;
     }
     const auto fail = [&](int code) {
         ::unlink(temporary.c_str());
+        files::Journal().Gone(temporary);
         error = because(path, code);
         return false;
     };
-    mode_t mode = 0666;
-    if (exists) {
-        mode = old.st_mode & 07777;
-        // Only root may give a file away; for others the new file is their own, as after any copy.
-        if ((old.st_uid != ::geteuid() || old.st_gid != ::getegid()) &&
-            ::fchown(fd.get(), old.st_uid, old.st_gid) != 0 && errno != EPERM) {
-            return fail(errno);
-        }
-    } else {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        mode &= ~mask;
+    if (const int code = exists ? keepAttributes(old.get(), info, fd.get()) : 0) {
+        return fail(code);
     }
-    if (::fchmod(fd.get(), mode) != 0 || !writeAll(fd.get(), pieces) || ::fsync(fd.get()) != 0 ||
-        !fd.close()) {
+    if (!exists) {
+        files::GiveToFolderOwner(fd.get(), target);
+    }
+    if (!writeAll(fd.get(), pieces) || ::fsync(fd.get()) != 0 || !closesWell(fd.get())) {
         return fail(errno);
     }
     if (::rename(temporary.c_str(), target.c_str()) != 0) {
         return fail(errno);
     }
+    files::Journal().Gone(temporary);
     if (!exists && !syncFolder(folder)) {
         error = because(path, errno);
         return false;

@@ -12,10 +12,14 @@ namespace drafthost {
 /// Reads a regular file below 4 GiB; false with one line that names the file and the cause.
 bool readFile(const std::string& path, std::string& bytes, std::string& error);
 
-/// Writes `pieces` one behind the other as the new content of `path`. The mode and, where allowed, the owner
-/// of a file that stands there are kept; a symbolic link stays one. The folder is synced too when the name is
-/// new: when it is not, a crash leaves the old or the new file, both whole. On failure nothing has changed
-/// and no temporary is left.
+/// Writes `pieces` one behind the other as the new content of `path`. Mode, access list and extended
+/// attributes of a file that stands there are kept, owner and group where the system allows it, and a
+/// symbolic link stays one. Refused for a link of somebody else, and for a file with other names (hard
+/// links), which a save would part. The folder is synced too when the name is new: when it is not, a crash
+/// leaves the old or the new file, both whole. On failure nothing has changed and no temporary is left.
 bool replaceFile(const std::string& path, const std::vector<std::string_view>& pieces, std::string& error);
+
+/// Saves part a file from its other names instead of being refused.
+void setBreakLinks(bool on);
 
 }  // namespace drafthost

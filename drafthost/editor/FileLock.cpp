@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "drafthost/drawing/FileBytes.h"
+#include "system/FileJournal.h"
+#include "system/OwnFile.h"
 
 namespace drafthost {
 namespace {
@@ -43,17 +45,6 @@ std::string startOf(long pid) {
         return {};
     }
     return line.substr(at + 1, line.find(' ', at + 1) - at - 1);
-}
-
-const std::string& ownMarker() {
-    static pid_t pid = 0;
-    static std::string text;
-    if (pid != ::getpid()) {
-        pid = ::getpid();
-        text = std::string(MarkerHead) + "\n" + machineName() + "\n" + std::to_string(pid) + "\n" +
-               startOf(pid) + "\n";
-    }
-    return text;
 }
 
 /// True when the marker was made on this machine by a host that is no longer there.
@@ -121,6 +112,56 @@ bool linkMarker(const std::string& marker) {
     return !standingMarker().empty() && ::link(standingMarker().c_str(), marker.c_str()) == 0;
 }
 
+bool writeMarker(int file) {
+    const std::string& text = FileLock::markerText();
+    const ssize_t count = ::write(file, text.data(), text.size());
+    if (count >= 0 && count < ssize_t(text.size())) {
+        errno = ENOSPC;
+    }
+    return count == ssize_t(text.size());
+}
+
+/// On a file system without second names the marker is written where it stands.
+bool writeMarkerInPlace(const std::string& marker) {
+    const int file = ::open(marker.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (file < 0) {
+        return false;
+    }
+    const bool done = writeMarker(file);
+    const int code = errno;
+    ::close(file);
+    if (!done) {
+        ::unlink(marker.c_str());
+    }
+    errno = code;
+    return done;
+}
+
+/// The marker stands with its text or not at all: an empty one would tell nobody whose it is. False with
+/// errno, EEXIST when there is one.
+bool makeMarker(const std::string& marker) {
+    std::string beside;
+    const int file = files::OpenRandom(files::FolderOf(marker) + "/.dwk", 0666, &beside,
+                                       [](const std::string& name) { files::Journal().NoteTemporary(name); });
+    if (file < 0) {
+        const int code = errno;
+        files::Journal().Gone(beside);
+        errno = code;
+        return false;
+    }
+    bool done = writeMarker(file) && ::link(beside.c_str(), marker.c_str()) == 0;
+    int code = errno;
+    ::close(file);
+    ::unlink(beside.c_str());
+    files::Journal().Gone(beside);
+    if (!done && (code == EPERM || code == ENOTSUP || code == ENOSYS || code == EMLINK)) {
+        done = writeMarkerInPlace(marker);
+        code = errno;
+    }
+    errno = code;
+    return done;
+}
+
 std::string markerFor(const std::string& path) {
     std::size_t slash = path.rfind('/');
     std::size_t dot = path.rfind('.');
@@ -130,46 +171,46 @@ std::string markerFor(const std::string& path) {
 
 }  // namespace
 
+const std::string& FileLock::markerText() {
+    static pid_t pid = 0;
+    static std::string text;
+    if (pid != ::getpid()) {
+        pid = ::getpid();
+        text = std::string(MarkerHead) + "\n" + machineName() + "\n" + std::to_string(pid) + "\n" +
+               startOf(pid) + "\n";
+    }
+    return text;
+}
+
 std::optional<FileLock> FileLock::acquire(const std::string& path, std::string& error) {
     int fd = openLocked(path, error);
     if (fd < 0) {
         return std::nullopt;
     }
     const std::string marker = markerFor(path);
-    if (linkMarker(marker)) {
+    const bool isOwn = files::Journal().Stands(marker);
+    files::Journal().NoteMarker(marker);
+    bool made = linkMarker(marker) || makeMarker(marker);
+    if (!made && errno == EEXIST && isStale(marker)) {
+        ::unlink(marker.c_str());
+        made = makeMarker(marker);
+    }
+    if (made) {
         standingMarker() = marker;
         return FileLock(fd, path, marker);
     }
-    int markerFd = -1;
-    for (int attempt = 0; attempt < 2 && markerFd < 0; ++attempt) {
-        markerFd = ::open(marker.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (markerFd < 0 && errno == EEXIST) {
-            if (attempt > 0 || !isStale(marker)) {
-                error = path;
-                error.append(" is in use: ").append(marker).append(" exists.");
-                ::close(fd);
-                return std::nullopt;
-            }
-            ::unlink(marker.c_str());
-        } else if (markerFd < 0) {
-            break;
-        }
+    const int code = errno;
+    if (!isOwn) {
+        files::Journal().Gone(marker);
     }
-    if (markerFd < 0) {
+    if (code != EEXIST && code != ENOSPC && code != EDQUOT && code != EFBIG && code != EIO) {
         // A folder that takes no new files: the lock on the file itself has to do.
         return FileLock(fd, path, {});
     }
-    const std::string& text = ownMarker();
-    bool written = ::write(markerFd, text.data(), text.size()) == ssize_t(text.size());
-    ::close(markerFd);
-    if (!written) {
-        error = marker + " cannot be written: " + std::strerror(errno);
-        ::unlink(marker.c_str());
-        ::close(fd);
-        return std::nullopt;
-    }
-    standingMarker() = marker;
-    return FileLock(fd, path, marker);
+    error = code == EEXIST ? path + " is in use: " + marker + " exists."
+                           : marker + " cannot be written: " + std::strerror(code);
+    ::close(fd);
+    return std::nullopt;
 }
 
 FileLock::FileLock(int fd, std::string path, std::string markerPath)
@@ -200,6 +241,7 @@ void FileLock::release() {
             standingMarker().clear();
         }
         ::unlink(markerPath_.c_str());
+        files::Journal().Gone(markerPath_);
         markerPath_.clear();
     }
     if (fd_ >= 0) {

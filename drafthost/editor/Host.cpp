@@ -18,6 +18,7 @@
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/RegistryFile.h"
 #include "drafthost/editor/ScriptReader.h"
+#include "system/FileJournal.h"
 
 namespace drafthost {
 
@@ -115,6 +116,9 @@ OpenResult Host::openDocument(const std::string& name, OpenMode mode) {
         }
         if (!lock) {
             lock = FileLock::acquire(path, result.error);
+            if (const std::string lost = files::Journal().TakeError(); !lost.empty()) {
+                printLine(lost);
+            }
         }
         if (!lock) {
             result.locked = true;

@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 #include <cerrno>
-#include <cstring>
 #include <ctime>
+
+#include "system/FileJournal.h"
+#include "system/OwnFile.h"
 
 namespace drafthost {
 
@@ -54,7 +56,10 @@ bool LogFile::flush() {
         return !broken_;
     }
     if (fd_ < 0) {
-        fd_ = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+        if (::access(path_.c_str(), F_OK) != 0) {
+            files::Journal().NoteLog(path_);
+        }
+        fd_ = files::OpenOwn(path_, O_WRONLY | O_APPEND);
     }
     std::size_t done = 0;
     while (fd_ >= 0 && done < pending_.size()) {
@@ -66,7 +71,7 @@ bool LogFile::flush() {
     }
     broken_ = fd_ < 0 || done < pending_.size();
     if (broken_) {
-        error_ = "The log " + path_ + " cannot be written: " + std::strerror(errno);
+        error_ = "The log " + path_ + " cannot be written: " + files::Because(errno);
     }
     pending_.clear();
     return !broken_;

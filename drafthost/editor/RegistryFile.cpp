@@ -5,11 +5,11 @@
 #include <unistd.h>
 #include <cerrno>
 #include <charconv>
-#include <cstring>
-#include <filesystem>
 
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/lisp/Symbol.h"
+#include "system/NewFile.h"
+#include "system/OwnFile.h"
 
 namespace drafthost {
 namespace {
@@ -70,20 +70,6 @@ std::optional<std::string> takeQuoted(std::string_view& line) {
         }
     }
     return std::nullopt;
-}
-
-bool writeAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        ssize_t count = ::write(fd, text.data(), text.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            return false;
-        }
-        text.remove_prefix(std::size_t(count));
-    }
-    return true;
 }
 
 }  // namespace
@@ -235,12 +221,13 @@ bool RegistryFile::save(std::string& error) {
         changed_.clear();
         return true;
     }
-    std::error_code code;
-    std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), code);
-    const std::string lockPath = path_ + ".lock";
-    int lock = ::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (lock < 0 || ::flock(lock, LOCK_EX) != 0) {
-        error = "The registry file " + path_ + " cannot be locked: " + std::strerror(errno);
+    int code = files::MakeFolder(files::FolderOf(path_));
+    const int lock = code == 0 ? files::OpenOwn(path_ + ".lock", O_RDWR) : -1;
+    if (code == 0 && (lock < 0 || ::flock(lock, LOCK_EX) != 0)) {
+        code = errno;
+    }
+    if (code != 0) {
+        error = "The registry file " + path_ + " cannot be locked: " + files::Because(code);
         if (lock >= 0) {
             ::close(lock);
         }
@@ -256,16 +243,10 @@ bool RegistryFile::save(std::string& error) {
         const Entry& entry = from.values.at(name);
         put(merged, from.name, entry.name, entry.value);
     }
-    const std::string beside = path_ + ".new";
-    int fd = ::open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    bool done = fd >= 0 && writeAll(fd, format(merged));
-    if (fd >= 0) {
-        done = ::close(fd) == 0 && done;
-    }
-    done = done && ::rename(beside.c_str(), path_.c_str()) == 0;
+    files::NewFile file;
+    const bool done = file.Open(path_) && file.Write(format(merged)) && file.Commit();
     if (!done) {
-        error = "The registry file " + path_ + " cannot be written: " + std::strerror(errno);
-        ::unlink(beside.c_str());
+        error = "The registry file " + path_ + " cannot be written: " + files::Because(errno);
     } else {
         keys_ = std::move(merged);
         changed_.clear();

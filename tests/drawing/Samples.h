@@ -66,6 +66,7 @@ class TemporaryFolder {
     ~TemporaryFolder() { std::filesystem::remove_all(path_); }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    const std::filesystem::path& path() const { return path_; }
     std::string operator/(const std::string& name) const { return (path_ / name).string(); }
     std::size_t files() const {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path_), {}));
