@@ -276,7 +276,10 @@ VariableStatus SystemVariables::store(const VariableEntry& entry, const Variable
             break;
         case VariableStorage::Profile:
             session_[entry.name] = value;
-            host_.registry().setProfileValue(entry.name, stored(value));
+            // Without a window nobody sits there to set his own profile: what a script sets ends with it.
+            if (host_.hasFrame()) {
+                host_.registry().setProfileValue(entry.name, stored(value));
+            }
             break;
         case VariableStorage::Document:
             if (!document) {

@@ -27,7 +27,7 @@ enum class VariableStorage {
     Session,   ///< one value for the host, gone when it ends
     Document,  ///< one value per document, not saved
     Header,    ///< the drawing's header, under header
-    Profile,   ///< the registry file, in the current profile
+    Profile,   ///< the registry file, in the current profile; without a window set for the session only
 };
 
 enum class VariableStatus { Ok, Unknown, ReadOnly, WrongType, OutOfRange, Rejected };
