@@ -122,8 +122,8 @@ int keepAttributes(int oldFile, const struct stat& old, int newFile) {
     if (::fstat(newFile, &made) != 0) {
         return errno;
     }
-    // Only root may give a file away; for others the new file is their own, as after any copy. Its group may be
-    // any that its owner belongs to.
+    // Only root may give a file away; for others the new file is their own, as after any copy. Its group may
+    // be any that its owner belongs to.
     const bool ownerKept = made.st_uid == old.st_uid || ::fchown(newFile, old.st_uid, gid_t(-1)) == 0;
     if (!ownerKept && errno != EPERM && errno != EINVAL) {
         return errno;
