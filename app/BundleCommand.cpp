@@ -1,7 +1,7 @@
 #include "app/BundleCommand.h"
 
 #include "app/DataFolder.h"
-#include "app/JobFolders.h"
+#include "app/FolderUse.h"
 #include "log/SupportBundle.h"
 #include "log/SupportInfo.h"
 
@@ -11,9 +11,10 @@
 ExitStatus MakeBundle(const std::string& dataDir, const char* version) {
     DataFolder folder(dataDir);
     std::string error;
+    std::optional<RunDescription> description;
     if (!std::filesystem::exists(folder.StateFile())) {
         error = folder.Path() + ": no run was started here, so there is nothing to pack";
-    } else if (folder.Lock(&error) && GatherJobs(folder, &error)) {
+    } else if (TakeWholeRun(&folder, &description, &error)) {
         SupportInfo info;
         info.Version = QString::fromLatin1(version);
         info.DataDir = QString::fromStdString(folder.Path());

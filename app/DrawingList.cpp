@@ -1,7 +1,9 @@
 #include "app/DrawingList.h"
 
 #include "app/InputFile.h"
-#include "app/QueueFile.h"
+#include "app/QueueEntry.h"
+#include "app/RunRecord.h"
+#include "engine/TarnelData.h"
 #include "state/DrawingName.h"
 #include "state/FileName.h"
 #include "state/GroupList.h"
@@ -138,11 +140,11 @@ bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, 
 }
 
 bool ReadSavedQueue(const std::string& list, std::vector<QString>* entries, std::string* error) {
-    QueueFile saved;
-    if (!saved.Load(list, error)) {
+    CTarnelData saved;
+    if (!ReadRecord(list, &saved, error, RecordForm::List)) {
         return false;
     }
-    for (const QueueEntry& entry : saved.Entries()) {
+    for (const QueueEntry& entry : QueueOf(saved)) {
         entries->push_back(QString::fromStdString(entry.Path));
     }
     return true;

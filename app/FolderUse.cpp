@@ -1,19 +1,26 @@
 #include "app/FolderUse.h"
 
+#include "app/FolderChange.h"
 #include "app/JobFolders.h"
-#include "app/QueueFile.h"
-#include "app/RunLogs.h"
+#include "app/RunRecord.h"
+#include "engine/TarnelData.h"
 
 #include <cstdio>
 #include <filesystem>
 
-namespace {
+bool TakeFolder(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
+    return folder->Lock(error) && FinishChange(*folder, description, error);
+}
 
-/// A state that cannot be read is moved away before the module would put a new one over it.
+bool TakeWholeRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
+    return TakeFolder(folder, description, error) &&
+           (!*description || (*description)->Jobs == 0 || GatherJobs(*folder, &**description, error));
+}
+
 bool MakeRoomForState(const DataFolder& folder, std::string* error) {
     std::string cause;
-    QueueFile state;
-    if (!std::filesystem::exists(folder.StateFile()) || state.Load(folder.StateFile(), &cause)) {
+    CTarnelData record;
+    if (!std::filesystem::exists(folder.StateFile()) || ReadRecord(folder.StateFile(), &record, &cause)) {
         return true;
     }
     const std::string kept = folder.KeepStateAside(error);
@@ -21,27 +28,5 @@ bool MakeRoomForState(const DataFolder& folder, std::string* error) {
         return false;
     }
     std::fprintf(stderr, "tarnel: %s; it is kept as %s\n", cause.c_str(), kept.c_str());
-    return true;
-}
-
-}  // namespace
-
-bool TakeForNewQueue(DataFolder* folder, std::string* error) {
-    if (!folder->Lock(error)) {
-        return false;
-    }
-    DropJobs(*folder);
-    DropLogsAside(folder->Path());
-    return MakeRoomForState(*folder, error);
-}
-
-bool TakeToGoOn(DataFolder* folder, bool sameLog, std::string* error) {
-    if (!folder->Lock(error) || !GatherJobs(*folder, error)) {
-        return false;
-    }
-    if (sameLog) {
-        return SetLogsAside(folder->Path(), HostLogFolder(""), error);
-    }
-    DropLogsAside(folder->Path());
     return true;
 }

@@ -1,14 +1,18 @@
 #pragma once
-// How a command takes a data folder: it locks it and clears up what an earlier run has left there, results of
-// several hosts that never came back together, and logs that were set aside.
+// How a command takes a data folder: it locks it and finishes what an earlier command that was killed has
+// begun there.
 #include "app/DataFolder.h"
+#include "app/RunDescription.h"
 
+#include <optional>
 #include <string>
 
-/// For a new queue. What the run before has left is dropped; a state that cannot be read is kept under
-/// another name, which standard error tells. False with one line.
-bool TakeForNewQueue(DataFolder* folder, std::string* error);
+/// Locks a folder. The description is that of the run in it; nothing when there is none. False with one line.
+bool TakeFolder(DataFolder* folder, std::optional<RunDescription>* description, std::string* error);
 
-/// For going on with the queue on disk, and with its log too when the log is of the same run. False with one
-/// line.
-bool TakeToGoOn(DataFolder* folder, bool sameLog, std::string* error);
+/// The same, and brings together what several hosts have left: for commands that look at the run.
+bool TakeWholeRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error);
+
+/// Moves a state that cannot be read away, before a new one is put in its place, and tells so on standard
+/// error. False with one line.
+bool MakeRoomForState(const DataFolder& folder, std::string* error);

@@ -3,7 +3,7 @@
 // the host's talk about the drawing in work. Most of that talk repeats what the script says: the input behind
 // the prompts, LISP over several lines, the values of LISP. None of it tells how a drawing went, and what is
 // left when it is taken out is worth being shown.
-#include "app/QueueFile.h"
+#include "app/QueueEntry.h"
 
 #include <string>
 #include <string_view>

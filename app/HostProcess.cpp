@@ -68,6 +68,7 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid
         fcntl(place.Lock, F_SETFD, 0);
     }
     setenv("XDG_DATA_HOME", place.DataHome.c_str(), 1);
+    setenv("TARNEL_RUN", place.Run.c_str(), 1);
     if (!place.StateHome.empty()) {
         setenv("XDG_STATE_HOME", place.StateHome.c_str(), 1);
     }

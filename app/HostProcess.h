@@ -33,6 +33,8 @@ struct HostPlace {
     std::string StateHome;
     /// A lock that it keeps open to its end; -1 is none.
     int Lock = -1;
+    /// What its state must hold, for the module to work on it.
+    std::string Run;
 };
 
 /// How a host ended.

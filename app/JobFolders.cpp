@@ -1,54 +1,102 @@
 #include "app/JobFolders.h"
 
-#include "app/QueueFile.h"
+#include "app/FolderChange.h"
 #include "app/RunLogs.h"
-#include "app/StateText.h"
+#include "app/RunRecord.h"
+#include "engine/TarnelData.h"
+#include "system/OwnFile.h"
 
 #include <filesystem>
-#include <unordered_map>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::vector<std::size_t> Jobs(const DataFolder& folder) {
-    std::vector<std::size_t> numbers;
-    for (std::size_t number = 1; fs::exists(JobHome(folder, number)); ++number) {
-        numbers.push_back(number);
-    }
-    return numbers;
+std::string JobState(const DataFolder& folder, std::size_t number) {
+    return JobData(folder, number) + "/TarnelRunner.xml";
 }
 
-/// Lays what the shares say over the queue.
-bool GatherQueue(const DataFolder& folder, const std::vector<std::size_t>& numbers, std::string* error) {
-    QueueFile whole;
-    if (!whole.Load(folder.StateFile(), error)) {
-        return false;
-    }
-    std::unordered_map<std::string, DrawingStatus> told;
-    for (const std::size_t number : numbers) {
-        const std::string state = JobData(folder, number) + "/TarnelRunner.xml";
-        if (!fs::exists(state)) {
-            continue;
-        }
-        QueueFile share;
-        if (!share.Load(state, error)) {
+/// Folders of this name that the description does not know are not ours to use.
+bool CheckFree(const DataFolder& folder, std::size_t count, std::string* error) {
+    for (std::size_t number = 1; number <= count; ++number) {
+        std::error_code failure;
+        const std::string home = JobHome(folder, number);
+        if (fs::symlink_status(home, failure).type() != fs::file_type::not_found) {
+            *error = home + ": is in the way of a host's folder; move it";
             return false;
         }
-        for (const QueueEntry& entry : share.Entries()) {
-            told[entry.Path] = entry.Status;
+    }
+    return true;
+}
+
+bool MakeJob(const DataFolder& folder, std::size_t number, CTarnelData* record, const RunQueue& queue,
+             const JobShare& places, std::string* error) {
+    for (const std::string& made : {JobHome(folder, number), JobData(folder, number)}) {
+        if (const int failure = files::MakeFolder(made)) {
+            *error = made + ": the folder cannot be made: " + files::Because(failure);
+            return false;
         }
     }
-    std::vector<QueueEntry> queue = whole.Entries();
-    for (QueueEntry& entry : queue) {
-        const auto found = told.find(entry.Path);
-        if (entry.Status == DrawingStatus::ToDo && found != told.end()) {
-            entry.Status = found->second;
+    RunQueue share;
+    std::vector<std::string> paths;
+    for (const std::size_t place : places) {
+        share.push_back(queue[place]);
+        paths.push_back(queue[place].Path);
+    }
+    SetQueue(record, share);
+    RunDescription own = NewDescription();
+    own.Queue = MarkOf(paths);
+    own.Places = places;
+    return WriteRecord(JobState(folder, number), *record, error) &&
+           WriteDescription(JobData(folder, number), own, error);
+}
+
+/// Lays what one host's share says over the queue.
+bool GatherShare(const DataFolder& folder, std::size_t number, RunQueue* queue, std::string* error) {
+    CTarnelData record;
+    std::optional<RunDescription> own;
+    if (!ReadRecord(JobState(folder, number), &record, error) ||
+        !ReadDescription(JobData(folder, number), &own, error)) {
+        return false;
+    }
+    const RunQueue share = QueueOf(record);
+    bool fits = own && own->Places.size() == share.size();
+    for (std::size_t i = 0; fits && i < share.size(); ++i) {
+        const std::size_t place = own->Places[i];
+        fits = place < queue->size() && (*queue)[place].Path == share[i].Path;
+        if (fits && (*queue)[place].Status == DrawingStatus::ToDo) {
+            (*queue)[place].Status = share[i].Status;
         }
     }
-    // The options come from the module's own hand where it got so far.
-    const std::string first = JobData(folder, 1) + "/TarnelRunner.xml";
-    return WriteQueue(folder.StateFile(), fs::exists(first) ? first : folder.StateFile(), queue, error);
+    if (!fits) {
+        *error = JobState(folder, number) + ": is not the share that this host was given";
+    }
+    return fits;
+}
+
+/// The logs of all hosts, and what was set aside in the data folder, as one in the folder next.
+bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::string& next, std::string* error) {
+    std::vector<std::string> folders;
+    if (HasLogsAside(folder.Path())) {
+        // What the data folder has under the usual names is then of the same run.
+        folders.push_back(folder.Path());
+    }
+    for (std::size_t number = 1; number <= jobs; ++number) {
+        // Of a host that ended well this finds nothing to pack.
+        if (!SetLogsAside(JobData(folder, number), HostLogFolder(JobLogs(folder, number)), error)) {
+            return false;
+        }
+        folders.push_back(JobData(folder, number));
+    }
+    if (!MergeLogs(folders, next, error) || (jobs > 0 && !AppendTrace(folder.Path(), next, error))) {
+        return false;
+    }
+    for (std::size_t number = 1; number <= jobs; ++number) {
+        if (!AppendTrace(JobData(folder, number), next, error)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 }  // namespace
@@ -65,47 +113,68 @@ std::string JobLogs(const DataFolder& folder, std::size_t number) {
     return JobHome(folder, number) + "/logs";
 }
 
-bool HasJobs(const DataFolder& folder) {
-    return fs::exists(JobHome(folder, 1));
+bool MakeJobs(const DataFolder& folder, CTarnelData* record, const std::vector<JobShare>& shares,
+              RunDescription* description, std::string* error) {
+    if (!CheckFree(folder, shares.size(), error)) {
+        return false;
+    }
+    description->Jobs = shares.size();
+    description->JobsReady = false;
+    if (!WriteDescription(folder.Path(), *description, error)) {
+        return false;
+    }
+    const RunQueue queue = QueueOf(*record);
+    bool made = true;
+    for (std::size_t i = 0; made && i < shares.size(); ++i) {
+        made = MakeJob(folder, i + 1, record, queue, shares[i], error);
+    }
+    SetQueue(record, queue);
+    description->JobsReady = true;
+    return made && WriteDescription(folder.Path(), *description, error);
 }
 
-bool GatherJobs(const DataFolder& folder, std::string* error) {
-    const std::vector<std::size_t> numbers = Jobs(folder);
-    if (numbers.empty()) {
+bool GatherJobs(const DataFolder& folder, RunDescription* description, std::string* error) {
+    RunDescription after = *description;
+    const std::size_t jobs = after.Jobs;
+    const bool ready = after.JobsReady;
+    if (jobs == 0 && !HasLogsAside(folder.Path())) {
         return true;
     }
-    if (!GatherQueue(folder, numbers, error)) {
+    const FolderChange change(folder);
+    CTarnelData record;
+    if (!ReadRecord(folder.StateFile(), &record, error) || !change.Begin(error)) {
         return false;
     }
-    std::vector<std::string> folders;
-    if (HasLogsAside(folder.Path())) {
-        // What the data folder has under the usual names is then of the same run.
-        folders.push_back(folder.Path());
-    }
-    for (const std::size_t number : numbers) {
-        // Of a host that ended well this finds nothing to pack.
-        if (!SetLogsAside(JobData(folder, number), HostLogFolder(JobLogs(folder, number)), error)) {
-            return false;
+    after.OldJobs = jobs;
+    after.Jobs = 0;
+    after.JobsReady = false;
+    // Folders that were not all made have had no host.
+    if (jobs > 0 && ready) {
+        RunQueue queue = QueueOf(record);
+        for (std::size_t number = 1; number <= jobs; ++number) {
+            if (!GatherShare(folder, number, &queue, error)) {
+                return false;
+            }
         }
-        folders.push_back(JobData(folder, number));
+        SetQueue(&record, queue);
     }
-    if (!MergeLogs(folders, folder.Path(), error)) {
+    after.OldLogs = jobs == 0 || ready;
+    if ((after.OldLogs && !GatherLogs(folder, jobs, change.Next(), error)) ||
+        !WriteRecord(change.Next() + "/TarnelRunner.xml", record, error) || !change.Commit(&after, error)) {
         return false;
     }
-    for (const std::size_t number : numbers) {
-        if (!AppendTrace(JobData(folder, number), folder.Path(), error)) {
-            return false;
-        }
-    }
-    DropJobs(folder);
+    *description = after;
     return true;
 }
 
-void DropJobs(const DataFolder& folder) {
-    const std::vector<std::size_t> numbers = Jobs(folder);
-    // The last first, so that those that are left still count from one.
-    for (auto number = numbers.rbegin(); number != numbers.rend(); ++number) {
+bool DropJobs(const DataFolder& folder, std::size_t count, std::string* error) {
+    for (std::size_t number = 1; number <= count; ++number) {
         std::error_code failure;
-        fs::remove_all(JobHome(folder, *number), failure);
+        fs::remove_all(JobHome(folder, number), failure);
+        if (failure) {
+            *error = JobHome(folder, number) + ": cannot be removed: " + failure.message();
+            return false;
+        }
     }
+    return true;
 }

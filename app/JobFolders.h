@@ -1,25 +1,31 @@
 #pragma once
-// The folders of the hosts that share a queue: "job-1", "job-2" … in the data folder, each with a whole data
-// folder of its own inside. They live from the dealing out of the queue until the results are back in the
-// data folder's own files. When the front is killed in between they stay, and the next run takes the results
-// in first, so that all other code only ever sees one queue, one log and one archive.
+// Where the hosts of a run with several of them work: each has a data folder of its own inside the run's,
+// with its share of the queue. They stand only while the run goes on; what is in them afterwards goes into
+// the state, run log, archive and trace of the data folder, in one change. When the run itself was killed the
+// next command does that. The description of the run says how many there are: a folder that it does not name
+// is somebody else's.
 #include "app/DataFolder.h"
+#include "app/JobSplit.h"
+#include "app/RunDescription.h"
 
 #include <string>
 #include <vector>
 
-/// What the host of a share gets as XDG_DATA_HOME; numbers count from 1.
+struct CTarnelData;
+
+/// What a host gets as XDG_DATA_HOME.
 std::string JobHome(const DataFolder& folder, std::size_t number);
-/// The data folder in it.
+/// Where its state, log and archive are.
 std::string JobData(const DataFolder& folder, std::size_t number);
 /// What it gets as XDG_STATE_HOME.
 std::string JobLogs(const DataFolder& folder, std::size_t number);
 
-/// True when results wait in folders of shares.
-bool HasJobs(const DataFolder& folder);
-/// Brings the results of all shares into the data folder's own files and removes the folders. Of a drawing
-/// that is no longer ToDo in the data folder the status stays. False with one line when something cannot be
-/// read or written; the folders then stay, and a later call goes on.
-bool GatherJobs(const DataFolder& folder, std::string* error);
-/// Removes the folders with what is in them.
-void DropJobs(const DataFolder& folder);
+/// Makes the folders of all shares with their states. The record is that of the whole queue and is left as it
+/// was. False with one line.
+bool MakeJobs(const DataFolder& folder, CTarnelData* record, const std::vector<JobShare>& shares,
+              RunDescription* description, std::string* error);
+/// Brings the results of all hosts into the data folder's own files and removes the folders. False with one
+/// line; a later call goes on.
+bool GatherJobs(const DataFolder& folder, RunDescription* description, std::string* error);
+/// Removes so many folders with what is in them. False with one line.
+bool DropJobs(const DataFolder& folder, std::size_t count, std::string* error);

@@ -18,13 +18,13 @@ std::uintmax_t CostOf(const QueueEntry& entry) {
 
 }  // namespace
 
-std::vector<std::vector<QueueEntry>> SplitBySize(const std::vector<QueueEntry>& queue, unsigned jobs) {
-    std::vector<QueueEntry> waiting;
+std::vector<JobShare> SplitBySize(const RunQueue& queue, unsigned jobs) {
+    std::vector<std::size_t> waiting;
     std::vector<std::uintmax_t> costs;
-    for (const QueueEntry& entry : queue) {
-        if (entry.Status == DrawingStatus::ToDo) {
-            waiting.push_back(entry);
-            costs.push_back(CostOf(entry));
+    for (std::size_t place = 0; place < queue.size(); ++place) {
+        if (queue[place].Status == DrawingStatus::ToDo) {
+            waiting.push_back(place);
+            costs.push_back(CostOf(queue[place]));
         }
     }
     const std::size_t count = std::min<std::size_t>(jobs, waiting.size());
@@ -39,9 +39,9 @@ std::vector<std::vector<QueueEntry>> SplitBySize(const std::vector<QueueEntry>& 
         *least += costs[index];
         owner[index] = static_cast<std::size_t>(least - loads.begin());
     }
-    std::vector<std::vector<QueueEntry>> shares(count);
+    std::vector<JobShare> shares(count);
     for (std::size_t i = 0; i < waiting.size(); ++i) {
-        shares[owner[i]].push_back(std::move(waiting[i]));
+        shares[owner[i]].push_back(waiting[i]);
     }
     return shares;
 }

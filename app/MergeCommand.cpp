@@ -1,13 +1,13 @@
 #include "app/MergeCommand.h"
 
+#include "app/FolderChange.h"
 #include "app/FolderUse.h"
-#include "app/JobFolders.h"
-#include "app/QueueFile.h"
 #include "app/RecordFile.h"
+#include "app/RunJournal.h"
 #include "app/RunLogs.h"
+#include "app/RunRecord.h"
 #include "app/RunReport.h"
-#include "app/Shard.h"
-#include "app/StateText.h"
+#include "engine/TarnelData.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -23,9 +23,20 @@ namespace {
 struct Part {
     std::unique_ptr<DataFolder> Folder;
     std::optional<Shard> Share;
+    /// The list that the share is of.
+    ListMark List;
     /// In the order of the run.
     std::vector<DrawingRecord> Records;
 };
+
+ListMark MarkOfRecords(const std::vector<DrawingRecord>& records) {
+    std::vector<std::string> paths;
+    paths.reserve(records.size());
+    for (const DrawingRecord& record : records) {
+        paths.push_back(record.Path);
+    }
+    return MarkOf(paths);
+}
 
 std::string GoOnCommand(const std::string& folder) {
     RunOptions options;
@@ -33,35 +44,39 @@ std::string GoOnCommand(const std::string& folder) {
     return FollowUpCommand(options, "--resume");
 }
 
-/// Statuses come from the state, which is the truth; the rest from the records, where they tell of the same.
+/// Statuses come from the state, which is the truth; the rest from the journal, where it tells of the same.
 bool ReadPart(const MergeOptions& options, const std::string& given, Part* part, std::string* error) {
     part->Folder = std::make_unique<DataFolder>(given);
     const DataFolder& folder = *part->Folder;
-    if (!fs::exists(folder.StateFile())) {
+    if (!fs::exists(folder.StateFile()) && !fs::exists(folder.Path() + "/run.json")) {
         *error = folder.Path() + ": no run was started here";
         return false;
     }
-    QueueFile state;
-    if (!part->Folder->Lock(error) || !GatherJobs(folder, error) || !state.Load(folder.StateFile(), error)) {
+    std::optional<RunDescription> description;
+    CTarnelData state;
+    if (!TakeWholeRun(part->Folder.get(), &description, error) ||
+        !ReadRecord(folder.StateFile(), &state, error)) {
         return false;
     }
-    const std::size_t waiting = state.Count(DrawingStatus::ToDo);
+    const RunQueue queue = QueueOf(state);
+    const std::size_t waiting = CountOf(queue, DrawingStatus::ToDo);
     if (waiting > 0 && !options.Unfinished) {
-        *error = folder.Path() + ": " + std::to_string(waiting) + " of " +
-                 std::to_string(state.Entries().size()) + " drawings still wait; go on with " +
-                 GoOnCommand(given) + ", or merge with --unfinished";
+        *error = folder.Path() + ": " + std::to_string(waiting) + " of " + std::to_string(queue.size()) +
+                 " drawings still wait; go on with " + GoOnCommand(given) + ", or merge with --unfinished";
         return false;
     }
-    RunLedger ledger(state.Entries());
-    std::vector<DrawingRecord> records;
-    if (fs::exists(RecordFile(folder))) {
-        if (!ReadRecords(RecordFile(folder), &records, error)) {
-            return false;
-        }
-        ledger.Recall(records);
+    RunLedger ledger(queue);
+    if (description) {
+        ledger.Recall(ReadJournal(folder, description->Id, queue.size()).Records);
+        part->Share = description->Share;
+        part->List = description->List;
     }
     part->Records = ledger.Records();
-    part->Share = ShardOf(folder);
+    if (part->Share && !(MarkOfRecords(part->Records) == description->Queue)) {
+        *error = folder.StateFile() + ": is not the queue of shard " + ShardText(*part->Share) +
+                 " that was given to this folder; start the shard again";
+        return false;
+    }
     return true;
 }
 
@@ -79,6 +94,12 @@ bool CheckShares(const MergeOptions& options, std::vector<Part>* parts, std::str
             *error = part.Folder->Path() + ": holds " +
                      (part.Share ? "shard " + ShardText(*part.Share) : "no shard") + ", while " +
                      marked->Folder->Path() + " holds shard " + ShardText(*marked->Share);
+            return false;
+        }
+        if (!(part.List == marked->List)) {
+            *error = part.Folder->Path() + ": holds a shard of another list (" +
+                     std::to_string(part.List.Count) + " drawings) than " + marked->Folder->Path() + " (" +
+                     std::to_string(marked->List.Count) + ")";
             return false;
         }
         const Part*& place = found[part.Share->Number - 1];
@@ -127,7 +148,7 @@ bool CheckDoubles(const std::vector<Part>& parts, std::string* error) {
     for (const Part& part : parts) {
         for (const DrawingRecord& record : part.Records) {
             const auto [owner, isNew] = owners.emplace(record.Path, &part);
-            if (!isNew) {
+            if (!isNew && owner->second != &part) {
                 *error = record.Path + ": stands in " + owner->second->Folder->Path() + " and in " +
                          part.Folder->Path();
                 return false;
@@ -137,29 +158,55 @@ bool CheckDoubles(const std::vector<Part>& parts, std::string* error) {
     return true;
 }
 
-/// The state comes last: without it the folder holds no run that could be taken for whole.
-bool WriteMerged(const DataFolder& target, const std::vector<Part>& parts,
-                 const std::vector<DrawingRecord>& records, std::string* error) {
+/// All shares together must be the list that they were cut from, drawing by drawing.
+bool CheckWhole(const MergeOptions& options, const std::vector<Part>& parts,
+                const std::vector<DrawingRecord>& records, std::string* error) {
+    const Part& first = parts.front();
+    if (!first.Share || (options.Unfinished && parts.size() < first.Share->Count) ||
+        MarkOfRecords(records) == first.List) {
+        return true;
+    }
+    *error = "the shards hold " + std::to_string(records.size()) + " drawings and are not the list of " +
+             std::to_string(first.List.Count) + " that they were cut from";
+    return false;
+}
+
+/// State, logs and records take their places in one change.
+bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& before,
+                 const std::vector<Part>& parts, const std::vector<DrawingRecord>& records,
+                 std::string* error) {
+    const FolderChange change(target);
     std::vector<std::string> folders;
     folders.reserve(parts.size());
     for (const Part& part : parts) {
         folders.push_back(part.Folder->Path());
     }
-    if (!MergeLogs(folders, target.Path(), error)) {
+    if (!MakeRoomForState(target, error) || !change.Begin(error) ||
+        !MergeLogs(folders, change.Next(), error) || !AppendTrace(target.Path(), change.Next(), error)) {
         return false;
     }
     for (const std::string& folder : folders) {
-        if (!AppendTrace(folder, target.Path(), error)) {
+        if (!AppendTrace(folder, change.Next(), error)) {
             return false;
         }
     }
-    std::vector<QueueEntry> queue;
+    CTarnelData state;
+    if (!ReadRecord(parts.front().Folder->StateFile(), &state, error)) {
+        return false;
+    }
+    RunQueue queue;
     queue.reserve(records.size());
     for (const DrawingRecord& record : records) {
         queue.push_back({record.Path, record.Status});
     }
-    return MarkShard(target, std::nullopt, error) && WriteRecords(records, RecordFile(target), error) &&
-           WriteQueue(target.StateFile(), parts.front().Folder->StateFile(), queue, error);
+    SetQueue(&state, queue);
+    RunDescription description = NewDescription();
+    description.Queue = MarkOfRecords(records);
+    description.OldJobs = before ? before->Jobs : 0;
+    description.OldLogs = true;
+    return WriteRecord(change.Next() + "/TarnelRunner.xml", state, error) &&
+           WriteJournal(change.Next(), description.Id, records, {}, error) &&
+           change.Commit(&description, error);
 }
 
 ExitStatus Refuse(ExitStatus status, const std::string& text) {
@@ -194,12 +241,13 @@ ExitStatus MergeRuns(const MergeOptions& options) {
             return Refuse(BrokenOff, error);
         }
     }
-    if (!CheckShares(options, &parts, &error) || !CheckDoubles(parts, &error) ||
-        !TakeForNewQueue(&target, &error)) {
+    std::optional<RunDescription> before;
+    if (!CheckShares(options, &parts, &error) || !CheckDoubles(parts, &error)) {
         return Refuse(BrokenOff, error);
     }
     const std::vector<DrawingRecord> records = JoinRecords(parts);
-    if (!WriteMerged(target, parts, records, &error) ||
+    if (!CheckWhole(options, parts, records, &error) || !TakeFolder(&target, &before, &error) ||
+        !WriteMerged(target, before, parts, records, &error) ||
         (!options.JsonFile.empty() && !WriteRecords(records, options.JsonFile, &error))) {
         return Refuse(BrokenOff, error);
     }

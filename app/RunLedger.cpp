@@ -76,79 +76,63 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
     return settled;
 }
 
-void RunLedger::Recall(const std::vector<DrawingRecord>& earlier) {
-    std::unordered_map<std::string_view, const DrawingRecord*> known;
-    for (const DrawingRecord& record : earlier) {
-        known.emplace(record.Path, &record);
-    }
-    for (DrawingRecord& record : records) {
-        const auto found = known.find(record.Path);
-        if (found != known.end() && record.Status != DrawingStatus::ToDo && !record.Seconds &&
-            found->second->Status == record.Status) {
-            record = *found->second;
+void RunLedger::Recall(const std::vector<std::optional<DrawingRecord>>& earlier) {
+    for (std::size_t i = 0; i < std::min(earlier.size(), records.size()); ++i) {
+        DrawingRecord& record = records[i];
+        if (earlier[i] && earlier[i]->Status == record.Status && record.Status != DrawingStatus::ToDo &&
+            !record.Seconds) {
+            const std::string path = record.Path;
+            record = *earlier[i];
+            record.Path = path;
         }
     }
 }
 
-void RunLedger::CatchUp(const std::vector<QueueEntry>& saved) {
-    for (const QueueEntry& entry : saved) {
-        DrawingRecord* const record = Find(entry.Path);
-        if (record != nullptr && record == current) {
-            record->Status = entry.Status;
-        }
+void RunLedger::CatchUp(const RunQueue& saved) {
+    const std::size_t place = current ? PlaceOf(*current) : saved.size();
+    if (place < saved.size()) {
+        current->Status = saved[place].Status;
     }
 }
 
-std::vector<std::string> RunLedger::LeftInWork(const std::vector<QueueEntry>& saved) const {
-    std::vector<std::string> left;
-    for (const QueueEntry& entry : saved) {
-        const auto found = indices.find(entry.Path);
-        if (found == indices.end() ||
-            (entry.Status != DrawingStatus::FailOpen && entry.Status != DrawingStatus::Error)) {
-            continue;
-        }
+std::vector<std::size_t> RunLedger::LeftInWork(const RunQueue& saved) const {
+    std::vector<std::size_t> left;
+    for (std::size_t i = 0; i < std::min(saved.size(), records.size()); ++i) {
+        const bool inWork =
+            saved[i].Status == DrawingStatus::FailOpen || saved[i].Status == DrawingStatus::Error;
         // The host may have saved a drawing's status and died before it could say so.
-        const DrawingRecord& record = records[found->second];
-        if (&record == current || record.Status == DrawingStatus::ToDo) {
-            left.push_back(entry.Path);
+        if (inWork && (&records[i] == current || records[i].Status == DrawingStatus::ToDo)) {
+            left.push_back(i);
         }
     }
     return left;
 }
 
-void RunLedger::TakeBack(const std::string& path, const std::string& host) {
-    if (DrawingRecord* record = Find(path)) {
-        record->Status = DrawingStatus::ToDo;
-        record->Host = host;
-        current = record == current ? nullptr : current;
+void RunLedger::TakeBack(std::size_t place, const std::string& host) {
+    DrawingRecord& record = records[place];
+    record.Status = DrawingStatus::ToDo;
+    record.Host = host;
+    current = &record == current ? nullptr : current;
+}
+
+void RunLedger::Adopt(const RunLedger& share, const std::vector<std::size_t>& places) {
+    for (std::size_t i = 0; i < share.records.size(); ++i) {
+        records[places[i]] = share.records[i];
     }
 }
 
-void RunLedger::Adopt(const RunLedger& share) {
-    for (const auto& [path, index] : share.indices) {
-        if (DrawingRecord* record = Find(path)) {
-            *record = share.records[index];
+bool RunLedger::Reconcile(const RunQueue& saved) {
+    bool same = saved.size() == records.size();
+    for (std::size_t i = 0; same && i < saved.size(); ++i) {
+        DrawingRecord& record = records[i];
+        // What was told and not saved is still the better knowledge.
+        if (record.Status != saved[i].Status && record.Seconds && saved[i].Status == DrawingStatus::ToDo) {
+            same = false;
+        } else {
+            record.Status = saved[i].Status;
         }
     }
-}
-
-bool RunLedger::Reconcile(const std::vector<QueueEntry>& saved) {
-    bool same = true;
-    std::size_t found = 0;
-    for (const QueueEntry& entry : saved) {
-        if (DrawingRecord* record = Find(entry.Path)) {
-            ++found;
-            if (record->Status != entry.Status) {
-                // What was told and not saved is still the better knowledge.
-                if (record->Seconds && entry.Status == DrawingStatus::ToDo) {
-                    same = false;
-                } else {
-                    record->Status = entry.Status;
-                }
-            }
-        }
-    }
-    return same && found == records.size();
+    return same;
 }
 
 std::size_t RunLedger::Count(DrawingStatus status) const {

@@ -2,7 +2,7 @@
 // What is known of each drawing of a run while it goes on. Status lines say how far a drawing is; how long it
 // took and the last thing the host said about it stand nowhere on disk and are gathered here.
 #include "app/HostLine.h"
-#include "app/QueueFile.h"
+#include "app/QueueEntry.h"
 
 #include <chrono>
 #include <optional>
@@ -35,23 +35,27 @@ class RunLedger {
     /// The run or the host has ended: settles the drawing in work, if there is one. host is empty or how the
     /// host died.
     const DrawingRecord* Settle(Clock::time_point now, const std::string& host = {});
-    /// Takes over what was told in an earlier run, of drawings that were not in work since and stand as they
-    /// did then.
-    void Recall(const std::vector<DrawingRecord>& earlier);
+    /// Takes over what was told in an earlier run, by place in the queue, of drawings that were not in work
+    /// since and stand as they did then.
+    void Recall(const std::vector<std::optional<DrawingRecord>>& earlier);
     /// Takes over what is on disk of the drawing in work, which its host may not have told any more.
-    void CatchUp(const std::vector<QueueEntry>& saved);
+    void CatchUp(const RunQueue& saved);
     /// What a host that died has left in work: drawings that stand on disk as being opened or worked on and
-    /// whose end was not told. Names as the host knows them.
-    std::vector<std::string> LeftInWork(const std::vector<QueueEntry>& saved) const;
+    /// whose end was not told. Places in the queue.
+    std::vector<std::size_t> LeftInWork(const RunQueue& saved) const;
     /// The drawing waits again, after a host that died with it in work.
-    void TakeBack(const std::string& path, const std::string& host);
-    /// Takes over what another ledger knows of drawings that stand here too.
-    void Adopt(const RunLedger& share);
-    /// Takes over the statuses on disk. False when a drawing stands there as less than was told here: the
-    /// state was not saved.
-    bool Reconcile(const std::vector<QueueEntry>& saved);
+    void TakeBack(std::size_t place, const std::string& host);
+    /// Takes over what another ledger knows; places tells for each of its drawings where it stands here.
+    void Adopt(const RunLedger& share, const std::vector<std::size_t>& places);
+    /// Takes over the statuses on disk. False when a drawing stands there as less than was told here, or when
+    /// it is another queue: the state was not saved.
+    bool Reconcile(const RunQueue& saved);
 
     const std::vector<DrawingRecord>& Records() const { return records; }
+    /// Where a record of this ledger stands in the queue.
+    std::size_t PlaceOf(const DrawingRecord& record) const {
+        return static_cast<std::size_t>(&record - records.data());
+    }
     /// The drawing in work; null when none is.
     const DrawingRecord* Current() const { return current; }
     Clock::time_point CurrentSince() const { return since; }

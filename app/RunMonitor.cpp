@@ -1,7 +1,8 @@
 #include "app/RunMonitor.h"
 
-#include "app/QueueFile.h"
-#include "app/StateText.h"
+#include "app/QueueEntry.h"
+#include "app/RunRecord.h"
+#include "engine/TarnelData.h"
 
 #include <utility>
 
@@ -42,13 +43,15 @@ void RunMonitor::Launch() {
     settledInLife = 0;
     hung = false;
     std::string cause;
-    if (!host->Launch(settings.Files, settings.Place, &cause)) {
+    // The host works on what stands there now or on nothing.
+    settings.Place.Run = RunDigestOf(settings.State, &cause);
+    if (settings.Place.Run.empty() || !host->Launch(settings.Files, settings.Place, &cause)) {
         error = "the run could not start: " + cause;
         outcome = Outcome::Broken;
         host.reset();
         return;
     }
-    host->Send(everBegan ? settings.Resume : settings.Start);
+    host->Send(settings.Start);
 }
 
 void RunMonitor::AddDescriptors(std::vector<pollfd>* watched) const {
@@ -80,7 +83,7 @@ void RunMonitor::HostEnded() {
     host.reset();
     if (interrupted) {
         if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now())) {
-            progress->Settled(*record);
+            Tell(*record);
         }
         outcome = brokenBy.empty() ? Outcome::Interrupted : Outcome::Broken;
         error = brokenBy.empty() ? "" : brokenBy + "; the run is broken off";
@@ -93,7 +96,7 @@ void RunMonitor::HostEnded() {
         const std::string again = outside ? TakeBack(cause) : std::string();
         if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now(), cause)) {
             place = " at " + record->Path;
-            progress->Settled(*record);
+            Tell(*record);
         }
         if (!again.empty()) {
             place = " at " + again;
@@ -112,27 +115,38 @@ void RunMonitor::HostEnded() {
 /// begun and not ended is set back to wait, once for each drawing. The drawing's own name; empty when there
 /// is none, or it was set back before.
 std::string RunMonitor::TakeBack(const std::string& cause) {
-    QueueFile saved;
+    CTarnelData record;
     std::string failure;
-    if (!saved.Load(settings.State, &failure)) {
+    if (!ReadRecord(settings.State, &record, &failure)) {
         progress->Note(failure);
         return {};
     }
-    ledger->CatchUp(saved.Entries());
-    std::vector<std::string> left = ledger->LeftInWork(saved.Entries());
-    std::erase_if(left, [this](const std::string& path) { return secondAttempts.contains(path); });
+    const RunQueue saved = QueueOf(record);
+    ledger->CatchUp(saved);
+    std::vector<std::size_t> left = ledger->LeftInWork(saved);
+    std::erase_if(left, [this](std::size_t place) { return settings.TriedAgain[place]; });
     if (left.empty()) {
         return {};
     }
-    if (!SetBack(settings.State, left, &failure)) {
+    for (const std::size_t place : left) {
+        record.FileStatus[record.FileOrder[place]] = ToDo;
+    }
+    if (!WriteRecord(settings.State, record, &failure)) {
         progress->Note(failure);
         return {};
     }
-    secondAttempts.insert(left.begin(), left.end());
-    for (const std::string& path : left) {
-        ledger->TakeBack(path, cause);
+    for (const std::size_t place : left) {
+        settings.TriedAgain[place] = true;
+        ledger->TakeBack(place, cause);
+        settings.OnTriedAgain(place);
     }
-    return left.front();
+    return ledger->Records()[left.front()].Path;
+}
+
+/// A drawing is settled.
+void RunMonitor::Tell(const DrawingRecord& record) {
+    progress->Settled(record);
+    settings.OnSettled(ledger->PlaceOf(record), record);
 }
 
 void RunMonitor::ReactToDeath(const std::string& cause, bool began, bool again) {
@@ -163,12 +177,11 @@ void RunMonitor::Hear(const std::string& text) {
     const auto now = RunLedger::Clock::now();
     for (const DrawingRecord* settled : ledger->Take(line, now)) {
         ++settledInLife;
-        progress->Settled(*settled);
+        Tell(*settled);
     }
     switch (line.What) {
         case HostLine::Kind::RunStarted:
             phase = Phase::Running;
-            everBegan = true;
             lastStep = now;
             break;
         case HostLine::Kind::File:

@@ -13,7 +13,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 struct MonitorSettings {
@@ -21,9 +20,8 @@ struct MonitorSettings {
     HostPlace Place;
     /// The file with the queue of this host.
     std::string State;
-    /// What the first host is told, and what each later one is told.
+    /// What each host is told.
     std::string Start;
-    std::string Resume;
     /// Seconds; 0 is no limit, and then no host is taken for hanging.
     unsigned MaxTime = 60;
     unsigned Grace = 30;
@@ -31,6 +29,11 @@ struct MonitorSettings {
     bool Restart = true;
     /// Called when a host has died, before the next one starts.
     std::function<void()> HostDied;
+    /// Called when a drawing is settled, and when one is set back to wait, with its place in the ledger.
+    std::function<void(std::size_t, const DrawingRecord&)> OnSettled;
+    std::function<void(std::size_t)> OnTriedAgain;
+    /// Drawings, by place, that have had their second attempt.
+    std::vector<bool> TriedAgain;
 };
 
 class RunMonitor {
@@ -63,6 +66,7 @@ class RunMonitor {
     void Hear(const std::string& text);
     void CheckPatience();
     void HostEnded();
+    void Tell(const DrawingRecord& record);
     std::string TakeBack(const std::string& cause);
     void ReactToDeath(const std::string& cause, bool began, bool again);
 
@@ -73,9 +77,6 @@ class RunMonitor {
     std::string error;
     /// In a row, each at another drawing.
     std::size_t deaths = 0;
-    /// Drawings that were given a second attempt.
-    std::unordered_set<std::string> secondAttempts;
-    bool everBegan = false;
     bool interrupted = false;
     /// Why the monitor itself interrupted the run; empty otherwise.
     std::string brokenBy;

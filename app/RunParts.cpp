@@ -2,14 +2,10 @@
 
 #include "app/HostCommands.h"
 #include "app/JobFolders.h"
-#include "app/JobSplit.h"
 #include "app/RunLogs.h"
-#include "app/StateText.h"
 
 #include <cstdio>
-#include <filesystem>
-
-namespace fs = std::filesystem;
+#include <numeric>
 
 namespace {
 
@@ -23,61 +19,55 @@ std::function<void()> KeepLogs(const std::string& folder, const std::string& sta
     };
 }
 
+void AddPart(RunParts* parts, const RunQueue& queue, JobShare places, RunJournal* journal,
+             const RunPlan& plan, MonitorSettings settings) {
+    RunQueue share;
+    for (const std::size_t place : places) {
+        share.push_back(queue[place]);
+        settings.TriedAgain.push_back(plan.Journal.TriedAgain[place]);
+    }
+    settings.Start = RunCommands(plan.Description.Recover);
+    settings.OnSettled = [journal, places](std::size_t place, const DrawingRecord& record) {
+        journal->Settled(places[place], record);
+    };
+    settings.OnTriedAgain = [journal, places](std::size_t place) { journal->TriedAgain(places[place]); };
+    parts->Ledgers.push_back(std::make_unique<RunLedger>(share));
+    parts->Settings.push_back(std::move(settings));
+    parts->Places.push_back(std::move(places));
+}
+
 }  // namespace
 
-RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std::vector<QueueEntry>& queue,
-                 MonitorSettings common) {
-    std::vector<std::string> drawings;
-    drawings.reserve(queue.size());
-    for (const QueueEntry& entry : queue) {
-        drawings.push_back(entry.Path);
-    }
+RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunPlan& plan,
+                 RunJournal* journal, MonitorSettings common) {
     common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini", "",
-                    folder.LockDescriptor()};
+                    folder.LockDescriptor(), ""};
     common.State = folder.StateFile();
-    common.Start = options.KeepsQueue() ? ContinueCommands(options) : StartCommands(options, drawings);
-    common.Resume = RestartCommands(options);
     common.HostDied = KeepLogs(folder.Path(), "");
+    const RunQueue queue = QueueOf(plan.Record);
+    JobShare all(queue.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
     RunParts parts;
-    parts.Ledgers.push_back(std::make_unique<RunLedger>(queue));
-    parts.Settings.push_back(std::move(common));
+    AddPart(&parts, queue, std::move(all), journal, plan, std::move(common));
     return parts;
 }
 
-RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
-                      const std::vector<QueueEntry>& queue, const MonitorSettings& common,
-                      std::string* error) {
-    // The whole queue first: it says what waits, should this end between two shares.
-    if (!WriteQueue(folder.StateFile(), folder.StateFile(), queue, error) ||
-        !WriteSettings(folder.StateFile(), options, error)) {
-        return {};
-    }
-    RunOptions start = options;
-    start.Retry = RunOptions::RetryKind::None;
+RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPlan* plan, RunJournal* journal,
+                      const MonitorSettings& common, std::string* error) {
+    const RunQueue queue = QueueOf(plan->Record);
+    const std::vector<JobShare> shares = SplitBySize(queue, options.Jobs);
     RunParts parts;
-    const auto shares = SplitBySize(queue, options.Jobs);
+    if (!MakeJobs(folder, &plan->Record, shares, &plan->Description, error)) {
+        return parts;
+    }
     for (std::size_t number = 1; number <= shares.size(); ++number) {
         const std::string data = JobData(folder, number);
-        std::error_code failure;
-        fs::create_directories(data, failure);
-        if (failure) {
-            *error = data + ": the folder cannot be made: " + failure.message();
-            return {};
-        }
-        const std::vector<QueueEntry>& share = shares[number - 1];
         MonitorSettings settings = common;
         settings.State = data + "/TarnelRunner.xml";
-        if (!WriteQueue(settings.State, folder.StateFile(), share, error)) {
-            return {};
-        }
         settings.Place = {JobHome(folder, number), data + "/registry.ini", JobLogs(folder, number),
-                          folder.LockDescriptor()};
-        // The script is read once more by the module, which knows its encoding.
-        settings.Start = ContinueCommands(start);
-        settings.Resume = RestartCommands(options);
+                          folder.LockDescriptor(), ""};
         settings.HostDied = KeepLogs(data, JobLogs(folder, number));
-        parts.Ledgers.push_back(std::make_unique<RunLedger>(share));
-        parts.Settings.push_back(std::move(settings));
+        AddPart(&parts, queue, shares[number - 1], journal, *plan, std::move(settings));
     }
     return parts;
 }

@@ -1,9 +1,10 @@
 #pragma once
 // The hosts of a run: one over the data folder itself, or several over shares of the queue. Both give the
 // same things: monitors, each with a ledger, whose records together are those of the queue.
-#include "app/DataFolder.h"
+#include "app/JobSplit.h"
 #include "app/RunMonitor.h"
 #include "app/RunOptions.h"
+#include "app/RunPlan.h"
 
 #include <memory>
 #include <vector>
@@ -11,14 +12,15 @@
 struct RunParts {
     std::vector<std::unique_ptr<RunLedger>> Ledgers;
     std::vector<MonitorSettings> Settings;
+    /// Where the drawings of each ledger stand in the whole queue.
+    std::vector<JobShare> Places;
 };
 
 /// What does the run with one host.
-RunParts OneHost(const RunOptions& options, const DataFolder& folder, const std::vector<QueueEntry>& queue,
-                 MonitorSettings common);
+RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunPlan& plan,
+                 RunJournal* journal, MonitorSettings common);
 
-/// Writes the queue and its shares to the disk, and gives what does the run with several hosts. Empty with
-/// one line when something cannot be written.
-RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder,
-                      const std::vector<QueueEntry>& queue, const MonitorSettings& common,
-                      std::string* error);
+/// Makes the shares and gives what does the run with several hosts. Empty with one line when something cannot
+/// be written.
+RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPlan* plan, RunJournal* journal,
+                      const MonitorSettings& common, std::string* error);

@@ -1,20 +1,6 @@
 #include "app/Shard.h"
 
-#include "system/NewFile.h"
-#include "system/OwnFile.h"
-
-#include <cerrno>
 #include <charconv>
-#include <filesystem>
-#include <fstream>
-
-namespace {
-
-std::string MarkFile(const DataFolder& folder) {
-    return folder.Path() + "/shard";
-}
-
-}  // namespace
 
 std::optional<Shard> ParseShard(const std::string& text) {
     Shard shard;
@@ -40,26 +26,4 @@ std::vector<std::string> TakeShare(const std::vector<std::string>& drawings, con
         share.push_back(drawings[i]);
     }
     return share;
-}
-
-bool MarkShard(const DataFolder& folder, const std::optional<Shard>& shard, std::string* error) {
-    const std::string file = MarkFile(folder);
-    if (!shard) {
-        std::error_code failure;
-        std::filesystem::remove(file, failure);
-        *error = failure ? file + ": cannot be removed: " + failure.message() : "";
-        return !failure;
-    }
-    files::NewFile fresh;
-    const bool done = fresh.Open(file) && fresh.Write(ShardText(*shard) + "\n") && fresh.Commit();
-    if (!done) {
-        *error = file + ": cannot be written: " + files::Because(errno);
-    }
-    return done;
-}
-
-std::optional<Shard> ShardOf(const DataFolder& folder) {
-    std::string text;
-    std::getline(std::ifstream(MarkFile(folder)) >> std::ws, text);
-    return ParseShard(text);
 }

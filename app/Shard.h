@@ -1,9 +1,7 @@
 #pragma once
 // A run over many machines: each takes every N-th drawing of the same list, with a data folder of its own.
-// The folder keeps which share it has, so that the results cannot be joined with one share missing or there
-// twice.
-#include "app/DataFolder.h"
-
+// The description of its run keeps which share of which list it has, so that the results cannot be joined
+// with one share missing or there twice.
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,8 +19,3 @@ std::string ShardText(const Shard& shard);
 
 /// The drawings of a share, in their order. May be none.
 std::vector<std::string> TakeShare(const std::vector<std::string>& drawings, const Shard& shard);
-
-/// Keeps in the data folder which share it has; without a value that it has none. False with one line.
-bool MarkShard(const DataFolder& folder, const std::optional<Shard>& shard, std::string* error);
-/// Nothing when the folder has none.
-std::optional<Shard> ShardOf(const DataFolder& folder);

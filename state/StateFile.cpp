@@ -69,10 +69,13 @@ QString CheckStateFile(const QString& path) {
     const int error = ReadWholeFile(path, bytes);
     if (error == ENOENT)
         return {};
-    if (error != 0)
-        return path + u": cannot be read: " + SystemMessage(error);
+    const QString fault = error != 0 ? u"cannot be read: " + SystemMessage(error) : StateTextFault(bytes, 1);
+    return fault.isEmpty() ? fault : path + u": " + fault;
+}
+
+QString StateTextFault(const QByteArray& bytes, int full) {
     if (bytes.trimmed().isEmpty())
-        return path + u": the file is empty";
+        return QStringLiteral("the file is empty");
     QString report;
     std::uint32_t flags = 0;
     const QString text = DecodeMarkup(bytes, report, flags);
@@ -80,7 +83,7 @@ QString CheckStateFile(const QString& path) {
     const bool wellFormed = document.SetDocumentText(text);
     const QString fault = document.Result();
     if (!document.FindElement(u"TarnelRunner"))
-        return path + u": not a state file: it has no element TarnelRunner";
+        return QStringLiteral("not a state file: it has no element TarnelRunner");
     if (!wellFormed) {
         // The report's first word, as a reader of the file would want it: the fault and its place.
         MarkupDocument words;
@@ -95,9 +98,9 @@ QString CheckStateFile(const QString& path) {
             const qsizetype line = QStringView(text).first(offset.toLongLong()).count(u'\n') + 1;
             cause += u" in line " + QString::number(line);
         }
-        return path + u": not a whole state file: " + cause;
+        return u"not a whole state file: " + cause;
     }
-    if (!document.FindChildElement(u"Options") || !document.FindChildElement(u"Files"))
-        return path + u": not a whole state file: it has no elements Options and Files";
+    if (full != 0 && (!document.FindChildElement(u"Options") || !document.FindChildElement(u"Files")))
+        return QStringLiteral("not a whole state file: it has no elements Options and Files");
     return {};
 }

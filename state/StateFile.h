@@ -36,3 +36,6 @@ bool SyncState();
 /// Looks whether a file holds a state before anything overwrites it: empty when it does or when there is no
 /// such file, else one line with the file's name and what is wrong with it.
 QString CheckStateFile(const QString& path);
+/// What is wrong with the text of a state file; empty when nothing is. With full 0 (group files, lists) its
+/// elements Options and Files may be missing.
+QString StateTextFault(const QByteArray& bytes, int full);

@@ -102,7 +102,7 @@ int ReadWholeFile(const QString& path, QByteArray& bytes) {
     return 0;
 }
 
-int WriteWholeFile(const QString& path, const QByteArray& bytes) {
+int WriteWholeFile(const QString& path, const QByteArray& bytes, bool synced) {
     const QByteArray name = QFile::encodeName(path);
     struct stat old {};
     if (::stat(name.constData(), &old) == 0 && S_ISREG(old.st_mode) && ::access(name.constData(), W_OK) != 0)
@@ -115,7 +115,8 @@ int WriteWholeFile(const QString& path, const QByteArray& bytes) {
         return error;
     }
     const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    return file.Write(text) && file.Commit() ? 0 : errno;
+    const bool done = file.Write(text) && (!synced || ::fsync(file.Descriptor()) == 0) && file.Commit();
+    return done ? 0 : errno;
 }
 
 int SyncFile(const QString& path) {

@@ -9,8 +9,9 @@ int ReadWholeFile(const QString& path, QByteArray& bytes);
 
 /// Replaces a file's contents, through symbolic links and with the file's mode kept. Where the folder lets
 /// nothing be written beside the file it is written in place, after its room on the disk is sure. 0, or the
-/// system's error number, with the old file whole.
-int WriteWholeFile(const QString& path, const QByteArray& bytes);
+/// system's error number, with the old file whole. Synced, the new text is on the disk before it takes the
+/// place of the old.
+int WriteWholeFile(const QString& path, const QByteArray& bytes, bool synced = false);
 
 /// Brings a file and its folder's entry to the disk. 0, or the system's error number.
 int SyncFile(const QString& path);

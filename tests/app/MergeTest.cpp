@@ -1,7 +1,9 @@
 // Runs over shares of a list, as on several machines, and the one result that is made of them.
 #include "tests/app/Program.h"
 
-#include "app/QueueFile.h"
+#include "app/QueueEntry.h"
+#include "app/RunRecord.h"
+#include "engine/TarnelData.h"
 #include "log/ZipArchive.h"
 
 #include <gmock/gmock.h>
@@ -37,11 +39,11 @@ class Merge : public ProgramTest {
     std::string State(const std::string& folder) const { return Folder / folder / "Ovrix/TarnelRunner.xml"; }
     /// Names without folders.
     std::vector<std::string> Queue(const std::string& folder) const {
-        QueueFile queue;
+        CTarnelData record;
         std::string error;
-        EXPECT_TRUE(queue.Load(State(folder), &error)) << error;
+        EXPECT_TRUE(ReadRecord(State(folder), &record, &error)) << error;
         std::vector<std::string> names;
-        for (const QueueEntry& entry : queue.Entries()) {
+        for (const QueueEntry& entry : QueueOf(record)) {
             names.push_back(std::string(StatusWord(entry.Status)) + " " +
                             fs::path(entry.Path).filename().string());
         }

@@ -1,8 +1,10 @@
 // The queue from what the user names, and the lines of a run.
 #include "app/DrawingList.h"
 #include "app/HostLine.h"
-#include "app/QueueFile.h"
+#include "app/QueueEntry.h"
 #include "app/RunLedger.h"
+#include "app/RunRecord.h"
+#include "engine/TarnelData.h"
 #include "tests/app/Program.h"
 
 #include <gmock/gmock.h>
@@ -101,19 +103,19 @@ TEST_F(DrawingList, ReadsListsMadeOnOtherSystemsAndByEarlierVersions) {
 
 TEST_F(DrawingList, AQueueOnDiskIsRunInItsSortOrder) {
     const auto order = [this](const std::string& key, const std::string& reverse) {
-        QueueFile queue;
+        CTarnelData record;
         std::string error;
-        EXPECT_TRUE(queue.Load(Write("state.xml", "<TarnelRunner><Options><SortIdx>" + key +
+        EXPECT_TRUE(ReadRecord(Write("state.xml", "<TarnelRunner><Options><SortIdx>" + key +
                                                       "</SortIdx><SortReverse>" + reverse +
                                                       "</SortReverse></Options><Files>"
                                                       "<File Status=\"2\">/2/b</File>"
                                                       "<File Status=\"0\">/1/B</File>"
                                                       "<File Status=\"1\">/3/a</File>"
                                                       "</Files></TarnelRunner>"),
-                               &error))
+                               &record, &error))
             << error;
         std::string paths;
-        for (const QueueEntry& entry : queue.Entries()) {
+        for (const QueueEntry& entry : QueueOf(record)) {
             paths += entry.Path;
         }
         return paths;

@@ -236,12 +236,9 @@ TEST_F(SeveralHosts, AKilledFrontGoesOnWithOneHostOrSeveral) {
             usleep(20000);
             resumed = Run({"--resume", "--jobs", jobs});
         } while (resumed.Status == 3 && resumed.Errors.find("another run") != std::string::npos);
-        EXPECT_LE(resumed.Status, 1) << resumed.Errors;
-        EXPECT_EQ(CountInState(0), 0U);
-        EXPECT_GE(CountInState(1), 117U);
-        EXPECT_LE(LinesInTally(), 120U) << "a drawing ran again";
-        ExpectWholeLog(CountInState(1));
-        EXPECT_EQ(Run({"--resume", "--retry", "failed", "--jobs", jobs}).Status, 0);
+        EXPECT_EQ(resumed.Status, 0) << resumed.Out << resumed.Errors;
+        EXPECT_EQ(CountInState(1), 120U);
+        EXPECT_LE(LinesInTally(), 123U) << "only what was in work runs again";
         ExpectWholeLog(120);
         EXPECT_EQ(Run({"--resume"}).Status, 0);
         ExpectWholeLog(120);
@@ -257,16 +254,14 @@ TEST_F(SeveralHosts, SharesAreFairWholeAndInOrder) {
     queue[1].Status = DrawingStatus::Done;
     const auto shares = SplitBySize(queue, 2);
     ASSERT_EQ(shares.size(), 2U);
-    std::set<std::string> given;
+    std::set<std::size_t> given;
     for (const auto& share : shares) {
         std::uintmax_t size = 0;
-        std::string last;
-        for (const QueueEntry& entry : share) {
-            EXPECT_TRUE(given.insert(entry.Path).second);
-            EXPECT_LT(last, entry.Path);
-            last = entry.Path;
-            size += fs::file_size(entry.Path);
+        for (const std::size_t place : share) {
+            EXPECT_TRUE(given.insert(place).second);
+            size += fs::file_size(queue[place].Path);
         }
+        EXPECT_TRUE(std::is_sorted(share.begin(), share.end()));
         EXPECT_GE(size, 900U * 1024);
     }
     EXPECT_EQ(given.size(), 6U);

@@ -1,0 +1,111 @@
+#include "app/RunDescription.h"
+
+#include "app/WrittenFile.h"
+
+#include <unistd.h>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <QCryptographicHash>
+#include <random>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string FileOf(const std::string& folder) {
+    return folder + "/run.json";
+}
+
+Json ToJson(const ListMark& mark) {
+    return {{"drawings", mark.Count}, {"digest", mark.Digest}};
+}
+
+ListMark MarkFrom(const Json& one) {
+    return {one.at("drawings").get<std::size_t>(), one.at("digest").get<std::string>()};
+}
+
+RunDescription FromJson(const Json& all) {
+    RunDescription description;
+    description.Id = all.at("run").get<std::string>();
+    description.Queue = MarkFrom(all.at("queue"));
+    if (all.contains("shard")) {
+        description.Share = ParseShard(all.at("shard").get<std::string>());
+        description.List = MarkFrom(all.at("list"));
+    }
+    description.Recover = all.value("recover", false);
+    description.Jobs = all.value("jobs", std::size_t{0});
+    description.JobsReady = all.value("jobsReady", false);
+    description.Next = all.value("next", std::vector<std::string>());
+    description.OldJobs = all.value("oldJobs", std::size_t{0});
+    description.OldLogs = all.value("oldLogs", false);
+    description.Places = all.value("places", std::vector<std::size_t>());
+    return description;
+}
+
+}  // namespace
+
+RunDescription NewDescription() {
+    std::random_device dice;
+    RunDescription description;
+    for (int i = 0; i < 4; ++i) {
+        char digits[9];
+        std::snprintf(digits, sizeof digits, "%08x", dice());
+        description.Id += digits;
+    }
+    return description;
+}
+
+bool ReadDescription(const std::string& folder, std::optional<RunDescription>* description,
+                     std::string* error) {
+    description->reset();
+    const std::string file = FileOf(folder);
+    std::string text;
+    if (access(file.c_str(), F_OK) != 0 && errno == ENOENT) {
+        return true;
+    }
+    if (!ReadFile(file, &text, error)) {
+        return false;
+    }
+    try {
+        *description = FromJson(Json::parse(text));
+    } catch (const Json::exception&) {
+        *error = file + ": does not hold the description of a run (cut off or damaged)";
+        return false;
+    }
+    return true;
+}
+
+bool WriteDescription(const std::string& folder, const RunDescription& description, std::string* error) {
+    Json all;
+    all["run"] = description.Id;
+    all["queue"] = ToJson(description.Queue);
+    if (description.Share) {
+        all["shard"] = ShardText(*description.Share);
+        all["list"] = ToJson(description.List);
+    }
+    if (description.Recover) {
+        all["recover"] = true;
+    }
+    if (description.Jobs > 0) {
+        all["jobs"] = description.Jobs;
+        all["jobsReady"] = description.JobsReady;
+    }
+    if (!description.Next.empty()) {
+        all["next"] = description.Next;
+        all["oldJobs"] = description.OldJobs;
+        all["oldLogs"] = description.OldLogs;
+    }
+    if (!description.Places.empty()) {
+        all["places"] = description.Places;
+    }
+    return WriteFile(FileOf(folder), all.dump() + "\n", error);
+}
+
+ListMark MarkOf(const std::vector<std::string>& paths) {
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    for (const std::string& path : paths) {
+        hash.addData(QByteArrayView(path.data(), static_cast<qsizetype>(path.size())));
+        hash.addData(QByteArrayView("\0", 1));
+    }
+    return {paths.size(), hash.result().toHex().toStdString()};
+}

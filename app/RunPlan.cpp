@@ -1,0 +1,232 @@
+#include "app/RunPlan.h"
+
+#include "app/DrawingList.h"
+#include "app/FolderChange.h"
+#include "app/FolderUse.h"
+#include "app/InputFile.h"
+#include "app/RunRecord.h"
+#include "state/ScriptText.h"
+
+#include <cstdio>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<std::string> PathsOf(const RunQueue& queue) {
+    std::vector<std::string> paths;
+    paths.reserve(queue.size());
+    for (const QueueEntry& entry : queue) {
+        paths.push_back(entry.Path);
+    }
+    return paths;
+}
+
+/// The script as the module reads it.
+bool TakeScript(const std::string& file, CTarnelData* record, std::string* error) {
+    QByteArray bytes;
+    if (!ReadInput(file, &bytes, error)) {
+        return false;
+    }
+    const ScriptText script = DecodeScript(bytes);
+    if (!script.Fault.isEmpty()) {
+        *error = file + ": " + script.Fault.toStdString();
+        return false;
+    }
+    if (!script.Note.isEmpty()) {
+        std::fprintf(stderr, "tarnel: %s: %s\n", file.c_str(), script.Note.toUtf8().constData());
+    }
+    record->Script = script.Script;
+    record->ScriptDescription = TakeDescription(record->Script);
+    record->SetScriptModified(false);
+    record->LastScriptFile = IsStandardInput(file)
+                                 ? QString()
+                                 : QString::fromStdString(fs::absolute(file).lexically_normal().string());
+    return true;
+}
+
+/// What a new run sets; all else in the record of the data folder stays as it is.
+void CopyRun(const CTarnelData& from, CTarnelData* to) {
+    SetQueue(to, QueueOf(from));
+    to->Script = from.Script;
+    to->ScriptDescription = from.ScriptDescription;
+    to->SetScriptModified(false);
+    to->LastScriptFile = from.LastScriptFile;
+    to->MaxTime = from.MaxTime;
+    to->AlarmTime = from.AlarmTime;
+    to->ProcessReadOnly = from.ProcessReadOnly;
+}
+
+/// Writes the record into a change and reads it again: what the host will find is what counts. A path that
+/// the form of the file cannot hold would name another drawing there.
+bool WriteToChange(const FolderChange& change, RunPlan* plan, std::string* error) {
+    const std::string file = change.Next() + "/TarnelRunner.xml";
+    const std::vector<std::string> paths = PathsOf(QueueOf(plan->Record));
+    CTarnelData read;
+    if (!WriteRecord(file, plan->Record, error) || !ReadRecord(file, &read, error)) {
+        return false;
+    }
+    const std::vector<std::string> found = PathsOf(QueueOf(read));
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        if (i >= found.size() || paths[i] != found[i]) {
+            *error = paths[i] + ": the state file cannot hold this name; rename the drawing";
+            return false;
+        }
+    }
+    plan->Description.Queue = MarkOf(paths);
+    return true;
+}
+
+/// A drawing that was in work when the front was killed with its host: its end was never told. It has its
+/// second attempt, like one whose host was killed alone.
+void SetBackWhatWasInWork(RunQueue* queue, RunPlan* plan) {
+    for (std::size_t i = 0; i < queue->size(); ++i) {
+        const DrawingStatus status = (*queue)[i].Status;
+        if ((status == DrawingStatus::FailOpen || status == DrawingStatus::Error) &&
+            !plan->Journal.Records[i] && !plan->Journal.TriedAgain[i]) {
+            (*queue)[i].Status = DrawingStatus::ToDo;
+            plan->Journal.TriedAgain[i] = true;
+            plan->Changed = true;
+        }
+    }
+}
+
+void SetBackWhatIsToBeRetried(RunOptions::RetryKind retry, RunQueue* queue, RunPlan* plan) {
+    for (std::size_t i = 0; i < queue->size(); ++i) {
+        DrawingStatus& status = (*queue)[i].Status;
+        if (status != DrawingStatus::ToDo &&
+            (retry == RunOptions::RetryKind::All ||
+             (retry == RunOptions::RetryKind::Failed && status != DrawingStatus::Done))) {
+            status = DrawingStatus::ToDo;
+            plan->Journal.Records[i].reset();
+            plan->Journal.TriedAgain[i] = false;
+            plan->Changed = true;
+        }
+    }
+}
+
+bool ChangeSettings(const RunOptions& options, RunPlan* plan, std::string* error) {
+    CTarnelData& record = plan->Record;
+    if (!options.Script.empty() && !TakeScript(options.Script, &record, error)) {
+        return false;
+    }
+    record.MaxTime = options.MaxTime.value_or(record.MaxTime);
+    record.AlarmTime = options.AlarmTime.value_or(record.AlarmTime);
+    record.ProcessReadOnly = record.ProcessReadOnly || options.ReadOnly;
+    plan->Description.Recover = plan->Description.Recover || options.Recover;
+    plan->Changed = plan->Changed || !options.Script.empty() || options.MaxTime || options.AlarmTime ||
+                    options.ReadOnly || options.Recover;
+    return true;
+}
+
+/// The records that the journal keeps, for a new one that holds nothing else.
+std::vector<DrawingRecord> RecordsOf(const JournalContent& journal) {
+    std::vector<DrawingRecord> records(journal.Records.size());
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        records[i] = journal.Records[i].value_or(DrawingRecord());
+    }
+    return records;
+}
+
+}  // namespace
+
+ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* error) {
+    if (!TakeScript(options.Script, &plan->Record, error)) {
+        return WrongUsage;
+    }
+    std::vector<std::string> notes;
+    const std::vector<std::string> drawings = CollectDrawings(options, &notes, error);
+    for (const std::string& note : notes) {
+        if (!options.Quiet) {
+            std::fprintf(stderr, "tarnel: %s\n", note.c_str());
+        }
+    }
+    if (drawings.empty()) {
+        return WrongUsage;
+    }
+    plan->Description = NewDescription();
+    plan->Description.Share = options.Share;
+    plan->Description.List = MarkOf(drawings);
+    plan->Description.Recover = options.Recover;
+    RunQueue queue;
+    for (const std::string& drawing : options.Share ? TakeShare(drawings, *options.Share) : drawings) {
+        queue.push_back({drawing, DrawingStatus::ToDo});
+    }
+    SetQueue(&plan->Record, queue);
+    plan->Journal = {std::vector<std::optional<DrawingRecord>>(queue.size()),
+                     std::vector<bool>(queue.size())};
+    plan->Record.MaxTime = options.MaxTime.value_or(kDefaultMaxTime);
+    plan->Record.AlarmTime = options.AlarmTime.value_or(kDefaultAlarmTime);
+    plan->Record.ProcessReadOnly = options.ReadOnly;
+    return AllDone;
+}
+
+bool CommitNewRun(const DataFolder& folder, const std::optional<RunDescription>& before, RunPlan* plan,
+                  std::string* error) {
+    RunPlan whole;
+    whole.Description = plan->Description;
+    const FolderChange change(folder);
+    if (!MakeRoomForState(folder, error) ||
+        (fs::exists(folder.StateFile()) && !ReadRecord(folder.StateFile(), &whole.Record, error)) ||
+        !change.Begin(error)) {
+        return false;
+    }
+    CopyRun(plan->Record, &whole.Record);
+    whole.Description.OldJobs = before ? before->Jobs : 0;
+    whole.Description.OldLogs = true;
+    if (!WriteToChange(change, &whole, error) ||
+        !WriteJournal(change.Next(), whole.Description.Id, {}, {}, error) ||
+        !change.Commit(&whole.Description, error)) {
+        return false;
+    }
+    plan->Description = whole.Description;
+    plan->Changed = false;
+    return true;
+}
+
+ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
+                      const std::optional<RunDescription>& description, RunPlan* plan, std::string* error) {
+    if (!fs::exists(folder.StateFile())) {
+        *error = folder.Path() + ": no run was started here, so none can go on";
+        return BrokenOff;
+    }
+    if (!ReadRecord(folder.StateFile(), &plan->Record, error)) {
+        return BrokenOff;
+    }
+    RunQueue queue = QueueOf(plan->Record);
+    const ListMark mark = MarkOf(PathsOf(queue));
+    const bool isKnown = description && description->Queue == mark;
+    if (!isKnown && description && description->Share) {
+        *error = folder.StateFile() + ": is not the queue of shard " + ShardText(*description->Share) +
+                 " that was given to this folder; start the shard again";
+        return BrokenOff;
+    }
+    if (!isKnown && queue.empty()) {
+        *error = folder.StateFile() + ": holds no drawings, so there is nothing to go on with";
+        return BrokenOff;
+    }
+    // A queue that the window or another program has saved gets a description here.
+    plan->Description = isKnown ? *description : NewDescription();
+    plan->Changed = !isKnown || plan->Record.SortIdx != 6 || plan->Record.SortReverse != 0;
+    plan->Journal = ReadJournal(folder, plan->Description.Id, queue.size());
+    if (isKnown && options.Resume) {
+        SetBackWhatWasInWork(&queue, plan);
+    }
+    SetBackWhatIsToBeRetried(options.Retry, &queue, plan);
+    SetQueue(&plan->Record, queue);
+    return ChangeSettings(options, plan, error) ? AllDone : WrongUsage;
+}
+
+bool CommitToGoOn(const RunOptions& options, const DataFolder& folder, RunPlan* plan, std::string* error) {
+    if (!plan->Changed) {
+        return true;
+    }
+    const FolderChange change(folder);
+    plan->Description.OldLogs = !options.Resume && CountOf(QueueOf(plan->Record), DrawingStatus::ToDo) > 0;
+    plan->Changed = false;
+    return change.Begin(error) && WriteToChange(change, plan, error) &&
+           WriteJournal(change.Next(), plan->Description.Id, RecordsOf(plan->Journal),
+                        plan->Journal.TriedAgain, error) &&
+           change.Commit(&plan->Description, error);
+}

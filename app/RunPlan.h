@@ -1,0 +1,35 @@
+#pragma once
+// A run from what the user asks for to what stands on the disk: queue, script, limits and options become one
+// record, and record, description and journal are put into the data folder in one change, before any host
+// starts. Until then the folder holds the run before, whole.
+#include "app/DataFolder.h"
+#include "app/ExitStatus.h"
+#include "app/RunDescription.h"
+#include "app/RunJournal.h"
+#include "app/RunOptions.h"
+#include "engine/TarnelData.h"
+
+#include <string>
+
+struct RunPlan {
+    CTarnelData Record;
+    RunDescription Description;
+    /// Of the run that this one goes on with.
+    JournalContent Journal;
+    /// What is on the disk is not yet what stands here.
+    bool Changed = true;
+};
+
+/// A new queue out of what the options name. Nothing is written and the folder is not looked at. The exit
+/// status with one line when that does not go.
+ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* error);
+/// Puts a new run into the folder, which is taken; description is what it holds of the run before.
+bool CommitNewRun(const DataFolder& folder, const std::optional<RunDescription>& before, RunPlan* plan,
+                  std::string* error);
+
+/// The queue on disk, with what --resume and --retry set back and what the options change. Nothing is
+/// written.
+ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
+                      const std::optional<RunDescription>& description, RunPlan* plan, std::string* error);
+/// Writes what has changed.
+bool CommitToGoOn(const RunOptions& options, const DataFolder& folder, RunPlan* plan, std::string* error);
