@@ -21,8 +21,9 @@ void CAutoTab::focusPage() {
         currentWidget()->setFocus(Qt::ShortcutFocusReason);
 }
 
-// The letter of a title leads into its page, also into the one that is shown and also from the titles, where the
-// arrow keys stay. Otherwise what is typed next would be lost, and its Enter would press the default button.
+// The letter of a title leads into its page, also into the one that is shown and also from the titles, where
+// the arrow keys stay. Otherwise what is typed next would be lost, and its Enter would press the default
+// button.
 bool CAutoTab::eventFilter(QObject* watched, QEvent* event) {
     if (watched == tabBar() && event->type() == QEvent::Shortcut)
         QMetaObject::invokeMethod(this, &CAutoTab::focusPage, Qt::QueuedConnection);
