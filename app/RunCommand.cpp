@@ -171,6 +171,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
     } else if (!GatherJobs(folder, &plan.Description, &error)) {
         return Refuse(BrokenOff, error);
     }
+    ledger.Recall(plan.Refused);
     if (options.Resume) {
         ledger.Recall(plan.Journal.Records);
     }

@@ -4,6 +4,7 @@
 #include "app/FolderChange.h"
 #include "app/FolderUse.h"
 #include "app/InputFile.h"
+#include "app/NoDrawing.h"
 #include "app/RunRecord.h"
 #include "state/ScriptText.h"
 
@@ -106,6 +107,25 @@ void SetBackWhatIsToBeRetried(RunOptions::RetryKind retry, RunQueue* queue, RunP
     }
 }
 
+/// Each is told in a line, whether it is named now or came back from an earlier run.
+void RefuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
+    plan->Refused.assign(queue->size(), std::nullopt);
+    for (std::size_t i = 0; i < queue->size(); ++i) {
+        QueueEntry& entry = (*queue)[i];
+        if (entry.Status != DrawingStatus::ToDo) {
+            continue;
+        }
+        const std::string why = WhyNoDrawing(entry.Path, plan->Description.Recover);
+        if (!why.empty()) {
+            entry.Status = DrawingStatus::FailOpen;
+            const std::string message = entry.Path + " " + why;
+            plan->Refused[i] = DrawingRecord{entry.Path, entry.Status, {}, message, {}};
+            plan->Changed = true;
+            std::fprintf(stderr, "tarnel: %s\n", message.c_str());
+        }
+    }
+}
+
 bool ChangeSettings(const RunOptions& options, RunPlan* plan, std::string* error) {
     CTarnelData& record = plan->Record;
     if (!options.Script.empty() && !TakeScript(options.Script, &record, error)) {
@@ -153,6 +173,7 @@ ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* err
     for (const std::string& drawing : options.Share ? TakeShare(drawings, *options.Share) : drawings) {
         queue.push_back({drawing, DrawingStatus::ToDo});
     }
+    RefuseWhatIsNoDrawing(&queue, plan);
     SetQueue(&plan->Record, queue);
     plan->Journal = {std::vector<std::optional<DrawingRecord>>(queue.size()),
                      std::vector<bool>(queue.size())};
@@ -214,8 +235,12 @@ ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
         SetBackWhatWasInWork(&queue, plan);
     }
     SetBackWhatIsToBeRetried(options.Retry, &queue, plan);
+    if (!ChangeSettings(options, plan, error)) {
+        return WrongUsage;
+    }
+    RefuseWhatIsNoDrawing(&queue, plan);
     SetQueue(&plan->Record, queue);
-    return ChangeSettings(options, plan, error) ? AllDone : WrongUsage;
+    return AllDone;
 }
 
 bool CommitToGoOn(const RunOptions& options, const DataFolder& folder, RunPlan* plan, std::string* error) {

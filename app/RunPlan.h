@@ -16,6 +16,8 @@ struct RunPlan {
     RunDescription Description;
     /// Of the run that this one goes on with.
     JournalContent Journal;
+    /// What is no drawing, by its place in the queue: it ends as FailOpen without having been near a host.
+    std::vector<std::optional<DrawingRecord>> Refused;
     /// What is on the disk is not yet what stands here.
     bool Changed = true;
 };

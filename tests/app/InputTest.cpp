@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <algorithm>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -119,6 +120,59 @@ TEST_F(Input, WhatIsNoDrawingIsKnownWithoutBeingOpened) {
     EXPECT_EQ(WhyNoDrawing(Write("rooms.dxf.bak", ""), true), "");
     EXPECT_EQ(WhyNoDrawing(Write("PLAN.DXF", ""), false), "");
     EXPECT_EQ(WhyNoDrawing(Folder / "gone.dwg", false), "") << "that the host tells";
+}
+
+TEST_F(Input, WhatIsNoDrawingEndsFailOpenWithoutAHost) {
+    const std::string sample = fs::path(SAMPLES) / "drawings/rooms-2000.dxf";
+    fs::copy_file(sample, Folder / "PLAN.DXF");
+    Write("readme.txt", "hello");
+    Write("rooms.dxf.bak", "hello");
+    fs::create_directories(Folder / "folder.dxf");
+    MakePipe("pipe.dxf");
+    fs::create_symlink("/dev/zero", Folder / "zero.dxf");
+    const std::string script = Write("s.scr", "(princ \"seen\\n\")\n");
+    const std::string list = Write("l.lst", "readme.txt\nPLAN.DXF\nrooms.dxf.bak\n");
+    for (const char* jobs : {"1", "3"}) {
+        const ProgramResult result = Run({"--script", script, "--list", list, "folder.dxf", "pipe.dxf",
+                                          "zero.dxf", "--jobs", jobs, "--json", "out.json"});
+        EXPECT_EQ(result.Status, 1);
+        EXPECT_THAT(result.Out, HasSubstr("1 Done, 5 FailOpen"));
+        EXPECT_EQ(std::count(result.Errors.begin(), result.Errors.end(), '\n'), 5) << result.Errors;
+        for (const char* why : {"folder.dxf is a folder", "pipe.dxf is a pipe", "zero.dxf is a device",
+                                "readme.txt is no drawing", "rooms.dxf.bak is no drawing"}) {
+            EXPECT_THAT(result.Errors, HasSubstr(why));
+            EXPECT_THAT(result.Out, HasSubstr(why));
+            EXPECT_THAT(Read(Folder / "out.json"), HasSubstr(why));
+        }
+    }
+    EXPECT_THAT(Run({"--resume"}).Out, HasSubstr("1 Done, 5 FailOpen"));
+    const ProgramResult again = Run({"--retry", "failed"});
+    EXPECT_THAT(again.Out, HasSubstr("1 Done, 5 FailOpen"));
+    EXPECT_THAT(again.Errors, HasSubstr("pipe.dxf is a pipe"));
+    const ProgramResult none = Run({"--script", script, "readme.txt", "--json", "none.json"});
+    EXPECT_EQ(none.Status, 1);
+    EXPECT_THAT(none.Out, HasSubstr("0 Done, 1 FailOpen"));
+}
+
+TEST_F(Input, AScriptComesFromAPipeAndInAWindowsPage) {
+    fs::copy_file(fs::path(SAMPLES) / "drawings/rooms-2000.dxf", Folder / "a.dxf");
+    const std::string pipe = MakePipe("script");
+    std::thread writer([&] {
+        const std::string text = "-layer\nn\nW\xE4nde\n\nqsave\n";
+        const int end = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
+        EXPECT_EQ(write(end, text.data(), text.size()), ssize_t(text.size()));
+        close(end);
+    });
+    const ProgramResult result = Run({"--script", pipe, "a.dxf"});
+    writer.join();
+    EXPECT_EQ(result.Status, 0) << result.Out << result.Errors;
+    EXPECT_THAT(result.Errors, HasSubstr("script: line 3 is not in UTF-8"));
+    const std::string saved = Read(Folder / "a.dxf");
+    EXPECT_TRUE(saved.find("W\xE4nde") != std::string::npos ||
+                saved.find("W\xC3\xA4nde") != std::string::npos);
+    EXPECT_EQ(saved.find("\xEF\xBF\xBD"), std::string::npos);
+    EXPECT_THAT(Run({"--script", Write("b.scr", std::string("a\0\n", 3)), "a.dxf"}).Errors,
+                HasSubstr("b.scr: line 1 holds a NUL"));
 }
 
 }  // namespace
