@@ -75,7 +75,8 @@ bool GatherShare(const DataFolder& folder, std::size_t number, RunQueue* queue, 
 }
 
 /// The logs of all hosts, and what was set aside in the data folder, as one in the folder next.
-bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::string& next, std::string* error) {
+bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<std::string>& drawings,
+                const std::string& next, std::string* error) {
     std::vector<std::string> folders;
     if (HasLogsAside(folder.Path())) {
         // What the data folder has under the usual names is then of the same run.
@@ -88,13 +89,15 @@ bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::string& n
         }
         folders.push_back(JobData(folder, number));
     }
-    if (!MergeLogs(folders, next, error) || (jobs > 0 && !AppendTrace(folder.Path(), next, error))) {
+    if (!MergeLogs(folders, next, drawings, error)) {
         return false;
     }
-    for (std::size_t number = 1; number <= jobs; ++number) {
-        if (!AppendTrace(JobData(folder, number), next, error)) {
-            return false;
+    if (jobs > 0) {
+        std::vector<std::string> traces = {folder.Path()};
+        for (std::size_t number = 1; number <= jobs; ++number) {
+            traces.push_back(JobData(folder, number));
         }
+        JoinTraces(traces, next);
     }
     return true;
 }
@@ -159,7 +162,7 @@ bool GatherJobs(const DataFolder& folder, RunDescription* description, std::stri
         SetQueue(&record, queue);
     }
     after.OldLogs = jobs == 0 || ready;
-    if ((after.OldLogs && !GatherLogs(folder, jobs, change.Next(), error)) ||
+    if ((after.OldLogs && !GatherLogs(folder, jobs, PathsOf(QueueOf(record)), change.Next(), error)) ||
         !WriteRecord(change.Next() + "/TarnelRunner.xml", record, error) || !change.Commit(&after, error)) {
         return false;
     }

@@ -181,23 +181,20 @@ bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& 
     for (const Part& part : parts) {
         folders.push_back(part.Folder->Path());
     }
-    if (!MakeRoomForState(target, error) || !change.Begin(error) ||
-        !MergeLogs(folders, change.Next(), error) || !AppendTrace(target.Path(), change.Next(), error)) {
-        return false;
-    }
-    for (const std::string& folder : folders) {
-        if (!AppendTrace(folder, change.Next(), error)) {
-            return false;
-        }
-    }
-    CTarnelData state;
-    if (!ReadRecord(parts.front().Folder->StateFile(), &state, error)) {
-        return false;
-    }
     RunQueue queue;
     queue.reserve(records.size());
     for (const DrawingRecord& record : records) {
         queue.push_back({record.Path, record.Status});
+    }
+    if (!MakeRoomForState(target, error) || !change.Begin(error) ||
+        !MergeLogs(folders, change.Next(), PathsOf(queue), error)) {
+        return false;
+    }
+    folders.insert(folders.begin(), target.Path());
+    JoinTraces(folders, change.Next());
+    CTarnelData state;
+    if (!ReadRecord(parts.front().Folder->StateFile(), &state, error)) {
+        return false;
     }
     SetQueue(&state, queue);
     RunDescription description = NewDescription();

@@ -62,3 +62,12 @@ std::size_t CountOf(const RunQueue& queue, DrawingStatus status) {
     return static_cast<std::size_t>(std::count_if(
         queue.begin(), queue.end(), [status](const QueueEntry& entry) { return entry.Status == status; }));
 }
+
+std::vector<std::string> PathsOf(const RunQueue& queue) {
+    std::vector<std::string> paths;
+    paths.reserve(queue.size());
+    for (const QueueEntry& entry : queue) {
+        paths.push_back(entry.Path);
+    }
+    return paths;
+}

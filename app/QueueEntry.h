@@ -28,3 +28,5 @@ RunQueue QueueOf(const CTarnelData& record);
 void SetQueue(CTarnelData* record, const RunQueue& queue);
 
 std::size_t CountOf(const RunQueue& queue, DrawingStatus status);
+/// The paths of a queue, in its order.
+std::vector<std::string> PathsOf(const RunQueue& queue);

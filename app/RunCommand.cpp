@@ -30,6 +30,34 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
     return ledger.Count(DrawingStatus::Done) == ledger.Records().size() ? AllDone : SomeNotDone;
 }
 
+/// What several hosts, or one after the other, have left becomes one queue, one log and one archive. A
+/// failure is told and tried once more.
+bool BringTogether(const DataFolder& folder, RunDescription* description, Progress* progress,
+                   std::string* error) {
+    const auto bring = [&] {
+        return (description->Jobs > 0 || SetUnfinishedAside(folder.Path(), HostLogFolder(""), error)) &&
+               GatherJobs(folder, description, error);
+    };
+    if (bring()) {
+        return true;
+    }
+    progress->Note(*error + "; it is tried again");
+    return bring();
+}
+
+/// The drawings that the run log must tell of: all that were worked on in this run, but for those whose host
+/// died, maybe before it came to the log.
+std::vector<std::string> LoggedDrawings(const RunLedger& ledger) {
+    std::vector<std::string> drawings;
+    for (const DrawingRecord& record : ledger.Records()) {
+        if (record.Seconds && record.Host.empty() && record.Status != DrawingStatus::ToDo &&
+            record.Status != DrawingStatus::Locked) {
+            drawings.push_back(record.Path);
+        }
+    }
+    return drawings;
+}
+
 /// Works off what waits and brings what is on disk together with what was told.
 RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescription* description,
                          RunLedger* ledger, Progress* progress, Signals* signals) {
@@ -59,7 +87,12 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
         complaint = complaint.empty() ? monitors[i]->Complaint() : complaint;
     }
     CTarnelData saved;
-    if (!GatherJobs(folder, description, &error) || !ReadRecord(folder.StateFile(), &saved, &error)) {
+    const bool ended = outcome == RunMonitor::Outcome::Ended;
+    if (!BringTogether(folder, description, progress, &error) ||
+        !CheckLogs(folder.Path(), ended ? LoggedDrawings(*ledger) : std::vector<std::string>(), &error)) {
+        breakOff(error);
+    }
+    if (!ReadRecord(folder.StateFile(), &saved, &error)) {
         breakOff(error);
     } else if (!ledger->Reconcile(QueueOf(saved))) {
         breakOff(

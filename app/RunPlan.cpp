@@ -15,15 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::vector<std::string> PathsOf(const RunQueue& queue) {
-    std::vector<std::string> paths;
-    paths.reserve(queue.size());
-    for (const QueueEntry& entry : queue) {
-        paths.push_back(entry.Path);
-    }
-    return paths;
-}
-
 /// The script as the module reads it.
 bool TakeScript(const std::string& file, CTarnelData* record, std::string* error) {
     QByteArray bytes;

@@ -149,9 +149,6 @@ void InputStream::refuse(const Heard& heard, std::string_view complaint) {
 
 void InputStream::wait() {
     host_.flushOutput();
-    if (Document* document = host_.current()) {
-        document->log().flush();
-    }
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 

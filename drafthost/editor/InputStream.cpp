@@ -194,7 +194,6 @@ void InputStream::pump() {
     if (!document->commandLine().isDelaying()) {
         showPrompt(document->commandLine().prompt());
     }
-    document->log().flush();
     if (std::string problem = document->log().takeError(); !problem.empty()) {
         host_.printLine(problem);
     }

@@ -10,18 +10,22 @@
 
 namespace drafthost {
 
+namespace {
+/// What is kept for a disk that takes nothing, at most.
+constexpr std::size_t MostPending = 1 << 20;
+}  // namespace
+
 void LogFile::start(std::string path) {
     stop();
     path_ = std::move(path);
     on_ = true;
     broken_ = false;
-    lineOpen_ = false;
     char time[64];
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     localtime_r(&now, &local);
     std::strftime(time, sizeof time, "[ Log opened %Y-%m-%d %H:%M:%S ]\n", &local);
-    pending_ = time;
+    write(time);
 }
 
 void LogFile::stop() {
@@ -29,31 +33,23 @@ void LogFile::stop() {
         return;
     }
     if (lineOpen_) {
-        pending_ += '\n';
+        write("\n");
     }
-    flush();
     if (fd_ >= 0) {
         ::close(fd_);
         fd_ = -1;
     }
+    pending_.clear();
     on_ = false;
 }
 
 void LogFile::write(std::string_view text) {
-    constexpr std::size_t Enough = 1 << 16;
-    if (!on_ || broken_) {
+    if (!on_ || text.empty()) {
         return;
     }
-    pending_ += text;
-    lineOpen_ = !text.empty() && text.back() != '\n';
-    if (pending_.size() > Enough) {
-        flush();
-    }
-}
-
-bool LogFile::flush() {
-    if (!on_ || broken_) {
-        return !broken_;
+    lineOpen_ = text.back() != '\n';
+    if (pending_.size() < MostPending) {
+        pending_ += text;
     }
     if (fd_ < 0) {
         if (::access(path_.c_str(), F_OK) != 0) {
@@ -63,18 +59,18 @@ bool LogFile::flush() {
     }
     std::size_t done = 0;
     while (fd_ >= 0 && done < pending_.size()) {
-        ssize_t count = ::write(fd_, pending_.data() + done, pending_.size() - done);
+        const ssize_t count = ::write(fd_, pending_.data() + done, pending_.size() - done);
         if (count < 0 && errno != EINTR) {
             break;
         }
         done += count > 0 ? std::size_t(count) : 0;
     }
-    broken_ = fd_ < 0 || done < pending_.size();
-    if (broken_) {
+    const bool failed = done < pending_.size();
+    if (failed && !broken_) {
         error_ = "The log " + path_ + " cannot be written: " + files::Because(errno);
     }
-    pending_.clear();
-    return !broken_;
+    broken_ = failed;
+    pending_.erase(0, done);
 }
 
 std::string LogFile::takeError() {

@@ -1,7 +1,7 @@
 #pragma once
-// The text of one document's command line, kept in a file. A batch turns this on and off for each of
-// thousands of drawings, so the file is only opened with the first text and written in one piece when
-// enough has come together, when it is asked for, or when the log ends.
+// The text of one document's command line, kept in a file. Each piece of text is with the system when write()
+// returns: whoever packs the log, or looks at it after the host has died, finds all that was said. A write
+// costs a quarter of a microsecond, so no buffer is worth the text that it would lose.
 
 #include <string>
 #include <string_view>
@@ -19,10 +19,9 @@ class LogFile {
     void start(std::string path);
     void stop();
     bool isOn() const { return on_; }
+    /// What cannot be written is tried again with the next text.
     void write(std::string_view text);
-    /// Brings everything to the file. False when it cannot be written (told once by error()).
-    bool flush();
-    /// One line of cause of the first failure, empty when there is none; reading it clears it.
+    /// One line of cause when writing began to fail, empty when there is none; reading it clears it.
     std::string takeError();
 
   private:

@@ -54,12 +54,19 @@ def give(entry, word):
 
 
 def run():
+    with open(os.path.join(FOLDER, "tnl log.html"), "wb", buffering=0) as log:
+        work(lambda text: log.write(text.encode()))
+
+
+def work(log):
     waiting = [entry for entry in queue if entry[1] == 0]
+    log("<html><body>")
     say("Tarnel: run started, %d to do" % len(waiting))
     for number, entry in enumerate(waiting, 1):
         name = os.path.basename(entry[0])
         give(entry, "FailOpen")
         say("Tarnel: file %d of %d: %s" % (number, len(waiting), entry[0]))
+        log(time.strftime('<span>%x %X: Processing file: <span id="">') + entry[0] + "</span></span><br />\r\n")
         if name.startswith("bad"):
             say('Cannot open "%s": line 12: not a group code.' % entry[0])
             continue
@@ -78,6 +85,7 @@ def run():
                 give(entry, "Canceled")
                 break
         give(entry, "Done")
+    log("</body></html>")
     say("Tarnel: run ended")
 
 

@@ -1,0 +1,144 @@
+#include "app/LogParts.h"
+
+#include "app/LogFile.h"
+#include "log/HostLogArchive.h"
+#include "log/ZipException.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <QFile>
+#include <unordered_set>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+LogPart AsidePart(const std::string& folder, int number) {
+    const LogPart names = LogNames(folder);
+    const std::string tail = ".part-" + std::to_string(number);
+    return {names.Log + tail, names.Archive + tail};
+}
+
+/// Logs in a folder that a run log links to.
+QStringList LinkedLogs(const std::string& folder, const std::unordered_set<std::string>& links) {
+    QStringList logs;
+    std::error_code failure;
+    for (fs::directory_iterator walk(folder, failure), end; !failure && walk != end;
+         walk.increment(failure)) {
+        const QString path = QFile::decodeName(walk->path().c_str());
+        if (links.contains(HostLogId(path).toStdString())) {
+            logs += path;
+        }
+    }
+    logs.sort();
+    return logs;
+}
+
+/// Packs the logs of the drawings that a dead host has left behind: its own, and those that the module made
+/// for drawings that were not opened.
+bool PackLeftLogs(const LogPart& part, const std::string& folder, const std::string& hostLogs,
+                  std::string* error) {
+    RunLogContent log;
+    if (!ReadLog(part.Log, &log, error)) {
+        return false;
+    }
+    std::unordered_set<std::string> links;
+    for (const RunLogEntry& entry : log.Entries) {
+        if (!entry.Id.isEmpty()) {
+            links.insert(entry.Id.toStdString());
+        }
+    }
+    const QStringList left = LinkedLogs(hostLogs, links) + LinkedLogs(folder, links);
+    if (left.isEmpty()) {
+        return true;
+    }
+    try {
+        const PackedLogs result = PackHostLogs(QFile::decodeName(part.Archive.c_str()), left, false);
+        for (const QString& log : result.Packed) {
+            QFile::remove(log);
+        }
+        if (!result.Failures.isEmpty()) {
+            *error = result.Failures.first().toStdString();
+        }
+        return result.Failures.isEmpty();
+    } catch (const CZipException& failure) {
+        *error = failure.what();
+        return false;
+    }
+}
+
+/// The archive first: a part is known by its log, and a part whose log was not moved yet is gone on with.
+bool MoveAside(const std::string& folder, std::string* error) {
+    const LogPart from = LogNames(folder);
+    if (!fs::exists(from.Log)) {
+        return true;
+    }
+    const LogPart to = AsidePart(folder, static_cast<int>(LogsAside(folder).size()) + 1);
+    if ((fs::exists(from.Archive) && std::rename(from.Archive.c_str(), to.Archive.c_str()) != 0) ||
+        std::rename(from.Log.c_str(), to.Log.c_str()) != 0) {
+        *error = to.Log + ": the log cannot be set aside: " + std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+LogPart LogNames(const std::string& folder) {
+    return {folder + "/tnl log.html", folder + "/TNLLog.zip"};
+}
+
+std::vector<LogPart> LogsAside(const std::string& folder) {
+    std::vector<LogPart> parts;
+    for (int number = 1; fs::exists(AsidePart(folder, number).Log); ++number) {
+        parts.push_back(AsidePart(folder, number));
+    }
+    return parts;
+}
+
+std::vector<LogPart> LogParts(const std::string& folder) {
+    std::vector<LogPart> parts = LogsAside(folder);
+    if (fs::exists(LogNames(folder).Log)) {
+        parts.push_back(LogNames(folder));
+    }
+    return parts;
+}
+
+bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::string* error) {
+    if (!MoveAside(folder, error)) {
+        return false;
+    }
+    for (const LogPart& part : LogsAside(folder)) {
+        if (!PackLeftLogs(part, folder, hostLogs, error)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool HasLogsAside(const std::string& folder) {
+    return fs::exists(AsidePart(folder, 1).Log);
+}
+
+void DropLogsAside(const std::string& folder) {
+    const std::vector<LogPart> parts = LogsAside(folder);
+    // The last first, so that those that are left still count from one, and each log behind its archive.
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+        std::remove(part->Archive.c_str());
+        std::remove(part->Log.c_str());
+    }
+}
+
+std::string HostLogFolder(const std::string& stateHome) {
+    if (!stateHome.empty()) {
+        return stateHome + "/drafthost";
+    }
+    const char* state = std::getenv("XDG_STATE_HOME");
+    if (state && *state == '/') {
+        return std::string(state) + "/drafthost";
+    }
+    const char* home = std::getenv("HOME");
+    return home && *home == '/' ? std::string(home) + "/.local/state/drafthost" : "/tmp";
+}

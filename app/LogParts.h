@@ -1,0 +1,30 @@
+#pragma once
+// The parts of a run's log. The module empties its log when a run starts, so what a host that died has
+// written is set aside before the next one starts, and the logs of the drawings that this host can pack no
+// more are packed with it. Each of these steps can be broken off anywhere and done again.
+#include <string>
+#include <vector>
+
+/// A run log with the archive that belongs to it.
+struct LogPart {
+    std::string Log;
+    std::string Archive;
+};
+
+/// What was set aside in a data folder, oldest first.
+std::vector<LogPart> LogsAside(const std::string& folder);
+/// That, and what stands there under the usual names.
+std::vector<LogPart> LogParts(const std::string& folder);
+LogPart LogNames(const std::string& folder);
+
+/// Moves the run log and the archive in a data folder to names of their own, and packs the host's logs that
+/// the run logs link to. hostLogs is the folder in which the host keeps them; they are deleted once they are
+/// packed. False with one line when something cannot be moved or written.
+bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::string* error);
+
+/// Forgets what was set aside in a data folder.
+void DropLogsAside(const std::string& folder);
+bool HasLogsAside(const std::string& folder);
+
+/// Where the host keeps the logs of its drawings, given its XDG_STATE_HOME or, when that is empty, ours.
+std::string HostLogFolder(const std::string& stateHome);
