@@ -21,6 +21,9 @@ constexpr std::size_t kDeathsInARow = 3;
 /// Cancels whatever runs, at any depth, as Esc would.
 constexpr const char* kCancel = "\3\3\3\3\3\3(TNL_Cancel_Batch)\n";
 
+/// How the module says that it ends a run before its end, and then why.
+constexpr std::string_view kBrokenOff = "run broken off: ";
+
 /// The module complains of one of the scripts that it makes for each drawing.
 bool AboutScript(const std::string& complaint) {
     return complaint.find("/Ovrix/script1.scr: ") != std::string::npos ||
@@ -40,6 +43,7 @@ void RunMonitor::Launch() {
     phase = Phase::Starting;
     lastStep = RunLedger::Clock::now();
     lastWords.clear();
+    lastWordsAreTheModules = false;
     settledInLife = 0;
     hung = false;
     std::string cause;
@@ -88,7 +92,8 @@ void RunMonitor::HostEnded() {
         outcome = brokenBy.empty() ? Outcome::Interrupted : Outcome::Broken;
         error = brokenBy.empty() ? "" : brokenBy + "; the run is broken off";
     } else if (phase == Phase::Quitting) {
-        outcome = Outcome::Ended;
+        outcome = brokenBy.empty() ? Outcome::Ended : Outcome::Broken;
+        error = brokenBy;
     } else if (phase == Phase::Running) {
         const std::string cause = hung ? "stopped answering, killed" : end.Text;
         std::string place;
@@ -208,8 +213,15 @@ void RunMonitor::Hear(const std::string& text) {
                     Interrupt();
                 }
             }
-            if (phase == Phase::Starting) {
+            if (line.What == HostLine::Kind::Message && line.Text.starts_with(kBrokenOff)) {
+                brokenBy = line.Text.substr(kBrokenOff.size());
+            }
+            // The module knows best why no run begins; what the host says then is about the words of this
+            // side.
+            if (phase == Phase::Starting &&
+                (line.What == HostLine::Kind::Message || !lastWordsAreTheModules)) {
                 lastWords = line.Text;
+                lastWordsAreTheModules = line.What == HostLine::Kind::Message;
             }
             break;
         default:

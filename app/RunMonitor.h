@@ -87,6 +87,7 @@ class RunMonitor {
     Phase phase = Phase::Starting;
     RunLedger::Clock::time_point lastStep;
     std::string lastWords;
+    bool lastWordsAreTheModules = false;
     std::size_t settledInLife = 0;
     bool hung = false;
     std::string complaint;

@@ -2,6 +2,7 @@
 
 #include "acdocman.h"
 #include "acedads.h"
+#include "engine/ConsoleUi.h"
 #include "engine/FilePicker.h"
 #include "engine/HostText.h"
 #include "engine/HostVariables.h"
@@ -69,15 +70,23 @@ void DoBatch() {
         ResolveStateFile();
     }
     Trace("Loading State\n");
-    LoadRunState();
+    const bool loaded = LoadRunState();
+    if (!Run().HasBegun && IsHostOfOneRun() && (!loaded || !RunFault().isEmpty())) {
+        RefuseRun(RunFault());
+        return;
+    }
     Trace("Restoring Sys Vars\n");
     ResetSystemVars();
     Trace("Showing MainDlg\n");
     const RunUi::Answer answer = CurrentUi().RunMainDialog();
     Trace("Saving State\n");
-    SaveRunState();
+    const bool saved = SaveRunState();
     if (answer == RunUi::Cancel) {
         afterCancel();
+        return;
+    }
+    if (!saved) {
+        RefuseRun(RunFault());
         return;
     }
     Trace("Send Start Batch\n");
@@ -87,14 +96,24 @@ void DoBatch() {
 }
 
 bool DoNextFile() {
+    CTarnelData& data = TarnelData();
+    // What the next drawing comes to could not be kept either.
+    const bool broken = !Run().Unsaved.isEmpty();
     Trace("GetNextFile\n");
     QString path;
-    if (!GetNextFile(path)) {
+    if (broken || !GetNextFile(path)) {
+        if (broken)
+            ConsoleLine(QStringLiteral("run broken off: ") + RunFault());
         Trace("Cleanup\n");
         Cleanup();
         return false;
     }
     SetCurrentFileStatus(FailOpen);
+    if (!Run().Unsaved.isEmpty()) {
+        // It has not been opened.
+        data.FileStatus[data.FileOrder[static_cast<std::size_t>(data.CurrentFile)]] = ToDo;
+        return DoNextFile();
+    }
     Trace("WatchNewFile\n");
     WatchNewFile(path);
     StartNextScript();

@@ -114,7 +114,15 @@ bool DoStartBatch() {
     if (data.StateFile.isEmpty())
         ResolveStateFile();
     Trace("LoadState\n");
-    LoadRunState();
+    const bool loaded = LoadRunState();
+    if (!data.BatchRunning && (!RunFault().isEmpty() || (IsHostOfOneRun() && !loaded))) {
+        RefuseRun(RunFault());
+        return false;
+    }
+    if (!data.BatchRunning && !SyncState()) {
+        RefuseRun(LastStateError());
+        return false;
+    }
     const FileInWork inWork(data);
     BuildFileOrder(data);
     inWork.FindAgain(data);
@@ -128,7 +136,7 @@ bool DoStartBatch() {
         }
         if (!prepareRun())
             return false;
-        SyncState();
+        Run().HasBegun = true;
     }
     Trace("DoNextFile\n");
     DoNextFile();

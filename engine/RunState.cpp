@@ -1,8 +1,9 @@
 #include "engine/RunState.h"
 
+#include "acdocman.h"
+#include "engine/ConsoleUi.h"
 #include "engine/FileInWork.h"
 #include "engine/FileStamp.h"
-#include "engine/HostText.h"
 #include "engine/RunUi.h"
 #include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
@@ -10,10 +11,15 @@
 #include "log/RunLog.h"
 #include "log/Trace.h"
 #include "state/FileName.h"
+#include "state/StateDigest.h"
 #include "state/StateFile.h"
+#include "state/WholeFile.h"
 
 #include <QFile>
+#include <QThread>
 
+#include <array>
+#include <cerrno>
 #include <optional>
 
 namespace {
@@ -21,7 +27,10 @@ namespace {
 std::optional<RunState> run;
 /// The state file as this module left it.
 std::optional<FileStamp> ownVersion;
-QString lastSaveError;
+/// The state file could not be read, and no copy of it was made: no save may take its place.
+bool mayNotSave = false;
+/// Milliseconds between attempts to save during a run.
+constexpr std::array SaveWaits = {200, 400, 800, 1600, 3000};
 
 /// A copy of a file that cannot be read, under the first free name beside it.
 QString keepAside(const QString& path) {
@@ -31,17 +40,31 @@ QString keepAside(const QString& path) {
     return QFile::copy(path, copy) ? copy : QString();
 }
 
-void reportDamage(const QString& path) {
-    const QString fault = CheckStateFile(path);
-    if (fault.isEmpty())
-        return;
+/// True when a save may take the file's place.
+bool reportDamage(const QString& path, const QString& fault) {
     const QString copy = keepAside(path);
-    HostPrint(QStringLiteral("\nTarnel: %1\n").arg(fault));
+    ConsoleLine(path + QStringLiteral(": ") + fault);
     if (copy.isEmpty())
-        HostPrint(
-            QStringLiteral("Tarnel: %1 could not be copied; move it before the next save.\n").arg(path));
+        ConsoleLine(
+            QStringLiteral("%1 could not be copied; nothing is saved until it can be read.").arg(path));
     else
-        HostPrint(QStringLiteral("Tarnel: it is kept as %1\n").arg(copy));
+        ConsoleLine(QStringLiteral("it is kept as %1").arg(copy));
+    return !copy.isEmpty();
+}
+
+/// What is wrong with the file as it was read; empty when it may be taken.
+QString faultOf(int error, const QByteArray& bytes, bool isOwn) {
+    const bool missingMatters = TarnelData().BatchRunning || IsHostOfOneRun();
+    if (error == ENOENT && !missingMatters)
+        return {};
+    if (error != 0)
+        return QStringLiteral("cannot be read: ") + SystemMessage(error);
+    return isOwn ? QString() : StateTextFault(bytes, 1);
+}
+
+const QByteArray& wantedRun() {
+    static const QByteArray wanted = qgetenv("TARNEL_RUN");
+    return wanted;
 }
 
 }  // namespace
@@ -58,31 +81,77 @@ void ResetRun() {
     ResetScripts();
     run.reset();
     ownVersion.reset();
-    lastSaveError.clear();
+    mayNotSave = false;
     ResetTarnelData();
 }
 
-void LoadRunState() {
+bool LoadRunState() {
     CTarnelData& data = TarnelData();
     if (data.StateFile.isEmpty())
         ResolveStateFile();
     // What this module wrote itself need not be looked over a second time.
     const auto stamp = StampOf(data.StateFile);
-    if (stamp && !(ownVersion && *ownVersion == *stamp))
-        reportDamage(data.StateFile);
+    // What could not be saved is newer than what stands on the disk.
+    if (!Run().Unsaved.isEmpty() && ownVersion == stamp)
+        return true;
+    QByteArray bytes;
+    const int error = ReadWholeFile(data.StateFile, bytes);
+    const QString fault = faultOf(error, bytes, stamp && ownVersion == stamp);
+    if (!fault.isEmpty() && (data.BatchRunning || IsHostOfOneRun())) {
+        ConsoleLine(data.StateFile + QStringLiteral(": ") + fault);
+        mayNotSave = !data.BatchRunning;
+        return false;
+    }
+    mayNotSave = !fault.isEmpty() && !reportDamage(data.StateFile, fault);
     const FileInWork inWork(data);
-    LoadState(nullptr, 1);
+    TakeState(data, bytes, 1);
     inWork.FindAgain(data);
     ownVersion = stamp;
+    return fault.isEmpty();
 }
 
-void SaveRunState() {
+bool SaveRunState() {
+    CTarnelData& data = TarnelData();
+    if (mayNotSave)
+        return false;
     SaveState(nullptr, 1);
-    const QString& error = LastStateError();
-    if (!error.isEmpty() && error != lastSaveError)
-        HostPrint(QStringLiteral("\nTarnel: the state could not be saved: %1\n").arg(error));
-    lastSaveError = error;
-    ownVersion = StampOf(TarnelData().StateFile);
+    QString& unsaved = Run().Unsaved;
+    if (unsaved.isEmpty() && !LastStateError().isEmpty()) {
+        ConsoleLine(QStringLiteral("the state could not be saved: %1").arg(LastStateError()));
+        for (const int wait : SaveWaits) {
+            if (!data.BatchRunning || LastStateError().isEmpty())
+                break;
+            QThread::msleep(static_cast<unsigned long>(wait));
+            SaveState(nullptr, 1);
+        }
+    }
+    unsaved = LastStateError();
+    ownVersion = StampOf(data.StateFile);
+    return unsaved.isEmpty();
+}
+
+QString RunFault() {
+    const CTarnelData& data = TarnelData();
+    if (!Run().Unsaved.isEmpty())
+        return QStringLiteral("the state could not be saved: ") + Run().Unsaved;
+    if (mayNotSave)
+        return data.StateFile + QStringLiteral(": cannot be read");
+    if (IsHostOfOneRun() && !data.BatchRunning && RunDigest(data) != wantedRun())
+        return data.StateFile +
+               QStringLiteral(": is not the state of the run that this host was started for");
+    return {};
+}
+
+void RefuseRun(const QString& cause) {
+    ConsoleLine(QStringLiteral("no run is started: ") + cause);
+    if (IsHostOfOneRun()) {
+        AcApDocManager* documents = acDocManagerPtr();
+        documents->sendStringToExecute(documents->curDocument(), ACRX_T("QUIT\n"), true, false, false);
+    }
+}
+
+bool IsHostOfOneRun() {
+    return !wantedRun().isEmpty();
 }
 
 QString DataFile(const QString& name) {
@@ -96,6 +165,7 @@ void SetCurrentFileStatus(FileStatusValue status) {
     const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
     data.FileStatus[entry] = status;
     Trace("SaveState\n");
-    SaveRunState();
-    CurrentUi().ShowFileStatus(EntryPath(data, entry), FileStatusWord(status));
+    // What is told is on disk.
+    if (SaveRunState())
+        CurrentUi().ShowFileStatus(EntryPath(data, entry), FileStatusWord(status));
 }

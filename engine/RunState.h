@@ -22,6 +22,10 @@ struct RunState {
     /// The file in work was picked when the script of the one before had settled that, and its own script
     /// has not begun. What that script still says is not about this file.
     bool AwaitsItsScript = false;
+    /// Why the last save failed; empty when it did not.
+    QString Unsaved;
+    /// A run has begun in this host.
+    bool HasBegun = false;
 };
 
 /// The one instance.
@@ -31,10 +35,21 @@ void ResetRun();
 
 /// Loads the state file, whose name is worked out first when that was not done yet. A file that is there but
 /// holds no state is told on the command line and kept under another name, so that no save can destroy it.
-/// The file in work stays the same, at its new place in the order.
-void LoadRunState();
+/// The file in work stays the same, at its new place in the order. False when it cannot be read; during a run
+/// the record in memory then stays, since it knows more than any file.
+bool LoadRunState();
 /// Saves the state file. A failure is told on the command line in one line, once until a save works again.
-void SaveRunState();
+/// During a run it is tried again for some seconds, so that a disk that is full for a moment costs nothing.
+/// False when the state is not on disk.
+bool SaveRunState();
+/// A run may not begin with the state as it was loaded, or must not go on: one line for the user. Empty when
+/// all is well. A program that has started this host for one run names it in TARNEL_RUN, and nothing else may
+/// be run then.
+QString RunFault();
+/// Tells that no run begins; a host that was started for one ends.
+void RefuseRun(const QString& cause);
+/// This host was started by a program for one run.
+bool IsHostOfOneRun();
 
 /// A file of the data folder.
 QString DataFile(const QString& name);

@@ -3,6 +3,7 @@
 #include "acdocman.h"
 #include "acedads.h"
 #include "engine/Batch.h"
+#include "engine/ConsoleUi.h"
 #include "engine/FileInWork.h"
 #include "engine/HostText.h"
 #include "engine/RunState.h"
@@ -152,6 +153,11 @@ void DoBatchLisp() {
         DoBatch();
         acedRetT();
         Trace("Return\n");
+        return;
+    }
+    if (IsHostOfOneRun()) {
+        ConsoleLine(QStringLiteral("this host was started for one run, and no other can begin in it"));
+        acedRetNil();
         return;
     }
     if (TarnelData().StateFile.isEmpty())

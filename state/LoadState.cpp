@@ -112,17 +112,20 @@ int LoadState(const QString* path, int full) {
 int LoadState(CTarnelData& data, const QString* path, int full) {
     ClearStateError();
     const QString& file = path != nullptr ? *path : data.StateFile;
-    MarkupDocument document;
     QByteArray bytes;
     const int error = ReadWholeFile(file, bytes);
-    if (error == 0) {
-        QString report;
-        std::uint32_t flags = 0;
-        document.SetDocumentText(DecodeMarkup(bytes, report, flags));
-    } else if (error != ENOENT) {
+    if (error != 0 && error != ENOENT)
         SetStateError(file, u"cannot be read: " + SystemMessage(error));
-    }
+    TakeState(data, bytes, full);
+    return 1;
+}
 
+void TakeState(CTarnelData& data, const QByteArray& bytes, int full) {
+    MarkupDocument document;
+    QString report;
+    std::uint32_t flags = 0;
+    if (!bytes.isEmpty())
+        document.SetDocumentText(DecodeMarkup(bytes, report, flags));
     Reader reader(document);
     document.FindElement(u"TarnelRunner");
     if (full == 0)
@@ -146,5 +149,4 @@ int LoadState(CTarnelData& data, const QString* path, int full) {
     if (data.SortIdx != 6)
         std::stable_sort(data.FileOrder.begin(), data.FileOrder.end(),
                          [&](std::uint32_t a, std::uint32_t b) { return CompareEntries(data, a, b) < 0; });
-    return 1;
 }

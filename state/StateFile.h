@@ -21,6 +21,8 @@ QString UserDataDir();
 int LoadState(const QString* path, int full);
 /// The same with a record of the caller's own; null means its StateFile.
 int LoadState(CTarnelData& data, const QString* path, int full);
+/// The same with the text of a file.
+void TakeState(CTarnelData& data, const QByteArray& bytes, int full);
 /// Writes the record to a file; null means StateFile. The result is always 1; a failed write leaves the old
 /// file as it was and is told by LastStateError().
 int SaveState(const QString* path, int full);

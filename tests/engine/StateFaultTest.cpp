@@ -4,21 +4,90 @@
 
 #include <QDir>
 #include <QFile>
+#include <QThread>
 
-TEST_F(RunTest, SaveThatFailsIsToldOnceAndTheRunGoesOn) {
+#include <sys/resource.h>
+#include <csignal>
+#include <memory>
+#include <thread>
+
+namespace {
+
+/// While this stands no file takes more than a few bytes.
+class FullDisk {
+  public:
+    FullDisk() {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit full{16, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &full);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before); }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit before{};
+};
+
+}  // namespace
+
+TEST_F(RunTest, SaveThatFailsForAMomentCostsNothing) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
+    ui.DialogAnswers = {RunUi::Ok};
+    Command("TARNEL");
+    host.RunInput(4);
+    auto full = std::make_unique<FullDisk>();
+    std::thread disk([&] {
+        QThread::msleep(400);
+        full.reset();
+    });
+    host.RunInput(1);
+    disk.join();
+    host.RunInput();
+    EXPECT_EQ(host.Printed.count("the state could not be saved"), 1);
+    EXPECT_EQ(SavedStatuses(), "1 1");
+}
+
+TEST_F(RunTest, SaveThatFailsForGoodBreaksTheRunOffAndTellsNoStatus) {
+    SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
+    ui.DialogAnswers = {RunUi::Ok};
+    Command("TARNEL");
+    host.RunInput(4);
+    host.Calls.clear();
+    {
+        const FullDisk full;
+        host.RunInput();
+    }
+    EXPECT_EQ(host.Printed.count("Tarnel: the state could not be saved"), 1) << host.Printed.toStdString();
+    EXPECT_EQ(host.Printed.count("Tarnel: run broken off: "), 1);
+    EXPECT_EQ(host.Calls.join('\n').count("ui status"), 0) << host.Calls.join('\n').toStdString();
+    EXPECT_FALSE(TarnelData().BatchRunning);
+    EXPECT_EQ(SavedStatuses(), "5 0");
+    // The record knows more than the file, and nothing is lost when the disk is back.
+    Command("TARNEL");
+    EXPECT_EQ(SavedStatuses(), "1 0");
+}
+
+TEST_F(RunTest, NoRunBeginsOnAStateThatCannotBeSaved) {
+    SetQueue({MakeFile("a.dxf")}, "old\n");
+    // The disk takes the queue and not the script that goes with it.
+    ASSERT_TRUE(QFile::rename(DataPath("TarnelRunner.xml"), DataPath("kept.xml")));
+    ASSERT_TRUE(QDir().mkpath(DataPath("TarnelRunner.xml/in the way")));
+    StartRun();
+    EXPECT_TRUE(host.Printed.contains("no run is started: ")) << host.Printed.toStdString();
+    EXPECT_FALSE(TarnelData().BatchRunning);
+    EXPECT_EQ(host.Calls.join('\n').count("ui file"), 0);
+}
+
+TEST_F(RunTest, ALoadThatFailsDuringARunKeepsTheRecord) {
     SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
     ui.DialogAnswers = {RunUi::Ok};
     Command("TARNEL");
     host.RunInput(1);
-    // No file can be made under a file.
-    const QString good = TarnelData().StateFile;
-    TarnelData().StateFile = MakeFile("blocked") + "/TarnelRunner.xml";
-    host.RunInput(4);
-    EXPECT_EQ(host.Printed.count("the state could not be saved"), 1);
-    EXPECT_TRUE(host.Printed.contains("blocked/TarnelRunner.xml"));
-    EXPECT_EQ(SavedStatuses(), "2 0");
-    // Nothing is lost: with the disk back, all of it is written.
-    TarnelData().StateFile = good;
+    ASSERT_TRUE(QFile::remove(DataPath("TarnelRunner.xml")));
+    EXPECT_FALSE(LoadRunState());
+    EXPECT_EQ(TarnelData().FileNames.size(), 2U);
     host.RunInput();
     EXPECT_EQ(SavedStatuses(), "1 1");
 }
