@@ -38,7 +38,9 @@ int OpenDesk(const std::vector<std::string>& drawings) {
     }
     // The window keeps the folder to its end, as a run's host does.
     fcntl(folder.LockDescriptor(), F_SETFD, 0);
-    std::vector<char*> arguments = {files.Host.data(), const_cast<char*>("--load"), files.Module.data()};
+    std::vector<char*> arguments = {files.Host.data(), const_cast<char*>("--desktop-entry"),
+                                    const_cast<char*>("tarnel"), const_cast<char*>("--load"),
+                                    files.Module.data()};
     // A drawing whose name looks like an option is still a drawing.
     std::vector<std::string> names;
     names.reserve(drawings.size());

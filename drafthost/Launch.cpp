@@ -35,7 +35,9 @@ constexpr const char* Options =
 constexpr const char* HeadlessEnd =
     "One drawing at most. Commands are read from standard input; QUIT or the end of the input ends the "
     "host.\n";
-constexpr const char* FramedEnd = "The drawings are opened in a window, in which commands are typed.\n";
+constexpr const char* FramedEnd =
+    "  --desktop-entry NAME  the window belongs to this entry of the desktop\n"
+    "The drawings are opened in a window, in which commands are typed.\n";
 
 std::string defaultRegistry() {
     const char* config = std::getenv("XDG_CONFIG_HOME");
@@ -106,6 +108,8 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             value = &arguments.registry;
         } else if (word == "--journal") {
             value = &arguments.journal;
+        } else if (word == "--desktop-entry" && framed) {
+            value = &arguments.desktopEntry;
         } else if (word == "/b") {
             value = &arguments.script;
         } else if (word.starts_with("--") || (!framed && !arguments.drawings.empty())) {

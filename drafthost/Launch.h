@@ -23,6 +23,8 @@ struct Arguments {
     /// Where the names of what a kill may leave are noted; empty for nowhere.
     std::string journal;
     bool breakLinks = false;
+    /// Name of the desktop entry that the window belongs to; only with a frame.
+    std::string desktopEntry;
 };
 
 /// Reads the arguments; "--help" and "--version" end the process. Nothing, and the message is on standard

@@ -4,15 +4,18 @@
 #include <cstdlib>
 #include <memory>
 #include <QApplication>
+#include <QIcon>
 #include <string>
 
 #include "drafthost/api/ApiHost.h"
+#include "drafthost/api/Toolbar.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
 #include "drafthost/Launch.h"
 #include "drafthost/window/CommandLineWidget.h"
 #include "drafthost/window/DrawingView.h"
 #include "drafthost/window/MainFrame.h"
+#include "drafthost/window/ModuleTools.h"
 #include "drafthost/window/SessionEnd.h"
 
 using namespace drafthost;
@@ -55,8 +58,17 @@ int main(int argc, char** argv) {
         return NoDisplay;
     }
     const QtMessageHandler handler = qInstallMessageHandler(refuseDisplay);
+    if (!arguments->desktopEntry.empty()) {
+        // The window system knows a program by its name; the icon is looked up by it too.
+        argv[0] = arguments->desktopEntry.data();
+    }
     QApplication application(argc, argv);
     qInstallMessageHandler(handler);
+    if (!arguments->desktopEntry.empty()) {
+        const QString name = QString::fromStdString(arguments->desktopEntry);
+        QGuiApplication::setDesktopFileName(name);
+        QGuiApplication::setWindowIcon(QIcon::fromTheme(name));
+    }
     // Dialogs come and go while no other window is open; the host ends by QUIT alone.
     QApplication::setQuitOnLastWindowClosed(false);
     Host host(arguments->registry);
@@ -68,6 +80,14 @@ int main(int argc, char** argv) {
         line->append(QString::fromUtf8(text.data(), qsizetype(text.size())));
     });
     ApiHost::setFrame(frame.get(), frame.get(), frame->view());
+    setSharedToolbar({[&tools = frame->moduleTools()](const std::string& text, const std::string& label,
+                                                      const std::string& picture) {
+                          tools.add(QString::fromStdString(text), QString::fromStdString(label),
+                                    QString::fromStdString(picture));
+                      },
+                      [&tools = frame->moduleTools()](const std::string& text) {
+                          tools.remove(QString::fromStdString(text));
+                      }});
     SessionEnd sessionEnd(host, limitEnd);
     watchSignals(host, application, [&] { sessionEnd.end(); });
     host.input().setOnEnd([] { QCoreApplication::exit(0); });
@@ -77,6 +97,7 @@ int main(int argc, char** argv) {
     QCoreApplication::exec();
     host.shutDown();
     liftEndLimit();
+    setSharedToolbar({});
     ApiHost::setFrame(nullptr, nullptr, nullptr);
     host.setOutput({});
     return exitStatus();

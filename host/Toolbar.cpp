@@ -3,6 +3,7 @@
 #include "achar.h"
 #include "engine/HostText.h"
 #include "engine/TarnelData.h"
+#include "html/HtmlResources.h"
 #include "log/Trace.h"
 #include "rxregsvc.h"
 
@@ -36,6 +37,7 @@ void* ownInstance() {
 
 void addButton(void* function) {
     Trace("AddToToolbar\n");
+    InitHtmlResources();
     reinterpret_cast<AddFunction>(function)(ACRX_T("tarnel\n"), ACRX_T("Tarnel"), ownInstance(),
                                             ButtonPicture, 0, 0);
 }

@@ -5,7 +5,9 @@
 #include "log/MapiSession.h"
 #include "log/SupportBundle.h"
 #include "ui/DialogUi.h"
+#include "ui/Icons.h"
 
+#include <QApplication>
 #include <QMessageBox>
 
 namespace {
@@ -29,6 +31,9 @@ std::unique_ptr<RunUi> MakeWindowUi() {
     if (acedGetAcadFrame() == nullptr)
         return nullptr;
     InitHtmlResources();
+    // A program that is not installed has no icon that the desktop would know.
+    if (QApplication::windowIcon().isNull())
+        QApplication::setWindowIcon(ResourceIcon(QStringLiteral("tarnel")));
     auto windows = std::make_unique<DialogUi>();
     windows->EmailLog = emailLog;
     return windows;

@@ -23,8 +23,12 @@ bool IsUtf8Page(int page);
 /// True for the pages on which a conversion never tells of a loss.
 bool CodePageNeedsNoDefault(int page);
 
-/// Narrow text as UTF-16. 0 and -1, and pages that no library here knows, are the locale's encoding. Bytes
-/// that mean nothing become U+FFFD.
-QString DecodeText(QByteArrayView bytes, int page);
+/// True when text can be converted from and to the page. There are a few, of old systems of East Asia, for
+/// which nobody has tables.
+bool HasCodePage(int page);
+
+/// Narrow text as UTF-16. 0 and -1 are the locale's encoding. Bytes that mean nothing become the character
+/// unknown; of a page that cannot be had those are all outside ASCII.
+QString DecodeText(QByteArrayView bytes, int page, char16_t unknown = QChar::ReplacementCharacter);
 /// UTF-16 as narrow text. What the page lacks becomes the substitute, and sets lossy when given.
 QByteArray EncodeText(QStringView text, int page, char substitute = '?', bool* lossy = nullptr);

@@ -42,6 +42,18 @@ void addTransfer(QString& report, QStringView word, QStringView encoding, qsizet
     AddReport(report, word, {{u"encoding", encoding.toString()}, {u"length", QString::number(length)}});
 }
 
+/// True, and told, when nobody has a table for the encoding and there is something that would need one.
+template <class Text>
+bool lacksPage(const Text& text, QStringView encoding, QString& report) {
+    const int page = std::max(EncodingToCodePage(encoding), LocalePage);
+    const bool lacks =
+        page != Utf32Page && !HasCodePage(page) &&
+        std::any_of(text.begin(), text.end(), [](auto c) { return QChar(c).unicode() >= 0x80; });
+    if (lacks)
+        AddReport(report, u"encoding_unavailable", {{u"encoding", encoding.toString()}});
+    return lacks;
+}
+
 /// Looser than the definition on purpose: overlong forms and a continuation byte in front pass, so that files
 /// of writers that were not exact either are still taken as UTF-8.
 bool looksLikeUtf8(QByteArrayView bytes) {
@@ -95,7 +107,7 @@ bool ReadMarkupFile(const QString& path, QString& text, QString& report, std::ui
         return false;
     }
     text = DecodeMarkup(bytes, report, flags);
-    return true;
+    return !report.contains(u"<encoding_unavailable");
 }
 
 QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags) {
@@ -115,8 +127,14 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
         if (mark->UnitSize == 2)
             return decodeWide(bytes, *mark, report);
     } else {
+        // Korean mail announces its second set ahead of everything, some writers of Chinese mail that they
+        // begin with ASCII.
+        constexpr std::array<QByteArrayView, 2> announcers = {"\x1b$)C", "~}"};
+        QByteArrayView start = bytes;
+        for (const QByteArrayView announcer : announcers)
+            start = start.startsWith(announcer) ? start.sliced(announcer.size()) : start;
         constexpr qsizetype sampleSize = 1024;
-        encoding = DeclaredEncoding(DecodeText(bytes.first(std::min(bytes.size(), sampleSize)), Utf8Page));
+        encoding = DeclaredEncoding(DecodeText(start.first(std::min(start.size(), sampleSize)), Utf8Page));
         if (encoding.isEmpty() && bytes.front() == '<')
             encoding = QStringLiteral("UTF-8");
     }
@@ -144,6 +162,7 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
         // The declaration was read as bytes, so whatever it says the text is not in wide units.
         text = DecodeText(bytes, Utf8Page);
     } else {
+        lacksPage(QString::fromLatin1(bytes), encoding, report);
         text = DecodeText(bytes, page);
     }
     addTransfer(report, u"converted_to", u"UTF-16", text.size());
@@ -151,6 +170,8 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
 }
 
 bool WriteMarkupFile(const QString& path, const QString& text, QString& report, std::uint32_t flags) {
+    if ((flags & markFlags) == 0 && lacksPage(text, DeclaredEncoding(text), report))
+        return false;
     const QByteArray bytes = EncodeMarkup(text, report, flags);
     if (const int error = WriteWholeFile(path, bytes)) {
         addFileError(report, error);

@@ -63,15 +63,22 @@ qsizetype Convert(TextConverter& converter, void* target, const QString* targetE
     if (from == Utf32Page && to != Utf8Page && to != Utf16Page)
         return 0;
 
+    const auto cannotBeHad = [](int page) {
+        return page != Utf16Page && page != Utf32Page && !HasCodePage(page);
+    };
+    converter.Unavailable = cannotBeHad(from) || cannotBeHad(to);
+    if (converter.Unavailable)
+        return 0;
+
     QString text;
     if (from == Utf32Page) {
         text = fromUtf32(converter);
     } else if (from == Utf16Page) {
         text = QString(static_cast<const QChar*>(converter.Source), converter.SourceLength);
     } else {
-        text = DecodeText({static_cast<const char*>(converter.Source), converter.SourceLength}, from);
-        if (to == Utf32Page)
-            text.replace(QChar(QChar::ReplacementCharacter), u'?');
+        const char16_t unknown = to == Utf32Page ? u'?' : char16_t(QChar::ReplacementCharacter);
+        text =
+            DecodeText({static_cast<const char*>(converter.Source), converter.SourceLength}, from, unknown);
     }
 
     if (to == Utf16Page)

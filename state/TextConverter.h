@@ -13,6 +13,8 @@ struct TextConverter {
     qsizetype TargetCapacity = 0;
     /// Set when a character had no equivalent in the target.
     bool Lossy = false;
+    /// Set when nobody has a table for one of the encodings; nothing is converted then.
+    bool Unavailable = false;
 };
 
 /// Converts into target (up to its capacity), or only counts when that is null. A target encoding given here

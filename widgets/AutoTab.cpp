@@ -2,17 +2,32 @@
 
 #include "widgets/BalloonHelp.h"
 
+#include <QEvent>
 #include <QTabBar>
 
 CAutoTab::CAutoTab(QWidget* parent) : QTabWidget(parent) {
     tabBar()->setAccessibleName(tr("Pages"));
     connect(this, &QTabWidget::currentChanged, this, [this] {
         CBalloonHelp::CloseAll();
-        // The keyboard goes on in what the page is for, not in whatever button stands first on it.
-        if (currentWidget() != nullptr && currentWidget()->focusProxy() != nullptr && isVisible() &&
-            !tabBar()->hasFocus())
-            currentWidget()->setFocus(Qt::ShortcutFocusReason);
+        if (!tabBar()->hasFocus())
+            focusPage();
     });
+    tabBar()->installEventFilter(this);
+}
+
+// The keyboard goes on in what the page is for, not in whatever button stands first on it.
+void CAutoTab::focusPage() {
+    if (currentWidget() != nullptr && currentWidget()->focusProxy() != nullptr && isVisible())
+        currentWidget()->setFocus(Qt::ShortcutFocusReason);
+}
+
+// The letter of a title leads into its page, also into the one that is shown and also from the titles, where
+// the arrow keys stay. Otherwise what is typed next would be lost, and its Enter would press the default
+// button.
+bool CAutoTab::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == tabBar() && event->type() == QEvent::Shortcut)
+        QMetaObject::invokeMethod(this, &CAutoTab::focusPage, Qt::QueuedConnection);
+    return QTabWidget::eventFilter(watched, event);
 }
 
 void CAutoTab::AddTab(const QString& title, QWidget* page, const QIcon& icon) {

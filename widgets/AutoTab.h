@@ -12,4 +12,10 @@ class CAutoTab : public QTabWidget {
     void SetActive(int index);
     /// The page after (1) or before (-1) the present one, round the ends.
     void Step(int direction);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void focusPage();
 };

@@ -3,6 +3,7 @@
 #include "acprofile.h"
 #include "dbmain.h"
 #include "drafthost/api/ApiHost.h"
+#include "drafthost/api/Toolbar.h"
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/RegistryFile.h"
 #include "rxregsvc.h"
@@ -98,12 +99,18 @@ AcDbHostApplicationServices* acdbHostApplicationServices() {
 }
 
 bool acrxModulePath(const ACHAR* fileName, ACHAR* result, int size) {
-    const std::string path = apiHost().modules().path(toUtf8(fileName));
+    const std::string name = toUtf8(fileName);
+    std::string path = apiHost().modules().path(name);
+    if (path.empty() && isSharedToolbar(name)) {
+        path = name;
+    }
     return !path.empty() && copyTo(result, size, path);
 }
 
 void* acrxModuleSymbol(const ACHAR* fileName, const char* symbol) {
-    return apiHost().modules().symbol(toUtf8(fileName), symbol);
+    const std::string name = toUtf8(fileName);
+    void* address = apiHost().modules().symbol(name, symbol);
+    return !address && isSharedToolbar(name) ? sharedToolbarSymbol(symbol) : address;
 }
 
 bool acrxRegistryReadDword(const ACHAR* root, const ACHAR* path, unsigned int* value) {

@@ -3,8 +3,10 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "drafthost/commands/Backup.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
+#include "drafthost/editor/ScriptReader.h"
 
 namespace drafthost::commands {
 
@@ -13,9 +15,41 @@ Task<bool> askYesNo(CommandContext& context, std::string question, bool standard
     co_return answer.isKeyword("Yes");
 }
 
+namespace {
+
+/// Whoever sits at the window is asked in a box. Programs and scripts answer on the command line, and so does
+/// a user who wants no dialogs.
+bool asksInBox(CommandContext& context) {
+    Host& host = context.host();
+    return host.changesBox() && context.source() == InputSource::Keyboard && !host.script().isRunning() &&
+           host.variables().integer("FILEDIA", 1) != 0;
+}
+
+/// True when the changes are on the disk or not wanted.
+bool settleInBox(CommandContext& context, Document& document) {
+    const ChangesAnswer answer = context.host().changesBox()(document);
+    if (answer.kind != ChangesAnswer::Save) {
+        return answer.kind == ChangesAnswer::Discard;
+    }
+    const std::string path = answer.path.empty() ? document.path() : answer.path;
+    std::string error;
+    const bool saved = keepBackup(context.host(), path, error) &&
+                       (answer.path.empty() ? document.save(error) : document.saveTo(path, true, {}, error));
+    if (!saved) {
+        context.printLine(error);
+    }
+    return saved;
+}
+
+}  // namespace
+
 Task<bool> mayDiscardChanges(CommandContext& context, Document& document) {
     if (document.modified() == 0) {
         co_return true;
+    }
+    if (asksInBox(context)) {
+        bool settled = settleInBox(context, document);
+        co_return settled;
     }
     co_return co_await askYesNo(context, "Really want to discard all changes to " + document.title() + "?",
                                 false);

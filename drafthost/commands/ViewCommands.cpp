@@ -10,6 +10,7 @@
 #include "drafthost/drawing/View.h"
 #include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
+#include "drafthost/editor/Host.h"
 
 namespace drafthost::commands {
 
@@ -17,6 +18,7 @@ namespace {
 
 /// Views kept for ZOOM Previous.
 constexpr size_t viewStackDepth = 10;
+constexpr double screenMargin = 1.05;
 
 Point toPoint(const lisp::Point& point) {
     return {point[0], point[1], point[2]};
@@ -54,11 +56,15 @@ Extents limits(const Drawing& drawing) {
     return box;
 }
 
-/// The box in display coordinates made the view. A box without height and width keeps the view's height.
-void showBox(Document& document, const Extents& box) {
+/// The box in display coordinates made the view, as a factor larger. It fits the window where there is one,
+/// else the aspect that the drawing keeps. A box without height and width keeps the view's height.
+void showBox(Document& document, const Extents& box, double margin = 1.0) {
     View view = currentView(document.drawing());
     if (box.max.x > box.min.x || box.max.y > box.min.y) {
-        view = fitView(view, box, 1.0);
+        const double aspect = view.aspect;
+        view.aspect = document.host().screenAspect().value_or(aspect);
+        view = fitView(view, box, margin);
+        view.aspect = aspect;
     } else {
         view.center = {box.min.x, box.min.y, view.center.z};
     }
@@ -77,7 +83,8 @@ void zoomToExtents(Document& document, bool withLimits) {
     if (withLimits || box.empty()) {
         box.add(displayExtents(drawing, limits(drawing)));
     }
-    showBox(document, box);
+    // On a screen, lines at the very edge of the window are not seen.
+    showBox(document, box, document.host().screenAspect() ? screenMargin : 1.0);
 }
 
 void zoomToWindow(CommandContext& context, const Point& first, const Point& second) {

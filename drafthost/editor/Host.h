@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,13 @@ struct OpenResult {
     /// The cause is that somebody else has the drawing open or it may not be written: it can still be
     /// opened read-only.
     bool locked = false;
+};
+
+/// What is to become of unsaved changes.
+struct ChangesAnswer {
+    enum Kind { Keep, Save, Discard } kind = Keep;
+    /// Where to save a drawing that has no name or may not be written; else empty.
+    std::string path;
 };
 
 class Host {
@@ -124,6 +132,13 @@ class Host {
     /// There is a window; without one nobody but the keyboard can answer.
     bool hasFrame() const { return hasFrame_; }
     void setHasFrame(bool hasFrame) { hasFrame_ = hasFrame; }
+    /// How the window asks about unsaved changes; null without one, and the command line asks.
+    using ChangesBox = std::function<ChangesAnswer(Document&)>;
+    const ChangesBox& changesBox() const { return changesBox_; }
+    void setChangesBox(ChangesBox box) { changesBox_ = std::move(box); }
+    /// Width to height of what the window shows of a drawing; nothing without one.
+    std::optional<double> screenAspect() const { return screenAspect_; }
+    void setScreenAspect(std::optional<double> aspect) { screenAspect_ = aspect; }
     /// File name for the next log of a drawing, new in this session.
     std::string nextLogName(const std::string& drawing);
 
@@ -153,6 +168,8 @@ class Host {
     std::uint64_t textMark_ = 0;
     bool lineOpen_ = false;
     bool hasFrame_ = false;
+    ChangesBox changesBox_;
+    std::optional<double> screenAspect_;
     int newDocuments_ = 0;
     int logs_ = 0;
     bool quitRequested_ = false;

@@ -2,6 +2,7 @@
 
 #include "drafthost/editor/Host.h"
 
+#include <QCoreApplication>
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -23,6 +24,7 @@ CommandLineWidget::CommandLineWidget(Host& owner, QWidget* parent)
     line->setAccessibleName(tr("Command line"));
     line->setPlaceholderText(tr("Type a command"));
     line->installEventFilter(this);
+    output->installEventFilter(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->setSpacing(2);
@@ -76,7 +78,28 @@ void CommandLineWidget::complete() {
     line->setSelection(static_cast<int>(start.size()), static_cast<int>(next.size() - start.size()));
 }
 
+bool CommandLineWidget::takeKey(const QKeyEvent& key) {
+    const bool edits = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter ||
+                       key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Escape;
+    const bool types = !key.text().isEmpty() && key.text().front().isPrint() &&
+                       (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
+    if (!edits && !types)
+        return false;
+    line->setFocus();
+    QKeyEvent copy(key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat());
+    QCoreApplication::sendEvent(line, &copy);
+    return true;
+}
+
+// What the line has seen and left, as it leaves Enter, must not come back to it by way of the frame.
+void CommandLineWidget::keyPressEvent(QKeyEvent* event) {
+    event->accept();
+}
+
 bool CommandLineWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == output && event->type() == QEvent::KeyPress &&
+        takeKey(*static_cast<const QKeyEvent*>(event)))
+        return true;
     if (watched == line && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         switch (key->key()) {

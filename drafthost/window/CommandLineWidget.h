@@ -3,6 +3,7 @@
 // completion of command names (Tab). Esc is a cancel, as at every command line.
 #include <QWidget>
 
+class QKeyEvent;
 class QLineEdit;
 class QPlainTextEdit;
 
@@ -16,6 +17,9 @@ class CommandLineWidget : public QWidget {
     explicit CommandLineWidget(Host& host, QWidget* parent = nullptr);
     /// Text of the host, without a line end of its own.
     void append(const QString& text);
+    /// Gives the line the focus and a key that was pressed elsewhere, when it is one to type with: text,
+    /// Enter, Backspace, Esc. False for all others.
+    bool takeKey(const QKeyEvent& key);
 
   Q_SIGNALS:
     /// A line was given, ended by Enter.
@@ -24,6 +28,7 @@ class CommandLineWidget : public QWidget {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void enter();

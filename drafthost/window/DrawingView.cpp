@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
+#include <utility>
 
 namespace drafthost {
 
@@ -34,11 +35,13 @@ void DrawingView::refresh() {
     update();
 }
 
-// A view that the drawing has changed since it was last looked at wins over what the wheel did.
+// A view that was set, or that the drawing has changed since it was last looked at, wins over what the wheel
+// did.
 void DrawingView::takeView() {
     const View view = currentView(document->drawing());
     const QPointF place(view.center.x, view.center.y);
-    if (view.height == viewHeight && place == viewCenter)
+    const bool set = std::exchange(follow, false);
+    if (!set && view.height == viewHeight && place == viewCenter)
         return;
     const bool first = viewHeight == 0;
     viewHeight = view.height;
@@ -111,6 +114,11 @@ void DrawingView::paintEvent(QPaintEvent*) {
             painter.restore();
         }
     }
+}
+
+void DrawingView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    Q_EMIT resized(size());
 }
 
 void DrawingView::wheelEvent(QWheelEvent* event) {

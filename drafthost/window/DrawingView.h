@@ -19,6 +19,8 @@ class DrawingView : public QWidget {
     using QWidget::show;
     /// Takes over what commands have changed: entities, layers and the view.
     void refresh();
+    /// A command has set the view: from the next look on it wins over what the mouse did since.
+    void followView() { follow = true; }
     const DisplayList& list() const { return shown; }
     /// Drawing coordinates of a place in the window.
     QPointF toDrawing(const QPointF& place) const;
@@ -26,9 +28,11 @@ class DrawingView : public QWidget {
   Q_SIGNALS:
     /// The pointer stands over this place of the drawing.
     void pointed(const QPointF& place);
+    void resized(const QSize& size);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -43,6 +47,7 @@ class DrawingView : public QWidget {
     QPointF center;
     double unitsPerPixel = 1;
     double viewHeight = 0;
+    bool follow = false;
     QPointF viewCenter;
     QPoint dragged;
 };

@@ -3,16 +3,20 @@
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
+#include "drafthost/editor/ScriptReader.h"
+#include "drafthost/window/ChangesBox.h"
 #include "drafthost/window/CommandLineWidget.h"
+#include "drafthost/window/DocumentTabs.h"
 #include "drafthost/window/DrawingView.h"
+#include "drafthost/window/FileMenu.h"
+#include "drafthost/window/FramePlace.h"
+#include "drafthost/window/ModuleTools.h"
 
 #include <QCloseEvent>
 #include <QDockWidget>
-#include <QFileDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
-#include <QTabBar>
 #include <QVBoxLayout>
 
 namespace drafthost {
@@ -21,7 +25,7 @@ MainFrame::MainFrame(Host& owner)
     : host(owner),
       drawingView(new DrawingView(this)),
       line(new CommandLineWidget(owner, this)),
-      tabs(new QTabBar(this)),
+      tabs(new DocumentTabs(this)),
       place(new QLabel(this)) {
     auto* middle = new QWidget(this);
     auto* column = new QVBoxLayout(middle);
@@ -30,8 +34,6 @@ MainFrame::MainFrame(Host& owner)
     column->addWidget(tabs);
     column->addWidget(drawingView, 1);
     setCentralWidget(middle);
-    tabs->setExpanding(false);
-    tabs->setAccessibleName(tr("Open drawings"));
     auto* dock = new QDockWidget(tr("Command line"), this);
     dock->setObjectName(QStringLiteral("commandLineDock"));
     dock->setWidget(line);
@@ -40,7 +42,7 @@ MainFrame::MainFrame(Host& owner)
     resizeDocks({dock}, {150}, Qt::Vertical);
     statusBar()->addPermanentWidget(place);
     addMenus();
-    resize(1000, 720);
+    restorePlace(*this, host.registry());
     repaint.setSingleShot(true);
     connect(&repaint, &QTimer::timeout, this, &MainFrame::showCurrent);
     connect(line, &CommandLineWidget::typed, this, [this](const QString& text) { type(text + u'\n'); });
@@ -48,41 +50,64 @@ MainFrame::MainFrame(Host& owner)
     connect(drawingView, &DrawingView::pointed, this, [this](const QPointF& at) {
         place->setText(QStringLiteral("%1, %2").arg(at.x(), 0, 'f', 4).arg(at.y(), 0, 'f', 4));
     });
-    connect(tabs, &QTabBar::tabBarClicked, this, [this](int index) {
-        const auto open = host.documents();
-        if (index >= 0 && std::size_t(index) < open.size() && host.input().isIdle())
-            host.activate(*open[std::size_t(index)]);
+    connect(drawingView, &DrawingView::resized, this, [this](const QSize& size) {
+        host.setScreenAspect(double(std::max(size.width(), 1)) / std::max(size.height(), 1));
     });
+    connect(tabs, &QTabBar::tabBarClicked, this, &MainFrame::activateTab);
+    connect(tabs, &QTabBar::tabCloseRequested, this, [this](int index) {
+        if (activateTab(index))
+            command(QStringLiteral("CLOSE\n"));
+    });
+    host.setChangesBox([this](Document& document) { return askChanges(this, document); });
     host.addObserver(this);
     line->setFocus();
 }
 
 MainFrame::~MainFrame() {
     host.removeObserver(this);
+    host.setChangesBox({});
+    host.setScreenAspect({});
 }
 
 void MainFrame::type(const QString& text) {
     host.input().type(text.toStdString());
 }
 
-void MainFrame::addMenus() {
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&New"), QKeySequence::New, this, [this] { type(QStringLiteral("NEW\n\n")); });
-    file->addAction(tr("&Open..."), QKeySequence::Open, this, [this] {
-        const QString path = QFileDialog::getOpenFileName(this, tr("Open a drawing"), QString(),
-                                                          tr("Drawings (*.dxf *.DXF *.dwg);;All files (*)"));
-        if (!path.isEmpty())
-            type(QStringLiteral("OPEN\n\"%1\"\n").arg(path));
-    });
-    file->addAction(tr("&Save"), QKeySequence::Save, this, [this] { type(QStringLiteral("QSAVE\n")); });
-    file->addSeparator();
-    file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
-    QMenu* viewMenu = menuBar()->addMenu(tr("&View"));
-    viewMenu->addAction(tr("Zoom &extents"), this, [this] { type(QStringLiteral("ZOOM\nE\n")); });
-    viewMenu->addAction(tr("&Regenerate"), this, [this] { type(QStringLiteral("REGEN\n")); });
+void MainFrame::command(const QString& text) {
+    if (host.script().isRunning()) {
+        statusBar()->showMessage(tr("A script is running; Esc on the command line stops it."), 5000);
+        return;
+    }
+    const Document* document = host.current();
+    if (!host.input().isIdle() || (document != nullptr && !host.current()->commandLine().atPrompt()))
+        host.input().cancel();
+    type(text);
 }
 
-// Closing the window is QUIT, with the questions that QUIT asks.
+void MainFrame::addMenus() {
+    const auto run = [this](const QString& text) { command(text); };
+    files = std::make_unique<FileMenu>(host, *this, run);
+    QMenu* viewMenu = menuBar()->addMenu(tr("&View"));
+    viewMenu->addAction(tr("Zoom &extents"), this, [this] { command(QStringLiteral("ZOOM\nE\n")); });
+    viewMenu->addAction(tr("&Regenerate"), this, [this] { command(QStringLiteral("REGEN\n")); });
+    tools = std::make_unique<ModuleTools>(*this, run);
+}
+
+bool MainFrame::activateTab(int index) {
+    const auto open = host.documents();
+    if (index < 0 || std::size_t(index) >= open.size() || !host.input().isIdle())
+        return false;
+    host.activate(*open[std::size_t(index)]);
+    return true;
+}
+
+// Typing goes to the command line from wherever the keyboard is.
+void MainFrame::keyPressEvent(QKeyEvent* event) {
+    if (!line->takeKey(*event))
+        QMainWindow::keyPressEvent(event);
+}
+
+// Closing the window is QUIT, with what QUIT asks in a box.
 void MainFrame::closeEvent(QCloseEvent* event) {
     if (host.quitRequested()) {
         event->accept();
@@ -106,7 +131,17 @@ void MainFrame::documentActivated(Document*) {
     repaint.start(0);
 }
 
-void MainFrame::commandEnded(std::string_view) {
+void MainFrame::commandEnded(std::string_view name) {
+    if (name == "ZOOM")
+        drawingView->followView();
+    repaint.start(30);
+}
+
+void MainFrame::commandCancelled(std::string_view) {
+    repaint.start(30);
+}
+
+void MainFrame::commandFailed(std::string_view) {
     repaint.start(30);
 }
 
@@ -118,24 +153,17 @@ void MainFrame::saveComplete(Document&, std::string_view) {
     repaint.start(30);
 }
 
+void MainFrame::quitWillStart() {
+    keepPlace(*this, host.registry());
+}
+
 void MainFrame::showCurrent() {
     Document* current = host.current();
-    const auto open = host.documents();
-    const QSignalBlocker quiet(tabs);
-    while (tabs->count() > int(open.size()))
-        tabs->removeTab(tabs->count() - 1);
-    while (tabs->count() < int(open.size()))
-        tabs->addTab(QString());
-    for (int i = 0; i < int(open.size()); ++i) {
-        const Document& document = *open[std::size_t(i)];
-        tabs->setTabText(i, QString::fromStdString(document.title()));
-        tabs->setTabToolTip(i, QString::fromStdString(document.path()));
-        if (&document == current)
-            tabs->setCurrentIndex(i);
-    }
+    tabs->showDocuments(host);
     setWindowTitle(current == nullptr
                        ? QStringLiteral("drafthost")
-                       : QString::fromStdString(current->title()) + QStringLiteral(" - drafthost"));
+                       : QString::fromStdString(current->title()) + QStringLiteral("[*] - drafthost"));
+    setWindowModified(current != nullptr && current->modified() != 0);
     drawingView->show(current);
 }
 

@@ -46,7 +46,7 @@ TEST(Encoding, PagesGoThereAndBack) {
         {950, "\xB9\xCF\xAF\xC8"},
         {1361, "\xB4\xA1"},
         {10000, "na\x95ve"},
-        {10079, "\xA0"},
+        {10079, "\x84\xDC"},
         {154, "\xD7"},
         {20106, "gr\x7Dn"},
         {20866, "\xFE\xC5\xD2"},

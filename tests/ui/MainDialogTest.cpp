@@ -39,6 +39,32 @@ TEST_F(MainDialogTest, PagesByKeyboardAndTheLastOneKept) {
     EXPECT_EQ(TarnelData().LastTab, 2);
 }
 
+TEST_F(MainDialogTest, TheLetterOfAPageLeadsIntoIt) {
+    addFile(QStringLiteral("/d/a.dwg"));
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    auto* script = dialog.findChild<QPlainTextEdit*>(QStringLiteral("script"));
+    // From the titles, and for the page that is shown already.
+    for (int i = 0; i < 2; ++i) {
+        tabs(dialog)->tabBar()->setFocus();
+        QTest::keyClick(&dialog, Qt::Key_S, Qt::AltModifier);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(script->hasFocus()) << "round " << i;
+        script->moveCursor(QTextCursor::End);
+        QTest::keyClicks(dialog.focusWidget(), QStringLiteral("regen"));
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible()) << "Enter has started a run";
+    }
+    EXPECT_TRUE(script->toPlainText().endsWith(QStringLiteral("regen\nregen\n")));
+    // The arrows walk along the titles and stay there.
+    tabs(dialog)->tabBar()->setFocus();
+    QTest::keyClick(tabs(dialog)->tabBar(), Qt::Key_Right);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(tabs(dialog)->currentIndex(), 3);
+    EXPECT_TRUE(tabs(dialog)->tabBar()->hasFocus());
+}
+
 TEST_F(MainDialogTest, EnterAndEscReachTheDialogFromEveryPage) {
     addFile(QStringLiteral("/d/a.dwg"));
     QFile log(folder.filePath(QStringLiteral("tnl log.html")));

@@ -110,6 +110,21 @@ TEST_F(DeskTest, EndsInOrderWhenItIsTold) {
     EXPECT_TRUE(traced().endsWith("Done")) << "the module was unloaded";
 }
 
+TEST_F(DeskTest, TheModuleHasAButton) {
+    start({QStringLiteral("QT_QPA_PLATFORM=offscreen")}, QStringLiteral(DESK_PROGRAM),
+          {QStringLiteral("--load"), QStringLiteral(MODULE_FILE), QStringLiteral("--load"),
+           QStringLiteral(FRAME_MODULE)});
+    const QString trace = QStringLiteral("Ovrix/TNLapp.log");
+    ASSERT_TRUE(until([&] { return content(trace).contains("Check Watch"); }));
+    write(QStringLiteral("do"), "button");
+    EXPECT_TRUE(until([&] { return content(trace).contains("InitDone"); })) << content(trace).toStdString();
+    // The dialog that it has opened does not keep the host.
+    desk.terminate();
+    ASSERT_TRUE(desk.waitForFinished());
+    EXPECT_EQ(desk.exitCode(), 128 + SIGTERM);
+    EXPECT_TRUE(content(trace).contains("RemoveFromToolbar"));
+}
+
 TEST_F(DeskTest, ARunEndsWithTheWindow) {
     const char* const ways[] = {"close", "quit", "SIGTERM", "SIGTERM over a box"};
     for (const char* script : EndlessScripts) {

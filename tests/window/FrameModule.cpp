@@ -1,14 +1,17 @@
 // A module that does to the host's window what a user does, when a file in the data folder asks for it:
-// "close" clicks the window's X, "quit" is the desktop's logout, "box" opens a modal box and leaves it open.
+// "close" clicks the window's X, "button" presses what the tool bar has, "quit" is the desktop's logout,
+// "box" opens a modal box and leaves it open.
 
 #include "acframe.h"
 #include "rxregsvc.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QFile>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QTimer>
+#include <QToolBar>
 
 namespace {
 
@@ -20,6 +23,9 @@ void obey() {
     file.remove();
     if (wanted == "close")
         acedGetAcadFrame()->close();
+    else if (wanted == "button" && acedGetAcadFrame()->findChild<QToolBar*>() != nullptr)
+        for (QAction* action : acedGetAcadFrame()->findChild<QToolBar*>()->actions())
+            action->trigger();
     else if (wanted == "quit")
         QCoreApplication::quit();
     else if (wanted == "box")

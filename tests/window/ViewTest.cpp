@@ -5,11 +5,20 @@
 #include "drafthost/editor/InputStream.h"
 #include "drafthost/window/CommandLineWidget.h"
 #include "drafthost/window/DrawingView.h"
+#include "drafthost/window/FramePlace.h"
 #include "drafthost/window/MainFrame.h"
 
 #include <gtest/gtest.h>
+#include <QAction>
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -45,6 +54,47 @@ class WindowTest : public testing::Test {
         settle();
     }
 
+    /// Copies of a sample, opened in this order.
+    void open(const QStringList& names) {
+        for (const QString& name : names) {
+            const QString path = folder.filePath(name);
+            ASSERT_TRUE(QFile::copy(QStringLiteral(SAMPLE_FOLDER "/rooms-2000.dxf"), path));
+            QFile(path).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+            ASSERT_NE(host.openDocument(path.toStdString(), OpenMode::ReadWrite).document, nullptr);
+        }
+        settle();
+    }
+    QByteArray content(const QString& name) const {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void trigger(const QString& text) {
+        for (QAction* action : frame->findChildren<QAction*>()) {
+            if (action->text() == text)
+                return action->trigger();
+        }
+        ADD_FAILURE() << text.toStdString() << " is in no menu";
+    }
+    void answerNext(QMessageBox::StandardButton button) {
+        QTimer::singleShot(5, frame.get(), [this, button] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (box == nullptr)
+                return answerNext(button);
+            ++questions;
+            box->button(button)->click();
+        });
+    }
+    /// Types a path into the file dialog that is open.
+    void chooseFile(const QString& path) {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+        if (QFile::exists(path))
+            answerNext(QMessageBox::Yes);
+        dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
+    }
+
+    int questions = 0;
     QTemporaryDir folder;
     Host host{folder.filePath(QStringLiteral("registry.ini")).toStdString()};
     ApiHost api{host};
@@ -84,6 +134,48 @@ TEST_F(WindowTest, WheelAndDrag) {
     const QPointF kept = view->toDrawing(QPointF(0, 0));
     enter(QStringLiteral("(+ 1 2)"));
     EXPECT_EQ(view->toDrawing(QPointF(0, 0)), kept);
+}
+
+TEST_F(WindowTest, ZoomExtentsShowsAllWhateverTheMouseDid) {
+    DrawingView* view = frame->view();
+    enter(QStringLiteral("(entmake '((0 . \"LINE\") (10 0.0 0.0) (11 1000.0 10.0)))"));
+    const auto isWhole = [&] {
+        const QRectF seen(view->toDrawing(QPointF(0, view->height())),
+                          view->toDrawing(QPointF(view->width(), 0)));
+        return seen.left() < 0 && seen.right() > 1000 && seen.width() < 1100 &&
+               std::abs(seen.center().x() - 500) < 1 && std::abs(seen.center().y() - 5) < 1;
+    };
+    for (const QSize& size : {QSize(500, 700), QSize(1000, 500)}) {
+        frame->resize(size);
+        settle();
+        for (int i = 0; i < 2; ++i) {
+            enter(QStringLiteral("ZOOM"));
+            enter(QStringLiteral("E"));
+            EXPECT_TRUE(isWhole()) << size.width() << " round " << i;
+            QWheelEvent wheel(QPointF(9, 9), view->mapToGlobal(QPointF(9, 9)), QPoint(), QPoint(0, 360),
+                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(view, &wheel);
+            EXPECT_FALSE(isWhole());
+        }
+    }
+}
+
+TEST_F(WindowTest, TypingAnywhereGoesToTheCommandLine) {
+    auto* messages = frame->commandLine()->findChild<QPlainTextEdit*>();
+    messages->setFocus();
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("(strcat"));
+    EXPECT_EQ(line()->text(), QStringLiteral("(strcat"));
+    EXPECT_TRUE(line()->hasFocus());
+    frame->findChild<QTabBar*>()->setFocus();
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral(" \"an\" \"y\")"));
+    messages->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    settle();
+    EXPECT_TRUE(said().contains(QStringLiteral("\"any\""))) << said().toStdString();
+    messages->setFocus();
+    messages->selectAll();
+    QTest::keyClick(messages, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(messages->hasFocus()) << "what has been said can still be copied";
 }
 
 TEST_F(WindowTest, CommandLineKeys) {
@@ -132,6 +224,136 @@ TEST_F(WindowTest, TabsFollowTheDocuments) {
     host.closeDocument(*host.current());
     settle();
     EXPECT_EQ(tabs->count(), 1);
+}
+
+TEST_F(WindowTest, ChangesAreMarkedAndAskedAboutInABox) {
+    open({QStringLiteral("a.dxf"), QStringLiteral("b.dxf")});
+    auto* tabs = frame->findChild<QTabBar*>();
+    ASSERT_EQ(tabs->count(), 3);
+    const QByteArray before = content(QStringLiteral("b.dxf"));
+    EXPECT_EQ(tabs->tabText(2), QStringLiteral("b.dxf"));
+    EXPECT_FALSE(frame->isWindowModified());
+    enter(QStringLiteral("(entmake '((0 . \"POINT\") (10 1.0 1.0)))"));
+    EXPECT_EQ(tabs->tabText(2), QStringLiteral("b.dxf*"));
+    EXPECT_TRUE(frame->isWindowModified());
+
+    // A click on the tab's button: Cancel keeps it, Discard closes it, and the file is as it was.
+    const auto clickClose = [&](int index) {
+        auto* button = tabs->tabButton(index, QTabBar::RightSide);
+        ASSERT_NE(button, nullptr);
+        QTest::mouseClick(button, Qt::LeftButton);
+        settle();
+        settle();
+    };
+    answerNext(QMessageBox::Cancel);
+    clickClose(2);
+    EXPECT_EQ(tabs->count(), 3);
+    answerNext(QMessageBox::Discard);
+    clickClose(2);
+    EXPECT_EQ(tabs->count(), 2);
+    EXPECT_EQ(content(QStringLiteral("b.dxf")), before);
+    EXPECT_EQ(questions, 2);
+
+    // QUIT goes through all that have changes; one Cancel keeps the host.
+    enter(QStringLiteral("(entmake '((0 . \"POINT\") (10 1.0 1.0)))"));
+    answerNext(QMessageBox::Cancel);
+    frame->close();
+    settle();
+    EXPECT_FALSE(host.quitRequested());
+    // By a program it is a matter of the command line, as ever.
+    enter(QStringLiteral("(command \"QUIT\" \"N\")"));
+    EXPECT_EQ(questions, 3);
+    EXPECT_FALSE(host.quitRequested());
+    answerNext(QMessageBox::Save);
+    enter(QStringLiteral("quit"));
+    EXPECT_TRUE(host.quitRequested());
+    EXPECT_NE(content(QStringLiteral("a.dxf")), before);
+}
+
+TEST_F(WindowTest, SaveAsAndTheFilesOfLate) {
+    enter(QStringLiteral("(entmake '((0 . \"POINT\") (10 1.0 1.0)))"));
+    QString path = folder.filePath(QStringLiteral("with blank.dxf"));
+    const auto saveAs = [&] {
+        QTimer::singleShot(0, frame.get(), [&] { chooseFile(path); });
+        trigger(QStringLiteral("Save &as..."));
+        settle();
+        settle();
+    };
+    saveAs();
+    EXPECT_EQ(host.current()->path(), path.toStdString()) << said().toStdString();
+    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_FALSE(frame->isWindowModified());
+    open({QStringLiteral("a.dxf")});
+    path = folder.filePath(QStringLiteral("old.dxf"));
+    ASSERT_TRUE(QFile::copy(folder.filePath(QStringLiteral("a.dxf")), path));
+    // The dialog has asked about the old file; nothing waits on the command line.
+    saveAs();
+    EXPECT_EQ(host.current()->path(), path.toStdString()) << said().toStdString();
+    EXPECT_TRUE(host.current()->commandLine().atPrompt()) << said().toStdString();
+    EXPECT_FALSE(said().contains(QStringLiteral("needs a file name"))) << said().toStdString();
+
+    auto* recent = frame->findChild<QMenu*>(QStringLiteral("recent"));
+    ASSERT_NE(recent, nullptr);
+    Q_EMIT qobject_cast<QMenu*>(recent->parent())->aboutToShow();
+    QStringList names;
+    for (const QAction* action : recent->actions())
+        names << action->text().section(u' ', 1).section(QStringLiteral("  - "), 0, 0);
+    EXPECT_EQ(names, (QStringList{QStringLiteral("old.dxf"), QStringLiteral("a.dxf"),
+                                  QStringLiteral("with blank.dxf")}));
+    trigger(QStringLiteral("&Close"));
+    settle();
+    settle();
+    const std::size_t open = host.documents().size();
+    recent->actions().at(1)->trigger();
+    settle();
+    EXPECT_EQ(host.documents().size(), open + 1) << said().toStdString();
+    EXPECT_EQ(host.current()->title(), "a.dxf");
+    recent->actions().at(2)->trigger();
+    settle();
+    EXPECT_EQ(host.documents().size(), open + 1) << "what is open already is shown";
+    EXPECT_EQ(host.current()->title(), "with blank.dxf");
+}
+
+TEST_F(WindowTest, AMenuLeavesARunningScriptAlone) {
+    QFile script(folder.filePath(QStringLiteral("s.scr")));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("delay 300\n(setq done 1)\n");
+    script.close();
+    enter(QStringLiteral("SCRIPT"));
+    enter(script.fileName());
+    trigger(QStringLiteral("Zoom &extents"));
+    QTest::qWait(500);
+    enter(QStringLiteral("done"));
+    EXPECT_FALSE(said().contains(QStringLiteral("ZOOM"))) << said().toStdString();
+    EXPECT_TRUE(said().contains(QStringLiteral("(setq done 1)")));
+    // What waits half answered goes.
+    enter(QStringLiteral("SAVEAS"));
+    trigger(QStringLiteral("Zoom &extents"));
+    settle();
+    EXPECT_EQ(host.current()->commandLine().names(), "");
+    EXPECT_TRUE(said().contains(QStringLiteral("Command: ZOOM"))) << said().toStdString();
+}
+
+TEST_F(WindowTest, OpensInsideTheScreenWhereItWasLeft) {
+    const QRect available(0, 30, 800, 570);
+    EXPECT_EQ(placedInside(QRect(-50, 10, 1000, 720), available), available);
+    EXPECT_EQ(placedInside(QRect(700, 500, 300, 200), available), QRect(500, 400, 300, 200));
+    EXPECT_EQ(placedInside(QRect(90, 90, 300, 200), available), QRect(90, 90, 300, 200));
+
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_TRUE(screen.contains(frame->geometry())) << "at its first start";
+    const QRect left(60, 70, 500, 400);
+    frame->setGeometry(left);
+    settle();
+    keepPlace(*frame, host.registry());
+    QMainWindow again;
+    restorePlace(again, host.registry());
+    EXPECT_EQ(again.geometry(), left);
+    frame->setGeometry(QRect(5000, 4000, 500, 400));
+    keepPlace(*frame, host.registry());
+    QMainWindow gone;
+    restorePlace(gone, host.registry());
+    EXPECT_TRUE(screen.contains(gone.geometry())) << "the screen it stood on has gone";
 }
 
 }  // namespace
