@@ -4,6 +4,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -24,12 +25,13 @@ namespace {
 
 constexpr const char* Options =
     "[--load MODULE]... [--registry FILE] [--support FOLDER]... [--journal FILE]\n"
-    "  [--break-links] DRAWINGS [/b SCRIPT]\n"
+    "  [--break-links] [--max-memory SIZE] DRAWINGS [/b SCRIPT]\n"
     "  --load MODULE      load a module at start\n"
     "  --registry FILE    keep settings in this file\n"
     "  --support FOLDER   look for files here too\n"
     "  --journal FILE     note temporaries, lock markers and logs here, by name\n"
     "  --break-links      save drawings that have several names (hard links), parting them\n"
+    "  --max-memory SIZE  take no more than this; in MB, or with K, M or G behind (4G)\n"
     "  /b SCRIPT          run a script once the drawing is open\n"
     "  --version, --help\n";
 constexpr const char* HeadlessEnd =
@@ -63,6 +65,24 @@ void onSignal(int number) {
     errno = before;
 }
 
+constexpr std::size_t LeastMemory = std::size_t{64} << 20;
+
+/// "512", "512M", "2G": bytes.
+std::optional<std::size_t> readSize(std::string_view text) {
+    std::size_t number = 0;
+    const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const std::string_view unit = text.substr(std::size_t(end - text.data()));
+    const int shift = unit == "K" || unit == "k"                   ? 10
+                      : unit.empty() || unit == "M" || unit == "m" ? 20
+                      : unit == "G" || unit == "g"                 ? 30
+                                                                   : -1;
+    constexpr std::size_t Most = std::size_t{1} << 32;
+    if (code != std::errc() || shift < 0 || number > Most) {
+        return std::nullopt;
+    }
+    return number << shift;
+}
+
 bool openDrawing(Host& host, const std::string& drawing) {
     OpenResult result = host.openDocument(drawing, OpenMode::ReadWrite);
     if (!result.document && result.locked) {
@@ -82,6 +102,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
                               (framed ? FramedEnd : HeadlessEnd);
     Arguments arguments;
     arguments.registry = defaultRegistry();
+    std::string memory;
     for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
         std::string* value = nullptr;
@@ -110,6 +131,8 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             value = &arguments.journal;
         } else if (word == "--desktop-entry" && framed) {
             value = &arguments.desktopEntry;
+        } else if (word == "--max-memory") {
+            value = &memory;
         } else if (word == "/b") {
             value = &arguments.script;
         } else if (word.starts_with("--") || (!framed && !arguments.drawings.empty())) {
@@ -125,6 +148,15 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             return std::nullopt;
         }
         *value = argv[i];
+    }
+    if (!memory.empty()) {
+        const auto size = readSize(memory);
+        if (!size || *size < LeastMemory) {
+            std::fprintf(stderr, "%s: --max-memory takes a size from 64M on, not \"%s\"\n", program.c_str(),
+                         memory.c_str());
+            return std::nullopt;
+        }
+        arguments.maxMemory = *size;
     }
     return arguments;
 }
@@ -177,6 +209,7 @@ int exitStatus() {
 
 void prepare(Host& host, const Arguments& arguments) {
     setBreakLinks(arguments.breakLinks);
+    setMemoryLimit(arguments.maxMemory);
     std::string error;
     if (!arguments.journal.empty() &&
         !files::Journal().Open(arguments.journal, files::OwnerLine(FileLock::markerText()), &error)) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "drafthost/drawing/MemoryLimit.h"
+
 class QCoreApplication;
 
 namespace drafthost {
@@ -25,6 +27,7 @@ struct Arguments {
     bool breakLinks = false;
     /// Name of the desktop entry that the window belongs to; only with a frame.
     std::string desktopEntry;
+    std::size_t maxMemory = DefaultMemoryLimit;
 };
 
 /// Reads the arguments; "--help" and "--version" end the process. Nothing, and the message is on standard

@@ -21,10 +21,8 @@ lisp::Value pickSetOf(Adesk::IntPtr number) {
     return number > 0 && std::size_t(number) <= sets.size() ? sets[std::size_t(number) - 1] : lisp::Value();
 }
 
-/// Reads one value and moves on. Nothing at the end of a list or for a type that is none.
-std::optional<lisp::Value> readValue(const resbuf*& at) {
-    const resbuf& node = *at;
-    at = at->rbnext;
+/// The value of one node; nothing for a type that is none.
+std::optional<lisp::Value> valueOf(const resbuf& node) {
     switch (node.restype) {
         case RTNIL:
             return lisp::Value();
@@ -52,32 +50,58 @@ std::optional<lisp::Value> readValue(const resbuf*& at) {
             return lisp::Value::ename(lisp::EntityName(node.resval.rlname[0]));
         case RTPICKS:
             return pickSetOf(node.resval.rlname[0]);
-        case RTLB: {
-            lisp::ListBuilder list;
-            while (at && at->restype != RTLE) {
-                const bool dotted = at->restype == RTDOTE;
-                if (dotted) {
-                    at = at->rbnext;
-                }
-                auto item = at ? readValue(at) : std::nullopt;
-                if (!item) {
-                    return std::nullopt;
-                }
-                if (dotted) {
-                    list.setTail(*item);
-                    break;
-                }
-                list.add(*item);
-            }
-            if (!at || at->restype != RTLE) {
-                return std::nullopt;
-            }
-            at = at->rbnext;
-            return list.take();
-        }
         default:
             return std::nullopt;
     }
+}
+
+/// Reads one value and moves on. Nothing at the end of a list or for a type that is none. Lists that are open
+/// are kept in a stack of our own: their depth is the user's to choose.
+std::optional<lisp::Value> readValue(const resbuf*& at) {
+    struct Open {
+        lisp::ListBuilder list;
+        enum class Dot { None, Seen, Done } dot = Dot::None;
+    };
+    std::vector<Open> open;
+    while (at) {
+        const resbuf& node = *at;
+        at = at->rbnext;
+        std::optional<lisp::Value> item;
+        if (node.restype == RTLB) {
+            open.emplace_back();
+            continue;
+        }
+        if (node.restype == RTDOTE) {
+            if (open.empty() || open.back().dot != Open::Dot::None) {
+                return std::nullopt;
+            }
+            open.back().dot = Open::Dot::Seen;
+            continue;
+        }
+        if (node.restype == RTLE) {
+            if (open.empty() || open.back().dot == Open::Dot::Seen) {
+                return std::nullopt;
+            }
+            item = open.back().list.take();
+            open.pop_back();
+        } else {
+            item = valueOf(node);
+        }
+        if (!item || open.empty()) {
+            return item;
+        }
+        Open& list = open.back();
+        if (list.dot == Open::Dot::Done) {
+            return std::nullopt;
+        }
+        if (list.dot == Open::Dot::Seen) {
+            list.list.setTail(std::move(*item));
+            list.dot = Open::Dot::Done;
+        } else {
+            list.list.add(std::move(*item));
+        }
+    }
+    return std::nullopt;
 }
 
 class ChainWriter {
@@ -92,6 +116,7 @@ class ChainWriter {
     resbuf* head() const { return head_; }
 
   private:
+    void writeAtom(const lisp::Value& value);
     bool writePoint(const lisp::Value& list);
 
     resbuf* head_ = nullptr;
@@ -118,7 +143,36 @@ bool ChainWriter::writePoint(const lisp::Value& list) {
     return true;
 }
 
+/// Lists are walked with a stack of our own, as when they are read.
 void ChainWriter::write(const lisp::Value& value) {
+    std::vector<const lisp::Value*> rest;
+    const lisp::Value* current = &value;
+    for (;;) {
+        while (current->isCons() && !writePoint(*current)) {
+            node(RTLB);
+            rest.push_back(&current->cdr());
+            current = &current->car();
+        }
+        if (!current->isCons()) {
+            writeAtom(*current);
+        }
+        while (!rest.empty() && !rest.back()->isCons()) {
+            if (!rest.back()->isNil()) {
+                node(RTDOTE);
+                writeAtom(*rest.back());
+            }
+            node(RTLE);
+            rest.pop_back();
+        }
+        if (rest.empty()) {
+            return;
+        }
+        current = &rest.back()->car();
+        rest.back() = &rest.back()->cdr();
+    }
+}
+
+void ChainWriter::writeAtom(const lisp::Value& value) {
     switch (value.type()) {
         case lisp::Type::Nil:
             node(RTNIL);
@@ -145,22 +199,6 @@ void ChainWriter::write(const lisp::Value& value) {
             handedSets().push_back(value);
             node(RTPICKS)->resval.rlname[0] = Adesk::IntPtr(handedSets().size());
             break;
-        case lisp::Type::Cons: {
-            if (writePoint(value)) {
-                break;
-            }
-            node(RTLB);
-            const lisp::Value* at = &value;
-            for (; at->isCons(); at = &at->cdr()) {
-                write(at->car());
-            }
-            if (!at->isNil()) {
-                node(RTDOTE);
-                write(*at);
-            }
-            node(RTLE);
-            break;
-        }
         default:
             if (value.same(lisp::Value::truth())) {
                 node(RTT);

@@ -5,6 +5,7 @@
 #include "drafthost/drawing/Structure.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace drafthost {
 
@@ -13,7 +14,21 @@ Drawing::~Drawing() = default;
 
 std::unique_ptr<Drawing> Drawing::open(const std::string& path, std::string& error) {
     std::string bytes;
-    if (!readFile(path, bytes, error)) {
+    // A NUL ends a drawing in text for good, unless it stands behind the EOF tag.
+    bool judged = false;
+    const auto mayBecomeADrawing = [&judged](const std::string& read, std::size_t from) {
+        if (from == 0 && !TagIndex::canBegin(read)) {
+            return false;
+        }
+        judged = judged || TagIndex::isBinary(read);
+        if (judged || std::memchr(read.data() + from, 0, read.size() - from) == nullptr) {
+            return true;
+        }
+        judged = true;
+        std::string cause;
+        return TagIndex().build(read, cause);
+    };
+    if (!readFile(path, bytes, error, mayBecomeADrawing)) {
         return nullptr;
     }
     return parse(std::move(bytes), path, error);

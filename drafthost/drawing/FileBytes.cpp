@@ -1,4 +1,5 @@
 #include "drafthost/drawing/FileBytes.h"
+#include "drafthost/drawing/MemoryLimit.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -98,7 +99,7 @@ bool breakLinks = false;
 
 }  // namespace
 
-bool readFile(const std::string& path, std::string& bytes, std::string& error) {
+bool readFile(const std::string& path, std::string& bytes, std::string& error, const PieceCheck& check) {
     const Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat info {};
     if (fd.get() < 0 || ::fstat(fd.get(), &info) != 0) {
@@ -113,10 +114,22 @@ bool readFile(const std::string& path, std::string& bytes, std::string& error) {
         error = path + ": the file is larger than 4 GiB";
         return false;
     }
-    bytes.resize(static_cast<std::size_t>(info.st_size));
+    // Smaller files are read at once: that is faster than any look at their pieces.
+    constexpr std::size_t Large = std::size_t{32} << 20;
+    constexpr std::size_t Piece = std::size_t{1} << 20;
+    const auto size = static_cast<std::size_t>(info.st_size);
+    if (size > Large && !hasMemoryFor(size)) {
+        error = path + ": the file does not fit into the memory that this host may use (" +
+                std::to_string(memoryLimit() >> 20) + " MB)";
+        return false;
+    }
+    bytes.reserve(size);
     std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t got = ::read(fd.get(), bytes.data() + done, bytes.size() - done);
+    while (done < size) {
+        const std::size_t end = size > Large ? std::min(size, done + Piece) : size;
+        bytes.resize(end);
+        const std::size_t from = done;
+        const ssize_t got = ::read(fd.get(), bytes.data() + done, end - done);
         if (got < 0 && errno == EINTR) {
             continue;
         }
@@ -129,6 +142,12 @@ bool readFile(const std::string& path, std::string& bytes, std::string& error) {
             return false;
         }
         done += static_cast<std::size_t>(got);
+        if (size > Large && check) {
+            bytes.resize(done);
+            if (!check(bytes, from)) {
+                return true;
+            }
+        }
     }
     return true;
 }

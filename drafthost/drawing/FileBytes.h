@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,8 +10,13 @@ namespace drafthost {
 // Whole files to and from the disk. A save must never leave half a drawing, whatever happens in the middle of
 // it, so the new bytes are written to a file beside the old one, synced, and renamed over it.
 
-/// Reads a regular file below 4 GiB; false with one line that names the file and the cause.
-bool readFile(const std::string& path, std::string& bytes, std::string& error);
+/// Looks at the bytes of a large file after each piece of it, the last one beginning at `from`; false ends
+/// the reading, because nothing that follows can make good what stands there.
+using PieceCheck = std::function<bool(const std::string& bytes, std::size_t from)>;
+
+/// Reads a regular file below 4 GiB; false with one line that names the file and the cause. When the check
+/// has ended the reading the bytes up to there are the result.
+bool readFile(const std::string& path, std::string& bytes, std::string& error, const PieceCheck& check = {});
 
 /// Writes `pieces` one behind the other as the new content of `path`. Mode, access list and extended
 /// attributes of a file that stands there are kept, owner and group where the system allows it, and a

@@ -160,12 +160,24 @@ bool TagIndex::build(std::string_view bytes, std::string& error) {
         error = "a DWG file (" + std::string(bytes.substr(0, 6)) + "); this host reads DXF, ASCII and binary";
         return false;
     }
-    binary_ = bytes.starts_with(binarySentinel);
+    binary_ = isBinary(bytes);
     if (!(binary_ ? buildBinary(bytes, error) : buildAscii(bytes, error))) {
         return false;
     }
     shrink();
     return true;
+}
+
+bool TagIndex::isBinary(std::string_view head) {
+    return head.starts_with(binarySentinel);
+}
+
+bool TagIndex::canBegin(std::string_view head) {
+    if (isBinary(head)) {
+        return true;
+    }
+    head.remove_prefix(head.starts_with(utf8Mark) ? utf8Mark.size() : 0);
+    return parseOddCode(head.substr(0, head.find_first_of("\r\n"))) != noCode;
 }
 
 // Takes whole tags from pairs of line ends; stops behind the EOF tag.

@@ -19,6 +19,10 @@ class TagIndex {
     /// Scans `bytes` (smaller than 4 GiB); false with `error` ("line 12: …" or "offset 34: …") when a tag
     /// cannot be read. A UTF-8 mark in front is skipped, bytes behind the EOF tag are left alone.
     bool build(std::string_view bytes, std::string& error);
+    /// Whether bytes that begin like this may become a drawing at all, whatever follows; for a piece of a
+    /// megabyte or so.
+    static bool canBegin(std::string_view head);
+    static bool isBinary(std::string_view head);
 
     bool binary() const { return binary_; }
     std::uint32_t size() const { return size_; }

@@ -257,7 +257,8 @@ void Host::print(std::string_view text) {
     }
     if (output_) {
         line_ += text;
-        if (!lineOpen_) {
+        constexpr std::size_t LongLine = std::size_t{1} << 16;
+        if (!lineOpen_ || line_.size() > LongLine) {
             flushOutput();
         }
     }

@@ -1,13 +1,15 @@
 #include "drafthost/lisp/Evaluator.h"
 
-#include <pthread.h>
 #include <utility>
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <numbers>
 
+#include "drafthost/drawing/MemoryLimit.h"
 #include "drafthost/lisp/Builtins.h"
+#include "drafthost/lisp/EvalStack.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/Reader.h"
 
@@ -17,28 +19,8 @@ namespace {
 constexpr int kStepsPerPulse = 2048;
 constexpr std::chrono::milliseconds kPulse{20};
 // What must remain of the stack for built-in functions, the host's calls and the user's *error*.
-constexpr std::size_t kStackReserve = std::size_t{1024} * 1024;
-constexpr std::size_t kHandlerReserve = std::size_t{512} * 1024;
-constexpr std::size_t kLargestUse = std::size_t{64} * 1024 * 1024;
-
-struct StackBounds {
-    std::uintptr_t low = 0;
-    std::uintptr_t high = 0;
-};
-
-StackBounds stackOfThread() {
-    pthread_attr_t attributes;
-    if (pthread_getattr_np(pthread_self(), &attributes) != 0) {
-        return {};
-    }
-    void* base = nullptr;
-    std::size_t size = 0;
-    pthread_attr_getstack(&attributes, &base, &size);
-    pthread_attr_destroy(&attributes);
-    const auto low = reinterpret_cast<std::uintptr_t>(base);
-    const std::uintptr_t high = low + size;
-    return {size > kLargestUse ? high - kLargestUse : low, high};
-}
+constexpr std::size_t kStackReserve = std::size_t{2048} * 1024;
+constexpr std::size_t kHandlerReserve = std::size_t{1024} * 1024;
 
 /// Arguments of one call: on the stack while they are few.
 class ArgumentBuffer {
@@ -127,6 +109,9 @@ void Evaluator::pulse() {
     if (now - lastPulse_ < kPulse) {
         return;
     }
+    if (!programHasMemoryFor(0)) {
+        throw std::bad_alloc();
+    }
     const bool cancel = host.checkInterrupt();
     lastPulse_ = std::chrono::steady_clock::now();
     checkDocument();
@@ -146,10 +131,7 @@ void Evaluator::failCancelled() {
 }
 
 void Evaluator::checkStack() const {
-    static thread_local const StackBounds bounds = stackOfThread();
-    const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-    const std::size_t reserve = quietDepth > 0 ? kHandlerReserve : kStackReserve;
-    if (here - bounds.low < reserve && here < bounds.high) {
+    if (EvalStack::left() < (quietDepth > 0 ? kHandlerReserve : kStackReserve)) {
         fail(std::string(kStackLimitText));
     }
 }

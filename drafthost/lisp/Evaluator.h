@@ -1,7 +1,7 @@
 #pragma once
 // Walks expressions of one world. Dynamic scope is shallow binding: a symbol's slot always holds its
 // current value, and what it hid is kept on one stack until the function that bound it is left, by
-// whatever way. The depth of recursion is bounded by the address of the machine's stack, not by
+// whatever way. The depth of recursion is bounded by what is left of the stack (EvalStack.h), not by
 // counting, so that it holds in any build; close to its end the evaluation fails like any other.
 
 #include <chrono>
@@ -77,6 +77,9 @@ class Evaluator {
             pulse();
         }
     }
+    /// Gives the host its turn, at most every few milliseconds. Fails when it has a cancel, and when the
+    /// program holds more memory than it may.
+    void pulse();
     /// Fails when the drawing of this world has been left. To be called after host calls that can do that.
     void checkDocument();
     /// Throws what a cancelled command or prompt gives.
@@ -127,7 +130,6 @@ class Evaluator {
     Value callSubr(const Subr& f, Args args);
     Value callSpecial(const Subr& f, Args args);
     Value callExsubr(const Exsubr& f, Args args);
-    void pulse();
 
     std::vector<Value> slots_;
     std::vector<std::pair<const Symbol*, Value>> hidden_;

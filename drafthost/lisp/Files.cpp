@@ -34,13 +34,13 @@ void write(const Value& file, const std::string& text) {
     }
 }
 
-Value openFile(Evaluator&, Args args) {
+Value openFile(Evaluator& e, Args args) {
     const std::string& path = stringArg(args[0]);
     const std::string& mode = stringArg(args[1]);
     if (mode != "r" && mode != "w" && mode != "a") {
         fail("bad argument value: open mode " + prin1(args[1]));
     }
-    return Stream::open(path, mode[0]).value_or(Value());
+    return Stream::open(path, mode[0], [&] { e.pulse(); }).value_or(Value());
 }
 
 Value closeFile(Evaluator&, Args args) {
@@ -115,7 +115,7 @@ Value onFailure(Evaluator& e, const Value& fallback) {
 Value load(Evaluator& e, Args args) {
     const std::string name = stringArg(args[0]);
     const auto path = findProgram(e, name);
-    auto bytes = path ? readWholeFile(*path) : std::nullopt;
+    auto bytes = path ? readWholeFile(*path, [&] { e.pulse(); }) : std::nullopt;
     if (!bytes) {
         if (args.size() == 2) {
             return onFailure(e, args[1]);

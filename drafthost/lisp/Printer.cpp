@@ -105,7 +105,12 @@ std::string show(const Value& value, bool quote) {
     std::string out;
     std::vector<const Value*> rest;
     const Value* current = &value;
+    std::size_t checkAt = std::size_t{1} << 20;
     for (;;) {
+        if (out.size() >= checkAt) {
+            Memory::require(out.size());
+            checkAt = 2 * out.size();
+        }
         while (current->isCons()) {
             out += '(';
             rest.push_back(&current->cdr());

@@ -1,44 +1,107 @@
 #include "drafthost/lisp/Stream.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <cerrno>
+#include <utility>
 
+#include "drafthost/lisp/Failure.h"
 #include "drafthost/lisp/Utf8.h"
 
 namespace drafthost::lisp {
 
-std::optional<std::string> readWholeFile(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0 || S_ISDIR(info.st_mode)) {
-        return std::nullopt;
+namespace {
+
+constexpr std::size_t kPiece = std::size_t{1} << 20;
+/// What has no size of its own, pipes and devices, is read so far and no further.
+constexpr std::size_t kMostOfDevice = std::size_t{64} << 20;
+
+class Descriptor {
+  public:
+    explicit Descriptor(int fd) : fd_(fd) {}
+    ~Descriptor() {
+        if (fd_ >= 0) {
+            ::close(fd_);
+        }
     }
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) {
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    int get() const { return fd_; }
+    int release() { return std::exchange(fd_, -1); }
+
+  private:
+    int fd_;
+};
+
+/// Waits a moment for a pipe.
+void await(int fd) {
+    constexpr int kMilliseconds = 20;
+    pollfd wanted{fd, POLLIN, 0};
+    ::poll(&wanted, 1, kMilliseconds);
+}
+
+}  // namespace
+
+std::optional<std::string> readWholeFile(const std::string& path, const std::function<void()>& turn) {
+    // Without waiting: a pipe that nobody writes to would hold the host for good.
+    const Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat info {};
+    if (fd.get() < 0 || ::fstat(fd.get(), &info) != 0 || S_ISDIR(info.st_mode)) {
         return std::nullopt;
     }
     std::string bytes;
-    char buffer[65536];
-    while (const std::size_t n = std::fread(buffer, 1, sizeof buffer, file)) {
-        bytes.append(buffer, n);
+    if (S_ISREG(info.st_mode)) {
+        // Twice, for the text that is made of the bytes.
+        Memory::require(2 * static_cast<std::size_t>(info.st_size));
+        bytes.reserve(static_cast<std::size_t>(info.st_size));
     }
-    const bool failed = std::ferror(file) != 0;
-    std::fclose(file);
-    return failed ? std::nullopt : std::optional(std::move(bytes));
+    std::string piece(kPiece, '\0');
+    for (;;) {
+        const ssize_t count = ::read(fd.get(), piece.data(), piece.size());
+        if (count == 0) {
+            return bytes;
+        }
+        if (count > 0) {
+            bytes.append(piece, 0, static_cast<std::size_t>(count));
+            if (!S_ISREG(info.st_mode) && bytes.size() > kMostOfDevice) {
+                fail("no end of the file within " + std::to_string(kMostOfDevice >> 20) + " MB: \"" + path +
+                     "\"");
+            }
+            Memory::require(bytes.size());
+        } else if (errno == EAGAIN) {
+            await(fd.get());
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
+        if (!S_ISREG(info.st_mode)) {
+            turn();
+        }
+    }
 }
 
-std::optional<Value> Stream::open(const std::string& path, char mode) {
+std::optional<Value> Stream::open(const std::string& path, char mode, const std::function<void()>& turn) {
     auto stream = std::make_unique<Stream>();
     stream->path = path;
     if (mode == 'r') {
-        auto bytes = readWholeFile(path);
+        auto bytes = readWholeFile(path, turn);
         if (!bytes) {
             return std::nullopt;
         }
         stream->text = decodeFile(std::move(*bytes));
     } else {
-        stream->file = std::fopen(path.c_str(), mode == 'a' ? "ab" : "wb");
+        // A pipe without a reader is refused instead of waited for.
+        const int how = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+        Descriptor fd(::open(path.c_str(), how | (mode == 'a' ? O_APPEND : O_TRUNC), 0666));
+        if (fd.get() < 0 || ::fcntl(fd.get(), F_SETFL, mode == 'a' ? O_APPEND : 0) != 0) {
+            return std::nullopt;
+        }
+        stream->file = ::fdopen(fd.get(), mode == 'a' ? "ab" : "wb");
         if (stream->file == nullptr) {
             return std::nullopt;
         }
+        fd.release();
     }
     stream->opened = true;
     return Value::adopt(stream.release());

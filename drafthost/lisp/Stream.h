@@ -3,6 +3,7 @@
 // text is UTF-8 inside, whatever the file says at its start.
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,12 +12,16 @@
 
 namespace drafthost::lisp {
 
-/// All bytes of a file; nothing when it is a folder or cannot be read.
-std::optional<std::string> readWholeFile(const std::string& path);
+/// All bytes of a file; nothing when it is a folder or cannot be read. While a pipe has nothing to give, and
+/// between pieces of what has no size, the function is called, which may throw to end the wait. Throws
+/// std::bad_alloc for a file that does not fit into the host's memory, and a failure for a device that has no
+/// end.
+std::optional<std::string> readWholeFile(const std::string& path, const std::function<void()>& turn);
 
 struct Stream : Counted {
-    /// Mode is "r", "w" or "a". Nothing when the file cannot be opened.
-    static std::optional<Value> open(const std::string& path, char mode);
+    /// Mode is "r", "w" or "a". Nothing when the file cannot be opened. The function is called as by
+    /// readWholeFile.
+    static std::optional<Value> open(const std::string& path, char mode, const std::function<void()>& turn);
 
     Stream() : Counted(Type::File) {}
     ~Stream();

@@ -17,9 +17,15 @@ Value whole(std::size_t n) {
 }
 
 Value concatenate(Evaluator&, Args args) {
-    std::string out;
+    std::size_t size = 0;
     for (const Value& v : args) {
-        out += stringArg(v);
+        size += stringArg(v).size();
+    }
+    Memory::require(size);
+    std::string out;
+    out.reserve(size);
+    for (const Value& v : args) {
+        out += v.toString();
     }
     return Value::string(std::move(out));
 }

@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "drafthost/lisp/Memory.h"
 #include "drafthost/lisp/Symbol.h"
 
 namespace drafthost::lisp {
@@ -47,6 +48,14 @@ struct Counted {
     };
     Type type;
     explicit Counted(Type t) : type(t) {}
+    static void* operator new(std::size_t size) {
+        Memory::take(size);
+        return ::operator new(size);
+    }
+    static void operator delete(void* object, std::size_t size) {
+        Memory::give(size);
+        ::operator delete(object, size);
+    }
 };
 
 struct StringObject;
@@ -168,7 +177,10 @@ class Value {
 
 struct StringObject : Counted {
     std::string text;
-    explicit StringObject(std::string t) : Counted(Type::String), text(std::move(t)) {}
+    explicit StringObject(std::string t) : Counted(Type::String), text(std::move(t)) {
+        Memory::take(text.capacity());
+    }
+    ~StringObject() { Memory::give(text.capacity()); }
 };
 
 struct Cons : Counted {

@@ -3,6 +3,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/lisp/EvalStack.h"
 #include "drafthost/lisp/Evaluator.h"
 #include "drafthost/lisp/Stream.h"
 #include "drafthost/lisp/Utf8.h"
@@ -11,10 +13,16 @@
 namespace drafthost::lisp {
 namespace {
 
+void failForMemory(EvalResult& result) {
+    result.status = EvalResult::Status::Error;
+    result.text = "insufficient memory";
+    // What was too much has been freed by now, unless the program has put it somewhere.
+    releaseFreedMemory();
+}
+
 /// Runs the work and turns whatever ends it into a result.
 template <typename Work>
-EvalResult guarded(Evaluator& evaluator, Work work) {
-    EvalResult result;
+void runGuarded(Evaluator& evaluator, const Work& work, EvalResult& result) {
     try {
         const Evaluator::Entry entry(evaluator);
         try {
@@ -31,12 +39,16 @@ EvalResult guarded(Evaluator& evaluator, Work work) {
         result.text = std::move(failure.text);
         result.handled = failure.handled;
     } catch (const std::bad_alloc&) {
-        result.status = EvalResult::Status::Error;
-        result.text = "insufficient memory";
+        failForMemory(result);
     } catch (const std::length_error&) {
-        result.status = EvalResult::Status::Error;
-        result.text = "insufficient memory";
+        failForMemory(result);
     }
+}
+
+template <typename Work>
+EvalResult guarded(Evaluator& evaluator, const Work& work) {
+    EvalResult result;
+    EvalStack::run([&] { runGuarded(evaluator, work, result); });
     return result;
 }
 
@@ -60,7 +72,7 @@ EvalResult World::evaluate(const Value& form) {
 
 EvalResult World::loadFile(const std::string& path) {
     return guarded(*evaluator_, [&] {
-        auto bytes = readWholeFile(path);
+        auto bytes = readWholeFile(path, [&] { evaluator_->pulse(); });
         if (!bytes) {
             fail("LOAD failed: \"" + path + "\"");
         }

@@ -100,6 +100,9 @@ TEST_F(ModuleTest, ValuesGoThroughAsTheyAre) {
     EXPECT_THAT(output, HasSubstr("(1 70000 2.5 \"t\xC3\xA4xt\" T nil (1.0 2.0) (1.0 2.0 3.0) "
                                   "(\"a\" (1 . 2) nil) nil)"));
     output.clear();
+    type("(progn (repeat 200000 (setq deep (list deep 1))) nil)\n(equal (echo-back deep) deep)\n");
+    EXPECT_THAT(output, HasSubstr("deep)\nT\n"));
+    output.clear();
     type("(echo-back)\n(survey)\n!fromModule\n");
     EXPECT_THAT(output, HasSubstr("\nnil\n"));
     EXPECT_THAT(output, HasSubstr("[\xC3\xA4|002.2|7  |z|%|ff]"));

@@ -1,5 +1,6 @@
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/MemoryLimit.h"
 #include "tests/drawing/Samples.h"
 
 #include <fcntl.h>
@@ -31,6 +32,38 @@ TEST(Save, leavesAnUnchangedDrawingUnchanged) {
     ASSERT_EQ(::stat((folder / "a.dxf").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, 0640U);
     EXPECT_EQ(folder.files(), 2U);
+}
+
+// Of what cannot become a drawing no more is read than it takes to see that.
+TEST(Open, judgesLargeFilesWhileTheyAreRead) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "large.dxf";
+    std::string error;
+    const auto largestSize = [] {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const long before = largestSize();
+    for (const std::string& head : {std::string(), std::string("a text\n"), std::string("0\nSECTION\n2\n")}) {
+        writeTo(path, head);
+        ASSERT_EQ(::truncate(path.c_str(), off_t{3} << 30), 0);
+        EXPECT_EQ(Drawing::open(path, error), nullptr);
+        EXPECT_EQ(error.substr(0, path.size() + 7), path + ", line ") << error;
+    }
+    EXPECT_LT(largestSize() - before, 64 * 1024);
+
+    setMemoryLimit(std::size_t{64} << 20);
+    EXPECT_EQ(Drawing::open(path, error), nullptr);
+    EXPECT_EQ(error, path + ": the file does not fit into the memory that this host may use (64 MB)");
+    setMemoryLimit(DefaultMemoryLimit);
+
+    // What stands behind the end is kept, however long it is.
+    writeTo(path, small);
+    ASSERT_EQ(::truncate(path.c_str(), off_t{40} << 20), 0);
+    const auto drawing = Drawing::open(path, error);
+    ASSERT_NE(drawing, nullptr) << error;
+    EXPECT_EQ(drawing->serialise().size(), std::size_t{40} << 20);
 }
 
 TEST(Save, touchesDatesOfEditedDrawingsAndWrongSeeds) {

@@ -1,6 +1,10 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "drafthost/drawing/MemoryLimit.h"
 #include "tests/lisp/FakeHost.h"
 
 namespace drafthost::lisp {
@@ -181,6 +185,39 @@ TEST_F(Lisp, EndlessProgramsEndAtACancel) {
     EXPECT_FALSE(world.evaluating());
 }
 
+TEST_F(Lisp, WhatGrowsWithoutEndIsStoppedAtTheHostsMemory) {
+    // Whatever the process holds already counts.
+    std::size_t limit = std::size_t{128} << 20;
+    for (setMemoryLimit(limit); !programHasMemoryFor(limit / 2); setMemoryLimit(limit)) {
+        limit *= 2;
+    }
+    check({
+        {"(while t (setq l (cons 1 l)))", "; error: insufficient memory"},
+        {"(setq l nil s \"x\") (while t (setq s (strcat s s)))", "; error: insufficient memory"},
+        {"(setq s nil) (vl-catch-all-apply '(lambda () (while t (setq l (list l l)))))",
+         "; error: insufficient memory"},
+        {"(setq l nil) (repeat 100000 (setq l (cons 1 l))) (length l)", "100000"},
+    });
+    setMemoryLimit(DefaultMemoryLimit);
+    EXPECT_TRUE(programHasMemoryFor(0));
+}
+
+TEST_F(Lisp, WhatIsNoFileHasAnEndAllTheSame) {
+    check({
+        {"(vl-catch-all-error-message (vl-catch-all-apply 'open '(\"/dev/zero\" \"r\")))",
+         "\"no end of the file within 64 MB: \\\"/dev/zero\\\"\""},
+        {"(setq f (open \"/dev/null\" \"r\")) (read-line f)", "nil"},
+    });
+    const std::string path = testing::TempDir() + "/lisp-pipe-" + std::to_string(::getpid());
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(run(world, "(open \"" + path + "\" \"w\")"), "nil");
+    const int writer = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    host.cancelPending = true;
+    EXPECT_EQ(world.evaluate("(open \"" + path + "\" \"r\")").status, EvalResult::Status::Cancelled);
+    ::close(writer);
+    ::unlink(path.c_str());
+}
+
 TEST_F(Lisp, DepthIsLimitedAndFreeingIsNot) {
     constexpr const char* kLimit =
         "; error: hard error occurred *** internal stack limit reached (simulated)";
@@ -192,7 +229,13 @@ TEST_F(Lisp, DepthIsLimitedAndFreeingIsNot) {
          "600003"},
         {"(setq other nil) (repeat 300000 (setq other (list other))) (equal deep other)", "T"},
         {"(setq deep nil other nil)", "nil"},
-        {"(defun up (n) (if (> n 0) (1+ (up (1- n))) 0)) (up 1000)", "1000"},
+        {"(defun up (n) (if (> n 0) (1+ (up (1- n))) 0)) (up 20000)", "20000"},
+        {"(defun down (n / r) (cond ((> n 0) (progn (foreach x '(1) (repeat 1 (setq r (apply 'down "
+         "(list (1- n)))))) r)) (t 'bottom))) (down 20000)",
+         "BOTTOM"},
+        {"(setq l nil) (repeat 1000000 (setq l (cons 1 l))) (length (append (reverse l) l))", "2000000"},
+        {"(equal l (mapcar '+ l)) ", "T"},
+        {"(strlen (vl-prin1-to-string l))", "2000001"},
     });
     const std::string nested(400000, '(');
     EXPECT_EQ(run(world, nested), "; error: malformed list on input");
