@@ -5,8 +5,13 @@
 #include "app/RunRecord.h"
 #include "engine/TarnelData.h"
 #include "system/OwnFile.h"
+#include "system/OwnFolder.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <filesystem>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
@@ -102,6 +107,23 @@ bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<st
     return true;
 }
 
+/// What front, module and host make in a host's folder, with what they write beside a file on the way.
+bool IsOwnName(const std::string& below) {
+    constexpr std::array<std::string_view, 3> folders = {"Ovrix", "logs", "logs/drafthost"};
+    constexpr std::array<std::string_view, 10> files = {
+        "TarnelRunner.xml", "run.",        "tnl log",      "TNLLog", "TNLapp.log",
+        "script1.scr",      "script2.scr", "registry.ini", "host",   "tarnel"};
+    if (std::find(folders.begin(), folders.end(), below) != folders.end()) {
+        return true;
+    }
+    const std::size_t slash = below.rfind('/');
+    const std::string_view name = std::string_view(below).substr(slash == std::string::npos ? 0 : slash + 1);
+    const std::string_view in = std::string_view(below).substr(0, slash == std::string::npos ? 0 : slash);
+    return in == "Ovrix" ? std::any_of(files.begin(), files.end(),
+                                       [name](std::string_view file) { return name.starts_with(file); })
+                         : in == "logs/drafthost" && name.ends_with(".log");
+}
+
 }  // namespace
 
 std::string JobHome(const DataFolder& folder, std::size_t number) {
@@ -172,11 +194,12 @@ bool GatherJobs(const DataFolder& folder, RunDescription* description, std::stri
 
 bool DropJobs(const DataFolder& folder, std::size_t count, std::string* error) {
     for (std::size_t number = 1; number <= count; ++number) {
-        std::error_code failure;
-        fs::remove_all(JobHome(folder, number), failure);
-        if (failure) {
-            *error = JobHome(folder, number) + ": cannot be removed: " + failure.message();
+        std::vector<std::string> left;
+        if (!files::RemoveOwnFolder(JobHome(folder, number), IsOwnName, &left, error)) {
             return false;
+        }
+        for (const std::string& path : left) {
+            std::fprintf(stderr, "tarnel: %s: is not of this program and stays; move it\n", path.c_str());
         }
     }
     return true;
