@@ -1,9 +1,15 @@
 #include "ui/FilesTab.h"
 
+#include "acdocman.h"
+#include "engine/HostText.h"
 #include "engine/TarnelData.h"
 #include "ui_FilesTab.h"
 
+#include <algorithm>
 #include <QAbstractTableModel>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHash>
 #include <QHeaderView>
 
 namespace {
@@ -61,6 +67,10 @@ FilesTab::FilesTab(QWidget* parent)
         const int stored = data.ColumnWidths[static_cast<std::size_t>(i) + 1];
         ui->queue->setColumnWidth(i, stored > 0 ? stored : fallback[i]);
     }
+    connect(ui->addFiles, &QPushButton::clicked, this, &FilesTab::AddDrawings);
+    connect(ui->addOpen, &QPushButton::clicked, this, &FilesTab::AddOpenDrawings);
+    connect(ui->setToDo, &QPushButton::clicked, this, &FilesTab::SetToDo);
+    connect(ui->removeFiles, &QPushButton::clicked, this, &FilesTab::RemoveDrawings);
     connect(&data.Signals, &TarnelSignals::RefreshSignal, this, &FilesTab::OnRefresh);
 }
 
@@ -68,6 +78,71 @@ FilesTab::~FilesTab() = default;
 
 void FilesTab::OnRefresh() {
     static_cast<QueueModel*>(model)->Reload();
+}
+
+// A drawing that is in the queue already is to be processed again; one drawing is never there twice.
+void FilesTab::add(const QStringList& paths) {
+    CTarnelData& data = TarnelData();
+    QHash<QString, std::size_t> places;
+    for (std::size_t i = 0; i < data.FileNames.size(); ++i)
+        places.insert(EntryPath(data, i), i);
+    for (const QString& path : paths) {
+        if (const auto found = places.constFind(path); found != places.constEnd()) {
+            data.FileStatus[*found] = ToDo;
+            continue;
+        }
+        AppendEntry(data, path);
+        places.insert(path, data.FileNames.size() - 1);
+    }
+    BuildFileOrder(data);
+    OnRefresh();
+}
+
+void FilesTab::AddDrawings() {
+    add(QFileDialog::getOpenFileNames(this, tr("Add drawings"), QString(),
+                                      tr("Drawings (*.dxf *.DXF *.dwg *.DWG);;All files (*)")));
+}
+
+void FilesTab::AddOpenDrawings() {
+    QStringList paths;
+    const std::unique_ptr<AcApDocumentIterator> walk(acDocManagerPtr()->newAcApDocumentIterator());
+    for (; !walk->done(); walk->step()) {
+        const QString path = FromHost(walk->document()->fileName());
+        // A drawing that has never been saved has a title alone.
+        if (QFileInfo(path).isAbsolute())
+            paths << path;
+    }
+    add(paths);
+}
+
+std::vector<std::uint32_t> FilesTab::chosen() const {
+    std::vector<std::uint32_t> entries;
+    for (const QModelIndex& row : ui->queue->selectionModel()->selectedRows())
+        entries.push_back(TarnelData().FileOrder[static_cast<std::size_t>(row.row())]);
+    return entries;
+}
+
+void FilesTab::SetToDo() {
+    CTarnelData& data = TarnelData();
+    const std::vector<std::uint32_t> entries = chosen();
+    for (const std::uint32_t entry : entries)
+        data.FileStatus[entry] = ToDo;
+    if (entries.empty())
+        std::fill(data.FileStatus.begin(), data.FileStatus.end(), ToDo);
+    OnRefresh();
+}
+
+void FilesTab::RemoveDrawings() {
+    CTarnelData& data = TarnelData();
+    std::vector<std::uint32_t> entries = chosen();
+    std::sort(entries.rbegin(), entries.rend());
+    for (const std::uint32_t entry : entries) {
+        data.FileNames.erase(entry);
+        data.FileDirs.erase(entry);
+        data.FileStatus.erase(entry);
+    }
+    BuildFileOrder(data);
+    OnRefresh();
 }
 
 std::array<int, 3> FilesTab::ColumnWidths() const {

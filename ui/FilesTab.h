@@ -3,7 +3,9 @@
 #include "widgets/ResizableDialog.h"
 
 #include <array>
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 class QAbstractTableModel;
 
@@ -22,7 +24,17 @@ class FilesTab : public CResizableDialog {
     /// Widths of the three columns, for the record.
     std::array<int, 3> ColumnWidths() const;
 
+    void AddDrawings();
+    /// The host's open drawings that have a file.
+    void AddOpenDrawings();
+    /// The chosen entries, or all when none is chosen.
+    void SetToDo();
+    void RemoveDrawings();
+
   private:
+    void add(const QStringList& paths);
+    std::vector<std::uint32_t> chosen() const;
+
     std::unique_ptr<Ui::FilesTab> ui;
     QAbstractTableModel* model;
 };

@@ -34,6 +34,9 @@ void StatusDialog::ShowFile(const QString& path, int limit) {
     Flash(false);
     parts->ui.batch->setValue(parts->ui.batch->value() + 1);
     parts->ui.fileText->setPlainText(path);
+    parts->ui.fileText->setToolTip(path);
+    showName();
+    parts->ui.fileTime->setFormat(limit > 0 ? tr("%v of %m s") : tr("no limit"));
     parts->ui.fileTime->setRange(0, std::max(limit, 1));
     parts->ui.fileTime->setValue(0);
 }
@@ -58,7 +61,14 @@ void StatusDialog::closeEvent(QCloseEvent* event) {
 
 void StatusDialog::reject() {}
 
+// Of a path that is longer than its field, the name at its end is what tells the drawing.
+void StatusDialog::showName() {
+    parts->ui.fileText->moveCursor(QTextCursor::End);
+    parts->ui.fileText->ensureCursorVisible();
+}
+
 void StatusDialog::resizeEvent(QResizeEvent* event) {
     QDialog::resizeEvent(event);
     parts->layout.Arrange();
+    showName();
 }

@@ -23,6 +23,8 @@ class StatusDialog : public QDialog {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void showName();
+
     struct Parts;
     std::unique_ptr<Parts> parts;
 };

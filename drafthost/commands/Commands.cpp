@@ -7,11 +7,11 @@ namespace drafthost {
 void registerCommands(CommandTable& table) {
     using namespace commands;
     constexpr unsigned transparent = CommandTransparent;
-    table.add("OPEN", openCommand);
-    table.add("NEW", newCommand);
+    table.add("OPEN", openCommand, CommandNoDocument);
+    table.add("NEW", newCommand, CommandNoDocument);
     table.add("CLOSE", closeCommand);
-    table.add("QUIT", quitCommand);
-    table.add("EXIT", quitCommand);
+    table.add("QUIT", quitCommand, CommandNoDocument);
+    table.add("EXIT", quitCommand, CommandNoDocument);
     table.add("QSAVE", qsaveCommand);
     table.add("SAVE", saveCommand);
     table.add("SAVEAS", saveAsCommand);

@@ -18,9 +18,10 @@ TEST_F(UiFixture, StatusWindowShowsTheRun) {
     auto* batch = dialog.findChild<QProgressBar*>(QStringLiteral("batch"));
     auto* seconds = dialog.findChild<QProgressBar*>(QStringLiteral("fileTime"));
     EXPECT_EQ(batch->maximum(), 3);
-    EXPECT_EQ(batch->value(), 0);
+    EXPECT_EQ(batch->text(), QStringLiteral("0 of 3"));
     dialog.ShowFile(QStringLiteral("/d/a.dwg"), 2);
-    EXPECT_EQ(batch->value(), 1);
+    EXPECT_EQ(batch->text(), QStringLiteral("1 of 3"));
+    EXPECT_EQ(seconds->text(), QStringLiteral("0 of 2 s"));
     EXPECT_EQ(dialog.findChild<QPlainTextEdit*>()->toPlainText(), QStringLiteral("/d/a.dwg"));
     for (int i = 0; i < 5; ++i)
         dialog.StepFileTime();
@@ -28,6 +29,16 @@ TEST_F(UiFixture, StatusWindowShowsTheRun) {
     dialog.ShowFile(QStringLiteral("/d/b.dwg"), 60);
     EXPECT_EQ(seconds->value(), 0);
     EXPECT_EQ(seconds->maximum(), 60);
+    for (const QProgressBar* bar : {batch, seconds})
+        EXPECT_TRUE(bar->isTextVisible());
+    // A folder of any length leaves the name in sight.
+    auto* text = dialog.findChild<QPlainTextEdit*>();
+    dialog.ShowFile(QStringLiteral("/d/") + QString(900, u'w') + QStringLiteral("/name.dxf"), 0);
+    EXPECT_EQ(seconds->text(), QStringLiteral("no limit"));
+    QTextCursor end(text->document());
+    end.movePosition(QTextCursor::End);
+    EXPECT_TRUE(text->viewport()->rect().contains(text->cursorRect(end)))
+        << "at " << text->cursorRect(end).y();
 
     int cancelled = 0;
     QObject::connect(&dialog, &StatusDialog::CancelPressed, &dialog, [&] { ++cancelled; });

@@ -23,6 +23,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 
 namespace drafthost {
 namespace {
@@ -87,7 +88,10 @@ class DialogRunTest : public testing::Test {
                     act(*dialog);
             } else if (auto* box = qobject_cast<QMessageBox*>(dialog)) {
                 questions << box->text();
-                box->reject();
+                if (QAbstractButton* button = box->button(answer))
+                    button->click();
+                else
+                    box->reject();
             }
         }
         for (QWidget* window : QApplication::topLevelWidgets()) {
@@ -138,6 +142,8 @@ class DialogRunTest : public testing::Test {
     std::function<void(QDialog&)> onSchedule;
     std::function<void(QWidget&)> onStatus;
     QStringList questions;
+    /// What a question gets; without such a button it is left.
+    QMessageBox::StandardButton answer = QMessageBox::NoButton;
     int statusSeen = 0;
     int drawings = 0;
 };
@@ -169,6 +175,57 @@ TEST_F(DialogRunTest, RunsAndFillsTheLogPage) {
     EXPECT_EQ(countOf("1"), drawings) << output;
     EXPECT_GT(statusSeen, 0);
     EXPECT_EQ(questions, QStringList());
+}
+
+TEST_F(DialogRunTest, ARunGoesOverTheDrawingsThatAreOpen) {
+    begin("(entmake '((0 . \"POINT\") (10 7.0 7.0)))\r\nqsave\r\n");
+    const QStringList names = {QStringLiteral("rooms-2000.dxf"), QStringLiteral("bracket-r12.dxf")};
+    QList<QByteArray> before;
+    for (const QString& name : names) {
+        ASSERT_NE(host.openDocument(folder.filePath(name).toStdString(), OpenMode::ReadWrite).document,
+                  nullptr);
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        before << file.readAll();
+    }
+    answer = QMessageBox::Yes;
+    bool returned = false;
+    onDialog = [&](QDialog& dialog) {
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        dialog.findChild<QTabWidget*>()->setCurrentIndex(1);
+        auto* queue = dialog.findChild<QTreeView*>(QStringLiteral("queue"));
+        queue->setFocus();
+        QTest::keyClick(queue, Qt::Key_A, Qt::ControlModifier);
+        // A button stays down for a moment.
+        QTest::keyClick(&dialog, Qt::Key_M, Qt::AltModifier);
+        QTest::qWait(150);
+        EXPECT_EQ(queue->model()->rowCount(), 0);
+        QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
+        QTest::qWait(150);
+        EXPECT_EQ(queue->model()->rowCount(), 2) << "the new drawing has no file";
+        QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
+        QTest::qWait(150);
+        EXPECT_EQ(queue->model()->rowCount(), 2) << "none is there twice";
+        onDialog = [&](QDialog& second) {
+            EXPECT_EQ(countOf("1"), 2) << output;
+            press(second, "setToDo");
+            press(second, "close");
+            returned = true;
+        };
+        press(dialog, "runScript");
+    };
+    host.input().type("TARNEL\n");
+    EXPECT_TRUE(until([&] {
+        return returned && !QApplication::activeModalWidget() && host.input().isIdle();
+    })) << output;
+    EXPECT_EQ(countOf("0"), 2) << "to be done once more";
+    ASSERT_EQ(questions.size(), 1);
+    EXPECT_TRUE(questions[0].contains(QStringLiteral("close all documents"))) << questions[0].toStdString();
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        QFile file(folder.filePath(names[i]));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_NE(file.readAll(), before[i]) << names[i].toStdString() << " was not worked on";
+    }
 }
 
 TEST_F(DialogRunTest, CancelInTheMiddleLeavesTheRest) {

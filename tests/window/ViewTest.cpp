@@ -314,6 +314,32 @@ TEST_F(WindowTest, SaveAsAndTheFilesOfLate) {
     EXPECT_EQ(host.current()->title(), "with blank.dxf");
 }
 
+TEST_F(WindowTest, WithoutADrawingItCanStillOpenAndQuit) {
+    open({QStringLiteral("a.dxf")});
+    host.closeDocument(*host.documents()[0]);
+    trigger(QStringLiteral("&Close"));
+    settle();
+    settle();
+    EXPECT_EQ(host.current(), nullptr);
+    EXPECT_EQ(frame->findChild<QTabBar*>()->count(), 0);
+    trigger(QStringLiteral("&New"));
+    settle();
+    ASSERT_NE(host.current(), nullptr) << said().toStdString();
+    trigger(QStringLiteral("&Close"));
+    settle();
+    settle();
+    enter(QStringLiteral("OPEN"));
+    enter(folder.filePath(QStringLiteral("a.dxf")));
+    ASSERT_NE(host.current(), nullptr) << said().toStdString();
+    EXPECT_EQ(host.current()->title(), "a.dxf");
+    trigger(QStringLiteral("&Close"));
+    settle();
+    settle();
+    frame->close();
+    settle();
+    EXPECT_TRUE(host.quitRequested()) << said().toStdString();
+}
+
 TEST_F(WindowTest, AMenuLeavesARunningScriptAlone) {
     QFile script(folder.filePath(QStringLiteral("s.scr")));
     ASSERT_TRUE(script.open(QIODevice::WriteOnly));
