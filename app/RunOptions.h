@@ -32,6 +32,8 @@ struct RunOptions {
     std::optional<unsigned> AlarmTime;
     bool ReadOnly = false;
     bool Recover = false;
+    /// Save drawings that have several names, parting them.
+    bool BreakLinks = false;
     RetryKind Retry = RetryKind::None;
     bool Resume = false;
     bool DryRun = false;

@@ -1,6 +1,7 @@
 // The command line of tarnel.
 #include "app/BundleCommand.h"
 #include "app/DeskCommand.h"
+#include "app/InstallCommand.h"
 #include "app/MergeCommand.h"
 #include "app/RunCommand.h"
 
@@ -42,6 +43,8 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
                   "Process drawings that are locked or write-protected, read-only");
     run->add_flag("--recover", options->Recover,
                   "Start an empty drawing for each file; the script opens the file itself");
+    run->add_flag("--break-links", options->BreakLinks,
+                  "Save drawings that have several names (hard links) under this name alone");
     auto* retry = run->add_option_function<std::string>(
                          "--retry",
                          [options](const std::string& which) {
@@ -131,6 +134,14 @@ int RunProgram(int argc, char** argv) {
     std::string bundleDir;
     bundle->add_option("--data-dir", bundleDir, "Folder with the state and the logs instead of the user's")
         ->type_name("DIR");
+    CLI::App* install = app.add_subcommand("install", "Put a script that was sent (.iscr) among your own");
+    std::string installFile;
+    std::string installDir;
+    bool installReplaces = false;
+    install->add_option("file", installFile, "The script")->required();
+    install->add_option("--data-dir", installDir, "Folder for it (in its folder Ovrix) instead of the user's")
+        ->type_name("DIR");
+    install->add_flag("--replace", installReplaces, "In the place of another one of the same name");
     CLI::App* desk = app.add_subcommand("desk", "Open the window, with the command TARNEL");
     std::vector<std::string> drawings;
     desk->add_option("drawings", drawings, "Drawings to open");
@@ -140,14 +151,18 @@ int RunProgram(int argc, char** argv) {
         return app.exit(wanted);
     } catch (const CLI::ParseError& wrong) {
         std::fprintf(stderr, "tarnel: %s (tarnel %s --help tells what there is)\n", wrong.what(),
-                     merge->parsed()    ? "merge"
-                     : desk->parsed()   ? "desk"
-                     : bundle->parsed() ? "bundle"
-                                        : "run");
+                     merge->parsed()     ? "merge"
+                     : desk->parsed()    ? "desk"
+                     : bundle->parsed()  ? "bundle"
+                     : install->parsed() ? "install"
+                                         : "run");
         return WrongUsage;
     }
     if (merge->parsed()) {
         return MergeRuns(mergeOptions);
+    }
+    if (install->parsed()) {
+        return InstallScript(installFile, installDir, installReplaces);
     }
     if (bundle->parsed()) {
         return MakeBundle(bundleDir, TARNEL_VERSION);

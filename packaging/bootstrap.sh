@@ -47,7 +47,7 @@ up_to_date() {
     [ -e "$1" ] || return 1
     local parts=()
     local part
-    for part in CMakeLists.txt CMakePresets.json arx drafthost state engine log host app ui script html \
+    for part in CMakeLists.txt CMakePresets.json system arx drafthost state engine log host app ui script html \
         widgets res; do
         if [ -e "$root/$part" ]; then parts+=("$root/$part"); fi
     done
