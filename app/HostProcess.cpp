@@ -1,5 +1,7 @@
 #include "app/HostProcess.h"
 
+#include "state/CodePage.h"
+
 #include <fcntl.h>
 #include <langinfo.h>
 #include <sys/prctl.h>
@@ -42,8 +44,12 @@ struct Pipe {
     }
 };
 
-/// In the "C" locale of a bare machine file names are still UTF-8, and so is all that goes to the host.
+/// In the "C" locale of a bare machine file names are still UTF-8, and so is all that goes to the host. One
+/// that names its encoding stays, though the machine may not have it: the run log is written in that.
 bool LocaleIsPlain() {
+    if (LocaleEncoding() != "UTF-8") {
+        return false;
+    }
     std::setlocale(LC_CTYPE, "");
     const bool plain = std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0;
     std::setlocale(LC_CTYPE, "C");

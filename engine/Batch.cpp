@@ -52,6 +52,14 @@ void afterCancel() {
         CurrentUi().RefreshActiveWindow();
 }
 
+/// A drawing that did not end well has left the host's log on, and the new drawing that ends the run would
+/// begin a log that belongs to nothing.
+void turnLogOff() {
+    ResBuf mode;
+    if (mode.GetVar(QStringLiteral("LOGFILEMODE")) == RTNORM && mode.Integer(0) != 0)
+        acedCommand(RTSTR, ACRX_T("._logfileoff"), RTNONE);
+}
+
 }  // namespace
 
 void DoBatch() {
@@ -126,6 +134,7 @@ namespace {
 void endRun() {
     CTarnelData& data = TarnelData();
     DeleteScripts();
+    turnLogOff();
     Trace("CloseWatch\n");
     CloseWatch();
     if (data.TemporarilyLoadFromRegistry) {

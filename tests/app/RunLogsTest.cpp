@@ -1,0 +1,162 @@
+// The run log and the archive of real runs: names that a page would take for markup, drawings that do not end
+// well, and disks that take nothing.
+#include "app/RunLogs.h"
+#include "log/ZipArchive.h"
+#include "tests/app/Program.h"
+
+#include <gmock/gmock.h>
+#include <csignal>
+#include <map>
+#include <QFile>
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+namespace {
+
+class RunLogs : public ProgramTest {
+  protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        ASSERT_EQ(setenv("XDG_STATE_HOME", (Folder / "state").c_str(), 1), 0);
+    }
+    void TearDown() override {
+        unsetenv("XDG_STATE_HOME");
+        unsetenv("LC_ALL");
+        ProgramTest::TearDown();
+    }
+    std::string Data() const { return Folder / "data/Ovrix"; }
+    std::string Drawing(const std::string& name) const { return Write(name, "0\nEOF\n"); }
+
+    /// What the log says of each drawing, by its path: the text of the log that the entry links to.
+    std::map<std::string, std::string> Logs() const {
+        std::map<std::string, std::string> logs;
+        RunLogContent content;
+        std::string error;
+        EXPECT_TRUE(ReadLog(Data() + "/tnl log.html", &content, &error)) << error;
+        EXPECT_TRUE(content.IsWhole);
+        CZipArchive archive;
+        EXPECT_TRUE(archive.Open(Data() + "/TNLLog.zip", CZipArchive::Existing));
+        for (const RunLogEntry& entry : content.Entries) {
+            if (entry.Kind == RunLogEntry::File) {
+                const int index = archive.FindFile(entry.Id.toStdString(), true);
+                EXPECT_GE(index, 0) << entry.Id.toStdString();
+                const std::string path = QFile::encodeName(entry.Name).toStdString();
+                EXPECT_TRUE(logs.emplace(path, index < 0 ? "" : archive.ReadWholeFile(index)).second)
+                    << path << " stands there twice";
+            }
+        }
+        return logs;
+    }
+    bool HostLogsAreLeft() const {
+        const fs::path folder = Folder / "state/drafthost";
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            ADD_FAILURE() << entry.path() << ":\n" << Read(entry.path());
+        }
+        return false;
+    }
+};
+
+const char* const kSay = "(princ (strcat \"this is \" currentfile))\n";
+
+TEST_F(RunLogs, NamesComeBackAsTheyAreInEveryLocale) {
+    const std::vector<std::string> names = {"quo\"te.dxf",      "li\nne.dxf", "<script>alert(1).dxf",
+                                            "a &amp; b &c.dxf", "план.dxf",   "Pläne.dxf"};
+    for (const char* locale : {"C.UTF-8", "en_US.ISO-8859-1"}) {
+        ASSERT_EQ(setenv("LC_ALL", locale, 1), 0);
+        for (const char* jobs : {"1", "2"}) {
+            std::vector<std::string> arguments = {"--script", Write("s.scr", kSay), "--jobs", jobs};
+            for (const std::string& name : names) {
+                arguments.push_back(Drawing(name));
+            }
+            const ProgramResult result = Run(arguments);
+            EXPECT_EQ(result.Status, 0) << locale << jobs << result.Out << result.Errors;
+            const std::string bytes = Read(Data() + "/tnl log.html");
+            EXPECT_EQ(bytes.find("<script"), std::string::npos);
+            // Reading needs the locale of the run, as every reader of a narrow file does.
+            if (std::string(locale) == "C.UTF-8") {
+                EXPECT_THAT(bytes, HasSubstr("/план.dxf</span>"));
+                const auto logs = Logs();
+                EXPECT_EQ(logs.size(), names.size());
+                for (const std::string& name : names) {
+                    EXPECT_TRUE(logs.contains(Folder / name)) << name;
+                }
+            } else {
+                EXPECT_THAT(bytes, HasSubstr("/&#1087;&#1083;&#1072;&#1085;.dxf</span>"));
+                EXPECT_THAT(bytes, HasSubstr("/Pl\xe4ne.dxf</span>"));
+            }
+            EXPECT_FALSE(HostLogsAreLeft());
+        }
+    }
+}
+
+TEST_F(RunLogs, ADrawingThatDoesNotEndWellHasItsLogToTheLastWord) {
+    const std::string script = Write("s.scr", std::string(kSay) + R"(
+(if (= currentfile "error") (Tarnel_File_Error))
+(if (= currentfile "time") (while t))
+(arxload ")" CRASH_MODULE R"(")
+(if (= currentfile "dies") (command "CRASH"))
+(if (= currentfile "waits") (while t))
+)");
+    const std::vector<std::string> names = {"error.dxf", "bad.dxf",  "time.dxf",
+                                            "dies.dxf",  "well.dxf", "waits.dxf"};
+    std::vector<std::string> arguments = {"--script", script, "--max-time", "3"};
+    for (const std::string& name : names) {
+        arguments.push_back(Drawing(name));
+    }
+    Write("bad.dxf", "nothing\nat all\n");
+    const ProgramResult result = Run(arguments, [&](pid_t front) {
+        ASSERT_TRUE(WaitForState("<File Status=\"5\">" + arguments.back()));
+        usleep(200000);
+        kill(front, SIGINT);
+    });
+    EXPECT_EQ(result.Status, 130) << result.Out << result.Errors;
+    const auto logs = Logs();
+    ASSERT_EQ(logs.size(), names.size());
+    for (const std::string& name : names) {
+        const std::string& log = logs.at(Folder / name);
+        EXPECT_THAT(log, HasSubstr(name == "bad.dxf" ? name + "\r\nThe drawing was not opened"
+                                                     : "this is " + fs::path(name).stem().string()));
+    }
+    EXPECT_FALSE(HostLogsAreLeft());
+}
+
+TEST_F(RunLogs, AHostThatIsKilledWithTheRunLeavesItsLogs) {
+    const std::vector<std::string> names = {"a.dxf", "b.dxf"};
+    std::vector<std::string> arguments = {
+        "--script", Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (while t))\n")};
+    for (const std::string& name : names) {
+        arguments.push_back(Drawing(name));
+    }
+    const ProgramResult result = Run(arguments, [&](pid_t front) {
+        ASSERT_TRUE(WaitForState("<File Status=\"5\">" + arguments.back()));
+        usleep(200000);
+        // Twice: the host is not asked, it is killed.
+        kill(front, SIGINT);
+        kill(front, SIGTERM);
+        kill(front, SIGINT);
+    });
+    EXPECT_EQ(result.Status, 130) << result.Out << result.Errors;
+    const auto logs = Logs();
+    EXPECT_THAT(logs.at(Folder / "a.dxf"), HasSubstr("this is a"));
+    EXPECT_THAT(logs.at(Folder / "b.dxf"), HasSubstr("this is b"));
+    EXPECT_FALSE(HostLogsAreLeft());
+}
+
+TEST_F(RunLogs, ALogThatIsNotWholeIsToldAndIsNoSuccess) {
+    const std::string script = Write("s.scr", kSay);
+    for (const char* file : {"tnl log.html", "TNLLog.zip"}) {
+        fs::create_directories(Folder / "data/Ovrix" / file / "in the way");
+        const ProgramResult result = Run({"--script", script, Drawing("a.dxf")});
+        EXPECT_EQ(result.Status, 3) << file << result.Out;
+        EXPECT_THAT(result.Errors, HasSubstr(file));
+        fs::remove_all(Folder / "data/Ovrix" / file);
+    }
+    // The trace is a comfort.
+    fs::remove_all(Folder / "data/Ovrix/TNLapp.log");
+    fs::create_directories(Folder / "data/Ovrix/TNLapp.log");
+    const ProgramResult result = Run({"--script", script, Drawing("a.dxf")});
+    EXPECT_EQ(result.Status, 0) << result.Errors;
+}
+
+}  // namespace
