@@ -49,6 +49,8 @@ TarnelDlg::TarnelDlg(QWidget* parent) : CResizableDialog(parent), ui(std::make_u
     connect(ui->schedule, &QPushButton::clicked, this, &TarnelDlg::onSchedule);
     connect(ui->close, &QPushButton::clicked, this, &TarnelDlg::OnCancel);
     orderTabStops();
+    // Who opens the dialog and types must not end up with Enter on Run Script.
+    ui->tab->FocusPage();
     Run().Scheduled = false;
     Trace("InitDone\n");
 }
@@ -113,18 +115,38 @@ void TarnelDlg::ShowPage(int index) {
     ui->tab->SetActive(index);
 }
 
+namespace {
+
+/// As much of a place as a screen can show: a screen that is small, or has gone in the meantime, must not
+/// keep the buttons out of reach.
+QRect insideScreen(QRect place) {
+    const QScreen* screen = QGuiApplication::screenAt(place.center());
+    const bool gone = screen == nullptr;
+    const QRect available = (gone ? QGuiApplication::primaryScreen() : screen)->availableGeometry();
+    place.setSize(place.size().boundedTo(available.size()));
+    if (gone)
+        place.moveCenter(available.center());
+    place.moveRight(std::min(place.right(), available.right()));
+    place.moveBottom(std::min(place.bottom(), available.bottom()));
+    place.moveLeft(std::max(place.left(), available.left()));
+    place.moveTop(std::max(place.top(), available.top()));
+    return place;
+}
+
+}  // namespace
+
 void TarnelDlg::moveToStored() {
     const CTarnelData& data = TarnelData();
     const WindowRect& stored = data.MainWindow;
-    if (stored.Right != 0) {
-        QRect place(QPoint(static_cast<int>(stored.Left), static_cast<int>(stored.Top)),
-                    QPoint(static_cast<int>(stored.Right) - 1, static_cast<int>(stored.Bottom) - 1));
-        // A screen that has gone in the meantime must not keep the dialog out of reach.
-        const QScreen* screen = QGuiApplication::screenAt(place.center());
-        if (screen == nullptr)
-            place.moveCenter(QGuiApplication::primaryScreen()->availableGeometry().center());
-        setGeometry(place);
-    }
+    QRect place(QPoint(), size());
+    if (stored.Right != 0)
+        place = QRect(QPoint(static_cast<int>(stored.Left), static_cast<int>(stored.Top)),
+                      QPoint(static_cast<int>(stored.Right) - 1, static_cast<int>(stored.Bottom) - 1));
+    else if (const QWidget* frame = parentWidget())
+        place.moveCenter(frame->window()->geometry().center());
+    else
+        place.moveCenter(QGuiApplication::primaryScreen()->availableGeometry().center());
+    setGeometry(insideScreen(place));
     if (data.WasMaximized != 0)
         setWindowState(windowState() | Qt::WindowMaximized);
 }

@@ -9,15 +9,15 @@ CAutoTab::CAutoTab(QWidget* parent) : QTabWidget(parent) {
     tabBar()->setAccessibleName(tr("Pages"));
     connect(this, &QTabWidget::currentChanged, this, [this] {
         CBalloonHelp::CloseAll();
-        if (!tabBar()->hasFocus())
-            focusPage();
+        if (isVisible() && !tabBar()->hasFocus())
+            FocusPage();
     });
     tabBar()->installEventFilter(this);
 }
 
 // The keyboard goes on in what the page is for, not in whatever button stands first on it.
-void CAutoTab::focusPage() {
-    if (currentWidget() != nullptr && currentWidget()->focusProxy() != nullptr && isVisible())
+void CAutoTab::FocusPage() {
+    if (currentWidget() != nullptr && currentWidget()->focusProxy() != nullptr)
         currentWidget()->setFocus(Qt::ShortcutFocusReason);
 }
 
@@ -26,7 +26,7 @@ void CAutoTab::focusPage() {
 // button.
 bool CAutoTab::eventFilter(QObject* watched, QEvent* event) {
     if (watched == tabBar() && event->type() == QEvent::Shortcut)
-        QMetaObject::invokeMethod(this, &CAutoTab::focusPage, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &CAutoTab::FocusPage, Qt::QueuedConnection);
     return QTabWidget::eventFilter(watched, event);
 }
 
@@ -40,6 +40,8 @@ void CAutoTab::SetActive(int index) {
 }
 
 void CAutoTab::Step(int direction) {
-    if (count() > 0)
-        setCurrentIndex((currentIndex() + direction + count()) % count());
+    if (count() == 0)
+        return;
+    setCurrentIndex((currentIndex() + direction + count()) % count());
+    FocusPage();
 }

@@ -12,10 +12,9 @@ class CAutoTab : public QTabWidget {
     void SetActive(int index);
     /// The page after (1) or before (-1) the present one, round the ends.
     void Step(int direction);
+    /// Gives the keyboard to the control that the present page names as its own.
+    void FocusPage();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-
-  private:
-    void focusPage();
 };

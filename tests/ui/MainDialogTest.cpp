@@ -41,9 +41,14 @@ TEST_F(MainDialogTest, PagesByKeyboardAndTheLastOneKept) {
 
 TEST_F(MainDialogTest, TheLetterOfAPageLeadsIntoIt) {
     addFile(QStringLiteral("/d/a.dwg"));
+    TarnelData().LastTab = 2;
     TarnelDlg dialog(nullptr);
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    EXPECT_EQ(dialog.focusWidget(), dialog.findChild<QPlainTextEdit*>(QStringLiteral("script")));
+    tabs(dialog)->tabBar()->setFocus();
+    QTest::keyClick(&dialog, Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_FALSE(tabs(dialog)->tabBar()->hasFocus());
     auto* script = dialog.findChild<QPlainTextEdit*>(QStringLiteral("script"));
     // From the titles, and for the page that is shown already.
     for (int i = 0; i < 2; ++i) {
@@ -101,7 +106,7 @@ TEST_F(MainDialogTest, GeometryOverTwoOpenings) {
     {
         TarnelDlg dialog(nullptr);
         dialog.show();
-        dialog.setGeometry(40, 50, 900, 640);
+        dialog.setGeometry(15, 50, 760, 640);
         QCoreApplication::processEvents();
         place = dialog.geometry();
         press(dialog, "close");
@@ -121,6 +126,23 @@ TEST_F(MainDialogTest, GeometryOverTwoOpenings) {
     TarnelDlg dialog(nullptr);
     dialog.show();
     EXPECT_TRUE(dialog.isMaximized());
+}
+
+TEST_F(MainDialogTest, OpensInsideTheScreen) {
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    for (const WindowRect& stored : {WindowRect{}, WindowRect{500, 1500, 300, 1200},
+                                     WindowRect{9000, 9900, 50, 600}, WindowRect{-300, 2000, -200, 1900}}) {
+        TarnelData().MainWindow = stored;
+        TarnelDlg dialog(nullptr);
+        dialog.show();
+        QCoreApplication::processEvents();
+        const QRect place = dialog.geometry();
+        EXPECT_TRUE(screen.contains(place.center()) && place.width() <= screen.width() &&
+                    place.height() <= screen.height())
+            << place.x() << ' ' << place.y() << ' ' << place.width() << ' ' << place.height();
+        // The platform of the tests draws a border of two pixels.
+        EXPECT_TRUE(screen.adjusted(-4, -4, 4, 4).contains(place));
+    }
 }
 
 TEST_F(MainDialogTest, RunScriptNeedsAFileToDo) {

@@ -5,6 +5,7 @@
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
 #include "drafthost/editor/ModuleTable.h"
+#include "drafthost/editor/RegistryFile.h"
 #include "drafthost/window/CommandLineWidget.h"
 #include "drafthost/window/DrawingView.h"
 #include "drafthost/window/MainFrame.h"
@@ -175,6 +176,9 @@ TEST_F(DialogRunTest, RunsAndFillsTheLogPage) {
     EXPECT_EQ(countOf("1"), drawings) << output;
     EXPECT_GT(statusSeen, 0);
     EXPECT_EQ(questions, QStringList());
+    const auto late = host.registry().readString("HKEY_CURRENT_USER",
+                                                 RegistryFile::productKey() + "\\Recent File List\\File1");
+    EXPECT_FALSE(late) << "the drawings of a run are none that a person has opened: " << *late;
 }
 
 TEST_F(DialogRunTest, ARunGoesOverTheDrawingsThatAreOpen) {
