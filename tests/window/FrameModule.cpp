@@ -20,6 +20,9 @@ void obey() {
     if (!file.open(QIODevice::ReadOnly))
         return;
     const QByteArray wanted = file.readAll();
+    // Whoever writes it may just have made it.
+    if (wanted.isEmpty())
+        return;
     file.remove();
     if (wanted == "close")
         acedGetAcadFrame()->close();
