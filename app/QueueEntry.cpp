@@ -33,7 +33,7 @@ RunQueue QueueOf(const CTarnelData& record) {
     RunQueue queue;
     queue.reserve(record.FileOrder.size());
     for (const std::uint32_t entry : record.FileOrder) {
-        const std::uint32_t status = record.FileStatus[entry];
+        const std::uint32_t status = EntryStatus(record, entry);
         queue.push_back({EntryPath(record, entry).toStdString(),
                          status < kWords.size() ? DrawingStatus(status) : DrawingStatus::Error});
     }

@@ -158,8 +158,8 @@ void listFiles() {
     CTarnelData& data = TarnelData();
     BuildFileOrder(data);
     for (const std::uint32_t entry : data.FileOrder)
-        ConsoleLine(QStringLiteral("entry ") + FileStatusWord(data.FileStatus[entry]) + QStringLiteral(": ") +
-                    EntryPath(data, entry));
+        ConsoleLine(QStringLiteral("entry ") + FileStatusWord(EntryStatus(data, entry)) +
+                    QStringLiteral(": ") + EntryPath(data, entry));
 }
 
 /// Settles what the start of a run will ask. False when the user would rather not start.

@@ -72,7 +72,7 @@ bool GetNextFile(QString& path) {
     CTarnelData& data = TarnelData();
     for (std::size_t k = 0; k < data.FileNames.size(); ++k) {
         const std::uint32_t entry = data.FileOrder[k];
-        if (data.FileStatus[entry] != ToDo)
+        if (EntryStatus(data, entry) != ToDo)
             continue;
         path = EntryPath(data, entry);
         data.OpenReadOnly = false;

@@ -29,8 +29,8 @@ int CompareEntries(const CTarnelData& data, std::uint32_t left, std::uint32_t ri
         return QString::compare(data.FileDirs[left], data.FileDirs[right], Qt::CaseInsensitive);
     };
     const auto byStatus = [&] {
-        const std::uint32_t a = data.FileStatus[left];
-        const std::uint32_t b = data.FileStatus[right];
+        const std::uint32_t a = EntryStatus(data, left);
+        const std::uint32_t b = EntryStatus(data, right);
         return a < b ? -1 : a > b ? 1 : 0;
     };
     const auto first = [](int a, auto second, auto third) {

@@ -138,6 +138,12 @@ void ResetTarnelData();
 /// Full path of entry i: directory, separator unless it ends in one, name.
 QString EntryPath(const CTarnelData& data, std::size_t index);
 
+/// Status of entry i. One of an old group may have none, when the group names a status that never was: it
+/// counts as Error, so that it is neither worked on nor taken for done.
+inline std::uint32_t EntryStatus(const CTarnelData& data, std::size_t index) {
+    return index < data.FileStatus.size() ? data.FileStatus[index] : static_cast<std::uint32_t>(Error);
+}
+
 /// Fills FileOrder by SortIdx and SortReverse. The start of a run and the file list call it.
 void BuildFileOrder(CTarnelData& data);
 /// Compares two entries by SortIdx (0 to 5), names and directories without regard to case.

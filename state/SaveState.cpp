@@ -69,7 +69,7 @@ void saveFiles(MarkupDocument& document, const CTarnelData& data) {
             path.resize(0);
             AppendPath(path, data.FileDirs[i], data.FileNames[i]);
             document.AddChildElement(u"File", path);
-            document.SetChildAttribute(u"Status", static_cast<int>(data.FileStatus[i]));
+            document.SetChildAttribute(u"Status", static_cast<int>(EntryStatus(data, i)));
         }
     });
 }

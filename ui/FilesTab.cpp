@@ -35,7 +35,7 @@ class QueueModel : public QAbstractTableModel {
             case 1:
                 return record.FileDirs[entry];
             default:
-                return FileStatusWord(record.FileStatus[entry]);
+                return FileStatusWord(EntryStatus(record, entry));
         }
     }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {

@@ -164,7 +164,7 @@ void TarnelDlg::keepGeometry() {
 bool TarnelDlg::hasToDo() const {
     const CTarnelData& data = TarnelData();
     for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
-        if (data.FileStatus[i] == ToDo)
+        if (EntryStatus(data, i) == ToDo)
             return true;
     }
     return false;

@@ -76,6 +76,25 @@ TEST_F(GroupFile, ReadsOldScriptFiles) {
     EXPECT_EQ(Plain(TarnelData().LastScriptFile), Plain(script));
 }
 
+TEST_F(GroupFile, EntriesWithoutAStatusHarmNothing) {
+    const QString script = folder.filePath(QStringLiteral("s.scr"));
+    WriteBytes(script, "zoom e\n");
+    TarnelData().SortIdx = 4;
+    EXPECT_EQ(load(QStringLiteral("g.grp"), "Tarnel V2 Script File\n" + script.toUtf8() +
+                                                "\n90\n45\n9     a.dxf\n4     b.dxf\n7     c.dxf\n"),
+              "");
+    EXPECT_EQ(queue(), QStringList({"|a.dxf", "|b.dxf", "|c.dxf"}));
+    EXPECT_EQ(TarnelData().FileStatus.size(), 1U) << "the statuses move up, as they always did";
+    const QString saved = folder.filePath(QStringLiteral("state.xml"));
+    EXPECT_TRUE(SaveGroupFile(saved));
+    EXPECT_TRUE(ReadBytes(saved).contains("<File Status=\"0\">a.dxf</File>"));
+    EXPECT_TRUE(ReadBytes(saved).contains("<File Status=\"5\">c.dxf</File>"));
+    TarnelData().StateFile = saved;
+    SaveState(nullptr, 1);
+    SaveState(nullptr, 1);
+    EXPECT_TRUE(ReadBytes(saved).contains("<File Status=\"5\">b.dxf</File>"));
+}
+
 TEST_F(GroupFile, RefusalsChangeNothing) {
     const QStringList before = queue();
     EXPECT_EQ(load(QStringLiteral("g.grp"), "Tarnel V2 Script File \n/none.scr\n1\n1\n"),
