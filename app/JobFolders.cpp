@@ -110,9 +110,9 @@ bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<st
 /// What front, module and host make in a host's folder, with what they write beside a file on the way.
 bool IsOwnName(const std::string& below) {
     constexpr std::array<std::string_view, 3> folders = {"Ovrix", "logs", "logs/drafthost"};
-    constexpr std::array<std::string_view, 10> files = {
-        "TarnelRunner.xml", "run.",        "tnl log",      "TNLLog", "TNLapp.log",
-        "script1.scr",      "script2.scr", "registry.ini", "host",   "tarnel"};
+    constexpr std::array<std::string_view, 11> files = {
+        "TarnelRunner.xml", "run.",         "tnl log", "TNLLog", "TNLapp.log", "script1.scr",
+        "script2.scr",      "registry.ini", "host",    "tarnel", "unopened-"};
     if (std::find(folders.begin(), folders.end(), below) != folders.end()) {
         return true;
     }

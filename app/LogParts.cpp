@@ -2,7 +2,7 @@
 
 #include "app/LogFile.h"
 #include "log/HostLogArchive.h"
-#include "log/ZipException.h"
+#include "log/ZipArchive.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -14,6 +14,8 @@
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr int kLevel = 9;
 
 LogPart AsidePart(const std::string& folder, int number) {
     const LogPart names = LogNames(folder);
@@ -116,6 +118,38 @@ bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::s
         }
     }
     return true;
+}
+
+bool SetEntriesAside(const std::string& folder, const std::vector<std::string>& drawings,
+                     std::string* error) {
+    if (!MoveAside(folder, error)) {
+        return false;
+    }
+    const LogPart part = AsidePart(folder, static_cast<int>(LogsAside(folder).size()) + 1);
+    QString text = RunLogHead;
+    try {
+        CZipArchive archive;
+        if (!archive.Open(part.Archive, CZipArchive::Create)) {
+            *error = part.Archive + ": cannot be written: " + std::strerror(errno);
+            return false;
+        }
+        for (const std::string& drawing : drawings) {
+            const std::string said = drawing + "\r\nThe host died before it had opened the drawing.\r\n";
+            const QString name = QFile::decodeName(drawing.c_str());
+            const QString id = QStringLiteral("unopened") + HostLogId(name) + QStringLiteral(".log");
+            CFileHeader header;
+            header.Name = id.toStdString();
+            archive.OpenNewFile(header, kLevel);
+            archive.WriteNewFile(said.data(), said.size());
+            archive.CloseNewFile();
+            text += RunLogLineText(RunLogTime(), ProcessingHtml(id, name));
+        }
+        archive.Close();
+    } catch (const CZipException& failure) {
+        *error = failure.what();
+        return false;
+    }
+    return WriteLog(part.Log, EncodeRunLog(text + RunLogTail), error);
 }
 
 bool HasLogsAside(const std::string& folder) {

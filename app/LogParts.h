@@ -22,6 +22,10 @@ LogPart LogNames(const std::string& folder);
 /// packed. False with one line when something cannot be moved or written.
 bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::string* error);
 
+/// Sets what a folder holds aside, with a part that has an entry for each of these drawings, whose host died
+/// before it came to the log; the log of such an entry says that. False with one line.
+bool SetEntriesAside(const std::string& folder, const std::vector<std::string>& drawings, std::string* error);
+
 /// Forgets what was set aside in a data folder.
 void DropLogsAside(const std::string& folder);
 bool HasLogsAside(const std::string& folder);

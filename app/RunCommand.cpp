@@ -30,32 +30,33 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
     return ledger.Count(DrawingStatus::Done) == ledger.Records().size() ? AllDone : SomeNotDone;
 }
 
-/// What several hosts, or one after the other, have left becomes one queue, one log and one archive. A
-/// failure is told and tried once more.
-bool BringTogether(const DataFolder& folder, RunDescription* description, Progress* progress,
-                   std::string* error) {
-    const auto bring = [&] {
-        return (description->Jobs > 0 || SetUnfinishedAside(folder.Path(), HostLogFolder(""), error)) &&
-               GatherJobs(folder, description, error);
-    };
-    if (bring()) {
-        return true;
-    }
-    progress->Note(*error + "; it is tried again");
-    return bring();
-}
-
-/// The drawings that the run log must tell of: all that were worked on in this run, but for those whose host
-/// died, maybe before it came to the log.
-std::vector<std::string> LoggedDrawings(const RunLedger& ledger) {
+/// The drawings that were worked on in this run: their paths where the filter holds.
+template <class Filter>
+std::vector<std::string> WorkedOn(const RunLedger& ledger, Filter filter) {
     std::vector<std::string> drawings;
     for (const DrawingRecord& record : ledger.Records()) {
-        if (record.Seconds && record.Host.empty() && record.Status != DrawingStatus::ToDo &&
-            record.Status != DrawingStatus::Locked) {
+        if (record.Seconds && record.Status != DrawingStatus::ToDo &&
+            record.Status != DrawingStatus::Locked && filter(record)) {
             drawings.push_back(record.Path);
         }
     }
     return drawings;
+}
+
+/// What several hosts, or one after the other, have left becomes one queue, one log and one archive. A
+/// drawing whose host died before it came to the log gets its entry here.
+bool BringTogether(const DataFolder& folder, RunDescription* description, const RunLedger& ledger,
+                   std::string* error) {
+    if ((description->Jobs == 0 && !SetUnfinishedAside(folder.Path(), HostLogFolder(""), error)) ||
+        !GatherJobs(folder, description, error)) {
+        return false;
+    }
+    const std::vector<std::string> missing =
+        MissingIn(folder.Path(), WorkedOn(ledger, [](const DrawingRecord& record) {
+                      return !record.Host.empty() || record.Status == DrawingStatus::FailOpen;
+                  }));
+    return missing.empty() ||
+           (SetEntriesAside(folder.Path(), missing, error) && GatherJobs(folder, description, error));
 }
 
 /// Works off what waits and brings what is on disk together with what was told.
@@ -88,8 +89,14 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
     }
     CTarnelData saved;
     const bool ended = outcome == RunMonitor::Outcome::Ended;
-    if (!BringTogether(folder, description, progress, &error) ||
-        !CheckLogs(folder.Path(), ended ? LoggedDrawings(*ledger) : std::vector<std::string>(), &error)) {
+    bool together = BringTogether(folder, description, *ledger, &error);
+    if (!together) {
+        progress->Note(error + "; it is tried again");
+        together = BringTogether(folder, description, *ledger, &error);
+    }
+    const std::vector<std::string> logged =
+        WorkedOn(*ledger, [ended](const DrawingRecord&) { return ended; });
+    if (!together || !CheckLogs(folder.Path(), logged, &error)) {
         breakOff(error);
     }
     if (!ReadRecord(folder.StateFile(), &saved, &error)) {

@@ -36,6 +36,22 @@ bool ReadArchiveNames(const std::string& file, Names* names, std::string* error)
     }
 }
 
+std::vector<std::string> MissingIn(const RunLogContent& log, const std::vector<std::string>& drawings) {
+    std::unordered_map<std::string, int> told;
+    for (const RunLogEntry& entry : log.Entries) {
+        if (entry.Kind == RunLogEntry::File) {
+            ++told[QFile::encodeName(entry.Name).toStdString()];
+        }
+    }
+    std::vector<std::string> missing;
+    for (const std::string& drawing : drawings) {
+        if (told[drawing]-- <= 0) {
+            missing.push_back(drawing);
+        }
+    }
+    return missing;
+}
+
 }  // namespace
 
 bool SetUnfinishedAside(const std::string& folder, const std::string& hostLogs, std::string* error) {
@@ -58,23 +74,24 @@ bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawin
         *error = files.Log + ": the run log is not whole: it has no end";
         return false;
     }
-    std::unordered_map<std::string, int> told;
     for (const RunLogEntry& entry : log.Entries) {
-        if (entry.Kind != RunLogEntry::File) {
-            continue;
-        }
-        ++told[QFile::encodeName(entry.Name).toStdString()];
         if (!entry.Id.isEmpty() && !packed.contains(entry.Id.toStdString())) {
             *error =
                 files.Archive + ": the log of " + QFile::encodeName(entry.Name).toStdString() + " is missing";
             return false;
         }
     }
-    for (const std::string& drawing : drawings) {
-        if (told[drawing]-- <= 0) {
-            *error = files.Log + ": the run log is not whole: " + drawing + " is missing";
-            return false;
-        }
+    const std::vector<std::string> missing = MissingIn(log, drawings);
+    if (!missing.empty()) {
+        *error = files.Log + ": the run log is not whole: " + missing.front() + " is missing";
     }
-    return true;
+    return missing.empty();
+}
+
+std::vector<std::string> MissingIn(const std::string& folder, const std::vector<std::string>& drawings) {
+    RunLogContent log;
+    std::string ignored;
+    // What cannot be read is told by who looks at the whole.
+    ReadLog(LogNames(folder).Log, &log, &ignored);
+    return MissingIn(log, drawings);
 }

@@ -11,6 +11,9 @@
 /// it is joined with what was set aside before. False with one line.
 bool SetUnfinishedAside(const std::string& folder, const std::string& hostLogs, std::string* error);
 
+/// The drawings that have no entry in a folder's log; one that stands in the list twice has two.
+std::vector<std::string> MissingIn(const std::string& folder, const std::vector<std::string>& drawings);
+
 /// Looks whether a log tells all of a run: it has its end, an entry for each of the drawings, and each
 /// entry's log is in the archive. False with one line that says what is missing.
 bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawings, std::string* error);
