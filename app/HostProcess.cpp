@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -81,9 +82,18 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid
     if (LocaleIsPlain()) {
         setenv("LC_ALL", "C.UTF-8", 1);
     }
-    const char* registry = place.Registry.empty() ? nullptr : "--registry";
-    execl(files.Host.c_str(), files.Host.c_str(), "--headless", "--load", files.Module.c_str(), registry,
-          place.Registry.c_str(), nullptr);
+    std::vector<const char*> words = {files.Host.c_str(), "--headless", "--load", files.Module.c_str()};
+    if (!place.Registry.empty()) {
+        words.insert(words.end(), {"--registry", place.Registry.c_str()});
+    }
+    if (!place.Journal.empty()) {
+        words.insert(words.end(), {"--journal", place.Journal.c_str()});
+    }
+    if (place.BreakLinks) {
+        words.push_back("--break-links");
+    }
+    words.push_back(nullptr);
+    execv(files.Host.c_str(), const_cast<char* const*>(words.data()));
 }
 
 }  // namespace

@@ -35,6 +35,10 @@ struct HostPlace {
     int Lock = -1;
     /// What its state must hold, for the module to work on it.
     std::string Run;
+    /// Where it notes what a kill may leave; empty is nowhere.
+    std::string Journal = {};
+    /// Its saves part drawings from their other names.
+    bool BreakLinks = false;
 };
 
 /// How a host ended.

@@ -1,6 +1,7 @@
 #include "app/JobFolders.h"
 
 #include "app/FolderChange.h"
+#include "app/HostJournal.h"
 #include "app/RunLogs.h"
 #include "app/RunRecord.h"
 #include "engine/TarnelData.h"
@@ -195,6 +196,7 @@ bool GatherJobs(const DataFolder& folder, RunDescription* description, std::stri
 bool DropJobs(const DataFolder& folder, std::size_t count, std::string* error) {
     for (std::size_t number = 1; number <= count; ++number) {
         std::vector<std::string> left;
+        ClearHostJournal(JobData(folder, number), files::Logs::Remove);
         if (!files::RemoveOwnFolder(JobHome(folder, number), IsOwnName, &left, error)) {
             return false;
         }

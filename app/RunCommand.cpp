@@ -2,6 +2,7 @@
 
 #include "app/FolderChange.h"
 #include "app/FolderUse.h"
+#include "app/HostJournal.h"
 #include "app/JobFolders.h"
 #include "app/RecordFile.h"
 #include "app/RunLogs.h"
@@ -75,6 +76,7 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
             std::make_unique<RunMonitor>(std::move(parts.Settings[i]), parts.Ledgers[i].get(), progress));
     }
     auto outcome = WatchOver(monitors, progress, signals, &error);
+    ClearHostJournal(folder.Path(), files::Logs::Keep);
     const auto breakOff = [&](const std::string& text) {
         progress->Note(text);
         outcome = RunMonitor::Outcome::Broken;
@@ -187,6 +189,8 @@ ExitStatus RunDrawings(const RunOptions& options) {
         PrintWaiting(queue);
         return AllDone;
     }
+    // The logs of an earlier run's dead host that this one goes on with have been packed.
+    ClearHostJournal(folder.Path(), files::Logs::Remove);
     settings.MaxTime = plan.Record.MaxTime;
     settings.Grace = options.Grace;
     settings.Restart = options.Monitor;
@@ -218,6 +222,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
     PrintReport(ledger.Records(), options,
                 std::chrono::duration<double>(RunLedger::Clock::now() - started).count());
     const std::vector<bool> triedAgain = ReadJournal(folder, plan.Description.Id, queue.size()).TriedAgain;
+    const NotedWrite noted(folder.Path());
     if (!WriteJournal(folder.Path(), plan.Description.Id, ledger.Records(), triedAgain, &error) ||
         (!options.JsonFile.empty() && !WriteRecords(ledger.Records(), options.JsonFile, &error))) {
         return Refuse(BrokenOff, error);

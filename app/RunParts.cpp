@@ -1,6 +1,7 @@
 #include "app/RunParts.h"
 
 #include "app/HostCommands.h"
+#include "app/HostJournal.h"
 #include "app/JobFolders.h"
 #include "app/RunLogs.h"
 
@@ -9,13 +10,16 @@
 
 namespace {
 
-/// What a host that died has left of its log is kept for the end of the run.
+/// What a host that died has left of its log is kept for the end of the run, what it has left beside drawings
+/// is removed.
 std::function<void()> KeepLogs(const std::string& folder, const std::string& stateHome) {
     return [folder, hostLogs = HostLogFolder(stateHome)] {
         std::string error;
-        if (!SetLogsAside(folder, hostLogs, &error)) {
+        const bool kept = SetLogsAside(folder, hostLogs, &error);
+        if (!kept) {
             std::fprintf(stderr, "tarnel: %s\n", error.c_str());
         }
+        ClearHostJournal(folder, kept ? files::Logs::Remove : files::Logs::Keep);
     };
 }
 
@@ -42,6 +46,8 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunP
                  RunJournal* journal, MonitorSettings common) {
     common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini", "",
                     folder.LockDescriptor(), ""};
+    common.Place.Journal = HostJournal(folder.Path());
+    common.Place.BreakLinks = options.BreakLinks;
     common.State = folder.StateFile();
     common.HostDied = KeepLogs(folder.Path(), "");
     const RunQueue queue = QueueOf(plan.Record);
@@ -66,6 +72,8 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPl
         settings.State = data + "/TarnelRunner.xml";
         settings.Place = {JobHome(folder, number), data + "/registry.ini", JobLogs(folder, number),
                           folder.LockDescriptor(), ""};
+        settings.Place.Journal = HostJournal(data);
+        settings.Place.BreakLinks = options.BreakLinks;
         settings.HostDied = KeepLogs(data, JobLogs(folder, number));
         AddPart(&parts, queue, shares[number - 1], journal, *plan, std::move(settings));
     }

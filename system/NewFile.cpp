@@ -1,5 +1,6 @@
 #include "system/NewFile.h"
 
+#include "system/FileJournal.h"
 #include "system/OwnFile.h"
 
 #include <fcntl.h>
@@ -43,6 +44,13 @@ bool keepMode(int file, const struct stat& old) {
         mode = (mode & 0707) | (mode & 0070 & ((mode & 0007) << 3));
     }
     return ::fchmod(file, mode) == 0;
+}
+
+/// Without a word to errno.
+void forget(const std::string& name) {
+    const int error = errno;
+    Journal().Gone(name);
+    errno = error;
 }
 
 /// Takes a left file away. EWOULDBLOCK when it is being written, another error when it is not ours.
@@ -92,9 +100,12 @@ bool NewFile::Open(const std::string& path, Busy busy) {
     const mode_t mode = exists ? 0600 : 0666;
     const std::string usual = newNameOf(target);
     for (bool useOther = false; file < 0;) {
-        name = usual;
-        file = useOther ? OpenRandom(usual, mode, &name)
-                        : ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+        name = useOther ? RandomName(usual) : usual;
+        Journal().NoteTemporary(name);
+        file = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+        if (file < 0) {
+            forget(name);
+        }
         if (file < 0 && (useOther || errno != EEXIST || !clearWay(busy, &useOther))) {
             return false;
         }
@@ -137,6 +148,7 @@ bool NewFile::Commit() {
         errno = error;
         return false;
     }
+    forget(name);
     ::close(std::exchange(file, -1));
     return true;
 }
@@ -144,6 +156,7 @@ bool NewFile::Commit() {
 void NewFile::Discard() {
     if (file >= 0) {
         ::unlink(name.c_str());
+        forget(name);
         ::close(std::exchange(file, -1));
     }
 }

@@ -1,0 +1,29 @@
+#include "app/HostJournal.h"
+
+#include "system/NewFile.h"
+
+#include <unistd.h>
+#include <utility>
+
+std::string HostJournal(const std::string& folder) {
+    return folder + "/host.journal";
+}
+
+void ClearHostJournal(const std::string& folder, files::Logs logs) {
+    files::ClearJournal(HostJournal(folder), logs);
+    for (const char* file : {"TarnelRunner.xml", "run.json", "run.journal", "tnl log.html", "TNLLog.zip",
+                             "TNLapp.log", "registry.ini"}) {
+        files::DropNewOf(folder + "/" + file);
+    }
+}
+
+NotedWrite::NotedWrite(std::string place) : folder(std::move(place)) {
+    std::string ignored;
+    // Without a journal the file is written all the same.
+    files::Journal().Open(HostJournal(folder), "tarnel " + std::to_string(getpid()), &ignored);
+}
+
+NotedWrite::~NotedWrite() {
+    files::Journal().Close();
+    files::ClearJournal(HostJournal(folder), files::Logs::Keep);
+}
