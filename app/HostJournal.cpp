@@ -15,6 +15,10 @@ void ClearHostJournal(const std::string& folder, files::Logs logs) {
                              "TNLapp.log", "registry.ini"}) {
         files::DropNewOf(folder + "/" + file);
     }
+    // The next run may have its hosts in other folders, so that no module takes these away.
+    for (const char* script : {"script1.scr", "script2.scr"}) {
+        unlink((folder + "/" + script).c_str());
+    }
 }
 
 NotedWrite::NotedWrite(std::string place) : folder(std::move(place)) {
