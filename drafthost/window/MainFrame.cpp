@@ -12,10 +12,13 @@
 #include "drafthost/window/FramePlace.h"
 #include "drafthost/window/ModuleTools.h"
 
+#include <algorithm>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QLabel>
 #include <QMenuBar>
+#include <QSessionManager>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -58,6 +61,7 @@ MainFrame::MainFrame(Host& owner)
         if (activateTab(index))
             command(QStringLiteral("CLOSE\n"));
     });
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, &MainFrame::endSession, Qt::DirectConnection);
     host.setChangesBox([this](Document& document) { return askChanges(this, document); });
     host.addObserver(this);
     line->setFocus();
@@ -116,6 +120,20 @@ void MainFrame::closeEvent(QCloseEvent* event) {
     event->ignore();
     host.input().cancel();
     type(QStringLiteral("QUIT\n"));
+}
+
+// A logout waits for changes that a person has made: it is called off, and QUIT asks. What a script or a run
+// is doing to a drawing is given up with the session.
+void MainFrame::endSession(QSessionManager& manager) {
+    const auto open = host.documents();
+    const bool changed = std::any_of(open.begin(), open.end(),
+                                     [](const Document* document) { return document->modified() != 0; });
+    if (!changed || host.script().isRunning() || !host.input().isIdle() ||
+        host.variables().integer("SDI", 0) != 0 || !manager.allowsInteraction())
+        return;
+    manager.release();
+    manager.cancel();
+    QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
 }
 
 void MainFrame::documentOpened(Document&) {

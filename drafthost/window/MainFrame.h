@@ -9,6 +9,7 @@
 #include <QTimer>
 
 class QLabel;
+class QSessionManager;
 
 namespace drafthost {
 
@@ -49,6 +50,7 @@ class MainFrame : public QMainWindow, private HostObserver {
     void showCurrent();
     void addMenus();
     bool activateTab(int index);
+    void endSession(QSessionManager& manager);
     void type(const QString& text);
 
     Host& host;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -130,6 +131,38 @@ TEST_F(DeskTest, TheModuleHasAButton) {
     ASSERT_TRUE(desk.waitForFinished());
     EXPECT_EQ(desk.exitCode(), 128 + SIGTERM);
     EXPECT_TRUE(content(trace).contains("RemoveFromToolbar"));
+}
+
+TEST_F(DeskTest, TheWindowBelongsToTheDesktopEntry) {
+    start({QStringLiteral("QT_QPA_PLATFORM=offscreen")}, QStringLiteral(DESK_PROGRAM),
+          {QStringLiteral("--desktop-entry"), QStringLiteral("tarnel"), QStringLiteral("--load"),
+           QStringLiteral(MODULE_FILE), QStringLiteral("--load"), QStringLiteral(FRAME_MODULE)});
+    write(QStringLiteral("do"), "name");
+    EXPECT_TRUE(until([&] { return content(QStringLiteral("name")).endsWith('\n'); }));
+    EXPECT_EQ(content(QStringLiteral("name")), "tarnel tarnel icon\n");
+    QFile entry(QStringLiteral(DESKTOP_ENTRY));
+    ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QFileInfo(entry).completeBaseName(), QStringLiteral("tarnel"));
+    EXPECT_TRUE(entry.readAll().contains("\nStartupWMClass=tarnel\n"));
+    desk.terminate();
+    ASSERT_TRUE(desk.waitForFinished());
+}
+
+TEST_F(DeskTest, OpensAllDrawingsThatItIsGiven) {
+    QStringList arguments = {QStringLiteral("desk")};
+    for (const char* name : {"a.dxf", "b.dxf"}) {
+        arguments << folder.filePath(QString::fromLatin1(name));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(SAMPLE_FOLDER "/rooms-2000.dxf"), arguments.last()));
+    }
+    start({QStringLiteral("QT_QPA_PLATFORM=offscreen")}, QStringLiteral(TARNEL_PROGRAM), arguments);
+    const auto registry = [this] { return content(QStringLiteral(".config/drafthost/registry.ini")); };
+    EXPECT_TRUE(until([&] { return registry().contains("a.dxf\"") && registry().contains("b.dxf\""); }))
+        << registry().toStdString();
+    QFile command(QStringLiteral("/proc/%1/cmdline").arg(desk.processId()));
+    ASSERT_TRUE(command.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(command.readAll().contains(QByteArray("--desktop-entry\0tarnel", 22)));
+    desk.terminate();
+    ASSERT_TRUE(desk.waitForFinished());
 }
 
 TEST_F(DeskTest, ARunEndsWithTheWindow) {

@@ -1,6 +1,6 @@
 // A module that does to the host's window what a user does, when a file in the data folder asks for it:
 // "close" clicks the window's X, "button" presses what the tool bar has, "quit" is the desktop's logout,
-// "box" opens a modal box and leaves it open.
+// "name" tells how the desktop knows it, "box" opens a modal box and leaves it open.
 
 #include "acframe.h"
 #include "rxregsvc.h"
@@ -14,6 +14,16 @@
 #include <QToolBar>
 
 namespace {
+
+/// By what a desktop knows the window.
+void tellName() {
+    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/name"));
+    const bool icon = !QGuiApplication::windowIcon().isNull();
+    const QStringList words = {QGuiApplication::desktopFileName(), QCoreApplication::arguments().first(),
+                               icon ? QStringLiteral("icon") : QStringLiteral("no icon")};
+    if (file.open(QIODevice::WriteOnly))
+        file.write(words.join(u' ').toUtf8() + '\n');
+}
 
 void obey() {
     QFile file(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/do"));
@@ -29,6 +39,8 @@ void obey() {
     else if (wanted == "button" && acedGetAcadFrame()->findChild<QToolBar*>() != nullptr)
         for (QAction* action : acedGetAcadFrame()->findChild<QToolBar*>()->actions())
             action->trigger();
+    else if (wanted == "name")
+        tellName();
     else if (wanted == "quit")
         QCoreApplication::quit();
     else if (wanted == "box")
