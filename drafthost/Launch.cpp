@@ -41,13 +41,14 @@ constexpr const char* FramedEnd =
     "  --desktop-entry NAME  the window belongs to this entry of the desktop\n"
     "The drawings are opened in a window, in which commands are typed.\n";
 
-std::string defaultRegistry() {
+/// A place among the user's own settings; empty where there is no home.
+std::string userPlace(const std::string& name) {
     const char* config = std::getenv("XDG_CONFIG_HOME");
     if (config && config[0] == '/') {
-        return std::string(config) + "/drafthost/registry.ini";
+        return std::string(config) + "/drafthost/" + name;
     }
     const char* home = std::getenv("HOME");
-    return home ? std::string(home) + "/.config/drafthost/registry.ini" : std::string();
+    return home ? std::string(home) + "/.config/drafthost/" + name : std::string();
 }
 
 int signalPipe[2] = {-1, -1};
@@ -101,7 +102,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
     const std::string usage = "usage: " + program + (framed ? " " : " [--headless] ") + Options +
                               (framed ? FramedEnd : HeadlessEnd);
     Arguments arguments;
-    arguments.registry = defaultRegistry();
+    arguments.registry = userPlace("registry.ini");
     std::string memory;
     for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
@@ -217,6 +218,9 @@ void prepare(Host& host, const Arguments& arguments) {
     }
     for (const std::string& folder : arguments.support) {
         host.addSupportPath(folder);
+    }
+    if (const std::string own = userPlace("support"); !own.empty()) {
+        host.addSupportPath(own);
     }
     registerCommands(host.commands());
     registerSystemVariables(host.variables());

@@ -1,5 +1,7 @@
 #include "drafthost/Startup.h"
 
+#include <filesystem>
+
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Encoding.h"
@@ -16,13 +18,14 @@ constexpr std::uint32_t LoadAtStart = 2;
 
 void loadOnce(Host& host, const std::string& module) {
     if (!host.modules().isLoaded(module)) {
-        host.modules().load(module, false);
+        // Whoever lists a module has chosen it, wherever it lies.
+        host.modules().load(module, false, ModuleTable::Chosen::ByUser);
     }
 }
 
 /// One module to a line; ";" begins a comment.
 void loadList(Host& host) {
-    const std::string path = host.findFile("acad.rx");
+    const std::string path = host.findStartUp("acad.rx");
     if (path.empty()) {
         return;
     }
@@ -92,7 +95,10 @@ void loadStartupModules(Host& host, const std::vector<std::string>& others) {
     loadSuite(host);
     loadOnDemandEntries(host);
     for (const std::string& module : others) {
-        loadOnce(host, module);
+        // On a command line a path counts from where it was typed.
+        std::error_code code;
+        const bool hasFolder = module.find('/') != std::string::npos;
+        loadOnce(host, hasFolder ? std::filesystem::absolute(module, code).string() : module);
     }
 }
 

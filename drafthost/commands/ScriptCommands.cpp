@@ -3,6 +3,7 @@
 #include "drafthost/commands/Commands.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
+#include "drafthost/editor/ProgramFiles.h"
 #include "drafthost/editor/ScriptReader.h"
 
 namespace drafthost::commands {
@@ -15,14 +16,16 @@ CommandTask scriptCommand(CommandContext& context) {
         context.fail("SCRIPT needs the name of a script file.");
         co_return;
     }
-    // A script's name without a folder is looked for where all support files are; the reader names the file
-    // in its message when it is nowhere.
-    std::string path = host.findFile(answer.text);
-    if (path.empty()) {
-        path = host.findFile(answer.text + ".scr");
+    const ProgramFiles::Found found = host.programs().find(answer.text, ".scr");
+    if (found.path.empty()) {
+        context.fail(found.passedOver.empty()
+                         ? "Cannot read script " + answer.text + ": No such file or directory"
+                         : found.passedOver +
+                               " is not run by its name alone: its folder is not in TRUSTEDPATHS.");
+        co_return;
     }
     std::string error;
-    if (!host.script().start(path.empty() ? answer.text : path, error)) {
+    if (!host.script().start(found.path, error)) {
         context.fail(error);
     }
 }

@@ -10,6 +10,7 @@
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
 #include "drafthost/editor/ModuleTable.h"
+#include "drafthost/editor/ProgramFiles.h"
 #include "drafthost/editor/RegistryFile.h"
 #include "drafthost/lisp/Printer.h"
 
@@ -127,7 +128,7 @@ lisp::EvalResult DocumentLisp::run(std::string_view text, std::string_view first
 }
 
 void DocumentLisp::startUp() {
-    const std::string file = host_.findFile("acaddoc.lsp");
+    const std::string file = host_.findStartUp("acaddoc.lsp");
     Evaluation evaluation(host_.input());
     auto tell = [&](const lisp::EvalResult& result) {
         if (result.status == lisp::EvalResult::Status::Error && !result.handled) {
@@ -226,6 +227,15 @@ std::vector<std::string> DocumentLisp::loadedModules() {
 std::optional<std::string> DocumentLisp::findFile(std::string_view name) {
     std::string path = host_.findFile(name);
     return path.empty() ? std::nullopt : std::optional(path);
+}
+
+std::optional<std::string> DocumentLisp::findTrustedFile(std::string_view name) {
+    std::string path = host_.programs().find(name, {}).path;
+    return path.empty() ? std::nullopt : std::optional(path);
+}
+
+std::optional<std::string> DocumentLisp::programToLoad(std::string_view name) {
+    return host_.programs().toLoad(name, ".lsp");
 }
 
 std::optional<std::string> DocumentLisp::environment(std::string_view name) {

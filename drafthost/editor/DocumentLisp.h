@@ -43,6 +43,8 @@ class DocumentLisp : public lisp::LispHost {
     lisp::ModuleStatus unloadModule(std::string_view name) override;
     std::vector<std::string> loadedModules() override;
     std::optional<std::string> findFile(std::string_view name) override;
+    std::optional<std::string> findTrustedFile(std::string_view name) override;
+    std::optional<std::string> programToLoad(std::string_view name) override;
     std::optional<std::string> environment(std::string_view name) override;
     void setEnvironment(std::string_view name, std::string_view value) override;
     std::optional<std::string> configValue(std::string_view path) override;

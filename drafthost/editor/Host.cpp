@@ -16,6 +16,7 @@
 #include "drafthost/editor/InputStream.h"
 #include "drafthost/editor/ModuleCommands.h"
 #include "drafthost/editor/ModuleTable.h"
+#include "drafthost/editor/ProgramFiles.h"
 #include "drafthost/editor/RegistryFile.h"
 #include "drafthost/editor/ScriptReader.h"
 #include "system/FileJournal.h"
@@ -32,12 +33,6 @@ std::string absolute(const std::string& path) {
     return code ? path : full.lexically_normal().string();
 }
 
-std::string programFolder() {
-    std::error_code code;
-    fs::path program = fs::read_symlink("/proc/self/exe", code);
-    return code ? std::string() : program.parent_path().string() + "/";
-}
-
 bool isSameFile(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
@@ -50,8 +45,9 @@ Host::Host(const std::string& registryPath)
       script_(std::make_unique<ScriptReader>()),
       input_(std::make_unique<InputStream>(*this)),
       moduleCommands_(std::make_unique<ModuleCommands>()),
-      modules_(std::make_unique<ModuleTable>(*this)) {
-    addSupportPath(programFolder() + "support");
+      modules_(std::make_unique<ModuleTable>(*this)),
+      programs_(std::make_unique<ProgramFiles>(*this)) {
+    supportPath_ = {programFolder() + "support/"};
 }
 
 Host::~Host() {
@@ -299,14 +295,23 @@ std::string Host::nextLogName(const std::string& drawing) {
 
 // --- files ---
 
+std::string Host::programFolder() {
+    std::error_code code;
+    fs::path program = fs::read_symlink("/proc/self/exe", code);
+    return code ? std::string() : program.parent_path().string() + "/";
+}
+
 void Host::addSupportPath(const std::string& folder) {
-    std::string path = absolute(folder);
-    supportPath_.push_back(path.ends_with('/') ? path : path + "/");
+    const std::string path = absolute(folder);
+    supportPath_.insert(supportPath_.end() - 1, path.ends_with('/') ? path : path + "/");
 }
 
 std::string Host::findFile(std::string_view name) const {
     if (name.empty()) {
         return {};
+    }
+    if (ProgramFiles::isProgram(name)) {
+        return programs_->find(name, {}).path;
     }
     std::error_code code;
     const std::string file(name);
@@ -322,6 +327,16 @@ std::string Host::findFile(std::string_view name) const {
     for (const std::string& folder : folders) {
         if (fs::exists(folder + file, code)) {
             return absolute(folder + file);
+        }
+    }
+    return {};
+}
+
+std::string Host::findStartUp(std::string_view name) const {
+    std::error_code code;
+    for (const std::string& folder : supportPath_) {
+        if (std::string path = folder + std::string(name); fs::exists(path, code)) {
+            return path;
         }
     }
     return {};

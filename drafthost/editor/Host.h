@@ -23,6 +23,7 @@ class HostObserver;
 class InputStream;
 class ModuleCommands;
 class ModuleTable;
+class ProgramFiles;
 class RegistryFile;
 class ScriptReader;
 
@@ -93,12 +94,18 @@ class Host {
 
     // --- files ---
     /// Absolute path of an existing file or folder: a name with a folder only there (from the current
-    /// folder), others in the current folder, the current drawing's, the support path, the program's.
-    /// Empty when there is none.
+    /// folder), others in the current folder, the current drawing's, the support path, the program's. Files
+    /// that can run are looked for as ProgramFiles does. Empty when there is none.
     std::string findFile(std::string_view name) const;
+    /// Where the program itself lies, with a separator at its end.
+    static std::string programFolder();
+    /// A file that is loaded by itself: on the support path only. Empty when there is none.
+    std::string findStartUp(std::string_view name) const;
     /// Support folders, each with a separator at its end.
     const std::vector<std::string>& supportPath() const { return supportPath_; }
+    /// Adds a folder in front of the program's own.
     void addSupportPath(const std::string& folder);
+    ProgramFiles& programs() { return *programs_; }
 
     // --- end ---
     /// The host ends as soon as the running command has returned. Documents are closed without a question.
@@ -157,6 +164,7 @@ class Host {
     std::unique_ptr<InputStream> input_;
     std::unique_ptr<ModuleCommands> moduleCommands_;
     std::unique_ptr<ModuleTable> modules_;
+    std::unique_ptr<ProgramFiles> programs_;
     std::vector<std::unique_ptr<Document>> documents_;
     std::vector<std::unique_ptr<Document>> closed_;
     Document* current_ = nullptr;

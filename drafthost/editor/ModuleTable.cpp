@@ -8,6 +8,7 @@
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/ModuleCommands.h"
+#include "drafthost/editor/ProgramFiles.h"
 #include "drafthost/lisp/World.h"
 
 namespace drafthost {
@@ -67,7 +68,7 @@ ModuleTable::Module* ModuleTable::byId(std::uint64_t id) const {
     return nullptr;
 }
 
-ModuleStatus ModuleTable::load(std::string_view name, bool verbose) {
+ModuleStatus ModuleTable::load(std::string_view name, bool verbose, Chosen chosen) {
     const std::string wanted = withExtension(name);
     if (Module* loaded = find(wanted)) {
         if (verbose) {
@@ -75,11 +76,15 @@ ModuleStatus ModuleTable::load(std::string_view name, bool verbose) {
         }
         return ModuleStatus::AlreadyLoaded;
     }
-    std::string path = host_.findFile(wanted);
-    if (path.empty()) {
+    const ProgramFiles::Found found = host_.programs().find(wanted, {});
+    if (found.path.empty() && found.passedOver.empty()) {
         host_.printLine("The module " + wanted + " cannot be found.");
         return ModuleStatus::NotFound;
     }
+    if ((chosen == Chosen::ByProgram || found.path.empty()) && !host_.programs().toLoad(wanted, {})) {
+        return ModuleStatus::NotFound;
+    }
+    const std::string& path = found.path;
     void* handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (!handle) {
         host_.printLine("The module cannot be loaded: " + std::string(::dlerror()));

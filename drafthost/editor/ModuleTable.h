@@ -33,9 +33,12 @@ class ModuleTable {
     ModuleTable(const ModuleTable&) = delete;
     ModuleTable& operator=(const ModuleTable&) = delete;
 
+    /// Who wants a module: what the user has listed for the start needs no leave of SECURELOAD.
+    enum class Chosen { ByProgram, ByUser };
+
     /// Loads by name or path; ".arx" is added to a name without extension. Tells in one line when that does
     /// not go, and with verbose also what was done. A module that is loaded already is not loaded again.
-    lisp::ModuleStatus load(std::string_view name, bool verbose);
+    lisp::ModuleStatus load(std::string_view name, bool verbose, Chosen chosen = Chosen::ByProgram);
     /// Unloads by name or path; refused while it is locked.
     lisp::ModuleStatus unload(std::string_view name, bool verbose);
     /// The second load of a module that asks for it: counts its users.

@@ -95,17 +95,6 @@ Value writeCharacter(Evaluator& e, Args args) {
     return args[0];
 }
 
-std::optional<std::string> findProgram(Evaluator& e, const std::string& name) {
-    const std::size_t folder = name.find_last_of("/\\");
-    const std::size_t dot = name.rfind('.');
-    if (dot == std::string::npos || (folder != std::string::npos && dot < folder)) {
-        if (auto found = e.host.findFile(name + ".lsp")) {
-            return found;
-        }
-    }
-    return e.host.findFile(name);
-}
-
 // What is evaluated when a file cannot be loaded may be a value or the name of a function.
 Value onFailure(Evaluator& e, const Value& fallback) {
     const Value function = e.findFunction(fallback);
@@ -113,8 +102,7 @@ Value onFailure(Evaluator& e, const Value& fallback) {
 }
 
 Value load(Evaluator& e, Args args) {
-    const std::string name = stringArg(args[0]);
-    const auto path = findProgram(e, name);
+    const auto path = e.host.programToLoad(stringArg(args[0]));
     auto bytes = path ? readWholeFile(*path, [&] { e.pulse(); }) : std::nullopt;
     if (!bytes) {
         if (args.size() == 2) {

@@ -46,6 +46,9 @@ Value setConfig(Evaluator& e, Args args) {
 Value findFile(Evaluator& e, Args args) {
     return textOrNil(e.host.findFile(stringArg(args[0])));
 }
+Value findTrustedFile(Evaluator& e, Args args) {
+    return textOrNil(e.host.findTrustedFile(stringArg(args[0])));
+}
 
 Value version(Evaluator& e, Args) {
     return Value::string(e.host.versionText());
@@ -92,11 +95,20 @@ Value loadedModules(Evaluator& e, Args) {
 }
 
 constexpr Subr kFunctions[] = {
-    {"GETVAR", 1, 1, getVariable},     {"SETVAR", 2, 2, setVariable},       {"GETENV", 1, 1, getEnvironment},
-    {"SETENV", 2, 2, setEnvironment},  {"GETCFG", 1, 1, getConfig},         {"SETCFG", 2, 2, setConfig},
-    {"FINDFILE", 1, 1, findFile},      {"FINDTRUSTEDFILE", 1, 1, findFile}, {"VER", 0, 0, version},
-    {"GETCNAME", 1, 1, commandName},   {"STARTAPP", 1, 2, startProgram},    {"ARXLOAD", 1, 2, loadModule},
-    {"ARXUNLOAD", 1, 2, unloadModule}, {"ARX", 0, 0, loadedModules},
+    {"GETVAR", 1, 1, getVariable},
+    {"SETVAR", 2, 2, setVariable},
+    {"GETENV", 1, 1, getEnvironment},
+    {"SETENV", 2, 2, setEnvironment},
+    {"GETCFG", 1, 1, getConfig},
+    {"SETCFG", 2, 2, setConfig},
+    {"FINDFILE", 1, 1, findFile},
+    {"FINDTRUSTEDFILE", 1, 1, findTrustedFile},
+    {"VER", 0, 0, version},
+    {"GETCNAME", 1, 1, commandName},
+    {"STARTAPP", 1, 2, startProgram},
+    {"ARXLOAD", 1, 2, loadModule},
+    {"ARXUNLOAD", 1, 2, unloadModule},
+    {"ARX", 0, 0, loadedModules},
 };
 
 }  // namespace

@@ -105,6 +105,10 @@ class LispHost {
     // --- files and settings ---
     /// Full path of a file or folder, looked for along the support path when no folder is given.
     virtual std::optional<std::string> findFile(std::string_view name) = 0;
+    /// The same where only trusted folders count.
+    virtual std::optional<std::string> findTrustedFile(std::string_view name) = 0;
+    /// The file that (load) means and may load; what speaks against a file that is there is told.
+    virtual std::optional<std::string> programToLoad(std::string_view name) = 0;
     virtual std::optional<std::string> environment(std::string_view name) = 0;
     virtual void setEnvironment(std::string_view name, std::string_view value) = 0;
     /// (getcfg) and (setcfg): values under a path such as "AppData/Name/Key".

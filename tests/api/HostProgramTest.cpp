@@ -1,6 +1,7 @@
 // The host as a program: its arguments, its input and output, its signals, and the modules that load with it.
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -165,9 +166,66 @@ TEST_F(HostProgramTest, LoadsModulesFromEachOfTheThreePlacesOnce) {
     }
     EXPECT_TRUE(run({}));
     std::filesystem::remove(registry);
-    write("acad.rx", "; api_old.arx\n  " + module + "  \r\n");
+    std::filesystem::create_directories(folder + "/drafthost/support");
+    write("acad.rx", "no-such-module\n");
+    write("drafthost/support/acad.rx", "; api_old.arx\n  " + module + "  \r\n");
     EXPECT_TRUE(run({"--load", QString::fromStdString(module)}));
     EXPECT_THAT(output, Not(HasSubstr("already")));
+    EXPECT_THAT(output, Not(HasSubstr("no-such-module")));
+}
+
+TEST_F(HostProgramTest, RunsNothingThatMerelyLiesBesideADrawing) {
+    std::filesystem::create_directories(folder + "/theirs");
+    std::filesystem::create_directories(folder + "/drafthost/support");
+    for (const std::string place : {"", "theirs/"}) {
+        for (const char* name : {"acad.lsp", "acaddoc.lsp", "tool.lsp", "plan.scr", "acad.rx"}) {
+            write(place + name, "(princ (strcat \"FOR\" \"EIGN\"))\n");
+        }
+        std::filesystem::copy_file(MODULE_FOLDER "/api_module.arx", folder + "/" + place + "mine.arx");
+    }
+    write("theirs/plan.dxf", Drawing::createNew(true)->serialise());
+    write("drafthost/support/acaddoc.lsp", "(princ (strcat \"us\" \"er's\"))\n");
+    write("drafthost/support/good.lsp", "(princ (strcat \"along\" \" the path\"))\n");
+    start({"theirs/plan.dxf"});
+    finish(
+        "(load \"tool\")\n(load \"tool.lsp\" \"other\")\n(load \"theirs/tool\")\nSCRIPT plan\nSCRIPT "
+        "./plan.scr\n"
+        "(arxload \"mine\")\n(arxload \"./mine.arx\")\n(findfile \"tool.lsp\")\n(findtrustedfile "
+        "\"tool.lsp\")\n"
+        "(load \"good\")\n(princ (arx))\n");
+    EXPECT_THAT(output, Not(HasSubstr("FOREIGN")));
+    EXPECT_THAT(output, HasSubstr("user's"));
+    EXPECT_THAT(output, HasSubstr("along the path"));
+    EXPECT_THAT(output, HasSubstr("/tool.lsp is not loaded by its name alone"));
+    EXPECT_THAT(output, HasSubstr("/plan.scr is not run by its name alone"));
+    EXPECT_THAT(output, HasSubstr("LOAD failed: \"tool\""));
+    EXPECT_THAT(output, HasSubstr("\"other\""));
+    EXPECT_THAT(output, HasSubstr("\"theirs/tool\""));
+    EXPECT_THAT(output, Not(HasSubstr("mine.arx)"))) << "a module beside the drawing";
+
+    // Trusted folders count, for names too; of others a full path is needed, and it must be nobody else's.
+    output.clear();
+    start({"theirs/plan.dxf"});
+    const std::string theirs = folder + "/theirs";
+    write("theirs/open.lsp", "(princ (strcat \"any\" \"body's\"))\n");
+    ::chmod((theirs + "/open.lsp").c_str(), 0666);
+    finish(("(setvar \"TRUSTEDPATHS\" \"" + theirs +
+            "\")\n(load \"tool\")\n(setvar \"TRUSTEDPATHS\" \"\")\n" + "(load \"" + theirs +
+            "/tool\")\n(load \"" + theirs + "/open.lsp\" \"fallback\")\n" +
+            "(setvar \"SECURELOAD\" 2)\n(load \"" + theirs +
+            "/tool.lsp\")\n(setvar \"SECURELOAD\" 0)\n(load \"" + theirs + "/open.lsp\")\n")
+               .c_str());
+    std::size_t count = 0;
+    for (std::size_t at = output.find("\nFOREIGN\n"); at != std::string::npos;
+         at = output.find("\nFOREIGN\n", at + 1)) {
+        ++count;
+    }
+    EXPECT_EQ(count, 2U) << output;
+    EXPECT_THAT(output, HasSubstr("tool.lsp is loaded, though its folder is not in TRUSTEDPATHS."));
+    EXPECT_THAT(output, HasSubstr("open.lsp is not loaded: others can write it"));
+    EXPECT_THAT(output, HasSubstr("\"fallback\""));
+    EXPECT_THAT(output, HasSubstr("(SECURELOAD is 2)"));
+    EXPECT_THAT(output, HasSubstr("anybody's"));
 }
 
 }  // namespace

@@ -42,11 +42,12 @@ class ModuleTest : public EditorTest {
 
 TEST_F(ModuleTest, WhatCannotBeLoadedIsToldInOneLine) {
     write("text.arx", "no library\n");
+    host.addSupportPath(folder);
     const struct {
         std::string name;
         const char* says;
     } cases[] = {{"nowhere", "nowhere.arx cannot be found"},
-                 {folder + "/text.arx", "text.arx"},
+                 {"text", "text.arx"},
                  {"api_old", "version 18"},
                  {"api_bare", "does not export acrxGetApiVersion"},
                  {"api_refuses", "refused to start"}};

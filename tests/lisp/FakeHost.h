@@ -83,6 +83,11 @@ class FakeHost : public LispHost {
         const auto found = files.find(name);
         return found == files.end() ? std::nullopt : std::optional(found->second);
     }
+    std::optional<std::string> findTrustedFile(std::string_view name) override { return findFile(name); }
+    std::optional<std::string> programToLoad(std::string_view name) override {
+        auto longer = findFile(std::string(name) + ".lsp");
+        return longer ? longer : findFile(name);
+    }
     std::optional<std::string> environment(std::string_view) override { return std::nullopt; }
     void setEnvironment(std::string_view, std::string_view) override {}
     std::optional<std::string> configValue(std::string_view) override { return std::nullopt; }
