@@ -4,6 +4,7 @@
 #include "state/FileName.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -23,6 +24,8 @@ void addBytes(CZipArchive& archive, const char* name, const QByteArray& bytes) {
 // Empty, or why the file could not be added.
 QString addFile(CZipArchive& archive, const QString& name, const QString& path) {
     QFile file(path);
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+        return QStringLiteral("%1: it is not a regular file").arg(path);
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("%1: %2").arg(path, file.errorString());
     CFileHeader header;

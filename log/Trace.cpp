@@ -7,6 +7,7 @@
 #include "state/CodePage.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <ctime>
 
@@ -55,7 +56,7 @@ void Trace(const char* text) {
 void BeginTrace(const QString& version) {
     isLossTold = false;
     QFile last(DataFile(QStringLiteral("TNLapp.log")));
-    if (last.open(QIODevice::ReadOnly)) {
+    if (QFileInfo(last).isFile() && last.open(QIODevice::ReadOnly)) {
         const bool done = endsInDone(last);
         last.close();
         if (done)

@@ -74,12 +74,13 @@ QString SystemMessage(int error) {
 int ReadWholeFile(const QString& path, QByteArray& bytes) {
     constexpr off_t largest = 0x3fffffff;
     bytes.clear();
-    const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+    // A pipe that somebody has put there must not make this wait for a writer.
+    const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
         return errno;
-    if (S_ISDIR(status.st_mode))
-        return EISDIR;
+    if (!S_ISREG(status.st_mode))
+        return S_ISDIR(status.st_mode) ? EISDIR : ENXIO;
     if (status.st_size > largest)
         return EFBIG;
     qsizetype used = 0;

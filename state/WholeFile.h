@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// Reads all of a file into bytes. 0, or the system's error number.
+/// Reads all of a regular file into bytes. 0, or the system's error number.
 int ReadWholeFile(const QString& path, QByteArray& bytes);
 
 /// Replaces a file's contents, through symbolic links and with the file's mode kept. Where the folder lets
