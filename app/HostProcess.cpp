@@ -1,6 +1,7 @@
 #include "app/HostProcess.h"
 
 #include "state/CodePage.h"
+#include "system/UserLanguage.h"
 
 #include <fcntl.h>
 #include <langinfo.h>
@@ -80,6 +81,11 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid
         setenv("XDG_STATE_HOME", place.StateHome.c_str(), 1);
     }
     if (LocaleIsPlain()) {
+        // The language stays: scripts and lists may be in its page.
+        if (const std::string name = files::LocaleName();
+            !name.empty() && !name.starts_with("C.") && name != "C") {
+            setenv("LANGUAGE", name.c_str(), 1);
+        }
         setenv("LC_ALL", "C.UTF-8", 1);
     }
     std::vector<const char*> words = {files.Host.c_str(), "--headless", "--load", files.Module.c_str()};

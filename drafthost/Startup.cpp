@@ -4,10 +4,10 @@
 
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/editor/AnswerReader.h"
-#include "drafthost/editor/Encoding.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/RegistryFile.h"
+#include "drafthost/lisp/FileText.h"
 
 namespace drafthost {
 namespace {
@@ -34,7 +34,7 @@ void loadList(Host& host) {
         host.printLine(error);
         return;
     }
-    const std::string text = toUtf8(bytes);
+    const std::string text = lisp::decodeFile(std::move(bytes));
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
         std::string line = text.substr(at, end - at);

@@ -6,10 +6,10 @@
 
 #include "drafthost/lisp/Compare.h"
 #include "drafthost/lisp/Failure.h"
+#include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/FormScanner.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/Reader.h"
-#include "drafthost/lisp/Utf8.h"
 
 using namespace drafthost::lisp;
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "drafthost/editor/AnswerReader.h"
-#include "drafthost/editor/Encoding.h"
 #include "drafthost/editor/InputText.h"
+#include "drafthost/lisp/FileText.h"
 
 using namespace drafthost;
 
@@ -57,7 +57,7 @@ void readAnswer(const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::uint8_t seed = size > 0 ? data[0] : 0;
-    const std::string script = toUtf8({reinterpret_cast<const char*>(data), size});
+    const std::string script = lisp::decodeFile(std::string(reinterpret_cast<const char*>(data), size));
     InputText whole(script);
     const auto inputs = cut(whole, {}, 1, seed);
     InputText pieces;

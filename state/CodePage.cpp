@@ -6,10 +6,9 @@
 #include "state/JapaneseMail.h"
 #include "state/LibraryConverter.h"
 #include "state/SingleBytePage.h"
+#include "system/UserLanguage.h"
 
-#include <langinfo.h>
 #include <algorithm>
-#include <clocale>
 
 namespace {
 
@@ -85,25 +84,8 @@ QString decodeUtf8(QByteArrayView bytes, char16_t unknown) {
 }
 
 QByteArray findLocaleEncoding() {
-    QByteArray named;
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        named = qgetenv(variable);
-        if (!named.isEmpty())
-            break;
-    }
-    QByteArray encoding;
-    if (const locale_t locale = newlocale(LC_CTYPE_MASK, named.constData(), nullptr)) {
-        encoding = nl_langinfo_l(CODESET, locale);
-        freelocale(locale);
-    } else if (const qsizetype dot = named.indexOf('.'); dot >= 0) {
-        const qsizetype at = named.indexOf('@');
-        encoding = named.sliced(dot + 1, (at < 0 ? named.size() : at) - dot - 1);
-    }
-    const QByteArray compact = encoding.toUpper().replace("-", "");
-    if (compact.isEmpty() || compact == "UTF8" || compact.startsWith("ANSI_X3.4") ||
-        !IcuConverter::Knows(encoding))
-        return "UTF-8";
-    return encoding;
+    const QByteArray encoding = QByteArray::fromStdString(files::LocaleCodeset());
+    return IcuConverter::Knows(encoding) ? encoding : QByteArray("UTF-8");
 }
 
 }  // namespace

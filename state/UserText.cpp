@@ -1,32 +1,13 @@
 #include "state/UserText.h"
 
 #include "state/CodePage.h"
+#include "system/UserLanguage.h"
 
 #include <algorithm>
 #include <array>
-#include <QLocale>
 #include <QStringDecoder>
 
 namespace {
-
-QLocale userLocale() {
-    QString named;
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        named = QString::fromLatin1(qgetenv(variable));
-        if (!named.isEmpty())
-            break;
-    }
-    const qsizetype at = named.indexOf(u'@');
-    const QStringView modifier = at < 0 ? QStringView() : QStringView(named).sliced(at + 1);
-    QString name = named.first(std::min({named.size(), at < 0 ? named.size() : at,
-                                         named.contains(u'.') ? named.indexOf(u'.') : named.size()}));
-    // Serbian, Uzbek and others are written in two scripts, and the page goes by the script.
-    if (modifier == u"latin" || modifier == u"cyrillic") {
-        const qsizetype country = name.indexOf(u'_');
-        name.insert(country < 0 ? name.size() : country, modifier == u"latin" ? u"_Latn" : u"_Cyrl");
-    }
-    return QLocale(name);
-}
 
 /// UTF-16 without a mark: letters of most languages' scripts leave zeros in one half of the units.
 int unmarkedWidePage(QByteArrayView bytes) {
@@ -74,60 +55,7 @@ UserText decodeWide(QByteArrayView bytes, int page) {
 }  // namespace
 
 int WindowsPage() {
-    const QLocale locale = userLocale();
-    switch (locale.language()) {
-        case QLocale::Polish:
-        case QLocale::Czech:
-        case QLocale::Slovak:
-        case QLocale::Hungarian:
-        case QLocale::Slovenian:
-        case QLocale::Croatian:
-        case QLocale::Romanian:
-        case QLocale::Albanian:
-            return 1250;
-        case QLocale::Bosnian:
-        case QLocale::Serbian:
-            return locale.script() == QLocale::LatinScript ? 1250 : 1251;
-        case QLocale::Russian:
-        case QLocale::Ukrainian:
-        case QLocale::Bulgarian:
-        case QLocale::Belarusian:
-        case QLocale::Macedonian:
-        case QLocale::Kazakh:
-        case QLocale::Kirghiz:
-        case QLocale::Mongolian:
-        case QLocale::Tatar:
-            return 1251;
-        case QLocale::Greek:
-            return 1253;
-        case QLocale::Turkish:
-            return 1254;
-        case QLocale::Azerbaijani:
-        case QLocale::Uzbek:
-            return locale.script() == QLocale::CyrillicScript ? 1251 : 1254;
-        case QLocale::Hebrew:
-            return 1255;
-        case QLocale::Arabic:
-        case QLocale::Persian:
-        case QLocale::Urdu:
-            return 1256;
-        case QLocale::Estonian:
-        case QLocale::Latvian:
-        case QLocale::Lithuanian:
-            return 1257;
-        case QLocale::Vietnamese:
-            return 1258;
-        case QLocale::Thai:
-            return 874;
-        case QLocale::Japanese:
-            return 932;
-        case QLocale::Korean:
-            return 949;
-        case QLocale::Chinese:
-            return locale.script() == QLocale::TraditionalChineseScript ? 950 : 936;
-        default:
-            return 1252;
-    }
+    return files::LanguagePage();
 }
 
 QString UserText::Note() const {

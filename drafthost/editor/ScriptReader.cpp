@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "drafthost/drawing/FileBytes.h"
-#include "drafthost/editor/Encoding.h"
+#include "drafthost/lisp/FileText.h"
 
 namespace drafthost {
 
@@ -19,7 +19,7 @@ bool ScriptReader::start(const std::string& path, std::string& error) {
         return false;
     }
     path_ = file;
-    text_ = InputText(toUtf8(bytes));
+    text_ = InputText(lisp::decodeFile(std::move(bytes)));
     state_ = State::Running;
     ++number_;
     return true;

@@ -14,7 +14,7 @@ class ScriptReader {
     enum class State { Idle, Running, Suspended };
 
     /// Reads the whole file (".scr" is added when there is none of that name) and makes it the running
-    /// script. UTF-8 or UTF-16 with a mark, UTF-8 without one when it is valid, else Windows 1252. False
+    /// script. Its text is what toUtf8 makes of it. False
     /// and one line of cause when it cannot be read; a running script then stays.
     bool start(const std::string& path, std::string& error);
     /// Starts the last script again from its first line.

@@ -3,6 +3,7 @@
 #include "drafthost/lisp/Arguments.h"
 #include "drafthost/lisp/Builtins.h"
 #include "drafthost/lisp/Evaluator.h"
+#include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/PromptReader.h"
 #include "drafthost/lisp/Prompts.h"

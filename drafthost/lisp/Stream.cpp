@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "drafthost/lisp/Failure.h"
+#include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/Utf8.h"
 
 namespace drafthost::lisp {

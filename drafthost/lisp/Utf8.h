@@ -18,7 +18,5 @@ std::size_t characterCount(std::string_view text);
 std::size_t characterOffset(std::string_view text, std::size_t index);
 bool isAscii(std::string_view text);
 std::vector<char32_t> toCharacters(std::string_view text);
-/// Text of a file: UTF-8 or UTF-16 by their marks, UTF-8 where it is valid, else Windows 1252.
-std::string decodeFile(std::string bytes);
 
 }  // namespace drafthost::lisp

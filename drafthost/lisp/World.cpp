@@ -6,8 +6,8 @@
 #include "drafthost/drawing/MemoryLimit.h"
 #include "drafthost/lisp/EvalStack.h"
 #include "drafthost/lisp/Evaluator.h"
+#include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/Stream.h"
-#include "drafthost/lisp/Utf8.h"
 #include "drafthost/lisp/WorldList.h"
 
 namespace drafthost::lisp {

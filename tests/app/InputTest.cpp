@@ -11,6 +11,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 #include <algorithm>
+#include <cstdlib>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -173,6 +174,21 @@ TEST_F(Input, AScriptComesFromAPipeAndInAWindowsPage) {
     EXPECT_EQ(saved.find("\xEF\xBF\xBD"), std::string::npos);
     EXPECT_THAT(Run({"--script", Write("b.scr", std::string("a\0\n", 3)), "a.dxf"}).Errors,
                 HasSubstr("b.scr: line 1 holds a NUL"));
+}
+
+TEST_F(Input, AScriptInAScriptIsReadAlike) {
+    fs::copy_file(fs::path(SAMPLES) / "drawings/plan-2000-cyrillic.dxf", Folder / "a.dxf");
+    Write("inner.scr", "-layer\nn\n\xD1\xF2\xE5\xED\xE0\n\nqsave\n");
+    Write("f.lsp", "(princ \"\xC4\xEE\xEC\\n\")\n");
+    const std::string script =
+        Write("s.scr", "(load \"" + (Folder / "f.lsp").string() + "\")\n(command \"._script\" \"" +
+                           (Folder / "inner.scr").string() + "\")\n");
+    const char* before = std::getenv("LC_ALL");
+    const std::string kept = before ? before : "";
+    setenv("LC_ALL", "ru_RU.UTF-8", 1);
+    const ProgramResult result = Run({"--script", script, "--max-time", "3", "a.dxf"});
+    before ? setenv("LC_ALL", kept.c_str(), 1) : unsetenv("LC_ALL");
+    EXPECT_NE(Read(Folder / "a.dxf").find("\xD1\xF2\xE5\xED\xE0"), std::string::npos) << result.Out;
 }
 
 }  // namespace

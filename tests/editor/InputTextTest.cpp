@@ -1,10 +1,12 @@
 #include "drafthost/editor/InputText.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 #include <vector>
 
 #include "drafthost/editor/AnswerReader.h"
-#include "drafthost/editor/Encoding.h"
+#include "drafthost/lisp/FileText.h"
 
 namespace drafthost {
 namespace {
@@ -127,12 +129,22 @@ TEST(AnswerReader, KeywordsNeedTheirCapitals) {
     }
 }
 
-TEST(Encoding, ScriptsOfEveryEditorBecomeUtf8) {
-    EXPECT_EQ(toUtf8("\xEF\xBB\xBFz\xC3\xA4"), "z\xC3\xA4");
-    EXPECT_EQ(toUtf8(std::string_view("\xFF\xFEz\0\xE4\0", 6)), "z\xC3\xA4");
-    EXPECT_EQ(toUtf8(std::string_view("\xFE\xFF\0z\0\xE4", 6)), "z\xC3\xA4");
-    EXPECT_EQ(toUtf8("z\xC3\xA4"), "z\xC3\xA4");
-    EXPECT_EQ(toUtf8("z\xE4 \x80"), "z\xC3\xA4 \xE2\x82\xAC");
+TEST(FileText, FilesOfEveryEditorBecomeUtf8) {
+    using lisp::decodeFile;
+    EXPECT_EQ(decodeFile("\xEF\xBB\xBFz\xC3\xA4"), "z\xC3\xA4");
+    EXPECT_EQ(decodeFile(std::string("\xFF\xFEz\0\xE4\0", 6)), "z\xC3\xA4");
+    EXPECT_EQ(decodeFile(std::string("\xFE\xFF\0z\0\xE4", 6)), "z\xC3\xA4");
+    EXPECT_EQ(decodeFile("z\xC3\xA4"), "z\xC3\xA4");
+    EXPECT_EQ(decodeFile("z\xE4 \x80\r\nz\xC3\xA4\n"), "z\xC3\xA4 \xE2\x82\xAC\r\nz\xC3\xA4\n")
+        << "each line for itself";
+    const char* before = std::getenv("LC_ALL");
+    const std::string kept = before != nullptr ? before : "";
+    ::setenv("LC_ALL", "ru_RU.UTF-8", 1);
+    EXPECT_EQ(decodeFile("\xE4\xE0"), "да");
+    // A locale that is not installed names its encoding all the same.
+    ::setenv("LC_ALL", "ru_RU.KOI8-R", 1);
+    EXPECT_EQ(decodeFile("\xC4\xC1"), "да");
+    before != nullptr ? ::setenv("LC_ALL", kept.c_str(), 1) : ::unsetenv("LC_ALL");
 }
 
 }  // namespace
