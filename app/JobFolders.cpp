@@ -160,7 +160,12 @@ bool MakeJobs(const DataFolder& folder, CTarnelData* record, const std::vector<J
 }
 
 bool GatherJobs(const DataFolder& folder, RunDescription* description, std::string* error) {
-    RunDescription after = *description;
+    // A call before this one may have made its change and have failed behind it.
+    std::optional<RunDescription> found;
+    if (!FinishChange(folder, &found, error)) {
+        return false;
+    }
+    RunDescription after = *description = found.value_or(*description);
     const std::size_t jobs = after.Jobs;
     const bool ready = after.JobsReady;
     if (jobs == 0 && !HasLogsAside(folder.Path())) {

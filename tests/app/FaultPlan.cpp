@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 
 namespace {
@@ -117,6 +118,9 @@ bool Fails(Kind kind, const std::string& path) {
     const bool isIt = kind == plan.Kind && number == plan.At;
     if (!plan.List.empty() && (plan.Kind < 0 || isIt)) {
         Tell(kind, number, path);
+    }
+    if (isIt && plan.Mode == 'k') {
+        kill(getpid(), SIGKILL);
     }
     if (isIt && path.size() < plan.Counted->FailedFile.size()) {
         path.copy(plan.Counted->FailedFile.data(), path.size());

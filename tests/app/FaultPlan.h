@@ -8,7 +8,7 @@
 // FAULT_COUNTS   file of a page of zeros, through which the processes share their counts
 // FAULT_KIND, FAULT_AT, FAULT_ERROR  which call fails, and with which error number; without them none does
 // FAULT_MODE     once: that call; good: all of its kind from there on; file: that call and all later ones of
-//                its kind at the same file
+//                its kind at the same file; kill: the process dies before that call
 // FAULT_LIST     a line for each call that counts, or only for the one that failed when FAULT_KIND is set
 #include <fcntl.h>
 #include <string>

@@ -145,6 +145,30 @@ TEST_F(Merge, RefusesWhatWouldLoseOrDoubleADrawing) {
     EXPECT_EQ(MergeInto("part", {"one", "--unfinished"}).Status, 1);
 }
 
+TEST_F(Merge, EveryShareIsOfTheSameListAndWhole) {
+    EXPECT_EQ(RunShare("1/2", "one").Status, 1);
+    Write("all.lst", "p6.dxf\n" + List.substr(0, List.size() - 7));
+    RunShare("2/2", "two");
+    const ProgramResult other = MergeInto("all", {"one", "two"});
+    EXPECT_EQ(other.Status, 3);
+    EXPECT_THAT(other.Errors, HasSubstr("two/Ovrix: holds a shard of another list"));
+    EXPECT_FALSE(fs::exists(State("all")));
+
+    // A drawing that is gone from a share's state cannot be told as done, and is not gone on without.
+    Write("all.lst", List);
+    EXPECT_EQ(RunShare("2/2", "two").Status, 0);
+    EXPECT_EQ(MergeInto("all", {"one", "two"}).Status, 1);
+    std::string state = Read(State("two"));
+    const std::size_t start = state.find("<File ");
+    state.erase(start, state.find("</File>") + 7 - start);
+    Write("two/Ovrix/TarnelRunner.xml", state);
+    for (const ProgramResult& refused :
+         {MergeInto("all", {"one", "two"}), Call({"run", "--resume", "--data-dir", "two"})}) {
+        EXPECT_EQ(refused.Status, 3);
+        EXPECT_THAT(refused.Errors, HasSubstr("is not the queue of shard 2/2"));
+    }
+}
+
 TEST_F(Merge, SharesWithoutDrawingsAndInterruptedOnesAreWhole) {
     EXPECT_EQ(RunShare("8/8", "empty").Status, 0);
     EXPECT_TRUE(Queue("empty").empty());

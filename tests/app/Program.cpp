@@ -47,6 +47,9 @@ ProgramResult ProgramTest::Call(std::vector<std::string> arguments,
         if (chdir(Folder.c_str()) != 0 || (!Host.empty() && setenv("TARNEL_HOST", Host.c_str(), 1) != 0)) {
             _exit(126);
         }
+        for (std::string& variable : Environment) {
+            putenv(variable.data());
+        }
         execv(words[0], words.data());
         _exit(127);
     }

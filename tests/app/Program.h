@@ -33,6 +33,8 @@ class ProgramTest : public testing::Test {
     std::filesystem::path Folder;
     /// Used in place of the real host when not empty.
     std::string Host;
+    /// Set for the program, "NAME=VALUE".
+    std::vector<std::string> Environment;
 
   private:
     int runs = 0;

@@ -127,6 +127,29 @@ TEST_F(DrawingList, AQueueOnDiskIsRunInItsSortOrder) {
     EXPECT_EQ(order("4", "0"), "/1/B/3/a/2/b");
 }
 
+TEST_F(DrawingList, NumbersOfAStateAreReadAsTheModuleReadsThem) {
+    CTarnelData record;
+    std::string error;
+    std::string files;
+    for (const char* status : {"0", "1x", " 2", "4294967296", "-1", "7", "x"}) {
+        files += std::string("<File Status=\"") + status + "\">/a.dxf</File>";
+    }
+    ASSERT_TRUE(ReadRecord(Write("state.xml",
+                                 "<TarnelRunner><Options><MaxTime>60x</MaxTime><SortIdx>6</SortIdx></Options>"
+                                 "<Files>" +
+                                     files + "</Files></TarnelRunner>"),
+                           &record, &error))
+        << error;
+    EXPECT_EQ(record.MaxTime, 60U);
+    std::string words;
+    for (const QueueEntry& entry : QueueOf(record)) {
+        words += std::string(StatusWord(entry.Status)) + " ";
+    }
+    EXPECT_EQ(words, "ToDo Done FailOpen Error Error Error ToDo ") << "entries of one path are entries each";
+    EXPECT_FALSE(ReadRecord(Write("half.xml", "<TarnelRunner><Options/></TarnelRunner>"), &record, &error));
+    EXPECT_THAT(error, testing::HasSubstr("half.xml: does not hold the state of a run"));
+}
+
 TEST(RunLedger, FollowsTheLinesOfARun) {
     RunLedger ledger({{"/a: 1 of 2.dxf", DrawingStatus::ToDo},
                       {"/locked.dwg", DrawingStatus::ToDo},

@@ -1,5 +1,7 @@
 // Disks that are full or broken, and state files that are no state.
 #include "engine/RunState.h"
+#include "state/StateDigest.h"
+#include "state/StateFile.h"
 #include "tests/engine/RunFixture.h"
 
 #include <QDir>
@@ -78,6 +80,29 @@ TEST_F(RunTest, NoRunBeginsOnAStateThatCannotBeSaved) {
     EXPECT_TRUE(host.Printed.contains("no run is started: ")) << host.Printed.toStdString();
     EXPECT_FALSE(TarnelData().BatchRunning);
     EXPECT_EQ(host.Calls.join('\n').count("ui file"), 0);
+}
+
+TEST_F(RunTest, AHostOfOneRunWorksOnNothingElse) {
+    SetQueue({MakeFile("a.dxf")}, "first\n");
+    qputenv("TARNEL_RUN", RunDigest(TarnelData()));
+    // Another script over the same drawing, as a file of yesterday would have it.
+    TarnelData().Script = "second\n";
+    SaveState(nullptr, 1);
+    const QByteArray other = Content(DataPath("TarnelRunner.xml"));
+    StartRun();
+    EXPECT_EQ(host.Printed.count("Tarnel: no run is started: "), 1) << host.Printed.toStdString();
+    EXPECT_TRUE(host.Printed.contains("is not the state of the run that this host was started for"));
+    EXPECT_EQ(Content(DataPath("TarnelRunner.xml")), other);
+    EXPECT_EQ(host.Calls.join('\n').count("ui file"), 0);
+
+    TarnelData().Script = "first\n";
+    SaveState(nullptr, 1);
+    // A script cannot put another queue in its place either.
+    host.Printed.clear();
+    host.CallLisp("C:Tarnel", {LispValue::Mark(RTLB), LispValue::String("/b.dxf"), LispValue::Mark(RTLE)});
+    EXPECT_TRUE(host.Printed.contains("no other can begin in it"));
+    StartRun();
+    EXPECT_EQ(SavedStatuses(), "1");
 }
 
 TEST_F(RunTest, ALoadThatFailsDuringARunKeepsTheRecord) {
