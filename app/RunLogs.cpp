@@ -75,7 +75,7 @@ bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawin
         return false;
     }
     for (const RunLogEntry& entry : log.Entries) {
-        if (!entry.Id.isEmpty() && !packed.contains(entry.Id.toStdString())) {
+        if (entry.Kind == RunLogEntry::File && !packed.contains(entry.Id.toStdString())) {
             *error =
                 files.Archive + ": the log of " + QFile::encodeName(entry.Name).toStdString() + " is missing";
             return false;

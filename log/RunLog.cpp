@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QStringList>
 
+#include <unistd.h>
 #include <cerrno>
 
 namespace {
@@ -22,15 +23,16 @@ std::string unwritten;
 /// A failure was told, and none is told again before something could be written.
 bool isToldBroken = false;
 QStringList HostLogList;
-/// How many drawings of this run have a log of ours, since the host had none.
+/// How many drawings have a log of ours, since the host had none.
 int unopenedCount = 0;
 
 QString runLogPath() {
     return DataFile(QStringLiteral("tnl log.html"));
 }
 
+/// With the number of the process: the front may still have to pack what a host that died has left.
 QString unopenedLogPath(int number) {
-    return DataFile(QStringLiteral("unopened-%1.log").arg(number));
+    return DataFile(QStringLiteral("unopened-%1-%2.log").arg(getpid()).arg(number));
 }
 
 void tell(const QString& text) {
@@ -87,9 +89,6 @@ void OpenRunLog() {
     if (!isOpen) {
         isOpen = true;
         isToldBroken = false;
-        for (unopenedCount = 0; QFile::remove(unopenedLogPath(unopenedCount + 1));)
-            ++unopenedCount;
-        unopenedCount = 0;
     }
     write(RunLogHead);
     RunLogLine(BatchStartedHtml());

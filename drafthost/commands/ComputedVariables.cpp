@@ -274,6 +274,7 @@ const Action actions[] = {
          return setViewportFlag(document, gridCode, value, reason);
      }},
     {"HANDLES", handles},
+    {"LASTPROMPT", [](Host& host, Document*) -> VariableValue { return host.lastLine(); }},
     {"LOCALE", locale},
     {"LOGFILENAME", logName},
     {"PLATFORM", platform},

@@ -149,6 +149,7 @@ constexpr auto rows = std::to_array<VariableRow>({
     {"ISAVEBAK", Integer, Profile, false, "0", 0, 1},
     {"ISAVEPERCENT", Integer, Profile, false, "50", 0, 100},
     {"LASTPOINT", Point3, Document, false, "0,0,0"},
+    {"LASTPROMPT", String, Computed, true, ""},
     {"LENSLENGTH", Real, Header, true, "50", 1, 0, 1021, 40},
     {"LIMCHECK", Integer, Header, false, "0", 0, 1, 0, 70, "$PLIMCHECK"},
     {"LIMMAX", Point2, Header, false, "12,9", 1, 0, 0, 10, "$PLIMMAX"},

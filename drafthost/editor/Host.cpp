@@ -247,6 +247,7 @@ void Host::print(std::string_view text) {
         return;
     }
     ++textMark_;
+    lastLine_.add(text);
     lineOpen_ = text.back() != '\n';
     if (current_) {
         current_->log().write(text);

@@ -14,6 +14,7 @@
 
 #include "drafthost/editor/CommandTable.h"
 #include "drafthost/editor/Input.h"
+#include "drafthost/editor/LastLine.h"
 #include "drafthost/editor/SystemVariables.h"
 
 namespace drafthost {
@@ -134,6 +135,7 @@ class Host {
     void flushOutput();
     /// Text that a terminal has shown already as it was typed: for the log only, and the line has ended.
     void logTyped(std::string_view text);
+    const std::string& lastLine() const { return lastLine_.text(); }
     /// Changes with every text.
     std::uint64_t textMark() const { return textMark_; }
     /// There is a window; without one nobody but the keyboard can answer.
@@ -174,6 +176,7 @@ class Host {
     std::string line_;
     std::unique_ptr<Document> standIn_;
     std::uint64_t textMark_ = 0;
+    LastLine lastLine_;
     bool lineOpen_ = false;
     bool hasFrame_ = false;
     ChangesBox changesBox_;

@@ -66,7 +66,11 @@ def work(log):
         name = os.path.basename(entry[0])
         give(entry, "FailOpen")
         say("Tarnel: file %d of %d: %s" % (number, len(waiting), entry[0]))
-        log(time.strftime('<span>%x %X: Processing file: <span id="">') + entry[0] + "</span></span><br />\r\n")
+        own = os.path.join(FOLDER, "unopened-%d-%d.log" % (os.getpid(), number))
+        with open(own, "w") as f:
+            f.write(entry[0])
+        log(time.strftime("<span>%x %X: Processing file: ") +
+            '<span id="%s">%s</span></span><br />\r\n' % (own.replace("/", "_"), entry[0]))
         if name.startswith("bad"):
             say('Cannot open "%s": line 12: not a group code.' % entry[0])
             continue

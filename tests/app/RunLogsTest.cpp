@@ -118,6 +118,7 @@ TEST_F(RunLogs, ADrawingThatDoesNotEndWellHasItsLogToTheLastWord) {
         EXPECT_THAT(log, HasSubstr(name == "bad.dxf" ? name + "\r\nThe drawing was not opened"
                                                      : "this is " + fs::path(name).stem().string()));
     }
+    EXPECT_THAT(logs.at(Folder / "bad.dxf"), HasSubstr("bad.dxf, line 1: "));
     EXPECT_FALSE(HostLogsAreLeft());
 }
 
