@@ -27,8 +27,8 @@ namespace {
 std::optional<RunState> run;
 /// The state file as this module left it.
 std::optional<FileStamp> ownVersion;
-/// The state file could not be read, and no copy of it was made: no save may take its place.
-bool mayNotSave = false;
+/// Why the state file could not be read when no copy of it was made: no save may take its place.
+QString unread;
 /// Milliseconds between attempts to save during a run.
 constexpr std::array SaveWaits = {200, 400, 800, 1600, 3000};
 
@@ -81,7 +81,7 @@ void ResetRun() {
     ResetScripts();
     run.reset();
     ownVersion.reset();
-    mayNotSave = false;
+    unread.clear();
     ResetTarnelData();
 }
 
@@ -99,10 +99,10 @@ bool LoadRunState() {
     const QString fault = faultOf(error, bytes, stamp && ownVersion == stamp);
     if (!fault.isEmpty() && (data.BatchRunning || IsHostOfOneRun())) {
         ConsoleLine(data.StateFile + QStringLiteral(": ") + fault);
-        mayNotSave = !data.BatchRunning;
+        unread = data.BatchRunning ? QString() : fault;
         return false;
     }
-    mayNotSave = !fault.isEmpty() && !reportDamage(data.StateFile, fault);
+    unread = !fault.isEmpty() && !reportDamage(data.StateFile, fault) ? fault : QString();
     const FileInWork inWork(data);
     TakeState(data, bytes, 1);
     inWork.FindAgain(data);
@@ -112,7 +112,7 @@ bool LoadRunState() {
 
 bool SaveRunState() {
     CTarnelData& data = TarnelData();
-    if (mayNotSave)
+    if (!unread.isEmpty())
         return false;
     SaveState(nullptr, 1);
     QString& unsaved = Run().Unsaved;
@@ -134,8 +134,8 @@ QString RunFault() {
     const CTarnelData& data = TarnelData();
     if (!Run().Unsaved.isEmpty())
         return QStringLiteral("the state could not be saved: ") + Run().Unsaved;
-    if (mayNotSave)
-        return data.StateFile + QStringLiteral(": cannot be read");
+    if (!unread.isEmpty())
+        return data.StateFile + QStringLiteral(": ") + unread;
     if (IsHostOfOneRun() && !data.BatchRunning && RunDigest(data) != wantedRun())
         return data.StateFile +
                QStringLiteral(": is not the state of the run that this host was started for");
