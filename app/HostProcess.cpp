@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <langinfo.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <cerrno>
@@ -29,9 +30,14 @@ struct Pipe {
     int Write = -1;
     bool Open() {
         int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) {
-            return false;
-        }
+        return pipe2(ends, O_CLOEXEC) == 0 && Take(ends);
+    }
+    /// A pipe that nobody can open a second time by its name under /proc.
+    bool OpenAsSocket() {
+        int ends[2];
+        return socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0 && Take(ends);
+    }
+    bool Take(const int (&ends)[2]) {
         Read = ends[0];
         Write = ends[1];
         return true;
@@ -59,7 +65,7 @@ bool LocaleIsPlain() {
 }
 
 /// In the child, up to the host's first instruction. Returns only when that fails.
-void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid_t parent) {
+void Become(const HostFiles& files, const HostPlace& place, int in, int out, int report, pid_t parent) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
@@ -75,6 +81,8 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid
     if (place.Lock >= 0) {
         fcntl(place.Lock, F_SETFD, 0);
     }
+    const std::string reportNumber = std::to_string(fcntl(report, F_DUPFD, STDERR_FILENO + 1));
+    setenv("TARNEL_REPORT_FD", reportNumber.c_str(), 1);
     setenv("XDG_DATA_HOME", place.DataHome.c_str(), 1);
     setenv("TARNEL_RUN", place.Run.c_str(), 1);
     if (!place.StateHome.empty()) {
@@ -88,7 +96,8 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, pid
         }
         setenv("LC_ALL", "C.UTF-8", 1);
     }
-    std::vector<const char*> words = {files.Host.c_str(), "--headless", "--load", files.Module.c_str()};
+    std::vector<const char*> words = {files.Host.c_str(),   "--headless", "--report-fd",
+                                      reportNumber.c_str(), "--load",     files.Module.c_str()};
     if (!place.Registry.empty()) {
         words.insert(words.end(), {"--registry", place.Registry.c_str()});
     }
@@ -139,17 +148,22 @@ HostProcess::~HostProcess() {
 bool HostProcess::Launch(const HostFiles& files, const HostPlace& place, std::string* error) {
     Pipe toHost;
     Pipe fromHost;
+    Pipe events;
     Pipe failure;
-    if (!toHost.Open() || !fromHost.Open() || !failure.Open()) {
+    const auto closeAll = [&] {
+        for (Pipe* pipe : {&toHost, &fromHost, &events, &failure}) {
+            pipe->Close();
+        }
+    };
+    if (!toHost.Open() || !fromHost.Open() || !events.OpenAsSocket() || !failure.Open()) {
         *error = std::string("no pipe to the host: ") + std::strerror(errno);
-        toHost.Close();
-        fromHost.Close();
+        closeAll();
         return false;
     }
     const pid_t self = getpid();
     child = fork();
     if (child == 0) {
-        Become(files, place, toHost.Read, fromHost.Write, self);
+        Become(files, place, toHost.Read, fromHost.Write, events.Write, self);
         const int cause = errno;
         [[maybe_unused]] const ssize_t told = write(failure.Write, &cause, sizeof cause);
         _exit(127);
@@ -163,8 +177,7 @@ bool HostProcess::Launch(const HostFiles& files, const HostPlace& place, std::st
     failure.Close();
     if (cause != 0) {
         *error = files.Host + ": cannot be started: " + std::strerror(cause);
-        toHost.Close();
-        fromHost.Close();
+        closeAll();
         if (child > 0) {
             Wait();
         }
@@ -172,11 +185,18 @@ bool HostProcess::Launch(const HostFiles& files, const HostPlace& place, std::st
     }
     close(toHost.Read);
     close(fromHost.Write);
+    close(events.Write);
     input = toHost.Write;
-    output = fromHost.Read;
     fcntl(input, F_SETFL, O_NONBLOCK);
-    fcntl(output, F_SETFL, O_NONBLOCK);
+    output.Attach(fromHost.Read);
+    report.Attach(events.Read);
     return true;
+}
+
+void HostProcess::AddDescriptors(std::vector<pollfd>* watched) const {
+    watched->push_back({report.Descriptor(), POLLIN, 0});
+    watched->push_back({output.Descriptor(), POLLIN, 0});
+    watched->push_back({pending.empty() ? -1 : input, POLLOUT, 0});
 }
 
 void HostProcess::Send(std::string_view text) {
@@ -203,34 +223,11 @@ void HostProcess::Flush() {
     }
 }
 
-bool HostProcess::ReadLines(std::vector<std::string>* lines) {
-    char buffer[16384];
-    for (;;) {
-        const ssize_t length = read(output, buffer, sizeof buffer);
-        if (length < 0 && errno == EINTR) {
-            continue;
-        }
-        if (length < 0 && errno == EAGAIN) {
-            return true;
-        }
-        if (length <= 0) {
-            if (!partial.empty()) {
-                lines->push_back(std::move(partial));
-                partial.clear();
-            }
-            return false;
-        }
-        partial.append(buffer, static_cast<std::size_t>(length));
-        std::size_t start = 0;
-        for (std::size_t end; (end = partial.find('\n', start)) != std::string::npos; start = end + 1) {
-            std::string line = partial.substr(start, end - start);
-            if (line.ends_with('\r')) {
-                line.pop_back();
-            }
-            lines->push_back(std::move(line));
-        }
-        partial.erase(0, start);
-    }
+bool HostProcess::Read(std::vector<std::string>* events, std::vector<std::string>* stray) {
+    // Whatever the host has started may hold its standard output open, but never the socket.
+    const bool lives = report.Read(events);
+    output.Read(stray);
+    return lives;
 }
 
 void HostProcess::Kill() {
@@ -250,10 +247,8 @@ HostEnd HostProcess::Wait() {
     }
     child = -1;
     CloseInput();
-    if (output >= 0) {
-        close(output);
-        output = -1;
-    }
+    report.Close();
+    output.Close();
     if (WIFSIGNALED(status)) {
         return {"died, signal " + std::to_string(WTERMSIG(status)), WTERMSIG(status)};
     }

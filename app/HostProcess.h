@@ -1,7 +1,12 @@
 #pragma once
-// A drawing host as a child process: lines in, lines out. It runs in a process group of its own, so that
-// Ctrl+C at the terminal reaches the front alone, and the kernel ends it when the front dies, whatever kills
-// the front. All reading and writing is without waiting; the caller polls the two descriptors.
+// A drawing host as a child process: lines in, and out of it events on a socket of their own, which nothing
+// that a script can do reaches, and stray text (of the system, mostly) on its standard output. It runs in a
+// process group of its own, so that Ctrl+C at the terminal reaches the front alone, and the kernel ends it
+// when the front dies, whatever kills the front. All reading and writing is without waiting; the caller polls
+// the descriptors.
+#include "app/LineReader.h"
+
+#include <poll.h>
 #include <sys/types.h>
 #include <optional>
 #include <string>
@@ -62,17 +67,15 @@ class HostProcess {
     /// Starts the host. False with one line when that does not go.
     bool Launch(const HostFiles& files, const HostPlace& place, std::string* error);
 
-    int OutputDescriptor() const { return output; }
-    /// -1 when there is nothing to write.
-    int InputDescriptor() const { return pending.empty() ? -1 : input; }
+    /// Adds what there is to poll for.
+    void AddDescriptors(std::vector<pollfd>* watched) const;
 
     /// Queues text for the host's input.
     void Send(std::string_view text);
     /// Writes what the pipe takes now.
     void Flush();
-    /// Appends the whole lines that have come, without their ends. False when the output has ended; the
-    /// rest of an unfinished line is then given too.
-    bool ReadLines(std::vector<std::string>* lines);
+    /// Appends the events and the lines of stray text that have come. False when the host has ended.
+    bool Read(std::vector<std::string>* events, std::vector<std::string>* stray);
 
     /// Ends it at once (SIGKILL to its group).
     void Kill();
@@ -84,7 +87,8 @@ class HostProcess {
 
     pid_t child = -1;
     int input = -1;
-    int output = -1;
     std::string pending;
-    std::string partial;
+    /// A path has 4,096 bytes at most, of which JSON may make six each.
+    LineReader report{1 << 16};
+    LineReader output{1000};
 };

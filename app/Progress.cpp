@@ -39,14 +39,12 @@ Progress::~Progress() {
 }
 
 void Progress::Settled(const DrawingRecord& record) {
-    if (!settled.insert(record.Path).second) {
-        return;
-    }
+    ++settled;
     done += record.Status == DrawingStatus::Done ? 1 : 0;
     if (quiet || terminal) {
         return;
     }
-    const std::string number = std::to_string(settled.size()) + "/" + std::to_string(waiting);
+    const std::string number = std::to_string(settled) + "/" + std::to_string(waiting);
     std::printf("%-8s %s  %s", StatusWord(record.Status), number.c_str(), record.Path.c_str());
     if (record.Seconds) {
         std::printf("  %.3f s", *record.Seconds);
@@ -60,14 +58,13 @@ void Progress::Refresh(const DrawingRecord* current) {
         return;
     }
     const double elapsed = std::chrono::duration<double>(RunLedger::Clock::now() - started).count();
-    std::string text = "[" + std::to_string(settled.size()) + "/" + std::to_string(waiting) + "] " +
-                       std::to_string(done) + " Done";
-    if (settled.size() > done) {
-        text += ", " + std::to_string(settled.size() - done) + " not";
+    std::string text =
+        "[" + std::to_string(settled) + "/" + std::to_string(waiting) + "] " + std::to_string(done) + " Done";
+    if (settled > done) {
+        text += ", " + std::to_string(settled - done) + " not";
     }
-    if (!settled.empty() && settled.size() < waiting) {
-        const double left =
-            elapsed / static_cast<double>(settled.size()) * static_cast<double>(waiting - settled.size());
+    if (settled > 0 && settled < waiting) {
+        const double left = elapsed / static_cast<double>(settled) * static_cast<double>(waiting - settled);
         text += ", about " + DurationText(left) + " left";
     }
     if (current) {

@@ -4,7 +4,6 @@
 #include "app/RunLedger.h"
 
 #include <string>
-#include <unordered_set>
 
 class Progress {
   public:
@@ -12,7 +11,7 @@ class Progress {
     Progress(std::size_t waiting, bool quiet);
     ~Progress();
 
-    /// A drawing is settled. Each is told once.
+    /// A drawing is settled.
     void Settled(const DrawingRecord& record);
     /// Draws the live line again; on anything but a terminal nothing.
     /// current is the drawing in work; null is none.
@@ -26,8 +25,7 @@ class Progress {
     void EraseLine();
 
     std::size_t waiting;
-    /// Paths.
-    std::unordered_set<std::string> settled;
+    std::size_t settled = 0;
     std::size_t done = 0;
     bool quiet;
     bool terminal;

@@ -110,7 +110,7 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
     }
     // A host that died may have saved more than it had told.
     for (const DrawingRecord* record : waiting) {
-        if (record->Status != DrawingStatus::ToDo) {
+        if (record->Status != DrawingStatus::ToDo && !record->Settled) {
             progress->Settled(*record);
         }
     }

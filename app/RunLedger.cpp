@@ -5,22 +5,21 @@
 RunLedger::RunLedger(const std::vector<QueueEntry>& queue) {
     records.reserve(queue.size());
     for (const QueueEntry& entry : queue) {
-        indices.emplace(entry.Path, records.size());
         records.push_back({entry.Path, entry.Status, {}, {}, {}});
     }
 }
 
-std::vector<const DrawingRecord*> RunLedger::Take(const HostLine& line, Clock::time_point now) {
+std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock::time_point now) {
     std::vector<const DrawingRecord*> settled;
     const auto settle = [&] {
         if (const DrawingRecord* record = Settle(now)) {
             settled.push_back(record);
         }
     };
-    switch (line.What) {
-        case HostLine::Kind::File:
+    switch (event.What) {
+        case HostEvent::Kind::File:
             settle();
-            current = Find(line.Text);
+            current = EntryOf(event);
             since = now;
             if (current) {
                 current->Message.clear();
@@ -28,30 +27,31 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostLine& line, Clock::t
                 current->Status = DrawingStatus::FailOpen;
             }
             break;
-        case HostLine::Kind::Status:
-            if (DrawingRecord* record = Find(line.Text)) {
-                // The next drawing is FailOpen just before its own "file" line.
+        case HostEvent::Kind::Status:
+            if (DrawingRecord* record = EntryOf(event)) {
+                // The next drawing is FailOpen just before its own "file" event.
                 if (record != current) {
                     settle();
                 }
-                record->Status = line.Status;
-                if (line.Status == DrawingStatus::Locked) {
+                record->Status = event.Status;
+                if (event.Status == DrawingStatus::Locked) {
+                    record->Settled = true;
                     settled.push_back(record);
                 }
             }
             break;
-        case HostLine::Kind::RunEnded:
+        case HostEvent::Kind::RunEnded:
             settle();
             break;
-        case HostLine::Kind::Talk:
-        case HostLine::Kind::Message:
+        case HostEvent::Kind::Talk:
+        case HostEvent::Kind::Message:
             if (current) {
-                current->Message = line.Text;
+                current->Message = event.Text;
                 prompt.clear();
             }
             break;
-        case HostLine::Kind::Prompt:
-            prompt = line.Text;
+        case HostEvent::Kind::Prompt:
+            prompt = event.Text;
             break;
         default:
             break;
@@ -62,6 +62,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostLine& line, Clock::t
 const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string& host) {
     DrawingRecord* settled = current;
     if (settled) {
+        settled->Settled = true;
         settled->Seconds = std::chrono::duration<double>(now - since).count();
         // A drawing that is Done has not cost the host its life.
         if (!host.empty() && settled->Status != DrawingStatus::Done) {
@@ -141,7 +142,7 @@ std::size_t RunLedger::Count(DrawingStatus status) const {
                       [status](const DrawingRecord& record) { return record.Status == status; }));
 }
 
-DrawingRecord* RunLedger::Find(const std::string& path) {
-    const auto found = indices.find(path);
-    return found == indices.end() ? nullptr : &records[found->second];
+DrawingRecord* RunLedger::EntryOf(const HostEvent& event) {
+    const bool fits = event.Entry < records.size() && records[event.Entry].Path == event.Text;
+    return fits ? &records[event.Entry] : nullptr;
 }

@@ -1,13 +1,12 @@
 #pragma once
-// What is known of each drawing of a run while it goes on. Status lines say how far a drawing is; how long it
-// took and the last thing the host said about it stand nowhere on disk and are gathered here.
-#include "app/HostLine.h"
+// What is known of each drawing of a run while it goes on. Status events say how far a drawing is; how long
+// it took and the last thing the host said about it stand nowhere on disk and are gathered here.
+#include "app/HostEvent.h"
 #include "app/QueueEntry.h"
 
 #include <chrono>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 struct DrawingRecord {
@@ -20,6 +19,8 @@ struct DrawingRecord {
     /// How the host died with this drawing in work: "died, signal 11". It stays when a second attempt went
     /// well.
     std::string Host;
+    /// It was in work or passed over in this run, and that has come to its end.
+    bool Settled = false;
 };
 
 class RunLedger {
@@ -29,9 +30,9 @@ class RunLedger {
     /// queue holds the drawings in the order of the run.
     explicit RunLedger(const std::vector<QueueEntry>& queue);
 
-    /// Takes a line. The drawings that are settled by it, in order: the one in work before the next began,
+    /// Takes an event. The drawings that are settled by it, in order: the one in work before the next began,
     /// and one that was passed over as Locked.
-    std::vector<const DrawingRecord*> Take(const HostLine& line, Clock::time_point now);
+    std::vector<const DrawingRecord*> Take(const HostEvent& event, Clock::time_point now);
     /// The run or the host has ended: settles the drawing in work, if there is one. host is empty or how the
     /// host died.
     const DrawingRecord* Settle(Clock::time_point now, const std::string& host = {});
@@ -62,10 +63,10 @@ class RunLedger {
     std::size_t Count(DrawingStatus status) const;
 
   private:
-    DrawingRecord* Find(const std::string& path);
+    /// The drawing that an event is about; null when the queue has no such entry.
+    DrawingRecord* EntryOf(const HostEvent& event);
 
     std::vector<DrawingRecord> records;
-    std::unordered_map<std::string, std::size_t> indices;
     DrawingRecord* current = nullptr;
     /// The prompt at which the drawing in work waits, if it does.
     std::string prompt;

@@ -39,7 +39,6 @@ RunMonitor::RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* pr
 
 void RunMonitor::Launch() {
     host = std::make_unique<HostProcess>();
-    listener = {};
     phase = Phase::Starting;
     lastStep = RunLedger::Clock::now();
     lastWords.clear();
@@ -60,8 +59,7 @@ void RunMonitor::Launch() {
 
 void RunMonitor::AddDescriptors(std::vector<pollfd>* watched) const {
     if (host) {
-        watched->push_back({host->OutputDescriptor(), POLLIN, 0});
-        watched->push_back({host->InputDescriptor(), POLLOUT, 0});
+        host->AddDescriptors(watched);
     }
 }
 
@@ -70,12 +68,18 @@ void RunMonitor::Step() {
         return;
     }
     host->Flush();
-    std::vector<std::string> lines;
-    const bool open = host->ReadLines(&lines);
-    for (const std::string& line : lines) {
-        Hear(line);
+    std::vector<std::string> events;
+    std::vector<std::string> stray;
+    const bool lives = host->Read(&events, &stray);
+    for (const std::string& line : events) {
+        if (const auto event = ReadEvent(line)) {
+            Hear(*event);
+        }
     }
-    if (open) {
+    for (const std::string& line : stray) {
+        Hear({HostEvent::Kind::Talk, line});
+    }
+    if (lives) {
         CheckPatience();
     } else {
         HostEnded();
@@ -177,51 +181,50 @@ void RunMonitor::ReactToDeath(const std::string& cause, bool began, bool again) 
     }
 }
 
-void RunMonitor::Hear(const std::string& text) {
-    const HostLine line = listener.Read(text);
+void RunMonitor::Hear(const HostEvent& event) {
+    using Kind = HostEvent::Kind;
     const auto now = RunLedger::Clock::now();
-    for (const DrawingRecord* settled : ledger->Take(line, now)) {
+    for (const DrawingRecord* settled : ledger->Take(event, now)) {
         ++settledInLife;
         Tell(*settled);
     }
-    switch (line.What) {
-        case HostLine::Kind::RunStarted:
+    switch (event.What) {
+        case Kind::RunStarted:
             phase = Phase::Running;
             lastStep = now;
             break;
-        case HostLine::Kind::File:
+        case Kind::File:
             lastStep = now;
             break;
-        case HostLine::Kind::Alarm:
-            progress->Alarm(line.Text);
+        case Kind::Alarm:
+            progress->Alarm(event.Text);
             break;
-        case HostLine::Kind::RunEnded:
+        case Kind::RunEnded:
             if (phase == Phase::Running) {
                 phase = Phase::Quitting;
                 lastStep = now;
                 host->Send("QUIT\n");
             }
             break;
-        case HostLine::Kind::Message:
-        case HostLine::Kind::Talk:
-            if (line.What == HostLine::Kind::Message &&
-                line.Text.find(settings.Place.DataHome + "/") != std::string::npos) {
-                complaint = line.Text;
+        case Kind::Message:
+        case Kind::Talk:
+            if (event.What == Kind::Message &&
+                event.Text.find(settings.Place.DataHome + "/") != std::string::npos) {
+                complaint = event.Text;
                 // Without its script no drawing can be run, and each would cost the whole time limit.
-                if (phase == Phase::Running && !interrupted && AboutScript(line.Text)) {
-                    brokenBy = line.Text;
+                if (phase == Phase::Running && !interrupted && AboutScript(event.Text)) {
+                    brokenBy = event.Text;
                     Interrupt();
                 }
             }
-            if (line.What == HostLine::Kind::Message && line.Text.starts_with(kBrokenOff)) {
-                brokenBy = line.Text.substr(kBrokenOff.size());
+            if (event.What == Kind::Message && event.Text.starts_with(kBrokenOff)) {
+                brokenBy = event.Text.substr(kBrokenOff.size());
             }
             // The module knows best why no run begins; what the host says then is about the words of this
             // side.
-            if (phase == Phase::Starting &&
-                (line.What == HostLine::Kind::Message || !lastWordsAreTheModules)) {
-                lastWords = line.Text;
-                lastWordsAreTheModules = line.What == HostLine::Kind::Message;
+            if (phase == Phase::Starting && (event.What == Kind::Message || !lastWordsAreTheModules)) {
+                lastWords = event.Text;
+                lastWordsAreTheModules = event.What == Kind::Message;
             }
             break;
         default:

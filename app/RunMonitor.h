@@ -3,7 +3,7 @@
 // they cannot do themselves: a host that dies on a drawing, or hangs where no limit reaches it, is started
 // again on the rest of the queue, since the state on disk tells how far each drawing came. A monitor does its
 // work in short steps and never waits, so that one loop can watch over several hosts.
-#include "app/HostLine.h"
+#include "app/HostEvent.h"
 #include "app/HostProcess.h"
 #include "app/Progress.h"
 #include "app/RunLedger.h"
@@ -63,7 +63,7 @@ class RunMonitor {
     enum class Phase { Starting, Running, Quitting };
 
     void Launch();
-    void Hear(const std::string& text);
+    void Hear(const HostEvent& event);
     void CheckPatience();
     void HostEnded();
     void Tell(const DrawingRecord& record);
@@ -83,7 +83,6 @@ class RunMonitor {
 
     // Of the host that lives now.
     std::unique_ptr<HostProcess> host;
-    HostListener listener;
     Phase phase = Phase::Starting;
     RunLedger::Clock::time_point lastStep;
     std::string lastWords;

@@ -1,6 +1,7 @@
 #include "drafthost/Launch.h"
 
-#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
 #include <cerrno>
@@ -13,9 +14,11 @@
 #include <string_view>
 
 #include "drafthost/drawing/FileBytes.h"
+#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/FileLock.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
+#include "drafthost/editor/ReportChannel.h"
 #include "drafthost/editor/ScriptReader.h"
 #include "drafthost/Startup.h"
 #include "system/FileJournal.h"
@@ -33,6 +36,7 @@ constexpr const char* Options =
     "  --break-links      save drawings that have several names (hard links), parting them\n"
     "  --max-memory SIZE  take no more than this; in MB, or with K, M or G behind (4G)\n"
     "  /b SCRIPT          run a script once the drawing is open\n"
+    "  --report-fd N      tell what happens on the socket N, in place of standard output\n"
     "  --version, --help\n";
 constexpr const char* HeadlessEnd =
     "One drawing at most. Commands are read from standard input; QUIT or the end of the input ends the "
@@ -51,7 +55,7 @@ std::string userPlace(const std::string& name) {
     return home ? std::string(home) + "/.config/drafthost/" + name : std::string();
 }
 
-int signalPipe[2] = {-1, -1};
+int signalPair[2] = {-1, -1};
 int endingSignal = 0;
 bool endIsLimited = false;
 
@@ -62,7 +66,7 @@ void onSignal(int number) {
     }
     const char byte = char(number);
     // A full pipe already holds enough to wake the reader.
-    [[maybe_unused]] const ssize_t count = ::write(signalPipe[1], &byte, 1);
+    [[maybe_unused]] const ssize_t count = ::write(signalPair[1], &byte, 1);
     errno = before;
 }
 
@@ -82,6 +86,11 @@ std::optional<std::size_t> readSize(std::string_view text) {
         return std::nullopt;
     }
     return number << shift;
+}
+
+bool isSocket(int descriptor) {
+    struct stat info {};
+    return ::fstat(descriptor, &info) == 0 && S_ISSOCK(info.st_mode);
 }
 
 bool openDrawing(Host& host, const std::string& drawing) {
@@ -106,6 +115,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
     std::string memory;
     for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
+        std::string report;
         std::string* value = nullptr;
         if (word == "--help") {
             std::fputs(usage.c_str(), stdout);
@@ -136,6 +146,8 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             value = &memory;
         } else if (word == "/b") {
             value = &arguments.script;
+        } else if (word == "--report-fd") {
+            value = &report;
         } else if (word.starts_with("--") || (!framed && !arguments.drawings.empty())) {
             std::fprintf(stderr, "%s: unexpected argument \"%s\"\n%s", program.c_str(), argv[i],
                          usage.c_str());
@@ -149,6 +161,13 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             return std::nullopt;
         }
         *value = argv[i];
+        if (value == &report) {
+            arguments.report = readInteger(report).value_or(-1);
+            if (!isSocket(arguments.report)) {
+                std::fprintf(stderr, "%s: --report-fd %s: no socket\n", program.c_str(), argv[i]);
+                return std::nullopt;
+            }
+        }
     }
     if (!memory.empty()) {
         const auto size = readSize(memory);
@@ -176,13 +195,14 @@ void liftEndLimit() {
 
 void watchSignals(Host& host, QCoreApplication& application, const std::function<void()>& end) {
     endIsLimited = bool(end);
-    if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+    // No pipe: a script could write to it, by its name under /proc, and end the host.
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, signalPair) != 0) {
         return;
     }
-    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &application);
+    auto* notifier = new QSocketNotifier(signalPair[0], QSocketNotifier::Read, &application);
     QObject::connect(notifier, &QSocketNotifier::activated, &application, [&host, end] {
         char byte = 0;
-        while (::read(signalPipe[0], &byte, 1) == 1) {
+        while (::read(signalPair[0], &byte, 1) == 1) {
             if (byte == SIGINT) {
                 host.input().cancel();
             } else {
@@ -221,6 +241,9 @@ void prepare(Host& host, const Arguments& arguments) {
     }
     if (const std::string own = userPlace("support"); !own.empty()) {
         host.addSupportPath(own);
+    }
+    if (arguments.report >= 0) {
+        host.setReport(std::make_unique<ReportChannel>(arguments.report));
     }
     registerCommands(host.commands());
     registerSystemVariables(host.variables());

@@ -28,6 +28,8 @@ struct Arguments {
     /// Name of the desktop entry that the window belongs to; only with a frame.
     std::string desktopEntry;
     std::size_t maxMemory = DefaultMemoryLimit;
+    /// A socket for the program that started the host; -1 is none.
+    int report = -1;
 };
 
 /// Reads the arguments; "--help" and "--version" end the process. Nothing, and the message is on standard

@@ -37,7 +37,9 @@ int main(int argc, char** argv) {
     }
     QCoreApplication application(argc, argv);
     Host host(arguments->registry);
-    host.setOutput(writeOut);
+    if (arguments->report < 0) {
+        host.setOutput(writeOut);
+    }
     prepare(host, *arguments);
     ApiHost api(host);
     watchSignals(host, application);

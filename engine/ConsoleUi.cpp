@@ -3,7 +3,11 @@
 #include "acedads.h"
 #include "engine/ConsoleDialog.h"
 #include "engine/HostText.h"
+#include "engine/HostVariables.h"
 #include "engine/ResBuf.h"
+#include "engine/TarnelData.h"
+
+#include <QJsonObject>
 
 #include <array>
 
@@ -11,11 +15,24 @@ namespace {
 /// Bits of CMDACTIVE.
 constexpr int ScriptActive = 4;
 constexpr int LispActive = 32;
-}  // namespace
 
-void ConsoleLine(const QString& text) {
-    HostPrint(QStringLiteral("\nTarnel: ") + text + QLatin1Char('\n'));
+QJsonObject named(const char* event) {
+    return {{QStringLiteral("event"), QString::fromLatin1(event)}};
 }
+
+/// An event of a file: its number in the queue, counted from 0, tells apart entries that have one path.
+QJsonObject ofFile(const char* event, std::uint32_t entry, const QString& path) {
+    QJsonObject object = named(event);
+    object[QStringLiteral("entry")] = static_cast<qint64>(entry);
+    object[QStringLiteral("path")] = path;
+    return object;
+}
+
+QJsonObject ofCurrentFile(const char* event, const QString& path) {
+    const CTarnelData& data = TarnelData();
+    return ofFile(event, data.FileOrder[static_cast<std::size_t>(data.CurrentFile)], path);
+}
+}  // namespace
 
 bool KeyboardAnswers() {
     ResBuf active;
@@ -67,25 +84,38 @@ void ConsoleUi::OpenStatus(int count) {
     fileCount = count;
     fileNumber = 0;
     currentFile.clear();
-    ConsoleLine(QStringLiteral("run started, %1 to do").arg(count));
+    QJsonObject event = named("run-started");
+    event[QStringLiteral("todo")] = count;
+    if (!Report(event))
+        ConsoleLine(QStringLiteral("run started, %1 to do").arg(count));
 }
 
 void ConsoleUi::ShowFile(const QString& path, int) {
     currentFile = path;
     ++fileNumber;
-    ConsoleLine(QStringLiteral("file %1 of %2: ").arg(fileNumber).arg(fileCount) + path);
+    QJsonObject event = ofCurrentFile("file", path);
+    event[QStringLiteral("number")] = fileNumber;
+    event[QStringLiteral("of")] = fileCount;
+    if (!Report(event))
+        ConsoleLine(QStringLiteral("file %1 of %2: ").arg(fileNumber).arg(fileCount) + path);
 }
 
 void ConsoleUi::Alarm() {
-    ConsoleLine(QStringLiteral("alarm: ") + currentFile);
+    if (!Report(ofCurrentFile("alarm", currentFile)))
+        ConsoleLine(QStringLiteral("alarm: ") + currentFile);
 }
 
-void ConsoleUi::ShowFileStatus(const QString& path, const QString& status) {
-    ConsoleLine(QStringLiteral("status ") + status + QStringLiteral(": ") + path);
+void ConsoleUi::ShowFileStatus(std::uint32_t entry, const QString& path, const QString& status) {
+    QJsonObject event = ofFile("status", entry, path);
+    event[QStringLiteral("status")] = status;
+    event[QStringLiteral("changed")] = DrawingHasChanges();
+    if (!Report(event))
+        ConsoleLine(QStringLiteral("status ") + status + QStringLiteral(": ") + path);
 }
 
 void ConsoleUi::CloseStatus() {
-    ConsoleLine(QStringLiteral("run ended"));
+    if (!Report(named("run-ended")))
+        ConsoleLine(QStringLiteral("run ended"));
 }
 
 void ConsoleUi::OpenStepThrough() {

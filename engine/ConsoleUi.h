@@ -1,8 +1,10 @@
 #pragma once
 // What the user sees of the module in a host that has no window: lines on the host's command line, all with
-// the prefix "Tarnel: ", and prompts in place of dialogs. The lines are told in docs/headless.md and other
-// programs read them, so their form is part of the interface.
+// the prefix "Tarnel: ", and prompts in place of dialogs. How a run goes is told either by such lines or,
+// where a program listens, by events alone. Both are told in docs/headless.md and other programs read them,
+// so their form is part of the interface.
 #include "engine/ConsoleDialog.h"
+#include "engine/Report.h"
 #include "engine/RunUi.h"
 
 class ConsoleUi : public RunUi {
@@ -14,7 +16,7 @@ class ConsoleUi : public RunUi {
     void StepFileTime() override {}
     void Alarm() override;
     void Flash(bool) override {}
-    void ShowFileStatus(const QString& path, const QString& status) override;
+    void ShowFileStatus(std::uint32_t entry, const QString& path, const QString& status) override;
     void CloseStatus() override;
     bool IsStepThroughVisible() const override { return false; }
     void CloseStepThrough() override {}
@@ -27,7 +29,5 @@ class ConsoleUi : public RunUi {
     StartAnswers startAnswers;
 };
 
-/// One line with the prefix, at the start of a line.
-void ConsoleLine(const QString& text);
 /// Whether a prompt would be answered by the user: neither a script nor LISP is running.
 bool KeyboardAnswers();

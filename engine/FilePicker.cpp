@@ -79,7 +79,7 @@ bool GetNextFile(QString& path) {
         const bool tested = !data.RecoverMode && IsEditableDrawingName(path);
         if (tested && !mayBeProcessed(data, path)) {
             data.FileStatus[entry] = Locked;
-            CurrentUi().ShowFileStatus(path, FileStatusWord(Locked));
+            CurrentUi().ShowFileStatus(entry, path, FileStatusWord(Locked));
             continue;
         }
         data.CurrentFile = static_cast<int>(k);

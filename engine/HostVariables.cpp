@@ -65,6 +65,13 @@ bool DrawingIsModified() {
     return dbmod.GetVar(QStringLiteral("dbmod")) == RTNORM && dbmod.Integer(0) != 0;
 }
 
+bool DrawingHasChanges() {
+    /// Bits of DBMOD: the place of the window, and the view.
+    constexpr int OnlyLookedAt = 8 | 16;
+    ResBuf dbmod;
+    return dbmod.GetVar(QStringLiteral("dbmod")) == RTNORM && (dbmod.Integer(0) & ~OnlyLookedAt) != 0;
+}
+
 void SetScriptVariables() {
     const CTarnelData& data = TarnelData();
     const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];

@@ -18,5 +18,7 @@ void RestoreLeftSystemVars();
 QString HostTextVariable(const char* name);
 /// Whether the current drawing has unsaved changes.
 bool DrawingIsModified();
+/// Whether it has unsaved changes beyond the view that it is looked at in.
+bool DrawingHasChanges();
 /// LISP variables of the drawing in work: currentfileandpath, currentpath, currentfile, currentext.
 void SetScriptVariables();

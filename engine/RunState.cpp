@@ -1,9 +1,9 @@
 #include "engine/RunState.h"
 
 #include "acdocman.h"
-#include "engine/ConsoleUi.h"
 #include "engine/FileInWork.h"
 #include "engine/FileStamp.h"
+#include "engine/Report.h"
 #include "engine/RunUi.h"
 #include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
@@ -167,5 +167,5 @@ void SetCurrentFileStatus(FileStatusValue status) {
     Trace("SaveState\n");
     // What is told is on disk.
     if (SaveRunState())
-        CurrentUi().ShowFileStatus(EntryPath(data, entry), FileStatusWord(status));
+        CurrentUi().ShowFileStatus(entry, EntryPath(data, entry), FileStatusWord(status));
 }

@@ -3,6 +3,8 @@
 // command line instead; the engine knows neither.
 #include <QString>
 
+#include <cstdint>
+
 class RunUi {
   public:
     enum Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
@@ -25,8 +27,8 @@ class RunUi {
     /// The file takes too long: beep; flash then gives the phases.
     virtual void Alarm() = 0;
     virtual void Flash(bool on) = 0;
-    /// A file of the queue was given a status.
-    virtual void ShowFileStatus(const QString& path, const QString& status) = 0;
+    /// A file of the queue was given a status. Two entries may have one path.
+    virtual void ShowFileStatus(std::uint32_t entry, const QString& path, const QString& status) = 0;
     virtual void CloseStatus() = 0;
     virtual bool IsStepThroughVisible() const = 0;
     virtual void CloseStepThrough() = 0;

@@ -3,6 +3,7 @@
 #include "acedads.h"
 #include "engine/FileStamp.h"
 #include "engine/HostText.h"
+#include "engine/Report.h"
 #include "engine/RunState.h"
 #include "engine/TarnelData.h"
 #include "log/Trace.h"
@@ -46,7 +47,7 @@ void writeScript(const QString& path, const QString& text, WrittenScript& before
     if (complete)
         before = {text, StampOf(path)};
     else
-        HostPrint(QStringLiteral("\nTarnel: %1: %2\n").arg(path, cause));
+        ConsoleLine(QStringLiteral("%1: %2").arg(path, cause));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "engine/Batch.h"
 #include "engine/HostText.h"
 #include "engine/HostVariables.h"
+#include "engine/Report.h"
 #include "engine/Restartable.h"
 #include "engine/RunState.h"
 #include "engine/RunUi.h"
@@ -47,8 +48,8 @@ void makeDataDir() {
     CTarnelData& data = TarnelData();
     data.DataDir = UserDataDir();
     if (const int error = files::MakeFolder(QFile::encodeName(data.DataDir).toStdString()))
-        HostPrint(QStringLiteral("\nTarnel: %1: the folder cannot be made: %2; nothing will be kept.\n")
-                      .arg(data.DataDir, SystemMessage(error)));
+        ConsoleLine(QStringLiteral("%1: the folder cannot be made: %2; nothing will be kept.")
+                        .arg(data.DataDir, SystemMessage(error)));
 }
 
 void findModule() {

@@ -1,6 +1,6 @@
 #include "log/RunLog.h"
 
-#include "engine/HostText.h"
+#include "engine/Report.h"
 #include "engine/RunState.h"
 #include "log/NarrowFile.h"
 #include "log/RunLogText.h"
@@ -35,10 +35,6 @@ QString unopenedLogPath(int number) {
     return DataFile(QStringLiteral("unopened-%1-%2.log").arg(getpid()).arg(number));
 }
 
-void tell(const QString& text) {
-    HostPrint(QStringLiteral("\nTarnel: %1\n").arg(text));
-}
-
 /// Empty, or the cause for which text is left.
 QString writeWhatIsLeft() {
     const bool ready =
@@ -53,7 +49,7 @@ void write(const QString& text) {
     unwritten += EncodeRunLog(text).toStdString();
     const QString cause = writeWhatIsLeft();
     if (!cause.isEmpty() && !isToldBroken)
-        tell(QStringLiteral("%1: cannot be written: %2; it is tried again").arg(runLogPath(), cause));
+        ConsoleLine(QStringLiteral("%1: cannot be written: %2; it is tried again").arg(runLogPath(), cause));
     isToldBroken = !cause.isEmpty();
 }
 
@@ -70,14 +66,14 @@ void packLogs() {
         try {
             const PackedLogs result = PackHostLogs(file, HostLogList, true);
             for (const QString& failure : result.Failures)
-                tell(failure + QStringLiteral("; the log stays where it is"));
+                ConsoleLine(failure + QStringLiteral("; the log stays where it is"));
             for (const QString& path : result.Packed)
                 QFile::remove(path);
             return;
         } catch (const CZipException& error) {
-            tell(QString::fromUtf8(error.what()) +
-                 (attempt < Attempts ? QStringLiteral("; it is tried again")
-                                     : QStringLiteral("; the host's logs stay where they are.")));
+            ConsoleLine(QString::fromUtf8(error.what()) +
+                        (attempt < Attempts ? QStringLiteral("; it is tried again")
+                                            : QStringLiteral("; the host's logs stay where they are.")));
         }
     }
 }
@@ -117,7 +113,7 @@ void LogUnopenedFile(const QString& said) {
     NarrowFile log;
     const bool isWritten = log.OpenNew(QFile::encodeName(path).toStdString()) && log.Write(text);
     if (!isWritten)
-        tell(QStringLiteral("%1: cannot be written: %2").arg(path, qt_error_string()));
+        ConsoleLine(QStringLiteral("%1: cannot be written: %2").arg(path, qt_error_string()));
     WatchNewLogFile(isWritten ? path : QString());
 }
 
@@ -132,8 +128,8 @@ bool CloseRunLog() {
     if (!unwritten.empty()) {
         const QString cause = writeWhatIsLeft();
         if (!cause.isEmpty())
-            tell(QStringLiteral("%1: cannot be written: %2; the run log is not whole")
-                     .arg(runLogPath(), cause));
+            ConsoleLine(QStringLiteral("%1: cannot be written: %2; the run log is not whole")
+                            .arg(runLogPath(), cause));
     }
     ResetRunLog();
     return true;

@@ -1,6 +1,6 @@
 #include "log/Trace.h"
 
-#include "engine/HostText.h"
+#include "engine/Report.h"
 #include "engine/RunState.h"
 #include "engine/TarnelData.h"
 #include "log/NarrowFile.h"
@@ -45,8 +45,8 @@ void Trace(const QString& text) {
     if ((file.OpenForAppend(tracePath()) && file.Write(text)) || isLossTold)
         return;
     isLossTold = true;
-    HostPrint(QStringLiteral("\nTarnel: %1: cannot be written: %2; lines of the trace are missing\n")
-                  .arg(TarnelData().TraceFile, qt_error_string()));
+    ConsoleLine(QStringLiteral("%1: cannot be written: %2; lines of the trace are missing")
+                    .arg(TarnelData().TraceFile, qt_error_string()));
 }
 
 void Trace(const char* text) {

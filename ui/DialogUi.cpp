@@ -107,7 +107,7 @@ void DialogUi::Flash(bool on) {
         status->Flash(on);
 }
 
-void DialogUi::ShowFileStatus(const QString& /*path*/, const QString& /*status*/) {}
+void DialogUi::ShowFileStatus(std::uint32_t /*entry*/, const QString& /*path*/, const QString& /*status*/) {}
 
 void DialogUi::CloseStatus() {
     delete status;

@@ -21,7 +21,7 @@ class DialogUi : public RunUi {
     void StepFileTime() override;
     void Alarm() override;
     void Flash(bool on) override;
-    void ShowFileStatus(const QString& path, const QString& status) override;
+    void ShowFileStatus(std::uint32_t entry, const QString& path, const QString& status) override;
     void CloseStatus() override;
     bool IsStepThroughVisible() const override { return false; }
     void CloseStepThrough() override {}

@@ -29,7 +29,7 @@ class SilentUi : public RunUi {
     void StepFileTime() override {}
     void Alarm() override {}
     void Flash(bool) override {}
-    void ShowFileStatus(const QString&, const QString&) override {}
+    void ShowFileStatus(std::uint32_t, const QString&, const QString&) override {}
     void CloseStatus() override {}
     bool IsStepThroughVisible() const override { return false; }
     void CloseStepThrough() override {}

@@ -191,7 +191,7 @@ bool CommandLine::cancel() {
     active_.pop_back();
     const std::string name = active->name;
     active.reset();
-    host_.printLine("*Cancel*");
+    host_.printLine("*Cancel*", Said::Aside);
     host_.notify([&](HostObserver& observer) { observer.commandCancelled(name); });
     return true;
 }

@@ -68,7 +68,7 @@ Outcome InputStream::command(Document& document, std::string_view typed, InputSo
             const std::string call = "(C:" + word.name + ")";
             lisp::EvalResult result = document.lisp().run(call, call);
             if (result.ok() && !result.value.isNullSymbol()) {
-                host_.printLine(DocumentLisp::shown(result.value));
+                host_.printLine(DocumentLisp::shown(result.value), Said::Aside);
             }
             return result.status == lisp::EvalResult::Status::Error ? Outcome::Failed : Outcome::Ok;
         }

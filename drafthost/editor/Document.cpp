@@ -8,6 +8,7 @@
 #include "drafthost/editor/DocumentLisp.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
+#include "drafthost/editor/ReportChannel.h"
 
 namespace drafthost {
 
@@ -90,6 +91,9 @@ bool Document::saveTo(const std::string& path, bool takeName, const Writer& writ
         clearModified();
     }
     savedName_ = path;
+    if (host_.report()) {
+        host_.report()->saved(path);
+    }
     host_.notify([&](HostObserver& observer) { observer.saveComplete(*this, path); });
     return true;
 }

@@ -112,14 +112,12 @@ lisp::EvalResult DocumentLisp::run(std::string_view text, std::string_view first
         Evaluation evaluation(host_.input());
         result = world_.evaluate(text);
     }
-    if (result.status == lisp::EvalResult::Status::Error ||
-        result.status == lisp::EvalResult::Status::Cancelled) {
-        if (!result.handled) {
-            host_.printLine("; error: " + result.text);
-        }
+    const bool cancelled = result.status == lisp::EvalResult::Status::Cancelled;
+    if ((cancelled || result.status == lisp::EvalResult::Status::Error) && !result.handled) {
+        host_.printLine("; error: " + result.text, cancelled ? Said::Aside : Said::News);
     }
     host_.freshLine();
-    if (result.status == lisp::EvalResult::Status::Cancelled) {
+    if (cancelled) {
         host_.notify([](HostObserver& observer) { observer.lispCancelled(); });
     } else {
         host_.notify([](HostObserver& observer) { observer.lispEnded(); });

@@ -18,6 +18,7 @@
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/ProgramFiles.h"
 #include "drafthost/editor/RegistryFile.h"
+#include "drafthost/editor/ReportChannel.h"
 #include "drafthost/editor/ScriptReader.h"
 #include "system/FileJournal.h"
 
@@ -242,7 +243,11 @@ bool Host::isSingleDocument() const {
 
 // --- text ---
 
-void Host::print(std::string_view text) {
+void Host::setReport(std::unique_ptr<ReportChannel> report) {
+    report_ = std::move(report);
+}
+
+void Host::print(std::string_view text, Said said) {
     if (text.empty()) {
         return;
     }
@@ -252,11 +257,16 @@ void Host::print(std::string_view text) {
     if (current_) {
         current_->log().write(text);
     }
+    if (report_ && said == Said::News) {
+        report_->say(text);
+    } else if (report_) {
+        report_->sayAside(text);
+    }
     if (output_) {
+        constexpr std::size_t Enough = 1 << 16;
         line_ += text;
-        constexpr std::size_t LongLine = std::size_t{1} << 16;
-        if (!lineOpen_ || line_.size() > LongLine) {
-            flushOutput();
+        if (!lineOpen_ || line_.size() > Enough) {
+            handOut();
         }
     }
 }
@@ -267,9 +277,9 @@ void Host::freshLine() {
     }
 }
 
-void Host::printLine(std::string_view text) {
+void Host::printLine(std::string_view text, Said said) {
     freshLine();
-    print(std::string(text) + "\n");
+    print(std::string(text) + "\n", said);
 }
 
 void Host::logTyped(std::string_view text) {
@@ -281,6 +291,13 @@ void Host::logTyped(std::string_view text) {
 }
 
 void Host::flushOutput() {
+    handOut();
+    if (report_) {
+        report_->flush();
+    }
+}
+
+void Host::handOut() {
     if (output_ && !line_.empty()) {
         output_(line_);
         line_.clear();

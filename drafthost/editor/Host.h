@@ -26,7 +26,14 @@ class ModuleCommands;
 class ModuleTable;
 class ProgramFiles;
 class RegistryFile;
+class ReportChannel;
 class ScriptReader;
+
+/// What a text of the command line is to somebody who wants to know how the work goes.
+enum class Said {
+    News,   ///< worth being told
+    Aside,  ///< input and prompts, the values of LISP, what follows from a cancel
+};
 
 enum class OpenMode { ReadWrite, ReadOnly };
 
@@ -87,9 +94,9 @@ class Host {
 
     // --- text ---
     /// Writes to the command line and the current document's log, without adding a line end.
-    void print(std::string_view text);
+    void print(std::string_view text, Said said = Said::News);
     /// Writes a line of its own: begins one when the last is not finished.
-    void printLine(std::string_view text);
+    void printLine(std::string_view text, Said said = Said::News);
     /// Ends an unfinished line.
     void freshLine();
 
@@ -131,6 +138,9 @@ class Host {
     /// Where text goes besides the log, a line or a prompt at a time. Null for nowhere.
     using Output = std::function<void(std::string_view)>;
     void setOutput(Output output) { output_ = std::move(output); }
+    /// The program that is told what happens; null when there is none.
+    ReportChannel* report() { return report_.get(); }
+    void setReport(std::unique_ptr<ReportChannel> report);
     /// Hands out what has been printed of an unfinished line.
     void flushOutput();
     /// Text that a terminal has shown already as it was typed: for the log only, and the line has ended.
@@ -158,6 +168,7 @@ class Host {
     OpenResult take(std::unique_ptr<Document> document);
     Document* openFile(const std::string& path) const;
     void detach(Document& document);
+    void handOut();
 
     CommandTable commands_;
     SystemVariables variables_;
@@ -174,6 +185,7 @@ class Host {
     std::vector<std::string> supportPath_;
     Output output_;
     std::string line_;
+    std::unique_ptr<ReportChannel> report_;
     std::unique_ptr<Document> standIn_;
     std::uint64_t textMark_ = 0;
     LastLine lastLine_;

@@ -14,6 +14,7 @@
 #include "drafthost/editor/InputStreamDetail.h"
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/RegistryFile.h"
+#include "drafthost/editor/ReportChannel.h"
 #include "drafthost/editor/ScriptReader.h"
 #include "drafthost/lisp/World.h"
 
@@ -245,7 +246,7 @@ void InputStream::suspendScriptAfter(Outcome outcome, InputSource source, std::u
     if (source == InputSource::Script && (outcome == Outcome::Failed || outcome == Outcome::Rejected) &&
         reader.isRunning() && reader.number() == script) {
         reader.suspend();
-        host_.printLine("The script is suspended; RESUME goes on with it.");
+        host_.printLine("The script is suspended; RESUME goes on with it.", Said::Aside);
     }
 }
 
@@ -279,7 +280,7 @@ Outcome InputStream::perform(Document& document, const Fetched& fetched) {
         return answerWithValue(document, item);
     }
     if (item.kind == Item::Kind::Variable) {
-        host_.printLine(DocumentLisp::shown(document.world().get(item.text)));
+        host_.printLine(DocumentLisp::shown(document.world().get(item.text)), Said::Aside);
         return Outcome::Ok;
     }
     lisp::EvalResult result = document.lisp().run(item.text, item.text);
@@ -287,7 +288,7 @@ Outcome InputStream::perform(Document& document, const Fetched& fetched) {
         return result.status == lisp::EvalResult::Status::Error ? Outcome::Failed : Outcome::Ok;
     }
     if (!result.value.isNullSymbol()) {
-        host_.printLine(DocumentLisp::shown(result.value));
+        host_.printLine(DocumentLisp::shown(result.value), Said::Aside);
     }
     return Outcome::Ok;
 }
@@ -351,8 +352,11 @@ void InputStream::showPrompt(const std::string& prompt) {
         return;
     }
     host_.freshLine();
-    host_.print(prompt);
+    host_.print(prompt, Said::Aside);
     host_.flushOutput();
+    if (host_.report() && (depth_ > 0 || !target()->commandLine().atPrompt())) {
+        host_.report()->prompt(prompt);
+    }
     promptShown_ = true;
     promptMark_ = host_.textMark();
 }
@@ -360,13 +364,13 @@ void InputStream::showPrompt(const std::string& prompt) {
 void InputStream::echo(const std::string& prompt, std::string_view text, InputSource source) {
     if (!promptShown_ || promptMark_ != host_.textMark()) {
         host_.freshLine();
-        host_.print(prompt);
+        host_.print(prompt, Said::Aside);
     }
     promptShown_ = false;
     if (source == InputSource::Keyboard && keyboardIsTerminal_) {
         host_.logTyped(text);
     } else {
-        host_.print(std::string(text) + "\n");
+        host_.print(std::string(text) + "\n", Said::Aside);
     }
 }
 

@@ -1,12 +1,13 @@
 #!/usr/bin/python3
 """A host that dies, hangs and dawdles on demand, for the tests of the program that watches over hosts.
 
-It takes the commands that a run sends, keeps a state file and prints the lines of a run. What it does to a
+It takes the commands that a run sends, keeps a state file and tells the events of a run. What it does to a
 drawing stands in the drawing's name: die… ends in a segmentation fault, hang… answers nothing any more, slow…
 waits for a cancel, bad… cannot be opened, all others are Done at once. The file "host-starts" beside the state
 counts the starts; "mute" there makes the host start no run at all.
 """
 import html
+import json
 import os
 import re
 import select
@@ -42,15 +43,18 @@ def save():
     os.replace(STATE + ".new", STATE)
 
 
+def tell(event, **values):
+    os.write(int(os.environ["TARNEL_REPORT_FD"]), (json.dumps(dict(event=event, **values)) + "\n").encode())
+
+
 def say(text):
-    sys.stdout.write("\n" + text + "\n")
-    sys.stdout.flush()
+    tell("text", text=text)
 
 
 def give(entry, word):
     entry[1] = WORDS.index(word)
     save()
-    say("Tarnel: status %s: %s" % (word, entry[0]))
+    tell("status", entry=queue.index(entry), path=entry[0], status=word)
 
 
 def run():
@@ -61,11 +65,11 @@ def run():
 def work(log):
     waiting = [entry for entry in queue if entry[1] == 0]
     log("<html><body>")
-    say("Tarnel: run started, %d to do" % len(waiting))
+    tell("run-started", todo=len(waiting))
     for number, entry in enumerate(waiting, 1):
         name = os.path.basename(entry[0])
         give(entry, "FailOpen")
-        say("Tarnel: file %d of %d: %s" % (number, len(waiting), entry[0]))
+        tell("file", entry=queue.index(entry), path=entry[0], number=number, of=len(waiting))
         own = os.path.join(FOLDER, "unopened-%d-%d.log" % (os.getpid(), number))
         with open(own, "w") as f:
             f.write(entry[0])
@@ -80,7 +84,7 @@ def work(log):
         if name.startswith("hang"):
             time.sleep(600)
         if name.startswith("slow"):
-            say("Specify first point:")
+            tell("prompt", text="Specify first point: ")
             line = sys.stdin.readline() if select.select([sys.stdin], [], [], 60)[0] else "nobody speaks"
             if not line:
                 # The front is gone; this host is about to be killed, and must not go on in between.
@@ -90,7 +94,7 @@ def work(log):
                 break
         give(entry, "Done")
     log("</body></html>")
-    say("Tarnel: run ended")
+    tell("run-ended")
 
 
 def main():

@@ -1,6 +1,6 @@
-// The queue from what the user names, and the lines of a run.
+// The queue from what the user names, and the events of a run.
 #include "app/DrawingList.h"
-#include "app/HostLine.h"
+#include "app/HostEvent.h"
 #include "app/QueueEntry.h"
 #include "app/RunLedger.h"
 #include "app/RunRecord.h"
@@ -150,41 +150,50 @@ TEST_F(DrawingList, NumbersOfAStateAreReadAsTheModuleReadsThem) {
     EXPECT_THAT(error, testing::HasSubstr("half.xml: does not hold the state of a run"));
 }
 
-TEST(RunLedger, FollowsTheLinesOfARun) {
-    RunLedger ledger({{"/a: 1 of 2.dxf", DrawingStatus::ToDo},
+TEST(RunLedger, FollowsTheEventsOfARun) {
+    RunLedger ledger({{"/a.dxf", DrawingStatus::ToDo},
                       {"/locked.dwg", DrawingStatus::ToDo},
-                      {"/b.dxf", DrawingStatus::ToDo}});
-    HostListener listener;
+                      {"/b.dxf", DrawingStatus::ToDo},
+                      {"/a.dxf", DrawingStatus::ToDo}});
     const auto start = RunLedger::Clock::now();
-    const auto take = [&](const char* line, int seconds) -> std::string {
+    const auto take = [&](const std::string& line, int seconds) -> std::string {
         std::string settled;
-        for (const DrawingRecord* record :
-             ledger.Take(listener.Read(line), start + std::chrono::seconds(seconds))) {
+        const auto event = ReadEvent(line);
+        EXPECT_TRUE(event) << line;
+        for (const DrawingRecord* record : ledger.Take(*event, start + std::chrono::seconds(seconds))) {
             settled += record->Path + ";";
         }
         return settled;
     };
-    take("Cannot load a font.", 0);
-    take("Tarnel: status FailOpen: /a: 1 of 2.dxf", 0);
-    take("Tarnel: file 1 of 2: /a: 1 of 2.dxf", 0);
-    take("Tarnel: status Error: /a: 1 of 2.dxf", 1);
-    take("Command: (princ (strcat \"a ) ; \\\" b\"", 1);
-    take("  currentfile))", 1);
-    take("\"a ) ; \\\" b\"", 1);
-    take("Scale factor <1>: 2", 1);
-    take("Command: FOO", 1);
-    take("Unknown command \"FOO\".", 1);
-    take("The script is suspended; RESUME goes on with it.", 1);
-    take("Specify first point: ", 1);
-    take("*Cancel*", 2);
-    take("Tarnel: status Timeout: /a: 1 of 2.dxf", 3);
-    EXPECT_EQ(take("Tarnel: status Locked: /locked.dwg", 3), "/a: 1 of 2.dxf;/locked.dwg;");
-    take("Tarnel: status FailOpen: /b.dxf", 3);
-    take("Tarnel: file 2 of 2: /b.dxf", 4);
+    const auto status = [](int entry, const std::string& path, const std::string& word) {
+        return R"({"event":"status","entry":)" + std::to_string(entry) + R"(,"path":")" + path +
+               R"(","status":")" + word + R"("})";
+    };
+    const auto file = [](int entry, const std::string& path) {
+        return R"({"event":"file","number":1,"of":4,"entry":)" + std::to_string(entry) + R"(,"path":")" +
+               path + R"("})";
+    };
+    take(R"({"event":"text","text":"Cannot load a font."})", 0);
+    take(status(0, "/a.dxf", "FailOpen"), 0);
+    take(file(0, "/a.dxf"), 0);
+    take(status(0, "/a.dxf", "Error"), 1);
+    take(R"({"event":"text","text":"Unknown command \"FOO\"."})", 1);
+    take(R"({"event":"prompt","text":"Specify first point: "})", 1);
+    take(status(0, "/a.dxf", "Timeout"), 3);
+    EXPECT_EQ(take(status(1, "/locked.dwg", "Locked"), 3), "/a.dxf;/locked.dwg;");
+    take(status(2, "/b.dxf", "FailOpen"), 3);
+    take(file(2, "/b.dxf"), 4);
     EXPECT_EQ(ledger.Current()->Path, "/b.dxf");
-    take("Specify first point:", 5);
-    take("Tarnel: status Error: /b.dxf", 9);
-    EXPECT_EQ(take("Tarnel: run ended", 9), "/b.dxf;");
+    take(R"({"event":"prompt","text":"Specify first point: "})", 5);
+    take(status(2, "/b.dxf", "Error"), 9);
+    take(status(3, "/a.dxf", "FailOpen"), 9);
+    take(file(3, "/a.dxf"), 9);
+    take(status(3, "/a.dxf", "Done"), 10);
+    EXPECT_EQ(take(R"({"event":"run-ended"})", 11), "/a.dxf;");
+    for (const char* other : {"Tarnel: run ended", "{\"event\":\"run-ended\"", "[]", R"({"event":"other"})",
+                              R"({"event":"status","entry":0,"path":"/a.dxf","status":"Fine"})"}) {
+        EXPECT_FALSE(ReadEvent(other)) << other;
+    }
 
     const DrawingRecord& first = ledger.Records()[0];
     EXPECT_EQ(first.Status, DrawingStatus::Timeout);
@@ -193,12 +202,16 @@ TEST(RunLedger, FollowsTheLinesOfARun) {
     EXPECT_FALSE(ledger.Records()[1].Seconds);
     EXPECT_EQ(ledger.Records()[2].Seconds, 5.0);
     EXPECT_EQ(ledger.Records()[2].Message, "Specify first point:");
+    EXPECT_EQ(ledger.Records()[3].Status, DrawingStatus::Done) << "the second entry of that path";
 
-    EXPECT_FALSE(ledger.Reconcile({{"/a: 1 of 2.dxf", DrawingStatus::Timeout},
+    EXPECT_FALSE(ledger.Reconcile({{"/a.dxf", DrawingStatus::Timeout},
                                    {"/locked.dwg", DrawingStatus::Locked},
-                                   {"/b.dxf", DrawingStatus::ToDo}}))
+                                   {"/b.dxf", DrawingStatus::ToDo},
+                                   {"/a.dxf", DrawingStatus::Done}}))
         << "a drawing that was worked on is not saved";
+    EXPECT_EQ(ledger.Records()[0].Status, DrawingStatus::Timeout);
     EXPECT_EQ(ledger.Records()[2].Status, DrawingStatus::Error);
+    EXPECT_EQ(ledger.Records()[3].Status, DrawingStatus::Done);
 }
 
 }  // namespace

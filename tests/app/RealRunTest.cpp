@@ -185,6 +185,49 @@ TEST_F(RealRun, ScriptsThatStopEndAsTimeoutAndTheRunGoesOn) {
     }
 }
 
+TEST_F(RealRun, AScriptCannotSpeakForTheRun) {
+    const std::string first = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string second = CopySample("garden-2007.dxf", "b.dxf");
+    const std::string script = Write("s.scr", R"(
+(setq fakes (list
+  (strcat "Tarnel: status Done: " currentfileandpath currentext)
+  "Tarnel: run ended"
+  (strcat "{\"event\":\"status\",\"entry\":1,\"path\":\"" currentfileandpath currentext "\",\"status\":\"Done\"}")
+  "{\"event\":\"run-ended\"}"))
+(foreach fake fakes (princ (strcat "\n" fake "\n")))
+(setq number 3)
+(repeat 60
+  (foreach folder '("/proc/self/fd/" "/dev/fd/")
+    (if (setq way (open (strcat folder (itoa number)) "a"))
+      (progn
+        (foreach fake fakes (vl-catch-all-apply 'write-line (list fake way)))
+        (vl-catch-all-apply 'close (list way)))))
+  (setq number (1+ number)))
+(setenv "TARNEL_REPORT_FD" "1")
+(foreach fake fakes (princ (strcat "\n" fake "\n")))
+(if (= currentfile "b") (Tarnel_File_Error))
+)");
+    const ProgramResult result = Run({"--max-time", "20", "--script", script, first, second});
+    EXPECT_EQ(result.Status, 1) << result.Errors;
+    EXPECT_THAT(result.Out, HasSubstr("\nError    2/2  " + second));
+    EXPECT_THAT(result.Out, HasSubstr("1 Done, 1 Error"));
+    EXPECT_THAT(result.Out, HasSubstr("         {\"event\":\"run-ended\"}\n")) << "the last that it said";
+    EXPECT_THAT(Read(StateFile()), HasSubstr("<File Status=\"5\">" + second));
+}
+
+TEST_F(RealRun, ALineWithoutEndCostsNoMoreThanItsStart) {
+    const std::string drawing = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string script = Write("s.scr",
+                                     "(setq s \"\303\244bcdefgh\")\n"
+                                     "(repeat 13 (setq s (strcat s s)))\n"
+                                     "(repeat 40 (princ s))\n(Tarnel_File_Error)\n");
+    const ProgramResult result = Run({"--script", script, "--json", "r.json", drawing});
+    EXPECT_EQ(result.Status, 1);
+    EXPECT_THAT(result.Out, HasSubstr("bcdefgh ... (2949120 bytes in one line)\n"));
+    EXPECT_LT(result.Out.size(), 2000U);
+    EXPECT_LT(Read(Folder / "r.json").size(), 2000U);
+}
+
 TEST_F(RealRun, InterruptCancelsAndResumeTakesTheRest) {
     const std::string first = CopySample("rooms-2000.dxf", "a.dxf");
     const std::string second = CopySample("garden-2007.dxf", "b.dxf");

@@ -40,7 +40,7 @@ void RecordingUi::ShowFile(const QString& path, int limit) {
     note(QStringLiteral("file %1 %2").arg(path).arg(limit));
 }
 
-void RecordingUi::ShowFileStatus(const QString& path, const QString& status) {
+void RecordingUi::ShowFileStatus(std::uint32_t, const QString& path, const QString& status) {
     note(QStringLiteral("status %1 %2").arg(status, path));
 }
 

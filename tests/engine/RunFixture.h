@@ -28,7 +28,7 @@ class RecordingUi : public RunUi {
     void StepFileTime() override { note(QStringLiteral("second")); }
     void Alarm() override { note(QStringLiteral("alarm")); }
     void Flash(bool on) override { note(on ? QStringLiteral("flash on") : QStringLiteral("flash off")); }
-    void ShowFileStatus(const QString& path, const QString& status) override;
+    void ShowFileStatus(std::uint32_t entry, const QString& path, const QString& status) override;
     void CloseStatus() override { note(QStringLiteral("close")); }
     bool IsStepThroughVisible() const override { return StepThroughVisible; }
     void CloseStepThrough() override { StepThroughVisible = false; }

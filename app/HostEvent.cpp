@@ -1,0 +1,51 @@
+#include "app/HostEvent.h"
+
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <unordered_map>
+
+namespace {
+
+using Kind = HostEvent::Kind;
+
+std::optional<Kind> KindOf(const std::string& name) {
+    static const std::unordered_map<std::string_view, Kind> kinds = {
+        {"text", Kind::Talk},          {"prompt", Kind::Prompt},   {"run-started", Kind::RunStarted},
+        {"file", Kind::File},          {"status", Kind::Status},   {"alarm", Kind::Alarm},
+        {"run-ended", Kind::RunEnded}, {"message", Kind::Message}, {"saved", Kind::Saved}};
+    const auto found = kinds.find(name);
+    return found == kinds.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::string TextOf(const nlohmann::json& object, const char* name) {
+    const auto found = object.find(name);
+    return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
+}
+
+std::string Trim(const std::string& text) {
+    const std::size_t from = text.find_first_not_of(" \t\r");
+    return from == std::string::npos ? std::string()
+                                     : text.substr(from, text.find_last_not_of(" \t\r") - from + 1);
+}
+
+}  // namespace
+
+std::optional<HostEvent> ReadEvent(const std::string& line) {
+    const nlohmann::json object = nlohmann::json::parse(line, nullptr, false);
+    const auto kind = object.is_object() ? KindOf(TextOf(object, "event")) : std::nullopt;
+    if (!kind) {
+        return std::nullopt;
+    }
+    HostEvent event;
+    event.What = *kind;
+    const bool isTalk = kind == Kind::Talk || kind == Kind::Prompt || kind == Kind::Message;
+    event.Text = isTalk ? Trim(TextOf(object, "text")) : TextOf(object, "path");
+    if (const auto entry = object.find("entry"); entry != object.end() && entry->is_number_unsigned()) {
+        event.Entry = entry->get<std::size_t>();
+    }
+    if (*kind == Kind::Status && !StatusFromWord(TextOf(object, "status"), &event.Status)) {
+        return std::nullopt;
+    }
+    event.Changed = object.value("changed", nlohmann::json(false)) == true;
+    return event;
+}

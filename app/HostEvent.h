@@ -1,0 +1,39 @@
+#pragma once
+// What the host and the module tell of a run: JSON objects on a socket of their own (docs/headless.md tells
+// them). Nothing that a script prints can be taken for one of them, since such a line comes inside a "text".
+#include "app/QueueEntry.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+struct HostEvent {
+    enum class Kind {
+        /// A line of the host's command line, without the echo of input and the values of LISP.
+        Talk,
+        /// A question that waits for an answer.
+        Prompt,
+        RunStarted,
+        /// A drawing is in work now.
+        File,
+        Status,
+        Alarm,
+        RunEnded,
+        /// A message of the module for the user.
+        Message,
+        /// A drawing was written.
+        Saved,
+    };
+
+    Kind What = Kind::Talk;
+    /// Of File, Status, Alarm and Saved a path; of Talk, Prompt and Message the text.
+    std::string Text;
+    /// Of File, Status and Alarm: which entry of the queue it is, in the order of the state file.
+    std::size_t Entry = 0;
+    DrawingStatus Status = DrawingStatus::ToDo;
+    /// Of Status: the drawing had unsaved changes then.
+    bool Changed = false;
+};
+
+/// Reads one line; nothing when it is none of the events that are known here.
+std::optional<HostEvent> ReadEvent(const std::string& line);

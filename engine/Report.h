@@ -1,0 +1,14 @@
+#pragma once
+// What the module tells besides dialogs: lines for people on the host's command line, and events for the
+// program that started the host. Events are JSON objects, one a line, on the socket that the environment
+// variable TARNEL_REPORT_FD names; docs/headless.md tells their form. They have a way of their own because a
+// script can print any line that it likes, while nothing but the module and the host has this socket.
+#include <QString>
+
+class QJsonObject;
+
+/// Sends an event. False when no program listens.
+bool Report(const QJsonObject& event);
+/// One line with the prefix "Tarnel: " at the start of a line of the command line, and a message to the
+/// program that listens.
+void ConsoleLine(const QString& text);
