@@ -78,13 +78,13 @@ bool DataFolder::Lock(std::string* error) {
     return true;
 }
 
-std::string DataFolder::KeepStateAside(std::string* error) const {
+std::string DataFolder::KeepAside(const std::string& file, std::string* error) {
     std::string kept;
     for (int number = 1; kept.empty() || access(kept.c_str(), F_OK) == 0; ++number) {
-        kept = StateFile() + ".damaged-" + std::to_string(number);
+        kept = file + ".damaged-" + std::to_string(number);
     }
-    if (std::rename(StateFile().c_str(), kept.c_str()) != 0) {
-        *error = StateFile() + ": cannot be moved to " + kept + ": " + std::strerror(errno);
+    if (std::rename(file.c_str(), kept.c_str()) != 0) {
+        *error = file + ": cannot be moved to " + kept + ": " + std::strerror(errno);
         return {};
     }
     return kept;

@@ -21,8 +21,8 @@ class DataFolder {
     std::string StateFile() const { return Path() + "/TarnelRunner.xml"; }
     int LockDescriptor() const { return lock; }
 
-    /// Moves the state file to a free name beside it. The new name; empty with one line when it cannot be.
-    std::string KeepStateAside(std::string* error) const;
+    /// Moves a file to a free name beside it. The new name; empty with one line when it cannot be.
+    static std::string KeepAside(const std::string& file, std::string* error);
 
   private:
     std::string home;

@@ -2,31 +2,63 @@
 
 #include "app/FolderChange.h"
 #include "app/JobFolders.h"
-#include "app/RunRecord.h"
-#include "engine/TarnelData.h"
+#include "app/WrittenFile.h"
+#include "state/StateFile.h"
 
 #include <cstdio>
 #include <filesystem>
+#include <QString>
+
+namespace {
+
+/// A file that cannot be read for the moment is no damaged one: only what was read and makes no sense goes
+/// aside.
+bool KeepDamaged(const std::string& file, const std::string& cause, std::string* error) {
+    const std::string kept = DataFolder::KeepAside(file, error);
+    if (!kept.empty()) {
+        std::fprintf(stderr, "tarnel: %s; it is kept as %s\n", cause.c_str(), kept.c_str());
+    }
+    return !kept.empty();
+}
+
+bool MakeRoomForState(const DataFolder& folder, std::string* error) {
+    std::string text;
+    if (!std::filesystem::exists(folder.StateFile())) {
+        return true;
+    }
+    if (!ReadFile(folder.StateFile(), &text, error)) {
+        return false;
+    }
+    const QString fault = StateTextFault(QByteArray::fromStdString(text), 1);
+    return fault.isEmpty() ||
+           KeepDamaged(folder.StateFile(),
+                       folder.StateFile() + ": does not hold the state of a run: " + fault.toStdString(),
+                       error);
+}
+
+bool MakeRoomForDescription(const DataFolder& folder, std::string* error) {
+    std::optional<RunDescription> description;
+    std::string cause;
+    if (ReadDescription(folder.Path(), &description, &cause)) {
+        return true;
+    }
+    const std::string file = DescriptionFile(folder.Path());
+    std::string text;
+    return ReadFile(file, &text, error) && KeepDamaged(file, cause, error);
+}
+
+}  // namespace
 
 bool TakeFolder(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
     return folder->Lock(error) && FinishChange(*folder, description, error);
 }
 
+bool TakeForNewRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
+    return folder->Lock(error) && MakeRoomForDescription(*folder, error) &&
+           FinishChange(*folder, description, error) && MakeRoomForState(*folder, error);
+}
+
 bool TakeWholeRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
     return TakeFolder(folder, description, error) &&
            (!*description || (*description)->Jobs == 0 || GatherJobs(*folder, &**description, error));
-}
-
-bool MakeRoomForState(const DataFolder& folder, std::string* error) {
-    std::string cause;
-    CTarnelData record;
-    if (!std::filesystem::exists(folder.StateFile()) || ReadRecord(folder.StateFile(), &record, &cause)) {
-        return true;
-    }
-    const std::string kept = folder.KeepStateAside(error);
-    if (kept.empty()) {
-        return false;
-    }
-    std::fprintf(stderr, "tarnel: %s; it is kept as %s\n", cause.c_str(), kept.c_str());
-    return true;
 }

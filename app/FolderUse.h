@@ -13,6 +13,6 @@ bool TakeFolder(DataFolder* folder, std::optional<RunDescription>* description, 
 /// The same, and brings together what several hosts have left: for commands that look at the run.
 bool TakeWholeRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error);
 
-/// Moves a state that cannot be read away, before a new one is put in its place, and tells so on standard
-/// error. False with one line.
-bool MakeRoomForState(const DataFolder& folder, std::string* error);
+/// Locks a folder for a new run. What is damaged of the run before is kept under another name, which standard
+/// error tells. False with one line.
+bool TakeForNewRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error);

@@ -48,7 +48,7 @@ std::string GoOnCommand(const std::string& folder) {
 bool ReadPart(const MergeOptions& options, const std::string& given, Part* part, std::string* error) {
     part->Folder = std::make_unique<DataFolder>(given);
     const DataFolder& folder = *part->Folder;
-    if (!fs::exists(folder.StateFile()) && !fs::exists(folder.Path() + "/run.json")) {
+    if (!fs::exists(folder.StateFile()) && !fs::exists(DescriptionFile(folder.Path()))) {
         *error = folder.Path() + ": no run was started here";
         return false;
     }
@@ -186,8 +186,7 @@ bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& 
     for (const DrawingRecord& record : records) {
         queue.push_back({record.Path, record.Status});
     }
-    if (!MakeRoomForState(target, error) || !change.Begin(error) ||
-        !MergeLogs(folders, change.Next(), PathsOf(queue), error)) {
+    if (!change.Begin(error) || !MergeLogs(folders, change.Next(), PathsOf(queue), error)) {
         return false;
     }
     folders.insert(folders.begin(), target.Path());
@@ -243,7 +242,7 @@ ExitStatus MergeRuns(const MergeOptions& options) {
         return Refuse(BrokenOff, error);
     }
     const std::vector<DrawingRecord> records = JoinRecords(parts);
-    if (!CheckWhole(options, parts, records, &error) || !TakeFolder(&target, &before, &error) ||
+    if (!CheckWhole(options, parts, records, &error) || !TakeForNewRun(&target, &before, &error) ||
         !WriteMerged(target, before, parts, records, &error) ||
         (!options.JsonFile.empty() && !WriteRecords(records, options.JsonFile, &error))) {
         return Refuse(BrokenOff, error);

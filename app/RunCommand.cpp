@@ -168,7 +168,7 @@ ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
     if (status != AllDone || options.DryRun) {
         return status;
     }
-    return TakeFolder(folder, &description, error) && CommitNewRun(*folder, description, plan, error)
+    return TakeForNewRun(folder, &description, error) && CommitNewRun(*folder, description, plan, error)
                ? AllDone
                : BrokenOff;
 }

@@ -12,10 +12,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string FileOf(const std::string& folder) {
-    return folder + "/run.json";
-}
-
 Json ToJson(const ListMark& mark) {
     return {{"drawings", mark.Count}, {"digest", mark.Digest}};
 }
@@ -44,6 +40,10 @@ RunDescription FromJson(const Json& all) {
 
 }  // namespace
 
+std::string DescriptionFile(const std::string& folder) {
+    return folder + "/run.json";
+}
+
 RunDescription NewDescription() {
     std::random_device dice;
     RunDescription description;
@@ -58,7 +58,7 @@ RunDescription NewDescription() {
 bool ReadDescription(const std::string& folder, std::optional<RunDescription>* description,
                      std::string* error) {
     description->reset();
-    const std::string file = FileOf(folder);
+    const std::string file = DescriptionFile(folder);
     std::string text;
     if (access(file.c_str(), F_OK) != 0 && errno == ENOENT) {
         return true;
@@ -98,7 +98,7 @@ bool WriteDescription(const std::string& folder, const RunDescription& descripti
     if (!description.Places.empty()) {
         all["places"] = description.Places;
     }
-    return WriteFile(FileOf(folder), all.dump() + "\n", error);
+    return WriteFile(DescriptionFile(folder), all.dump() + "\n", error);
 }
 
 ListMark MarkOf(const std::vector<std::string>& paths) {

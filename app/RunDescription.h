@@ -44,6 +44,8 @@ struct RunDescription {
 /// A description with a name of its own and nothing else.
 RunDescription NewDescription();
 
+/// Where it stands in a folder.
+std::string DescriptionFile(const std::string& folder);
 /// Nothing when the folder has none, which is no error: the window and earlier versions write none. False
 /// with one line when there is one that cannot be read.
 bool ReadDescription(const std::string& folder, std::optional<RunDescription>* description,

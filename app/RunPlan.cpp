@@ -2,7 +2,6 @@
 
 #include "app/DrawingList.h"
 #include "app/FolderChange.h"
-#include "app/FolderUse.h"
 #include "app/InputFile.h"
 #include "app/NoDrawing.h"
 #include "app/RunRecord.h"
@@ -179,8 +178,7 @@ bool CommitNewRun(const DataFolder& folder, const std::optional<RunDescription>&
     RunPlan whole;
     whole.Description = plan->Description;
     const FolderChange change(folder);
-    if (!MakeRoomForState(folder, error) ||
-        (fs::exists(folder.StateFile()) && !ReadRecord(folder.StateFile(), &whole.Record, error)) ||
+    if ((fs::exists(folder.StateFile()) && !ReadRecord(folder.StateFile(), &whole.Record, error)) ||
         !change.Begin(error)) {
         return false;
     }

@@ -162,6 +162,15 @@ TEST_F(WatchedRun, KeepsAStateThatItCannotRead) {
     EXPECT_EQ(anew.Status, 0);
     EXPECT_THAT(anew.Errors, HasSubstr("kept as " + StateFile() + ".damaged-1"));
     EXPECT_EQ(Read(StateFile() + ".damaged-1"), damaged);
+
+    const std::string description = Folder / "data/Ovrix/run.json";
+    Write("data/Ovrix/run.json", "{\"run\": \"cut o");
+    const ProgramResult cut = Run({"--resume"});
+    EXPECT_EQ(cut.Status, 3);
+    EXPECT_THAT(cut.Errors, HasSubstr(description + ": does not hold the description of a run"));
+    const ProgramResult again = Run(Arguments({"a.dxf"}));
+    EXPECT_EQ(again.Status, 0) << again.Errors;
+    EXPECT_THAT(again.Errors, HasSubstr("kept as " + description + ".damaged-1"));
 }
 
 TEST_F(WatchedRun, RefusesWhatCannotWorkInOneLine) {
