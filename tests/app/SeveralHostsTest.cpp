@@ -241,6 +241,27 @@ TEST_F(SeveralHosts, AKilledFrontGoesOnWithOneHostOrSeveral) {
     }
 }
 
+TEST_F(SeveralHosts, TwoEntriesOfOnePathAreTwoDrawings) {
+    // As the window or a list of another program may have it; the second time the script goes wrong.
+    const std::string twin = Write("twin.dxf", "0\nEOF\n");
+    const std::string mark = Folder / "mark";
+    Write("data/Ovrix/TarnelRunner.xml",
+          "<TarnelRunner><Options><Script>(if (findfile \"" + mark +
+              "\") (Tarnel_File_Error))\n(setq f (open \"" + mark +
+              "\" \"w\")) (close f)\n</Script><SortIdx>6</SortIdx></Options><Files><File Status=\"0\">" +
+              twin + "</File><File Status=\"1\">/done.dxf</File><File Status=\"0\">" + twin +
+              "</File></Files></TarnelRunner>");
+    const ProgramResult result = Run({"--resume", "--json", "r.json"});
+    EXPECT_EQ(result.Status, 1) << result.Errors;
+    EXPECT_THAT(result.Out, HasSubstr("2 Done, 1 Error"));
+    EXPECT_THAT(result.Out, HasSubstr("Error    2/2  " + twin)) << "each has its line";
+    const auto records = nlohmann::json::parse(Read(Folder / "r.json"));
+    ASSERT_EQ(records.size(), 3U);
+    EXPECT_EQ(records[0]["status"], "Done");
+    EXPECT_EQ(records[2]["status"], "Error");
+    EXPECT_TRUE(records[0]["seconds"].is_number() && records[2]["seconds"].is_number()) << records;
+}
+
 TEST_F(SeveralHosts, SharesAreFairWholeAndInOrder) {
     std::vector<QueueEntry> queue;
     for (const std::size_t size : {900, 10, 300, 20, 300, 30, 300}) {
