@@ -1,6 +1,7 @@
 #include "app/RunLedger.h"
 
 #include <algorithm>
+#include <utility>
 
 RunLedger::RunLedger(const std::vector<QueueEntry>& queue) {
     records.reserve(queue.size());
@@ -18,6 +19,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
     };
     switch (event.What) {
         case HostEvent::Kind::File:
+            coming = nullptr;
             settle();
             current = EntryOf(event);
             since = now;
@@ -34,6 +36,10 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
                     settle();
                 }
                 record->Status = event.Status;
+                if (event.Status == DrawingStatus::FailOpen && record != current) {
+                    coming = record;
+                    since = now;
+                }
                 if (event.Status == DrawingStatus::Locked) {
                     record->Settled = true;
                     settled.push_back(record);
@@ -60,7 +66,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
 }
 
 const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string& host) {
-    DrawingRecord* settled = current;
+    DrawingRecord* settled = current ? current : std::exchange(coming, nullptr);
     if (settled) {
         settled->Settled = true;
         settled->Seconds = std::chrono::duration<double>(now - since).count();
@@ -102,7 +108,8 @@ std::vector<std::size_t> RunLedger::LeftInWork(const RunQueue& saved) const {
         const bool inWork =
             saved[i].Status == DrawingStatus::FailOpen || saved[i].Status == DrawingStatus::Error;
         // The host may have saved a drawing's status and died before it could say so.
-        if (inWork && (&records[i] == current || records[i].Status == DrawingStatus::ToDo)) {
+        if (inWork &&
+            (&records[i] == current || &records[i] == coming || records[i].Status == DrawingStatus::ToDo)) {
             left.push_back(i);
         }
     }
@@ -114,6 +121,7 @@ void RunLedger::TakeBack(std::size_t place, const std::string& host) {
     record.Status = DrawingStatus::ToDo;
     record.Host = host;
     current = &record == current ? nullptr : current;
+    coming = &record == coming ? nullptr : coming;
 }
 
 void RunLedger::Adopt(const RunLedger& share, const std::vector<std::size_t>& places) {

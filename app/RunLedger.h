@@ -68,6 +68,8 @@ class RunLedger {
 
     std::vector<DrawingRecord> records;
     DrawingRecord* current = nullptr;
+    /// It has its first status, and its turn has not been told.
+    DrawingRecord* coming = nullptr;
     /// The prompt at which the drawing in work waits, if it does.
     std::string prompt;
     Clock::time_point since;
