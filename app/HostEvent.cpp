@@ -12,7 +12,8 @@ std::optional<Kind> KindOf(const std::string& name) {
     static const std::unordered_map<std::string_view, Kind> kinds = {
         {"text", Kind::Talk},          {"prompt", Kind::Prompt},   {"run-started", Kind::RunStarted},
         {"file", Kind::File},          {"status", Kind::Status},   {"alarm", Kind::Alarm},
-        {"run-ended", Kind::RunEnded}, {"message", Kind::Message}, {"saved", Kind::Saved}};
+        {"run-ended", Kind::RunEnded}, {"message", Kind::Message}, {"refused", Kind::Refused},
+        {"saved", Kind::Saved}};
     const auto found = kinds.find(name);
     return found == kinds.end() ? std::nullopt : std::optional(found->second);
 }
@@ -38,10 +39,17 @@ std::optional<HostEvent> ReadEvent(const std::string& line) {
     }
     HostEvent event;
     event.What = *kind;
-    const bool isTalk = kind == Kind::Talk || kind == Kind::Prompt || kind == Kind::Message;
+    const bool isTalk =
+        kind == Kind::Talk || kind == Kind::Prompt || kind == Kind::Message || kind == Kind::Refused;
     event.Text = isTalk ? Trim(TextOf(object, "text")) : TextOf(object, "path");
     if (const auto entry = object.find("entry"); entry != object.end() && entry->is_number_unsigned()) {
         event.Entry = entry->get<std::size_t>();
+    }
+    if (const auto line = object.find("line"); line != object.end() && line->is_number_unsigned()) {
+        event.Line = line->get<std::size_t>();
+    }
+    if (*kind == Kind::RunStarted && object.value("head", 2) >= 0) {
+        event.Line = object.value("head", 2U);
     }
     if (*kind == Kind::Status && !StatusFromWord(TextOf(object, "status"), &event.Status)) {
         return std::nullopt;

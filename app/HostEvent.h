@@ -21,16 +21,20 @@ struct HostEvent {
         RunEnded,
         /// A message of the module for the user.
         Message,
+        /// A line of a script was refused.
+        Refused,
         /// A drawing was written.
         Saved,
     };
 
     Kind What = Kind::Talk;
-    /// Of File, Status, Alarm and Saved a path; of Talk, Prompt and Message the text.
+    /// Of File, Status, Alarm and Saved a path; of Talk, Prompt, Message and Refused the text.
     std::string Text;
     /// Of File, Status and Alarm: which entry of the queue it is, in the order of the state file.
     std::size_t Entry = 0;
     DrawingStatus Status = DrawingStatus::ToDo;
+    /// Of Refused: the line in the script that the module made.
+    std::size_t Line = 0;
     /// Of Status: the drawing had unsaved changes then.
     bool Changed = false;
 };

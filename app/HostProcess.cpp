@@ -107,6 +107,11 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
     if (place.BreakLinks) {
         words.push_back("--break-links");
     }
+    if (place.Lenient) {
+        words.push_back("--keep-going");
+    } else {
+        words.insert(words.end(), {"--on-refusal", "(Tarnel_File_Error)"});
+    }
     words.push_back(nullptr);
     execv(files.Host.c_str(), const_cast<char* const*>(words.data()));
 }

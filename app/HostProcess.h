@@ -44,6 +44,8 @@ struct HostPlace {
     std::string Journal = {};
     /// Its saves part drawings from their other names.
     bool BreakLinks = false;
+    /// Its scripts go on behind a line that was refused; else that ends the drawing as Error.
+    bool Lenient = false;
 };
 
 /// How a host ended.

@@ -45,7 +45,7 @@ void Progress::Settled(const DrawingRecord& record) {
         return;
     }
     const std::string number = std::to_string(settled) + "/" + std::to_string(waiting);
-    std::printf("%-8s %s  %s", StatusWord(record.Status), number.c_str(), record.Path.c_str());
+    std::printf("%-8s %s  %s", StatusText(record).c_str(), number.c_str(), record.Path.c_str());
     if (record.Seconds) {
         std::printf("  %.3f s", *record.Seconds);
     }

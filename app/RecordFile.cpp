@@ -41,6 +41,12 @@ nlohmann::ordered_json RecordToJson(const DrawingRecord& record) {
     one["seconds"] =
         record.Seconds ? nlohmann::ordered_json(std::round(*record.Seconds * 1000) / 1000) : nullptr;
     one["message"] = record.Message;
+    one["saved"] = record.Saved;
+    one["changed"] = record.Changed;
+    one["refused"] = record.Refused;
+    if (record.RefusedCount > record.Refused.size()) {
+        one["refusedCount"] = record.RefusedCount;
+    }
     if (!record.Host.empty()) {
         one["host"] = record.Host;
     }
@@ -58,6 +64,21 @@ bool RecordFromJson(const nlohmann::ordered_json& one, DrawingRecord* record) {
     record->Path = text("path");
     record->Message = text("message");
     record->Host = text("host");
+    const auto texts = [&one](const char* name) {
+        std::vector<std::string> found;
+        for (const auto& entry : one.value(name, nlohmann::ordered_json::array())) {
+            if (entry.is_string()) {
+                found.push_back(entry.get<std::string>());
+            }
+        }
+        return found;
+    };
+    record->Saved = texts("saved");
+    record->Changed = one.value("changed", nlohmann::ordered_json(false)) == true;
+    record->Refused = texts("refused");
+    const auto count = one.find("refusedCount");
+    record->RefusedCount = count != one.end() && count->is_number_unsigned() ? count->get<std::size_t>()
+                                                                             : record->Refused.size();
     if (const auto seconds = one.find("seconds"); seconds != one.end() && seconds->is_number()) {
         record->Seconds = seconds->get<double>();
     }

@@ -3,10 +3,28 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+/// So many of the lines that were refused are kept.
+constexpr std::size_t kMostRefused = 100;
+}  // namespace
+
+std::string StatusText(const DrawingRecord& record) {
+    std::string text = StatusWord(record.Status);
+    if (record.Status == DrawingStatus::Done && record.Changed) {
+        text += ", not saved";
+    }
+    if (record.Status == DrawingStatus::Done && record.RefusedCount > 0) {
+        text += ", " + std::to_string(record.RefusedCount) + " refused";
+    }
+    return text;
+}
+
 RunLedger::RunLedger(const std::vector<QueueEntry>& queue) {
     records.reserve(queue.size());
     for (const QueueEntry& entry : queue) {
-        records.push_back({entry.Path, entry.Status, {}, {}, {}});
+        DrawingRecord& record = records.emplace_back();
+        record.Path = entry.Path;
+        record.Status = entry.Status;
     }
 }
 
@@ -25,6 +43,10 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
             since = now;
             if (current) {
                 current->Message.clear();
+                current->Refused.clear();
+                current->RefusedCount = 0;
+                current->Saved.clear();
+                current->Changed = false;
                 prompt.clear();
                 current->Status = DrawingStatus::FailOpen;
             }
@@ -40,6 +62,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
                     coming = record;
                     since = now;
                 }
+                record->Changed = record == current && event.Changed;
                 if (event.Status == DrawingStatus::Locked) {
                     record->Settled = true;
                     settled.push_back(record);
@@ -54,6 +77,21 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
             if (current) {
                 current->Message = event.Text;
                 prompt.clear();
+            }
+            break;
+        case HostEvent::Kind::RunStarted:
+            head = event.Line;
+            break;
+        case HostEvent::Kind::Refused:
+            if (current && ++current->RefusedCount <= kMostRefused) {
+                const std::string place =
+                    event.Line > head ? "script line " + std::to_string(event.Line - head) + ": " : "";
+                current->Refused.push_back(place + event.Text);
+            }
+            break;
+        case HostEvent::Kind::Saved:
+            if (current) {
+                current->Saved.push_back(event.Text);
             }
             break;
         case HostEvent::Kind::Prompt:
@@ -73,6 +111,10 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
         // A drawing that is Done has not cost the host its life.
         if (!host.empty() && settled->Status != DrawingStatus::Done) {
             settled->Host = host;
+        }
+        // What went wrong first says more than what followed from it.
+        if (settled->Status != DrawingStatus::Done && !settled->Refused.empty()) {
+            settled->Message = settled->Refused.front();
         }
         // A script that stopped for an error leaves its command waiting; the error says more.
         if (settled->Status != DrawingStatus::Done && settled->Message.empty()) {

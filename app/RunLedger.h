@@ -19,9 +19,19 @@ struct DrawingRecord {
     /// How the host died with this drawing in work: "died, signal 11". It stays when a second attempt went
     /// well.
     std::string Host;
+    /// What was refused, each with its line: the first of them, and how many there were.
+    std::vector<std::string> Refused;
+    std::size_t RefusedCount = 0;
+    /// Paths that were written.
+    std::vector<std::string> Saved;
+    /// It was left with changes, beyond its view, that nothing has saved.
+    bool Changed = false;
     /// It was in work or passed over in this run, and that has come to its end.
     bool Settled = false;
 };
+
+/// The status as the user sees it: "Done, not saved", "Done, 3 refused".
+std::string StatusText(const DrawingRecord& record);
 
 class RunLedger {
   public:
@@ -72,5 +82,7 @@ class RunLedger {
     DrawingRecord* coming = nullptr;
     /// The prompt at which the drawing in work waits, if it does.
     std::string prompt;
+    /// Lines of the module's script in front of the user's, less those that were taken off the user's.
+    std::size_t head = 2;
     Clock::time_point since;
 };

@@ -32,6 +32,8 @@ struct RunOptions {
     std::optional<unsigned> AlarmTime;
     bool ReadOnly = false;
     bool Recover = false;
+    /// A refused line of the script is counted, and does not end its drawing.
+    bool Lenient = false;
     /// Save drawings that have several names, parting them.
     bool BreakLinks = false;
     RetryKind Retry = RetryKind::None;

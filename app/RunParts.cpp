@@ -48,6 +48,7 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunP
                     folder.LockDescriptor(), ""};
     common.Place.Journal = HostJournal(folder.Path());
     common.Place.BreakLinks = options.BreakLinks;
+    common.Place.Lenient = options.Lenient;
     common.State = folder.StateFile();
     common.HostDied = KeepLogs(folder.Path(), "");
     const RunQueue queue = QueueOf(plan.Record);
@@ -74,6 +75,7 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPl
                           folder.LockDescriptor(), ""};
         settings.Place.Journal = HostJournal(data);
         settings.Place.BreakLinks = options.BreakLinks;
+        settings.Place.Lenient = options.Lenient;
         settings.HostDied = KeepLogs(data, JobLogs(folder, number));
         AddPart(&parts, queue, shares[number - 1], journal, *plan, std::move(settings));
     }

@@ -109,7 +109,7 @@ void RefuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
         if (!why.empty()) {
             entry.Status = DrawingStatus::FailOpen;
             const std::string message = entry.Path + " " + why;
-            plan->Refused[i] = DrawingRecord{entry.Path, entry.Status, {}, message, {}};
+            plan->Refused[i] = DrawingRecord{entry.Path, entry.Status, {}, message, {}, {}, 0, {}, false};
             plan->Changed = true;
             std::fprintf(stderr, "tarnel: %s\n", message.c_str());
         }

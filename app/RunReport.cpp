@@ -74,6 +74,14 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
                         record.Path.c_str(), record.Host.c_str());
         }
     }
+    for (const DrawingRecord& record : records) {
+        if (record.Status == DrawingStatus::Done && (record.Changed || record.RefusedCount > 0)) {
+            std::printf("\n%s  %s\n", StatusText(record).c_str(), record.Path.c_str());
+            for (const std::string& refused : record.Refused) {
+                std::printf("         %s\n", refused.c_str());
+            }
+        }
+    }
     for (const DrawingStatus status : kFailures) {
         for (const DrawingRecord& record : records) {
             if (record.Status != status) {

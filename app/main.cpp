@@ -45,6 +45,8 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
                   "Start an empty drawing for each file; the script opens the file itself");
     run->add_flag("--break-links", options->BreakLinks,
                   "Save drawings that have several names (hard links) under this name alone");
+    run->add_flag("--lenient", options->Lenient,
+                  "Go on behind a line of the script that is refused, and count it");
     auto* retry = run->add_option_function<std::string>(
                          "--retry",
                          [options](const std::string& which) {

@@ -36,6 +36,8 @@ constexpr const char* Options =
     "  --break-links      save drawings that have several names (hard links), parting them\n"
     "  --max-memory SIZE  take no more than this; in MB, or with K, M or G behind (4G)\n"
     "  /b SCRIPT          run a script once the drawing is open\n"
+    "  --on-refusal LISP  when a line of a script is refused, drop the rest of it and evaluate this\n"
+    "  --keep-going       a script goes on behind a line that was refused\n"
     "  --report-fd N      tell what happens on the socket N, in place of standard output\n"
     "  --version, --help\n";
 constexpr const char* HeadlessEnd =
@@ -132,6 +134,10 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             arguments.breakLinks = true;
             continue;
         }
+        if (word == "--keep-going") {
+            arguments.keepGoing = true;
+            continue;
+        }
         if (word == "--load" || word == "/ld") {
             value = &arguments.modules.emplace_back();
         } else if (word == "--support") {
@@ -146,6 +152,8 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             value = &memory;
         } else if (word == "/b") {
             value = &arguments.script;
+        } else if (word == "--on-refusal") {
+            value = &arguments.onRefusal;
         } else if (word == "--report-fd") {
             value = &report;
         } else if (word.starts_with("--") || (!framed && !arguments.drawings.empty())) {
@@ -242,6 +250,8 @@ void prepare(Host& host, const Arguments& arguments) {
     if (const std::string own = userPlace("support"); !own.empty()) {
         host.addSupportPath(own);
     }
+    host.input().setOnRefusal(arguments.onRefusal);
+    host.input().setKeepsGoing(arguments.keepGoing);
     if (arguments.report >= 0) {
         host.setReport(std::make_unique<ReportChannel>(arguments.report));
     }

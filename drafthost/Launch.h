@@ -30,6 +30,9 @@ struct Arguments {
     std::size_t maxMemory = DefaultMemoryLimit;
     /// A socket for the program that started the host; -1 is none.
     int report = -1;
+    /// LISP for when a line of a script is refused; empty suspends the script.
+    std::string onRefusal;
+    bool keepGoing = false;
 };
 
 /// Reads the arguments; "--help" and "--version" end the process. Nothing, and the message is on standard

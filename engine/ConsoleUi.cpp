@@ -86,6 +86,7 @@ void ConsoleUi::OpenStatus(int count) {
     currentFile.clear();
     QJsonObject event = named("run-started");
     event[QStringLiteral("todo")] = count;
+    event[QStringLiteral("head")] = TarnelData().ScriptDescription.isEmpty() ? 2 : 1;
     if (!Report(event))
         ConsoleLine(QStringLiteral("run started, %1 to do").arg(count));
 }

@@ -121,12 +121,12 @@ void DoScriptSetVars() {
     Trace("Return\n");
 }
 
-void DoScriptComplete() {
+bool DoScriptComplete() {
     if (Run().AwaitsItsScript) {
         Trace("DoScriptComplete\n");
         acedRetT();
         Trace("Return\n");
-        return;
+        return true;
     }
     const QString waiting = HostTextVariable("CMDNAMES");
     if (!waiting.isEmpty()) {
@@ -137,14 +137,14 @@ void DoScriptComplete() {
         HostPrint(QStringLiteral("\n%1: the script ends while %2 waits for an answer.\n")
                       .arg(TarnelData().ProductName, waiting));
         acedRetVoid();
-        return;
+        return false;
     }
     Trace("DoScriptComplete\nTurn log off\n");
     acedCommand(RTSTR, ACRX_T("._logfileoff"), RTNONE);
     if (!TarnelData().BatchRunning) {
         acedRetT();
         Trace("Return\n");
-        return;
+        return true;
     }
     SetCurrentFileStatus(Done);
     Trace("Call DoNextFile\n");
@@ -154,6 +154,7 @@ void DoScriptComplete() {
     acedRetT();
     if (goesOn)
         Trace("Return\n");
+    return true;
 }
 
 void DoScriptError() {

@@ -9,7 +9,8 @@ void DoScriptStart();
 /// Sets the LISP variables of the drawing.
 void DoScriptSetVars();
 /// Done. Outside a run it only turns the host's log off.
-void DoScriptComplete();
+/// False when something waits for an answer: the script that ends there is not done.
+bool DoScriptComplete();
 void DoScriptError();
 void DoScriptTimeout();
 void DoScriptOpenTimeout();

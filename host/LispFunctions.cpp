@@ -15,6 +15,10 @@ int call() {
     return RSRSLT;
 }
 
+int scriptComplete() {
+    return DoScriptComplete() ? RSRSLT : RSERR;
+}
+
 void startBatch() {
     if (DoStartBatch())
         acedRetT();
@@ -31,13 +35,13 @@ constexpr LispFunction Functions[] = {
     {"TNL_Start_Batch", call<startBatch>},
     {"TNL_Script_Start", call<DoScriptStart>},
     {"TNL_Script_SetVars", call<DoScriptSetVars>},
-    {"TNL_Script_Complete", call<DoScriptComplete>},
+    {"TNL_Script_Complete", scriptComplete},
     {"TNL_Cancel_Batch", call<DoCancelBatch>},
     {"Tarnel_SetRecoverMode", call<DoSetRecoverMode>},
     {"Tarnel_DoReadOnly", call<DoProcessReadOnly>},
     {"TarnelDisableScriptChain", call<DoDisableScriptChain>},
     {"C:Tarnel", call<DoBatchLisp>},
-    {"Tarnel_File_Next", call<DoScriptComplete>},
+    {"Tarnel_File_Next", scriptComplete},
     {"Tarnel_File_Error", call<DoScriptError>},
     {"Tarnel_File_Timeout", call<DoScriptTimeout>},
     {"Tarnel_File_OpenTimeout", call<DoScriptOpenTimeout>},

@@ -100,10 +100,11 @@ class DocumentManager : public AcApDocManager {
     Acad::ErrorStatus sendStringToExecute(AcApDocument* document, const ACHAR* text, bool activate, bool,
                                           bool echoString) override {
         Document* open = openDocumentOf(document);
-        if (!open || !text) {
-            return open ? Acad::eInvalidInput : Acad::eNoDocument;
+        const bool noneIsOpen = !document && !apiHost().current();
+        if (!text || (!open && !noneIsOpen)) {
+            return text ? Acad::eNoDocument : Acad::eInvalidInput;
         }
-        if (activate) {
+        if (activate && open) {
             apiHost().activate(*open);
         }
         apiHost().input().queue(toUtf8(text), echoString);

@@ -253,8 +253,10 @@ const Action actions[] = {
     {"CMDACTIVE",
      [](Host& host, Document*) -> VariableValue { return static_cast<int>(host.input().activeBits()); }},
     {"CMDNAMES",
-     [](Host&, Document* document) -> VariableValue {
-         return document ? document->commandLine().names() : std::string();
+     [](Host& host, Document* document) -> VariableValue {
+         const std::string names = document ? document->commandLine().names() : std::string();
+         // Whoever asks then runs inside a question of LISP.
+         return names.empty() && host.input().isListening() ? "LISP" : names;
      }},
     {"CPROFILE", [](Host& host, Document*) -> VariableValue { return host.registry().profile(); }},
     {"CTAB", currentTab, setCurrentTab},

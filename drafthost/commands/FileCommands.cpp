@@ -119,7 +119,12 @@ CommandTask closeCommand(CommandContext& context) {
         context.fail("CLOSE was given up, the drawing stays open.");
         co_return;
     }
-    context.host().closeDocument(context.document());
+    // Where there is one drawing at a time there is always one, so that a script can go on.
+    if (singleDocument(context.host())) {
+        context.host().newDocument();
+    } else {
+        context.host().closeDocument(context.document());
+    }
 }
 
 CommandTask quitCommand(CommandContext& context) {

@@ -70,7 +70,7 @@ Outcome InputStream::command(Document& document, std::string_view typed, InputSo
             if (result.ok() && !result.value.isNullSymbol()) {
                 host_.printLine(DocumentLisp::shown(result.value), Said::Aside);
             }
-            return result.status == lisp::EvalResult::Status::Error ? Outcome::Failed : Outcome::Ok;
+            return outcomeOf(result);
         }
         const CommandEntry* setVariable = host_.commands().find("SETVAR");
         if (setVariable && host_.variables().find(word.name)) {

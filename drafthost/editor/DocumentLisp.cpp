@@ -142,7 +142,11 @@ void DocumentLisp::startUp() {
 }
 
 lisp::CommandStatus DocumentLisp::command(std::span<const lisp::Value> answers) {
-    return statusOf(host_.input().speak(toInputs(answers), InputSource::Lisp));
+    const Outcome outcome = host_.input().speak(toInputs(answers), InputSource::Lisp);
+    if (outcome == Outcome::Rejected || outcome == Outcome::Failed) {
+        host_.input().refused();
+    }
+    return statusOf(outcome);
 }
 
 lisp::CommandStatus DocumentLisp::commandS(std::span<const lisp::Value> answers) {
@@ -288,7 +292,7 @@ bool DocumentLisp::checkInterrupt() {
 }
 
 bool DocumentLisp::documentGone() {
-    return document_.closed();
+    return document_.closed() || host_.input().isGivingUp();
 }
 
 }  // namespace drafthost

@@ -22,8 +22,14 @@ constexpr std::array<InputSource, 2> InCall = {InputSource::Script, InputSource:
 
 Outcome InputStream::speak(std::span<const Input> inputs, InputSource source) {
     Document* document = target();
+    if (givingUp_ && source == InputSource::Lisp) {
+        return Outcome::Cancelled;
+    }
     if (inputs.empty()) {
-        document->commandLine().cancel();
+        // Without a command it is the question that LISP waits at.
+        if (!document->commandLine().cancel() && listening_ > 0) {
+            ++cancels_;
+        }
         return Outcome::Ok;
     }
     Level level(*this, source);
@@ -83,8 +89,18 @@ Outcome InputStream::handToUser(Document& document) {
 // --- listening ---
 
 Heard InputStream::listen(InputKind kind, const std::string& prompt) {
+    ++listening_;
+    Heard heard = hear(kind, prompt);
+    --listening_;
+    return heard;
+}
+
+Heard InputStream::hear(InputKind kind, const std::string& prompt) {
     Heard heard;
     for (;;) {
+        if (givingUp_) {
+            return heard;
+        }
         if (cancels_ > 0 || terminating_) {
             cancels_ -= cancels_ > 0 ? 1 : 0;
             return heard;
@@ -135,7 +151,7 @@ Heard InputStream::listen(InputKind kind, const std::string& prompt) {
             heard.input = Input::fromValue(result.value);
             return heard;
         }
-        if (result.status != lisp::EvalResult::Status::Error) {
+        if (outcomeOf(result) != Outcome::Failed) {
             return heard;
         }
         suspendScriptAfter(Outcome::Failed, heard.source, host_.script().number());

@@ -129,6 +129,13 @@ std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
     if (auto item = script.text().next(kind, evaluatesLines())) {
         return item;
     }
+    if (script.text().isExpressionOpen()) {
+        host_.printLine("The script ends inside the expression that begins in line " +
+                        std::to_string(script.text().line()) + ".");
+        tellRefusal();
+        script.stop();
+        return std::nullopt;
+    }
     // The last input has no end: it stands on the command line as if it had been typed so far.
     keyboard_.prepend(script.text().rest());
     script.text().clear();
@@ -225,11 +232,12 @@ bool InputStream::step() {
     }
     const bool queueFirst = line.atPrompt() || line.source() == InputSource::Queue;
     auto fetched = fetch(line.wants(), queueFirst ? AtPrompt : InCommand);
-    if (!fetched) {
-        return false;
+    if (fetched) {
+        execute(document, *fetched);
     }
-    execute(document, *fetched);
-    return true;
+    const bool more = fetched || givingUp_;
+    giveUp();
+    return more;
 }
 
 void InputStream::execute(Document& document, const Fetched& fetched) {
@@ -245,15 +253,58 @@ void InputStream::suspendScriptAfter(Outcome outcome, InputSource source, std::u
     ScriptReader& reader = host_.script();
     if (source == InputSource::Script && (outcome == Outcome::Failed || outcome == Outcome::Rejected) &&
         reader.isRunning() && reader.number() == script) {
+        refused();
+        if (keepsGoing_ || givingUp_) {
+            return;
+        }
         reader.suspend();
         host_.printLine("The script is suspended; RESUME goes on with it.", Said::Aside);
     }
 }
 
+void InputStream::refused() {
+    if (depth_ > 0 && root_ == InputSource::Script && moduleDepth_ == 0) {
+        tellRefusal();
+    }
+}
+
+/// Where refused lines are followed, an error that the script's own *error* has dealt with is none.
+Outcome InputStream::outcomeOf(const lisp::EvalResult& result) const {
+    const bool dealtWith = result.handled && (keepsGoing_ || !onRefusal_.empty());
+    return result.status == lisp::EvalResult::Status::Error && !dealtWith ? Outcome::Failed : Outcome::Ok;
+}
+
+void InputStream::tellRefusal() {
+    if (givingUp_) {
+        return;
+    }
+    if (host_.report()) {
+        host_.report()->refused(host_.script().path(), host_.script().text().line());
+    }
+    givingUp_ = !onRefusal_.empty();
+}
+
+/// The line that was refused has ended: what it left is cleared away.
+void InputStream::giveUp() {
+    if (!givingUp_ || depth_ > 0) {
+        return;
+    }
+    givingUp_ = false;
+    host_.script().stop();
+    if (Document* document = host_.current()) {
+        document->commandLine().cancelAll();
+        Level level(*this, InputSource::Queue);
+        document->lisp().run(onRefusal_, onRefusal_);
+    }
+}
+
 void InputStream::runFromTimer(const std::function<Outcome()>& code, InputSource source) {
     const std::uint64_t script = host_.script().number();
-    Level level(*this, source);
-    suspendScriptAfter(code(), source, script);
+    {
+        Level level(*this, source);
+        suspendScriptAfter(code(), source, script);
+    }
+    giveUp();
 }
 
 void InputStream::runInApplicationContext(const std::function<void()>& code) {
@@ -272,6 +323,12 @@ Outcome InputStream::perform(Document& document, const Fetched& fetched) {
     if (item.kind == Item::Kind::Text) {
         return hand(document, Input::fromText(item.text), fetched.source, false);
     }
+    // A call of a module, such as that of a time limit, reaches a host without a drawing too.
+    if (!host_.current() && (fetched.source == InputSource::Queue || !host_.hasFrame())) {
+        if (host_.newDocument().document) {
+            return perform(*host_.current(), fetched);
+        }
+    }
     if (!host_.current()) {
         host_.printLine("No drawing is open.");
         return Outcome::Rejected;
@@ -285,7 +342,7 @@ Outcome InputStream::perform(Document& document, const Fetched& fetched) {
     }
     lisp::EvalResult result = document.lisp().run(item.text, item.text);
     if (!result.ok()) {
-        return result.status == lisp::EvalResult::Status::Error ? Outcome::Failed : Outcome::Ok;
+        return outcomeOf(result);
     }
     if (!result.value.isNullSymbol()) {
         host_.printLine(DocumentLisp::shown(result.value), Said::Aside);
@@ -300,7 +357,7 @@ Outcome InputStream::answerWithValue(Document& document, const Item& item) {
     } else {
         lisp::EvalResult result = document.lisp().run(item.text, item.text);
         if (!result.ok()) {
-            return result.status == lisp::EvalResult::Status::Error ? Outcome::Failed : Outcome::Ok;
+            return outcomeOf(result);
         }
         value = result.value;
     }

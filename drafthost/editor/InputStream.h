@@ -15,6 +15,7 @@
 
 #include "drafthost/editor/CommandLine.h"
 #include "drafthost/editor/InputText.h"
+#include "drafthost/lisp/World.h"
 
 class QSocketNotifier;
 
@@ -58,6 +59,19 @@ class InputStream {
     /// True once after a cancel.
     bool takeUserBreak() { return std::exchange(userBreak_, false); }
 
+    // --- refused lines of scripts ---
+    /// When a line of a script is refused, nothing behind it runs any more and this expression is evaluated.
+    void setOnRefusal(std::string expression) { onRefusal_ = std::move(expression); }
+    /// A script goes on behind a line that was refused, instead of being suspended.
+    void setKeepsGoing(bool keepsGoing) { keepsGoing_ = keepsGoing; }
+    /// Something that a script asked for was refused and told. Nothing when the code that runs was not called
+    /// by a script, or by a module that looks at results itself.
+    void refused();
+    /// A line was refused, and what runs of it is on its way out.
+    bool isGivingUp() const { return givingUp_; }
+    /// LISP or a module waits for an answer.
+    bool isListening() const { return listening_ > 0; }
+
     // --- state ---
     /// Nothing runs or waits on the stack.
     bool isIdle() const { return depth_ == 0; }
@@ -100,6 +114,7 @@ class InputStream {
     };
     class Level;
 
+    Heard hear(InputKind kind, const std::string& prompt);
     bool step();
     Document* target();
     bool evaluatesLines() const;
@@ -114,6 +129,9 @@ class InputStream {
     Outcome answerWithValue(Document& document, const InputText::Item& item);
     Outcome hand(Document& document, const Input& input, InputSource source, bool more);
     Outcome handToUser(Document& document);
+    Outcome outcomeOf(const lisp::EvalResult& result) const;
+    void tellRefusal();
+    void giveUp();
     void suspendScriptAfter(Outcome outcome, InputSource source, std::uint64_t script);
     void echo(const std::string& prompt, std::string_view text, InputSource source);
     void showPrompt(const std::string& prompt);
@@ -145,6 +163,13 @@ class InputStream {
     int depth_ = 0;
     int lispDepth_ = 0;
     int applicationContext_ = 0;
+    int moduleDepth_ = 0;
+    int listening_ = 0;
+    /// What called the outermost code on the stack.
+    InputSource root_ = InputSource::Keyboard;
+    std::string onRefusal_;
+    bool keepsGoing_ = false;
+    bool givingUp_ = false;
     int cancels_ = 0;
     /// Where what runs on the stack came from.
     InputSource running_ = InputSource::Keyboard;

@@ -23,11 +23,16 @@ inline std::string shown(const InputText::Item& item) {
 class InputStream::Level {
   public:
     Level(InputStream& stream, InputSource source) : stream_(stream), outer_(stream.running_) {
-        ++stream_.depth_;
+        if (stream_.depth_++ == 0) {
+            stream_.root_ = source;
+        }
+        isModule_ = source == InputSource::Module;
+        stream_.moduleDepth_ += isModule_ ? 1 : 0;
         stream_.running_ = source;
     }
     ~Level() {
         --stream_.depth_;
+        stream_.moduleDepth_ -= isModule_ ? 1 : 0;
         stream_.running_ = outer_;
         if (stream_.depth_ == 0) {
             stream_.applyCancels();
@@ -40,6 +45,7 @@ class InputStream::Level {
   private:
     InputStream& stream_;
     InputSource outer_;
+    bool isModule_ = false;
 };
 
 }  // namespace drafthost

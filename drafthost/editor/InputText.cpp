@@ -1,5 +1,7 @@
 #include "drafthost/editor/InputText.h"
 
+#include <algorithm>
+
 namespace drafthost {
 namespace {
 
@@ -36,6 +38,7 @@ void InputText::prepend(std::string_view text) {
     all += rest();
     text_ = std::move(all);
     position_ = 0;
+    counted_ = 0;
     terminatorDue_ = false;
     scanner_.reset();
 }
@@ -43,12 +46,31 @@ void InputText::prepend(std::string_view text) {
 void InputText::clear() {
     text_.clear();
     position_ = 0;
+    counted_ = 0;
     carriageReturn_ = false;
     terminatorDue_ = false;
     scanner_.reset();
 }
 
 void InputText::dropUnfinishedLine() {
+    // What has come since the last look may open an expression too.
+    for (std::size_t at = position_; at < text_.size();) {
+        if (text_[at] == '(') {
+            const auto end = lisp::FormScanner().feed(std::string_view(text_).substr(at));
+            if (!end) {
+                text_.resize(at);
+                scanner_.reset();
+                return;
+            }
+            at += *end;
+        } else if (text_[at] == ';' && (at == 0 || text_[at - 1] == '\n')) {
+            at = std::min(text_.find('\n', at), text_.size());
+        } else if (endsWord(text_[at])) {
+            ++at;
+        } else {
+            at = std::min(text_.find_first_of(" \t\n\3\33", at), text_.size());
+        }
+    }
     std::size_t end = text_.rfind('\n');
     std::size_t keep = end == std::string::npos ? 0 : end + 1;
     text_.resize(keep < position_ ? position_ : keep);
@@ -61,6 +83,7 @@ void InputText::compact() {
     if (position_ > Enough && !scanner_) {
         text_.erase(0, position_ - 1);
         position_ = 1;
+        counted_ = position_;
     }
 }
 
@@ -131,6 +154,11 @@ std::optional<InputText::Item> InputText::next(InputKind kind, bool evaluateLine
     }
     if (empty() || (!scanner_ && atUnfinishedComment())) {
         return std::nullopt;
+    }
+    if (counted_ < position_) {
+        line_ += std::size_t(std::count(text_.begin() + std::ptrdiff_t(counted_),
+                                        text_.begin() + std::ptrdiff_t(position_), '\n'));
+        counted_ = position_;
     }
     const char first = text_[position_];
     if (isCancel(first)) {

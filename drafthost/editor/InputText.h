@@ -38,7 +38,13 @@ class InputText {
     std::string_view rest() const { return std::string_view(text_).substr(position_); }
     void clear();
     /// Drops what stands behind the last line end, as a cancel does with text that is half typed.
+    /// An expression that goes on over line ends is dropped from its parenthesis on.
     void dropUnfinishedLine();
+    /// An expression has begun and is not complete.
+    bool isExpressionOpen() const { return scanner_.has_value(); }
+    /// Number of the line, counted from 1, in which the last item that was cut off began, or the expression
+    /// that is open. Only for a text that nothing is added to.
+    std::size_t line() const { return line_; }
 
   private:
     std::optional<Item> quoted();
@@ -56,6 +62,8 @@ class InputText {
     /// An expression that is still open, and how far it has been looked through: a long one is scanned once.
     std::optional<lisp::FormScanner> scanner_;
     std::size_t scanned_ = 0;
+    std::size_t line_ = 1;
+    std::size_t counted_ = 0;
 };
 
 }  // namespace drafthost

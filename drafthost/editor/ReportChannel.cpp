@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QString>
+#include <utility>
 
 namespace drafthost {
 namespace {
@@ -65,6 +66,7 @@ void ReportChannel::flush() {
             text += QStringLiteral(" ... (%1 bytes in one line)").arg(line_.size() + dropped_);
         }
         send(eventOf("text", "text", text));
+        before_ = std::exchange(last_, text.trimmed());
     }
     line_.clear();
     dropped_ = 0;
@@ -77,6 +79,23 @@ void ReportChannel::prompt(std::string_view text) {
 
 void ReportChannel::saved(std::string_view path) {
     send(eventOf("saved", "path", toText(path)));
+}
+
+void ReportChannel::refused(std::string_view script, std::size_t line) {
+    const QString errorMark = QStringLiteral("; error: ");
+    flush();
+    QString text = last_;
+    if (text.startsWith(errorMark)) {
+        text.remove(0, errorMark.size());
+        // The function of a module has said itself what is wrong.
+        if (text == QLatin1String("AutoCAD rejected function") && !before_.isEmpty()) {
+            text = before_;
+        }
+    }
+    QJsonObject event = eventOf("refused", "text", text);
+    event[QStringLiteral("script")] = toText(script);
+    event[QStringLiteral("line")] = qint64(line);
+    send(event);
 }
 
 void ReportChannel::send(const QJsonObject& event) {

@@ -4,6 +4,7 @@
 // pipe, since the system lets nobody open a socket a second time by its name under /proc.
 
 #include <cstddef>
+#include <QString>
 #include <string>
 #include <string_view>
 
@@ -27,6 +28,9 @@ class ReportChannel {
     void prompt(std::string_view text);
     /// A drawing was written: {"event":"saved","path":…}.
     void saved(std::string_view path);
+    /// A line of a script was refused, for the reason that was said last:
+    /// {"event":"refused","script":…,"line":…,"text":…}.
+    void refused(std::string_view script, std::size_t line);
 
   private:
     void send(const QJsonObject& event);
@@ -35,6 +39,9 @@ class ReportChannel {
     std::string line_;
     /// Bytes of the line that did not fit.
     std::size_t dropped_ = 0;
+    /// The last lines that were told.
+    QString last_;
+    QString before_;
 };
 
 }  // namespace drafthost
