@@ -224,6 +224,14 @@ void FileJournal::Gone(const std::string& name) {
     }
 }
 
+void FileJournal::Remove(const std::string& name) {
+    const int before = errno;
+    if (::unlink(name.c_str()) == 0 || errno == ENOENT) {
+        Gone(name);
+    }
+    errno = before;
+}
+
 void FileJournal::write(const std::string& line) {
     const ssize_t count = ::write(file, line.data(), line.size());
     if (count != static_cast<ssize_t>(line.size()) && error.empty()) {

@@ -30,6 +30,8 @@ class FileJournal {
     void NoteLog(const std::string& path) { note("log", path); }
     /// The file is gone, or is no longer this process's business.
     void Gone(const std::string& path);
+    /// Removes the file by its name, which stays noted while that does not go. Without a word to errno.
+    void Remove(const std::string& path);
     /// It was noted and is not gone.
     bool Stands(const std::string& path) const;
     /// One line of cause of the first note that was lost; reading it clears it.

@@ -155,8 +155,7 @@ bool NewFile::Commit() {
 
 void NewFile::Discard() {
     if (file >= 0) {
-        ::unlink(name.c_str());
-        forget(name);
+        Journal().Remove(name);
         ::close(std::exchange(file, -1));
     }
 }

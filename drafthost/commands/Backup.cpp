@@ -35,9 +35,7 @@ bool keepBackup(Host& host, const std::string& path, std::string& error) {
         fs::rename(temporary, backup, code);
     }
     // Two names of one file are not renamed over each other.
-    std::error_code ignored;
-    fs::remove(temporary, ignored);
-    files::Journal().Gone(temporary);
+    files::Journal().Remove(temporary);
     if (code) {
         error = "Cannot write " + backup.string() + ": " + code.message() + ".";
         return false;

@@ -187,8 +187,7 @@ bool replaceFile(const std::string& path, const std::vector<std::string_view>& p
         return false;
     }
     const auto fail = [&](int code) {
-        ::unlink(temporary.c_str());
-        files::Journal().Gone(temporary);
+        files::Journal().Remove(temporary);
         error = because(path, code);
         return false;
     };

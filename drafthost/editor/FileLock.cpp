@@ -152,8 +152,7 @@ bool makeMarker(const std::string& marker) {
     bool done = writeMarker(file) && ::link(beside.c_str(), marker.c_str()) == 0;
     int code = errno;
     ::close(file);
-    ::unlink(beside.c_str());
-    files::Journal().Gone(beside);
+    files::Journal().Remove(beside);
     if (!done && (code == EPERM || code == ENOTSUP || code == ENOSYS || code == EMLINK)) {
         done = writeMarkerInPlace(marker);
         code = errno;
@@ -240,8 +239,7 @@ void FileLock::release() {
         if (standingMarker() == markerPath_) {
             standingMarker().clear();
         }
-        ::unlink(markerPath_.c_str());
-        files::Journal().Gone(markerPath_);
+        files::Journal().Remove(markerPath_);
         markerPath_.clear();
     }
     if (fd_ >= 0) {

@@ -56,6 +56,23 @@ TEST_F(JournalTest, WhatIsNotedGoesAndNothingElse) {
     }
 }
 
+TEST_F(JournalTest, WhatCannotBeRemovedStaysNoted) {
+    FileJournal journal;
+    ASSERT_TRUE(journal.Open(path, OwnerLine(owner), &error)) << error;
+    for (const char* name : {"file", "gone already", "in the way"}) {
+        journal.NoteTemporary(In(name));
+    }
+    Put(In("file"), "");
+    ASSERT_EQ(::mkdir(In("in the way").c_str(), 0777), 0);
+    for (const char* name : {"file", "gone already", "in the way"}) {
+        journal.Remove(In(name));
+    }
+    EXPECT_FALSE(IsThere(In("file")));
+    EXPECT_FALSE(journal.Stands(In("file")));
+    EXPECT_FALSE(journal.Stands(In("gone already")));
+    EXPECT_TRUE(journal.Stands(In("in the way")));
+}
+
 TEST_F(JournalTest, ALongRunKeepsItShortAndSecondHostsGoOnWithIt) {
     Killed([&](FileJournal& journal) {
         journal.NoteTemporary(In("first"));
