@@ -99,8 +99,11 @@ void MainFrame::addMenus() {
 
 bool MainFrame::activateTab(int index) {
     const auto open = host.documents();
-    if (index < 0 || std::size_t(index) >= open.size() || !host.input().isIdle())
+    if (index < 0 || std::size_t(index) >= open.size() || !host.input().isIdle()) {
+        // The click has moved the tabs already.
+        repaint.start(0);
         return false;
+    }
     host.activate(*open[std::size_t(index)]);
     return true;
 }

@@ -221,6 +221,19 @@ TEST_F(WindowTest, TabsFollowTheDocuments) {
     QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(0).center());
     settle();
     EXPECT_EQ(host.current(), host.documents()[0]);
+    // While something waits on the stack the drawing stays, and so does its tab.
+    line()->setText(QStringLiteral("(getstring \"name\")"));
+    QTest::keyClick(line(), Qt::Key_Return);
+    bool stayed = false;
+    QTimer::singleShot(40, frame.get(),
+                       [&] { QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center()); });
+    QTimer::singleShot(80, frame.get(), [&] {
+        stayed = tabs->currentIndex() == 0 && host.current() == host.documents()[0] && !host.input().isIdle();
+        // The answer, without which nothing above goes on.
+        QTest::keyClick(line(), Qt::Key_Return);
+    });
+    settle();
+    EXPECT_TRUE(stayed);
     host.closeDocument(*host.current());
     settle();
     EXPECT_EQ(tabs->count(), 1);
