@@ -15,7 +15,7 @@ void AppendEntry(CTarnelData& data, const QString& path) {
     data.FileDirs.push_back(
         directory.isEmpty() && !name.GetDirectory().isEmpty() ? name.GetDirectory().left(1) : directory);
     data.FileNames.push_back(name.GetNameExt());
-    data.FileStatus.push_back(ToDo);
+    SetEntryStatus(data, data.FileNames.size() - 1, ToDo);
     data.FileOrder.push_back(static_cast<std::uint32_t>(data.FileNames.size() - 1));
 }
 

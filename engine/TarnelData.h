@@ -143,6 +143,12 @@ QString EntryPath(const CTarnelData& data, std::size_t index);
 inline std::uint32_t EntryStatus(const CTarnelData& data, std::size_t index) {
     return index < data.FileStatus.size() ? data.FileStatus[index] : static_cast<std::uint32_t>(Error);
 }
+/// Gives entry i a status, and those in front of it that have none what EntryStatus says.
+inline void SetEntryStatus(CTarnelData& data, std::size_t index, std::uint32_t status) {
+    while (data.FileStatus.size() <= index)
+        data.FileStatus.push_back(Error);
+    data.FileStatus[index] = status;
+}
 
 /// Fills FileOrder by SortIdx and SortReverse. The start of a run and the file list call it.
 void BuildFileOrder(CTarnelData& data);

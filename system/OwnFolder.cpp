@@ -46,7 +46,8 @@ class Removal {
                 break;
             }
             const std::string file = entry->d_name;
-            if (file != "." && file != ".." && !this->entry(descriptor, file, below + "/" + file, &isEmpty)) {
+            if (file != "." && file != ".." &&
+                !this->entry(descriptor, file, std::string(below).append("/").append(file), &isEmpty)) {
                 return false;
             }
         }

@@ -88,7 +88,7 @@ void FilesTab::add(const QStringList& paths) {
         places.insert(EntryPath(data, i), i);
     for (const QString& path : paths) {
         if (const auto found = places.constFind(path); found != places.constEnd()) {
-            data.FileStatus[*found] = ToDo;
+            SetEntryStatus(data, *found, ToDo);
             continue;
         }
         AppendEntry(data, path);
@@ -126,9 +126,10 @@ void FilesTab::SetToDo() {
     CTarnelData& data = TarnelData();
     const std::vector<std::uint32_t> entries = chosen();
     for (const std::uint32_t entry : entries)
-        data.FileStatus[entry] = ToDo;
+        SetEntryStatus(data, entry, ToDo);
     if (entries.empty())
-        std::fill(data.FileStatus.begin(), data.FileStatus.end(), ToDo);
+        for (std::size_t i = 0; i < data.FileNames.size(); ++i)
+            SetEntryStatus(data, i, ToDo);
     OnRefresh();
 }
 
@@ -139,7 +140,8 @@ void FilesTab::RemoveDrawings() {
     for (const std::uint32_t entry : entries) {
         data.FileNames.erase(entry);
         data.FileDirs.erase(entry);
-        data.FileStatus.erase(entry);
+        if (entry < data.FileStatus.size())
+            data.FileStatus.erase(entry);
     }
     BuildFileOrder(data);
     OnRefresh();

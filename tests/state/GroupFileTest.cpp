@@ -85,6 +85,9 @@ TEST_F(GroupFile, EntriesWithoutAStatusHarmNothing) {
               "");
     EXPECT_EQ(queue(), QStringList({"|a.dxf", "|b.dxf", "|c.dxf"}));
     EXPECT_EQ(TarnelData().FileStatus.size(), 1U) << "the statuses move up, as they always did";
+    AppendEntry(TarnelData(), QStringLiteral("d.dxf"));
+    EXPECT_EQ(EntryStatus(TarnelData(), 3), ToDo) << "and none of the others is";
+    EXPECT_EQ(EntryStatus(TarnelData(), 2), Error);
     const QString saved = folder.filePath(QStringLiteral("state.xml"));
     EXPECT_TRUE(SaveGroupFile(saved));
     EXPECT_TRUE(ReadBytes(saved).contains("<File Status=\"0\">a.dxf</File>"));
