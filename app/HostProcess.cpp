@@ -255,13 +255,14 @@ HostEnd HostProcess::Wait() {
     report.Close();
     output.Close();
     if (WIFSIGNALED(status)) {
-        return {"died, signal " + std::to_string(WTERMSIG(status)), WTERMSIG(status)};
+        return {"died, signal " + std::to_string(WTERMSIG(status)), WTERMSIG(status), false};
     }
     // The host that comes along ends in order on this signal and says so by its status.
     if (WEXITSTATUS(status) == 128 + SIGTERM) {
-        return {"died, signal " + std::to_string(SIGTERM), SIGTERM};
+        return {"died, signal " + std::to_string(SIGTERM), SIGTERM, false};
     }
-    return {"ended, exit status " + std::to_string(WEXITSTATUS(status)), 0};
+    constexpr int LostLog = 74;
+    return {"ended, exit status " + std::to_string(WEXITSTATUS(status)), 0, WEXITSTATUS(status) == LostLog};
 }
 
 void HostProcess::CloseInput() {

@@ -54,6 +54,8 @@ struct HostEnd {
     std::string Text;
     /// 0 when it ended by itself.
     int Signal = 0;
+    /// It ended in order but could not write all that its logs should hold.
+    bool LostLog = false;
     /// True for the signals that nothing in a host sends to itself: somebody, or a system short of memory,
     /// has ended it.
     bool FromOutside() const;

@@ -98,6 +98,11 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
     }
     const std::vector<std::string> logged =
         WorkedOn(*ledger, [ended](const DrawingRecord&) { return ended; });
+    for (const auto& monitor : monitors) {
+        if (!monitor->LogLoss().empty()) {
+            breakOff(monitor->LogLoss());
+        }
+    }
     if (!together || !CheckLogs(folder.Path(), logged, &error)) {
         breakOff(error);
     }

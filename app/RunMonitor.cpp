@@ -24,6 +24,14 @@ constexpr const char* kCancel = "\3\3\3\3\3\3(TNL_Cancel_Batch)\n";
 /// How the module says that it ends a run before its end, and then why.
 constexpr std::string_view kBrokenOff = "run broken off: ";
 
+/// The module complains of a log or of the trace: what is missing there shows in no status.
+bool AboutLogs(const std::string& complaint) {
+    return complaint.find("/Ovrix/TNLapp.log: ") != std::string::npos ||
+           complaint.find("/Ovrix/tnl log.html: ") != std::string::npos ||
+           complaint.find("/Ovrix/TNLLog.zip: ") != std::string::npos ||
+           complaint.find("/Ovrix/unopened-") != std::string::npos;
+}
+
 /// The module complains of one of the scripts that it makes for each drawing.
 bool AboutScript(const std::string& complaint) {
     return complaint.find("/Ovrix/script1.scr: ") != std::string::npos ||
@@ -89,6 +97,9 @@ void RunMonitor::Step() {
 void RunMonitor::HostEnded() {
     const HostEnd end = host->Wait();
     host.reset();
+    if (end.LostLog) {
+        logLoss = logFault.empty() ? "a log of the host is not whole: it could not be written" : logFault;
+    }
     if (interrupted) {
         if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now())) {
             Tell(*record);
@@ -208,6 +219,14 @@ void RunMonitor::Hear(const HostEvent& event) {
             break;
         case Kind::Message:
         case Kind::Talk:
+            // Only believed when the host's end says the same.
+            if (event.Text.starts_with("The log ") &&
+                event.Text.find(" is not whole: ") != std::string::npos) {
+                logFault = event.Text;
+            }
+            if (event.What == Kind::Message && AboutLogs(event.Text)) {
+                progress->Note(event.Text);
+            }
             if (event.What == Kind::Message &&
                 event.Text.find(settings.Place.DataHome + "/") != std::string::npos) {
                 complaint = event.Text;

@@ -50,6 +50,8 @@ class RunMonitor {
     /// The module's last complaint about a file of the data folder that it could not write or read; empty
     /// when there was none.
     const std::string& Complaint() const { return complaint; }
+    /// One line when a host that ended in order has lost text of its logs; empty otherwise.
+    const std::string& LogLoss() const { return logLoss; }
 
     /// Adds what there is to poll for.
     void AddDescriptors(std::vector<pollfd>* watched) const;
@@ -90,6 +92,9 @@ class RunMonitor {
     std::size_t settledInLife = 0;
     bool hung = false;
     std::string complaint;
+    /// The last thing that the host said of a log that it could not write.
+    std::string logFault;
+    std::string logLoss;
 };
 
 /// Works the queues of all monitors off. When one breaks off, so do the others. The worst outcome of all;

@@ -48,5 +48,7 @@ int main(int argc, char** argv) {
     host.input().attachKeyboard(STDIN_FILENO);
     QCoreApplication::exec();
     host.shutDown();
-    return exitStatus();
+    // The number that sysexits gives to files that cannot be written.
+    constexpr int LostLog = 74;
+    return exitStatus() == 0 && host.lostLog() ? LostLog : exitStatus();
 }

@@ -108,6 +108,12 @@ void Document::startLog() {
     }
 }
 
+void Document::stopLog() {
+    if (!log_.stop()) {
+        host_.tellLostLog(log_.takeError());
+    }
+}
+
 const std::string& Document::logName() {
     if (logName_.empty()) {
         std::string folder = host_.variables().string("LOGFILEPATH", "");

@@ -92,7 +92,7 @@ class Document {
 
     /// Opens the log where LOGFILEPATH says, or goes on with it; the name stays the same from then on.
     void startLog();
-    void stopLog() { log_.stop(); }
+    void stopLog();
     /// Full path of the log file, given before the first line is written too.
     const std::string& logName();
 

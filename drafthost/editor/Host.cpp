@@ -189,7 +189,7 @@ void Host::detach(Document& document) {
     modules_->sendToFunctionOwners(AcRx::kUnloadDwgMsg);
     document.commandLine().cancelAll();
     freshLine();
-    document.log_.stop();
+    document.stopLog();
     notify([&](HostObserver& observer) { observer.documentClosing(document); });
     document.closed_ = true;
     document.lock_.reset();
@@ -302,6 +302,11 @@ void Host::handOut() {
         output_(line_);
         line_.clear();
     }
+}
+
+void Host::tellLostLog(const std::string& cause) {
+    lostLog_ = true;
+    printLine(cause);
 }
 
 std::string Host::nextLogName(const std::string& drawing) {

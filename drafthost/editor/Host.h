@@ -158,6 +158,9 @@ class Host {
     /// Width to height of what the window shows of a drawing; nothing without one.
     std::optional<double> screenAspect() const { return screenAspect_; }
     void setScreenAspect(std::optional<double> aspect) { screenAspect_ = aspect; }
+    /// Tells that a log has lost text, on the command line and at the end by the exit status.
+    void tellLostLog(const std::string& cause);
+    bool lostLog() const { return lostLog_; }
     /// File name for the next log of a drawing, new in this session.
     std::string nextLogName(const std::string& drawing);
 
@@ -189,6 +192,7 @@ class Host {
     std::unique_ptr<Document> standIn_;
     std::uint64_t textMark_ = 0;
     LastLine lastLine_;
+    bool lostLog_ = false;
     bool lineOpen_ = false;
     bool hasFrame_ = false;
     ChangesBox changesBox_;

@@ -28,9 +28,9 @@ void LogFile::start(std::string path) {
     write(time);
 }
 
-void LogFile::stop() {
+bool LogFile::stop() {
     if (!on_) {
-        return;
+        return true;
     }
     if (lineOpen_) {
         write("\n");
@@ -39,8 +39,13 @@ void LogFile::stop() {
         ::close(fd_);
         fd_ = -1;
     }
+    const bool whole = pending_.empty();
+    if (!whole) {
+        error_ = "The log " + path_ + " is not whole: " + cause_;
+    }
     pending_.clear();
     on_ = false;
+    return whole;
 }
 
 void LogFile::write(std::string_view text) {
@@ -66,8 +71,11 @@ void LogFile::write(std::string_view text) {
         done += count > 0 ? std::size_t(count) : 0;
     }
     const bool failed = done < pending_.size();
+    if (failed) {
+        cause_ = files::Because(errno);
+    }
     if (failed && !broken_) {
-        error_ = "The log " + path_ + " cannot be written: " + files::Because(errno);
+        error_ = "The log " + path_ + " cannot be written: " + cause_;
     }
     broken_ = failed;
     pending_.erase(0, done);

@@ -17,7 +17,8 @@ class LogFile {
 
     /// From now on text goes to the file, behind what is there.
     void start(std::string path);
-    void stop();
+    /// False, with a line of cause, when text is lost since it could never be written.
+    bool stop();
     bool isOn() const { return on_; }
     /// What cannot be written is tried again with the next text.
     void write(std::string_view text);
@@ -30,6 +31,7 @@ class LogFile {
     std::string path_;
     std::string pending_;
     std::string error_;
+    std::string cause_;
     bool broken_ = false;
     bool lineOpen_ = false;
 };

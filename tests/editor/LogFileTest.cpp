@@ -1,0 +1,79 @@
+// The log of a document: with the system at once, and honest about what it could not keep.
+#include "drafthost/editor/LogFile.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace drafthost {
+namespace {
+
+class LogFileTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        std::string pattern = (std::filesystem::temp_directory_path() / "log-XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        folder_ = pattern;
+        ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before_), 0);
+        handler_ = std::signal(SIGXFSZ, SIG_IGN);
+    }
+    void TearDown() override {
+        setFull(false);
+        std::signal(SIGXFSZ, handler_);
+        std::filesystem::remove_all(folder_);
+    }
+    std::string path() const { return folder_ / "a.log"; }
+    std::string text() const {
+        std::ifstream in(path(), std::ios::binary);
+        std::string text{std::istreambuf_iterator<char>(in), {}};
+        return text.substr(text.find('\n') + 1);
+    }
+    /// A limit on the size of files plays the full disk: it takes no byte more than the log has now.
+    void setFull(bool full) const {
+        rlimit limit = before_;
+        if (full) {
+            limit.rlim_cur = std::filesystem::file_size(path()) + 3;
+        }
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+
+    std::filesystem::path folder_;
+    rlimit before_{};
+    void (*handler_)(int) = nullptr;
+};
+
+TEST_F(LogFileTest, HoldsEachWordAtOnce) {
+    LogFile log;
+    log.start(path());
+    log.write("half a");
+    EXPECT_EQ(text(), "half a");
+    log.write(" line\nnext");
+    EXPECT_EQ(text(), "half a line\nnext");
+    EXPECT_TRUE(log.stop());
+    EXPECT_EQ(text(), "half a line\nnext\n");
+}
+
+TEST_F(LogFileTest, TriesAgainWhatCouldNotBeWrittenAndTellsALoss) {
+    LogFile log;
+    log.start(path());
+    setFull(true);
+    log.write("one line\n");
+    log.write("two\n");
+    EXPECT_EQ(text(), "one");
+    EXPECT_NE(log.takeError().find(path() + " cannot be written: "), std::string::npos);
+    EXPECT_EQ(log.takeError(), "") << "told once";
+    setFull(false);
+    log.write("three\n");
+    EXPECT_EQ(text(), "one line\ntwo\nthree\n");
+    setFull(true);
+    log.write("lost for good\n");
+    EXPECT_FALSE(log.stop());
+    EXPECT_NE(log.takeError().find(path() + " is not whole"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace drafthost
