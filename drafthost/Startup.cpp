@@ -3,10 +3,10 @@
 #include <filesystem>
 
 #include "drafthost/drawing/FileBytes.h"
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/RegistryFile.h"
+#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/FileText.h"
 
 namespace drafthost {
@@ -52,7 +52,7 @@ void loadSuite(Host& host) {
     const RegistryFile& registry = host.registry();
     const std::string key = RegistryFile::profileKey(registry.profile()) + "\\Dialogs\\Appload\\Startup\\";
     const int count =
-        readInteger(registry.readString(UserRoot, key + "NumStartup").value_or("0")).value_or(0);
+        lisp::readInteger(registry.readString(UserRoot, key + "NumStartup").value_or("0")).value_or(0);
     for (int i = 1; i <= count; ++i) {
         auto module = registry.readString(UserRoot, key + std::to_string(i) + "Startup");
         if (!module) {

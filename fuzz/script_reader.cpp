@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/InputText.h"
+#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/FileText.h"
 
 using namespace drafthost;
@@ -41,14 +41,17 @@ std::vector<std::string> cut(InputText& text, std::string_view coming, std::size
 }
 
 void readAnswer(const std::string& text) {
-    readInteger(text);
-    readReal(text);
-    readDistance(text);
-    readAngle(text);
-    if (auto point = readPoint(text, lisp::Point{1, 2, 3})) {
+    lisp::ReadingRules rules;
+    rules.lengthUnits = 4;
+    rules.lastPoint = {1, 2, 3};
+    lisp::readInteger(text);
+    lisp::readNumber(text);
+    lisp::readNumber(text, rules);
+    lisp::readAngle(text, rules);
+    if (auto point = lisp::readPoint(text, rules)) {
         require((*point)[0] == (*point)[0]);
     }
-    if (auto keyword = matchKeyword(text, "All eXit LType 3P ?")) {
+    if (auto keyword = lisp::matchKeyword(text, "All eXit LType 3P ?")) {
         require(!keyword->empty());
     }
 }

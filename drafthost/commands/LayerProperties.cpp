@@ -3,8 +3,8 @@
 #include "drafthost/commands/Questions.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/SymbolTables.h"
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
+#include "drafthost/lisp/AnswerReader.h"
 
 namespace drafthost::commands {
 
@@ -142,7 +142,7 @@ Task<bool> lineweightLayers(CommandContext& context) {
         std::optional<int> weight;
         if (answer.isKeyword("Default")) {
             weight = -3;
-        } else if (auto millimetres = readReal(answer.text)) {
+        } else if (auto millimetres = lisp::readNumber(answer.text)) {
             weight = nearestLineweight(*millimetres);
         }
         if (!weight) {

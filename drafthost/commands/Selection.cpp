@@ -4,7 +4,6 @@
 
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/View.h"
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/lisp/DxfList.h"
 #include "drafthost/lisp/World.h"

@@ -8,9 +8,11 @@
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/View.h"
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
+#include "drafthost/editor/DocumentLisp.h"
 #include "drafthost/editor/Host.h"
+#include "drafthost/lisp/AnswerReader.h"
+#include "drafthost/lisp/Arguments.h"
 
 namespace drafthost::commands {
 
@@ -122,7 +124,7 @@ struct Scale {
 };
 
 /// Reads n, nX or nXP with n over 0.
-std::optional<Scale> readScale(std::string_view text) {
+std::optional<Scale> readScale(std::string_view text, const lisp::ReadingRules& rules) {
     Scale scale;
     auto endsWith = [&](std::string_view tail) {
         return text.size() > tail.size() &&
@@ -135,7 +137,7 @@ std::optional<Scale> readScale(std::string_view text) {
         scale.kind = ScaleKind::View;
         text.remove_suffix(1);
     }
-    auto factor = readReal(text);
+    auto factor = lisp::readNumber(text, rules);
     if (!factor || !(*factor > 0)) {
         return std::nullopt;
     }
@@ -168,18 +170,22 @@ void zoomToScale(CommandContext& context, const Scale& scale) {
     changeView(context.document(), view);
 }
 
-std::optional<Scale> scaleOf(const Answer& answer) {
+lisp::ReadingRules rulesOf(CommandContext& context) {
+    return lisp::readingRules(context.document().lisp());
+}
+
+std::optional<Scale> scaleOf(CommandContext& context, const Answer& answer) {
     if (answer.value.isNumber()) {
         double number = answer.value.toDouble();
         return number > 0 ? std::optional(Scale{number, ScaleKind::Limits}) : std::nullopt;
     }
-    return answer.value.isNil() ? readScale(answer.text) : std::nullopt;
+    return answer.value.isNil() ? readScale(answer.text, rulesOf(context)) : std::nullopt;
 }
 
 CommandTask zoomScale(CommandContext& context) {
     for (;;) {
         auto answer = co_await context.input("Enter a scale factor (nX or nXP)", {.noEmpty = true});
-        if (auto scale = scaleOf(answer)) {
+        if (auto scale = scaleOf(context, answer)) {
             zoomToScale(context, *scale);
             co_return;
         }
@@ -201,7 +207,7 @@ CommandTask zoomCenter(CommandContext& context) {
             changeView(document, view);
             co_return;
         }
-        auto scale = scaleOf(answer);
+        auto scale = scaleOf(context, answer);
         if (!scale) {
             context.complain("\"" + answer.text + "\" is neither a height nor a magnification (nX).");
             continue;
@@ -293,10 +299,10 @@ CommandTask zoomCommand(CommandContext& context) {
             co_await zoomWindow(context);
         } else if (answer.isKeyword("Object")) {
             co_await zoomObject(context);
-        } else if (auto scale = scaleOf(answer)) {
+        } else if (auto scale = scaleOf(context, answer)) {
             zoomToScale(context, *scale);
-        } else if (auto corner =
-                       answer.value.isNil() ? readPoint(answer.text, lisp::Point{}) : pointOf(answer.value)) {
+        } else if (auto corner = answer.value.isNil() ? lisp::readPoint(answer.text, rulesOf(context))
+                                                      : lisp::toPoint(answer.value)) {
             auto second =
                 co_await context.point("Specify opposite corner", {.noEmpty = true, .base = *corner});
             zoomToWindow(context, toPoint(*corner), toPoint(second.point));

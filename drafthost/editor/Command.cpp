@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
+#include "drafthost/editor/DocumentLisp.h"
 #include "drafthost/editor/Host.h"
+#include "drafthost/lisp/AnswerReader.h"
+#include "drafthost/lisp/Arguments.h"
 #include "drafthost/lisp/Printer.h"
 
 namespace drafthost {
@@ -13,7 +15,7 @@ namespace {
 
 constexpr const char* LastPoint = "LASTPOINT";
 
-std::optional<lisp::Point> lastPoint(Document& document) {
+lisp::Point lastPoint(Document& document) {
     auto found = document.variables().find(LastPoint);
     if (found == document.variables().end()) {
         return lisp::Point{};
@@ -33,7 +35,7 @@ Input Input::fromValue(const lisp::Value& value) {
         return fromText(value.toString());
     }
     Input input{lisp::prin1(value), value, true};
-    if (auto point = pointOf(value)) {
+    if (auto point = lisp::toPoint(value)) {
         input.text = lisp::formatReal((*point)[0]) + "," + lisp::formatReal((*point)[1]) + "," +
                      lisp::formatReal((*point)[2]);
     }
@@ -100,7 +102,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
         answer_.text = input.text.substr(1, input.text.size() - 2);
     }
     if (!input.isValue && type_ != Type::Text) {
-        if (auto keyword = matchKeyword(input.text, keywords_)) {
+        if (auto keyword = lisp::matchKeyword(input.text, keywords_)) {
             answer_.kind = Answer::Kind::Keyword;
             answer_.keyword = *keyword;
             return true;
@@ -110,8 +112,9 @@ bool Ask::take(const Input& given, std::string& complaint) {
     if (input.isValue && input.value.isNumber()) {
         number = input.value.toDouble();
     }
-    auto base = options_.base ? options_.base : lastPoint(context_.document());
-    auto point = input.isValue ? pointOf(input.value) : std::nullopt;
+    lisp::ReadingRules rules = lisp::readingRules(context_.document().lisp());
+    rules.lastPoint = options_.base ? *options_.base : lastPoint(context_.document());
+    auto point = input.isValue ? lisp::toPoint(input.value) : std::nullopt;
     const std::string options = keywords_.empty() ? "" : " or one of the options " + keywords_;
     switch (type_) {
         case Type::Input:
@@ -131,7 +134,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
             return false;
         case Type::Integer: {
             if (!number && !input.isValue) {
-                auto typed = readInteger(input.text);
+                auto typed = lisp::readInteger(input.text);
                 number = typed ? std::optional<double>(*typed) : std::nullopt;
             }
             const bool isInteger =
@@ -148,13 +151,14 @@ bool Ask::take(const Input& given, std::string& complaint) {
         case Type::Distance:
         case Type::Angle:
             if (!number && !input.isValue) {
-                number = type_ == Type::Real       ? readReal(input.text)
-                         : type_ == Type::Distance ? readDistance(input.text)
-                                                   : readAngle(input.text);
+                number = type_ == Type::Angle ? lisp::readAngle(input.text, rules)
+                                              : lisp::readNumber(input.text, rules);
+            } else if (number && type_ == Type::Angle) {
+                number = lisp::angleOf(*number, rules);
             }
             if (!number && type_ != Type::Real && options_.base) {
                 if (!point && !input.isValue) {
-                    point = readPoint(input.text, options_.base);
+                    point = lisp::readPoint(input.text, rules);
                 }
                 if (point) {
                     double dx = (*point)[0] - (*options_.base)[0];
@@ -170,7 +174,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
             return withinBounds(*number, complaint);
         case Type::Point:
             if (!point && !input.isValue) {
-                point = readPoint(input.text, base);
+                point = lisp::readPoint(input.text, rules);
             }
             if (!point) {
                 complaint = "A point" + options + " is needed here, not " + quoted(input) + ".";

@@ -5,13 +5,13 @@
 #include <QProcess>
 #include <QString>
 
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/ProgramFiles.h"
 #include "drafthost/editor/RegistryFile.h"
+#include "drafthost/lisp/Arguments.h"
 #include "drafthost/lisp/Printer.h"
 
 namespace drafthost {
@@ -87,7 +87,7 @@ std::optional<VariableValue> fromLisp(const lisp::Value& value) {
     if (value.isString()) {
         return value.toString();
     }
-    if (auto point = pointOf(value)) {
+    if (auto point = lisp::toPoint(value)) {
         if (value.items().size() == 2) {
             return Point2{(*point)[0], (*point)[1]};
         }

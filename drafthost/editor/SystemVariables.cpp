@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "drafthost/drawing/Header.h"
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
 #include "drafthost/editor/RegistryFile.h"
+#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/Symbol.h"
 
@@ -147,17 +147,17 @@ std::string stored(const VariableValue& value) {
 std::optional<VariableValue> readText(std::string_view text, const VariableValue& like) {
     switch (like.index()) {
         case 0: {
-            auto value = readInteger(text);
+            auto value = lisp::readInteger(text);
             return value ? std::optional<VariableValue>(*value) : std::nullopt;
         }
         case 1: {
-            auto value = readDistance(text);
+            auto value = lisp::readNumber(text);
             return value ? std::optional<VariableValue>(*value) : std::nullopt;
         }
         case 2:
             return std::string(text);
         default: {
-            auto value = readPoint(text, std::nullopt);
+            auto value = lisp::readPoint(text);
             return value ? convert(Point3(*value), like) : std::nullopt;
         }
     }

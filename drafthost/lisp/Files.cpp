@@ -5,7 +5,6 @@
 #include "drafthost/lisp/Evaluator.h"
 #include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/Printer.h"
-#include "drafthost/lisp/PromptReader.h"
 #include "drafthost/lisp/Prompts.h"
 #include "drafthost/lisp/Stream.h"
 #include "drafthost/lisp/Utf8.h"

@@ -5,52 +5,9 @@
 #include <numbers>
 
 #include "drafthost/lisp/Arguments.h"
-#include "drafthost/lisp/Reader.h"
-#include "drafthost/lisp/Units.h"
 
 namespace drafthost::lisp {
 namespace {
-
-std::string_view trimmed(std::string_view s) {
-    const std::size_t begin = s.find_first_not_of(" \t");
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    return s.substr(begin, s.find_last_not_of(" \t") - begin + 1);
-}
-
-bool isUpper(char c) {
-    return c >= 'A' && c <= 'Z';
-}
-
-bool fitsKeyword(std::string_view keyword, const std::string& input) {
-    const std::size_t comma = keyword.find(',');
-    const std::string full = upperCase(keyword.substr(0, comma));
-    if (comma != std::string_view::npos) {
-        const std::string least = upperCase(keyword.substr(comma + 1));
-        return input == least || (full.starts_with(input) && input.size() >= least.size());
-    }
-    std::size_t start = 0;
-    while (start < keyword.size() && !isUpper(keyword[start]) &&
-           !(keyword[start] >= '0' && keyword[start] <= '9')) {
-        ++start;
-    }
-    std::size_t end = start;
-    while (end < keyword.size() && (isUpper(keyword[end]) || (keyword[end] >= '0' && keyword[end] <= '9'))) {
-        ++end;
-    }
-    if (start == end) {
-        return full == input;
-    }
-    if (full.starts_with(input) && input.size() >= end) {
-        return true;
-    }
-    return full.substr(start).starts_with(input) && input.size() >= end - start;
-}
-
-std::optional<double> numberIn(std::string_view text, int units) {
-    return parseDistance(trimmed(text), units);
-}
 
 PromptReading refuse(std::string reason) {
     return {std::nullopt, std::move(reason)};
@@ -67,7 +24,7 @@ PromptReading checkNumber(const PromptRequest& request, Value v) {
     return {std::move(v), {}};
 }
 
-PromptReading readInteger(const PromptRequest& request, const Value& v) {
+PromptReading checkInteger(const PromptRequest& request, const Value& v) {
     const auto n = v.isInt() ? std::optional(v.toInt()) : std::nullopt;
     if (!n || *n < -32768 || *n > 32767) {
         return refuse("Requires an integer between -32768 and 32767.");
@@ -84,27 +41,32 @@ double direction(const Point& a, const Point& b) {
     return radians < 0 ? radians + 2 * std::numbers::pi : radians;
 }
 
-PromptReading readText(const PromptRequest& request, const std::string& raw, const PromptContext& context) {
-    const std::string_view text = trimmed(raw);
+/// The angle from the base to a point: of an orientation from the x axis, else as it would have been typed.
+Value angleBetween(const PromptRequest& request, const Point& p, const ReadingRules& rules) {
+    const double radians = direction(*request.base, p);
+    return Value::real(request.kind == PromptKind::Orientation ? radians : typedAngle(radians, rules));
+}
+
+PromptReading readText(const PromptRequest& request, const std::string& text, const ReadingRules& rules) {
     switch (request.kind) {
         case PromptKind::Int: {
-            const auto number = parseNumber(text);
-            return readInteger(request, number ? *number : Value());
+            const auto number = readInteger(text);
+            return checkInteger(request, number ? Value::integer(*number) : Value());
         }
         case PromptKind::Real: {
-            const auto number = numberIn(text, context.lengthUnits);
+            const auto number = readNumber(text, rules);
             return number ? checkNumber(request, Value::real(*number)) : refuse("Requires numeric value.");
         }
         case PromptKind::Point:
         case PromptKind::Corner: {
-            const auto p = parsePoint(text, context);
+            const auto p = readPoint(text, rules);
             return p ? PromptReading{Value::point(*p), {}} : refuse("Invalid point.");
         }
         case PromptKind::Distance: {
-            if (const auto number = numberIn(text, context.lengthUnits)) {
+            if (const auto number = readNumber(text, rules)) {
                 return checkNumber(request, Value::real(*number));
             }
-            const auto p = parsePoint(text, context);
+            const auto p = readPoint(text, rules);
             if (p && request.base) {
                 return checkNumber(
                     request,
@@ -115,15 +77,17 @@ PromptReading readText(const PromptRequest& request, const std::string& raw, con
         }
         case PromptKind::Angle:
         case PromptKind::Orientation: {
-            if (const auto p = parsePoint(text, context)) {
-                return {request.base ? Value::real(direction(*request.base, *p)) : Value::point(*p), {}};
+            if (const auto p = readPoint(text, rules)) {
+                return {request.base ? angleBetween(request, *p, rules) : Value::point(*p), {}};
             }
-            const auto radians = parseAngle(text, context.angleUnits);
-            if (!radians) {
+            const auto typed = readAngle(text, rules);
+            if (!typed) {
                 return refuse("Requires valid numeric angle or second point.");
             }
-            const double base = request.kind == PromptKind::Orientation ? context.angleBase : 0;
-            const double turn = std::fmod(*radians + base, 2 * std::numbers::pi);
+            // Only an orientation is counted from the x axis whatever the drawing's base.
+            const double radians =
+                request.kind == PromptKind::Orientation ? directionOf(*typed, rules) : *typed;
+            const double turn = std::fmod(radians, 2 * std::numbers::pi);
             return checkNumber(request, Value::real(turn < 0 ? turn + 2 * std::numbers::pi : turn));
         }
         case PromptKind::Keyword:
@@ -132,14 +96,14 @@ PromptReading readText(const PromptRequest& request, const std::string& raw, con
         case PromptKind::NestedEntity:
             return {Value(), {}};
         default:
-            return {Value::string(raw), {}};
+            return {Value::string(text), {}};
     }
 }
 
-PromptReading readValue(const PromptRequest& request, const Value& v) {
+PromptReading readValue(const PromptRequest& request, const Value& v, const ReadingRules& rules) {
     switch (request.kind) {
         case PromptKind::Int:
-            return readInteger(request, v);
+            return checkInteger(request, v);
         case PromptKind::Real:
             return v.isNumber() ? checkNumber(request, Value::real(v.toDouble()))
                                 : refuse("Requires numeric value.");
@@ -158,9 +122,9 @@ PromptReading readValue(const PromptRequest& request, const Value& v) {
             if (!p || !request.base) {
                 return p ? PromptReading{v, {}} : refuse("Requires numeric distance or two points.");
             }
-            return {Value::real(request.kind == PromptKind::Distance
-                                    ? between(*request.base, *p, (request.initgetBits & kPlaneDistance) != 0)
-                                    : direction(*request.base, *p)),
+            return {request.kind == PromptKind::Distance
+                        ? Value::real(between(*request.base, *p, (request.initgetBits & kPlaneDistance) != 0))
+                        : angleBetween(request, *p, rules),
                     {}};
         }
         case PromptKind::Entity:
@@ -178,94 +142,26 @@ PromptReading readValue(const PromptRequest& request, const Value& v) {
 
 }  // namespace
 
-std::optional<std::string> matchKeyword(const std::vector<std::string>& keywords, std::string_view text) {
-    std::vector<std::string_view> local;
-    std::vector<std::string_view> global;
-    for (const std::string_view word : keywords) {
-        if (word.starts_with('_') || !global.empty()) {
-            global.push_back(word.starts_with('_') ? word.substr(1) : word);
-        } else {
-            local.push_back(word);
-        }
-    }
-    const std::string_view bare = trimmed(text);
-    const bool asGlobal = bare.starts_with('_');
-    const std::string input = upperCase(asGlobal ? bare.substr(1) : bare);
-    const auto& names = asGlobal && !global.empty() ? global : local;
-    for (std::size_t i = 0; !input.empty() && i < names.size(); ++i) {
-        if (fitsKeyword(names[i], input)) {
-            const std::string_view answer = i < global.size() ? global[i] : local[i];
-            return std::string(answer.substr(0, answer.find(',')));
-        }
-    }
-    return std::nullopt;
-}
-
-std::optional<Point> parsePoint(std::string_view raw, const PromptContext& context) {
-    std::string_view text = trimmed(raw);
-    Point origin{0, 0, 0};
-    const bool relative = text.starts_with('@');
-    if (relative) {
-        origin = context.lastPoint;
-        text.remove_prefix(1);
-        if (text.empty()) {
-            return origin;
-        }
-    }
-    if (text.starts_with('*')) {
-        text.remove_prefix(1);
-    }
-    Point p{0, 0, 0};
-    const std::size_t polar = text.find('<');
-    if (polar != std::string_view::npos) {
-        const auto length = numberIn(text.substr(0, polar), context.lengthUnits);
-        const auto radians = parseAngle(trimmed(text.substr(polar + 1)), context.angleUnits);
-        if (!length || !radians) {
-            return std::nullopt;
-        }
-        p = {*length * std::cos(*radians + context.angleBase),
-             *length * std::sin(*radians + context.angleBase), 0};
-    } else {
-        std::size_t count = 0;
-        for (bool more = true; more; ++count) {
-            const std::size_t comma = text.find(',');
-            const auto number = numberIn(text.substr(0, comma), context.lengthUnits);
-            if (!number || count == 3) {
-                return std::nullopt;
-            }
-            p[count] = *number;
-            more = comma != std::string_view::npos;
-            text.remove_prefix(more ? comma + 1 : text.size());
-        }
-        if (count < 2) {
-            return std::nullopt;
-        }
-    }
-    for (int i = 0; i < 3; ++i) {
-        p[i] += origin[i];
-    }
-    return p;
-}
-
 PromptReading readAnswer(const PromptRequest& request, const PromptAnswer& answer,
-                         const PromptContext& context) {
+                         const ReadingRules& rules) {
     if (answer.status == PromptAnswer::Status::Value) {
         if (answer.value.isString()) {
-            return readAnswer(request, PromptAnswer::fromText(answer.value.toString()), context);
+            return readAnswer(request, PromptAnswer::fromText(answer.value.toString()), rules);
         }
-        return readValue(request, answer.value);
+        return readValue(request, answer.value, rules);
     }
     const bool isString = request.kind == PromptKind::String;
-    if (!isString && trimmed(answer.text).empty()) {
+    if (!isString && answer.text.find_first_not_of(" \t") == std::string::npos) {
         return (request.initgetBits & kNoEnter) != 0 ? refuse("Requires an answer.")
                                                      : PromptReading{Value(), {}};
     }
     if (!isString) {
-        if (auto keyword = matchKeyword(request.keywords, answer.text)) {
+        const std::vector<std::string_view> keywords(request.keywords.begin(), request.keywords.end());
+        if (auto keyword = matchKeyword(answer.text, keywords)) {
             return {Value::string(std::move(*keyword)), {}};
         }
     }
-    PromptReading reading = readText(request, answer.text, context);
+    PromptReading reading = readText(request, answer.text, rules);
     if (!reading.value && (request.initgetBits & kArbitrary) != 0 && request.kind != PromptKind::Keyword) {
         return {Value::string(answer.text), {}};
     }

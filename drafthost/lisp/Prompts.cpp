@@ -10,23 +10,6 @@
 namespace drafthost::lisp {
 namespace {
 
-PromptContext contextOf(Evaluator& e) {
-    PromptContext context;
-    if (const auto v = e.host.getVar("LUNITS"); v && v->isInt()) {
-        context.lengthUnits = v->toInt();
-    }
-    if (const auto v = e.host.getVar("AUNITS"); v && v->isInt()) {
-        context.angleUnits = v->toInt();
-    }
-    if (const auto v = e.host.getVar("ANGBASE"); v && v->isNumber()) {
-        context.angleBase = v->toDouble();
-    }
-    if (const auto v = e.host.getVar("LASTPOINT")) {
-        context.lastPoint = toPoint(*v).value_or(Point{0, 0, 0});
-    }
-    return context;
-}
-
 Value initGet(Evaluator& e, Args args) {
     e.initGet = {};
     std::size_t i = 0;
@@ -167,7 +150,7 @@ Value askUser(Evaluator& e, PromptRequest request) {
         if (answer.status == PromptAnswer::Status::Cancelled) {
             e.failCancelled();
         }
-        PromptReading reading = readAnswer(request, answer, contextOf(e));
+        PromptReading reading = readAnswer(request, answer, readingRules(e.host));
         if (reading.value) {
             if (request.kind == PromptKind::Point && reading.value->isCons()) {
                 e.host.setVar("LASTPOINT", *reading.value);

@@ -39,6 +39,24 @@ TEST_F(Zoom, ScalesAndWindows) {
     expectView(5, 4, 8);
 }
 
+TEST_F(Zoom, APointMeansTheSameToACommandAndToLisp) {
+    const std::string rules =
+        "(mapcar 'setvar '(\"LUNITS\" \"AUNITS\" \"ANGBASE\" \"ANGDIR\" \"LASTPOINT\") '(4 2 0.5 1 (1.0 1.0 "
+        "0.0)))\n";
+    for (const std::string answer : {"1'2,6", "@3,4", "@2<50", "1'<50d", "*1-1/2,2", "#3,4", "@"}) {
+        type(rules + "zoom c " + answer + " 10\n");
+        const Point3 ofCommand = std::get<Point3>(variable("VIEWCTR"));
+        type(rules + "(setq p (getpoint))\n" + answer + "\n(setvar \"VIEWCTR\" p)\n");
+        output.clear();
+        type("(< (distance p '(" + std::to_string(ofCommand[0]) + " " + std::to_string(ofCommand[1]) +
+             ")) 1e-5)\n");
+        EXPECT_NE(output.find("\nT\n"), std::string::npos) << answer << output;
+        EXPECT_TRUE(idle());
+    }
+    type("(setvar \"LASTPOINT\" '(0.0 0.0 0.0))\nzoom c 1',0 1'\n");
+    expectView(12, 0, 12);
+}
+
 TEST_F(Zoom, ExtentsAllAndObjectsComeFromTheEntities) {
     EXPECT_EQ(std::get<Point3>(variable("EXTMAX")), (Point3{2, 2, 0})) << "as the file says";
     type("zoom e\n");

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <vector>
 
-#include "drafthost/editor/AnswerReader.h"
 #include "drafthost/lisp/FileText.h"
 
 namespace drafthost {
@@ -96,37 +95,6 @@ TEST(InputText, ALongExpressionIsScannedOnce) {
 TEST(InputText, CancelsInTextEndTheWordBeforeThem) {
     EXPECT_EQ(words("\x03zoom\x03regen\n\x1b", InputKind::Command),
               (Words{"cancel", "cancel", "regen", "cancel", "rest:"}));
-}
-
-TEST(AnswerReader, LengthsAnglesAndPoints) {
-    EXPECT_EQ(readDistance("5'6-1/2\""), 66.5);
-    EXPECT_EQ(readDistance("-1'"), -12);
-    EXPECT_EQ(readDistance("3/4"), 0.75);
-    EXPECT_EQ(readDistance("1e3"), 1000);
-    for (const char* bad : {"", "x", "1/0", "1-", "5'x", "+-1", "nan", "inf", "1,2"}) {
-        EXPECT_FALSE(readDistance(bad)) << bad;
-    }
-    EXPECT_NEAR(*readAngle("45d30'"), 0.794125, 1e-6);
-    EXPECT_NEAR(*readAngle("-100g"), -1.570796, 1e-6);
-    EXPECT_FALSE(readAngle("45x"));
-    EXPECT_EQ(*readPoint("@1,2", lisp::Point{10, 10, 5}), (lisp::Point{11, 12, 5}));
-    EXPECT_NEAR((*readPoint("@2<90", lisp::Point{1, 1, 0}))[1], 3, 1e-12);
-    EXPECT_FALSE(readPoint("1", {}));
-    EXPECT_FALSE(readPoint("1,2,3,4", {}));
-}
-
-TEST(AnswerReader, KeywordsNeedTheirCapitals) {
-    constexpr const char* List = "All eXit LType LTScale 3P ?";
-    EXPECT_EQ(matchKeyword("_a", List), "All");
-    EXPECT_EQ(matchKeyword("x", List), "eXit");
-    EXPECT_EQ(matchKeyword("exi", List), "eXit");
-    EXPECT_EQ(matchKeyword("lt", List), "LType");
-    EXPECT_EQ(matchKeyword("LTS", List), "LTScale");
-    EXPECT_EQ(matchKeyword("3p", List), "3P");
-    EXPECT_EQ(matchKeyword("?", List), "?");
-    for (const char* bad : {"", "_", "e", "l", "allx", "3"}) {
-        EXPECT_FALSE(matchKeyword(bad, List)) << bad;
-    }
 }
 
 TEST(FileText, FilesOfEveryEditorBecomeUtf8) {
