@@ -131,11 +131,11 @@ bool ProgramFiles::mayLoad(const std::string& path) {
     }
     const bool allowed = level == 1 && isOwn(path);
     if (!allowed || told_.insert(path).second) {
-        host_.printLine(path +
-                        (allowed ? " is loaded, though its folder is not in TRUSTEDPATHS."
-                         : level == 1
-                             ? " is not loaded: others can write it, and its folder is not in TRUSTEDPATHS."
-                             : " is not loaded: its folder is not in TRUSTEDPATHS (SECURELOAD is 2)."));
+        host_.printLine(
+            path + (allowed ? " is loaded, though its folder is not in TRUSTEDPATHS."
+                    : level == 1
+                        ? " is not loaded: others may have written it, and its folder is not in TRUSTEDPATHS."
+                        : " is not loaded: its folder is not in TRUSTEDPATHS (SECURELOAD is 2)."));
     }
     return allowed;
 }

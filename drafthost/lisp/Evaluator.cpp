@@ -109,7 +109,7 @@ void Evaluator::pulse() {
     if (now - lastPulse_ < kPulse) {
         return;
     }
-    if (!programHasMemoryFor(0)) {
+    if (!hasMemoryFor(0)) {
         throw std::bad_alloc();
     }
     const bool cancel = host.checkInterrupt();

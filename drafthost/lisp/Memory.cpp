@@ -12,11 +12,16 @@ constexpr std::size_t kBetweenChecks = std::size_t{16} << 20;
 }
 
 void Memory::check(std::size_t taken) {
-    if (!programHasMemoryFor(taken)) {
+    const bool fits = programHasMemoryFor(taken);
+    // The program that failed may have put all of it into a variable. What comes next still needs a little, to
+    // let go of it or to leave the drawing.
+    if (fits || hasMemoryFor(kBetweenChecks)) {
+        checkAt_ = used_ + kBetweenChecks;
+    }
+    if (!fits) {
         used_ -= taken;
         throw std::bad_alloc();
     }
-    checkAt_ = used_ + kBetweenChecks;
 }
 
 void Memory::require(std::size_t bytes) {

@@ -1,6 +1,7 @@
 // The host as a program: its arguments, its input and output, its signals, and the modules that load with it.
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <csignal>
 #include <filesystem>
@@ -174,6 +175,29 @@ TEST_F(HostProgramTest, LoadsModulesFromEachOfTheThreePlacesOnce) {
     EXPECT_THAT(output, Not(HasSubstr("no-such-module")));
 }
 
+TEST_F(HostProgramTest, TakesNoMoreMemoryThanItMay) {
+    write("plan.dxf", Drawing::createNew(true)->serialise());
+    start({"--max-memory", "512M"});
+    finish(
+        "(setvar \"SDI\" 1)\n(while t (setq l (cons 1 l)))\nOPEN plan.dxf\n(princ (getvar "
+        "\"DWGNAME\"))\n(setq l "
+        "nil)\n"
+        "(defun f (n) (f (1+ n)))\n(f 1)\n(progn (repeat 3000000 (princ \"0123456789\")) nil)\n(princ "
+        "\"after\")\n");
+    EXPECT_THAT(output.substr(0, 4000), HasSubstr("; error: insufficient memory\n"));
+    EXPECT_THAT(output.substr(0, 4000), HasSubstr("\nplan.dxf"));
+    EXPECT_THAT(output.substr(0, 4000), HasSubstr("stack limit reached"));
+    EXPECT_THAT(output.substr(output.size() - 100), HasSubstr("\nafter"));
+    rusage used{};
+    ASSERT_EQ(::getrusage(RUSAGE_CHILDREN, &used), 0);
+    EXPECT_LT(used.ru_maxrss, 600 * 1024);
+    for (const char* wrong : {"1M", "4T", "much", "-1"}) {
+        start({"--max-memory", wrong});
+        finish();
+        EXPECT_EQ(host.exitCode(), 2) << wrong;
+    }
+}
+
 TEST_F(HostProgramTest, RunsNothingThatMerelyLiesBesideADrawing) {
     std::filesystem::create_directories(folder + "/theirs");
     std::filesystem::create_directories(folder + "/drafthost/support");
@@ -222,7 +246,7 @@ TEST_F(HostProgramTest, RunsNothingThatMerelyLiesBesideADrawing) {
     }
     EXPECT_EQ(count, 2U) << output;
     EXPECT_THAT(output, HasSubstr("tool.lsp is loaded, though its folder is not in TRUSTEDPATHS."));
-    EXPECT_THAT(output, HasSubstr("open.lsp is not loaded: others can write it"));
+    EXPECT_THAT(output, HasSubstr("open.lsp is not loaded: others may have written it"));
     EXPECT_THAT(output, HasSubstr("\"fallback\""));
     EXPECT_THAT(output, HasSubstr("(SECURELOAD is 2)"));
     EXPECT_THAT(output, HasSubstr("anybody's"));

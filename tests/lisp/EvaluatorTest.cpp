@@ -196,12 +196,14 @@ TEST_F(Lisp, EndlessProgramsEndAtACancel) {
 
 TEST_F(Lisp, WhatGrowsWithoutEndIsStoppedAtTheHostsMemory) {
     // Whatever the process holds already counts.
-    std::size_t limit = std::size_t{128} << 20;
+    std::size_t limit = std::size_t{256} << 20;
     for (setMemoryLimit(limit); !programHasMemoryFor(limit / 2); setMemoryLimit(limit)) {
         limit *= 2;
     }
     check({
         {"(while t (setq l (cons 1 l)))", "; error: insufficient memory"},
+        {"(while t (setq l (cons 1 l)))", "; error: insufficient memory"},
+        {"(progn (repeat 100000 (list 1)) (length (list 1 2 3)))", "3"},
         {"(setq l nil s \"x\") (while t (setq s (strcat s s)))", "; error: insufficient memory"},
         {"(setq s nil) (vl-catch-all-apply '(lambda () (while t (setq l (list l l)))))",
          "; error: insufficient memory"},
