@@ -7,6 +7,7 @@
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/lisp/Arguments.h"
 #include "drafthost/lisp/DxfList.h"
+#include "drafthost/lisp/EvalStack.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/WildcardMatch.h"
 
@@ -89,6 +90,11 @@ std::optional<Value> defaultOf(int code) {
 
 std::vector<SelectionFilter::Test> SelectionFilter::read(const std::vector<Value>& items, std::size_t& i,
                                                          const std::string& closing, const Value& whole) {
+    // What tests and frees the groups afterwards nests as deep and takes less.
+    constexpr std::size_t kReserve = std::size_t{2} << 20;
+    if (EvalStack::left() < kReserve) {
+        fail(std::string(kStackLimitText));
+    }
     std::vector<Test> tests;
     std::string op;
     while (i < items.size()) {
