@@ -177,12 +177,12 @@ TEST_F(HostProgramTest, LoadsModulesFromEachOfTheThreePlacesOnce) {
 
 TEST_F(HostProgramTest, TakesNoMoreMemoryThanItMay) {
     write("plan.dxf", Drawing::createNew(true)->serialise());
-    start({"--max-memory", "512M"});
+    start({"--max-memory", "256M"});
     finish(
         "(setvar \"SDI\" 1)\n(while t (setq l (cons 1 l)))\nOPEN plan.dxf\n(princ (getvar "
         "\"DWGNAME\"))\n(setq l "
         "nil)\n"
-        "(defun f (n) (f (1+ n)))\n(f 1)\n(progn (repeat 3000000 (princ \"0123456789\")) nil)\n(princ "
+        "(defun f (n) (f (1+ n)))\n(f 1)\n(progn (repeat 100000 (princ \"0123456789\")) nil)\n(princ "
         "\"after\")\n");
     EXPECT_THAT(output.substr(0, 4000), HasSubstr("; error: insufficient memory\n"));
     EXPECT_THAT(output.substr(0, 4000), HasSubstr("\nplan.dxf"));
@@ -190,7 +190,7 @@ TEST_F(HostProgramTest, TakesNoMoreMemoryThanItMay) {
     EXPECT_THAT(output.substr(output.size() - 100), HasSubstr("\nafter"));
     rusage used{};
     ASSERT_EQ(::getrusage(RUSAGE_CHILDREN, &used), 0);
-    EXPECT_LT(used.ru_maxrss, 600 * 1024);
+    EXPECT_LT(used.ru_maxrss, 320 * 1024);
     for (const char* wrong : {"1M", "4T", "much", "-1"}) {
         start({"--max-memory", wrong});
         finish();
