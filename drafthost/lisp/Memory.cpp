@@ -13,8 +13,8 @@ constexpr std::size_t kBetweenChecks = std::size_t{16} << 20;
 
 void Memory::check(std::size_t taken) {
     const bool fits = programHasMemoryFor(taken);
-    // The program that failed may have put all of it into a variable. What comes next still needs a little, to
-    // let go of it or to leave the drawing.
+    // The program that failed may have put all of it into a variable. What comes next still needs a little,
+    // to let go of it or to leave the drawing.
     if (fits || hasMemoryFor(kBetweenChecks)) {
         checkAt_ = used_ + kBetweenChecks;
     }
