@@ -158,6 +158,8 @@ TEST_F(RunLogs, ALogThatIsNotWholeIsToldAndIsNoSuccess) {
     fs::create_directories(Folder / "data/Ovrix/TNLapp.log");
     const ProgramResult result = Run({"--script", script, Drawing("a.dxf")});
     EXPECT_EQ(result.Status, 0) << result.Errors;
+    EXPECT_NE(result.Errors.find("TNLapp.log"), std::string::npos);
+    EXPECT_EQ(result.Errors.find("TNLapp.log"), result.Errors.rfind("TNLapp.log"));
 }
 
 }  // namespace
