@@ -37,7 +37,8 @@ QString keepAside(const QString& path) {
     QString copy = path + QStringLiteral(".damaged");
     for (int number = 2; QFile::exists(copy); ++number)
         copy = path + QStringLiteral(".damaged%1").arg(number);
-    return QFile::copy(path, copy) ? copy : QString();
+    QByteArray bytes;
+    return ReadWholeFile(path, bytes) == 0 && WriteWholeFile(copy, bytes) == 0 ? copy : QString();
 }
 
 /// True when a save may take the file's place.

@@ -151,7 +151,7 @@ int Follow(const std::string& path, Trust trust, std::string* target) {
             return errno;
         }
         const std::string next(text.data(), static_cast<std::size_t>(length));
-        *target = next.starts_with('/') ? next : folder + "/" + next;
+        target->assign(next.starts_with('/') ? "" : folder + "/").append(next);
     }
     return ELOOP;
 }

@@ -12,6 +12,7 @@
 #include "drafthost/lisp/Builtins.h"
 #include "drafthost/lisp/Evaluator.h"
 #include "drafthost/lisp/WildcardMatch.h"
+#include "system/OwnFile.h"
 
 namespace drafthost::lisp {
 namespace {
@@ -125,8 +126,12 @@ Value copyFile(Evaluator&, Args args) {
     if (!append && fs::exists(to, error)) {
         return {};
     }
+    std::string path;
+    if (files::Follow(to, files::Trust::FolderOwner, &path) != 0) {
+        return {};
+    }
     std::FILE* source = std::fopen(from.c_str(), "rb");
-    std::FILE* target = source != nullptr ? std::fopen(to.c_str(), append ? "ab" : "wb") : nullptr;
+    std::FILE* target = source != nullptr ? std::fopen(path.c_str(), append ? "ab" : "wb") : nullptr;
     bool done = target != nullptr;
     std::int64_t size = 0;
     char buffer[65536];

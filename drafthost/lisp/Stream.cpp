@@ -10,6 +10,7 @@
 #include "drafthost/lisp/Failure.h"
 #include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/Utf8.h"
+#include "system/OwnFile.h"
 
 namespace drafthost::lisp {
 
@@ -94,7 +95,11 @@ std::optional<Value> Stream::open(const std::string& path, char mode, const std:
     } else {
         // A pipe without a reader is refused instead of waited for.
         const int how = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-        Descriptor fd(::open(path.c_str(), how | (mode == 'a' ? O_APPEND : O_TRUNC), 0666));
+        std::string target;
+        if (files::Follow(path, files::Trust::FolderOwner, &target) != 0) {
+            return std::nullopt;
+        }
+        Descriptor fd(::open(target.c_str(), how | (mode == 'a' ? O_APPEND : O_TRUNC), 0666));
         if (fd.get() < 0 || ::fcntl(fd.get(), F_SETFL, mode == 'a' ? O_APPEND : 0) != 0) {
             return std::nullopt;
         }
