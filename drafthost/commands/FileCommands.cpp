@@ -119,11 +119,14 @@ CommandTask closeCommand(CommandContext& context) {
         context.fail("CLOSE was given up, the drawing stays open.");
         co_return;
     }
-    // Where there is one drawing at a time there is always one, so that a script can go on.
-    if (singleDocument(context.host())) {
-        context.host().newDocument();
-    } else {
+    if (!singleDocument(context.host())) {
         context.host().closeDocument(context.document());
+        co_return;
+    }
+    // With one drawing at a time there always is one: a script goes on, and modules reach the host.
+    OpenResult empty = context.host().newDocument({});
+    if (!empty.document) {
+        context.fail(empty.error);
     }
 }
 

@@ -121,15 +121,27 @@ bool InputStream::evaluatesLines() const {
     return host_.variables().integer("TEXTEVAL", 0) != 0;
 }
 
+bool InputStream::closesScript(std::string_view text) const {
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
+        text.remove_suffix(1);
+    }
+    if (text.size() < 3 || text.front() != '(' || text.back() != ')') {
+        return false;
+    }
+    const std::string_view name = text.substr(1, text.size() - 2);
+    return name.find_first_of(" \n()\"") == std::string_view::npos &&
+           host_.current()->world().get(name).type() == lisp::Type::Exsubr;
+}
+
 std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
     ScriptReader& script = host_.script();
     if (!script.isRunning() || !host_.current()) {
         return std::nullopt;
     }
-    if (auto item = script.text().next(kind, evaluatesLines())) {
+    if (auto item = script.text().next(kind, evaluatesLines() || closesScript(script.text().rest()))) {
         return item;
     }
-    if (script.text().isExpressionOpen()) {
+    if (!script.text().openForm().empty()) {
         host_.printLine("The script ends inside the expression that begins in line " +
                         std::to_string(script.text().line()) + ".");
         tellRefusal();
@@ -404,8 +416,10 @@ unsigned InputStream::activeBits() const {
 
 // --- prompts and echo ---
 
-void InputStream::showPrompt(const std::string& prompt) {
-    if (promptShown_ && promptMark_ == host_.textMark()) {
+void InputStream::showPrompt(const std::string& question) {
+    const std::string open = keyboard_.openForm();
+    const std::string& prompt = open.empty() ? question : open;
+    if (promptShown_ && promptMark_ == host_.textMark() && shownPrompt_ == prompt) {
         return;
     }
     host_.freshLine();
@@ -416,10 +430,11 @@ void InputStream::showPrompt(const std::string& prompt) {
     }
     promptShown_ = true;
     promptMark_ = host_.textMark();
+    shownPrompt_ = prompt;
 }
 
 void InputStream::echo(const std::string& prompt, std::string_view text, InputSource source) {
-    if (!promptShown_ || promptMark_ != host_.textMark()) {
+    if (!promptShown_ || promptMark_ != host_.textMark() || shownPrompt_ != prompt) {
         host_.freshLine();
         host_.print(prompt, Said::Aside);
     }

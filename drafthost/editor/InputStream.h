@@ -120,6 +120,9 @@ class InputStream {
     bool evaluatesLines() const;
     std::optional<Fetched> fetch(InputKind kind, std::span<const InputSource> order);
     std::optional<InputText::Item> fetchFromScript(InputKind kind);
+    /// Whether a script's rest is nothing but the call of a module's function, "(NAME)". Such a call is how a
+    /// chain of scripts goes on, and never the answer to a prompt.
+    bool closesScript(std::string_view rest) const;
     void execute(Document& document, const Fetched& fetched);
     Outcome perform(Document& document, const Fetched& fetched);
     Outcome command(Document& document, std::string_view typed, InputSource source, bool more);
@@ -160,6 +163,7 @@ class InputStream {
     bool userBreak_ = false;
     bool promptShown_ = false;
     std::uint64_t promptMark_ = 0;
+    std::string shownPrompt_;
     int depth_ = 0;
     int lispDepth_ = 0;
     int applicationContext_ = 0;

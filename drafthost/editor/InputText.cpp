@@ -77,6 +77,14 @@ void InputText::dropUnfinishedLine() {
     scanner_.reset();
 }
 
+std::string InputText::openForm() const {
+    if (!scanner_) {
+        return {};
+    }
+    return std::string(std::size_t(std::max(scanner_->depth(), 1)), '(') +
+           (scanner_->inString() ? "\"_> " : "_> ");
+}
+
 void InputText::compact() {
     // One character stays in front, so that the start of a line can still be told.
     constexpr std::size_t Enough = 1 << 16;

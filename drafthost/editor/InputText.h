@@ -40,8 +40,10 @@ class InputText {
     /// Drops what stands behind the last line end, as a cancel does with text that is half typed.
     /// An expression that goes on over line ends is dropped from its parenthesis on.
     void dropUnfinishedLine();
-    /// An expression has begun and is not complete.
-    bool isExpressionOpen() const { return scanner_.has_value(); }
+    /// The prompt that tells of an expression that has begun and is not complete, with a parenthesis for each
+    /// level
+    /// ("((_> ") and a quote for a string ("(\"_> "); empty when none is open.
+    std::string openForm() const;
     /// Number of the line, counted from 1, in which the last item that was cut off began, or the expression
     /// that is open. Only for a text that nothing is added to.
     std::size_t line() const { return line_; }

@@ -168,6 +168,10 @@ TEST_F(RealRun, ScriptsThatAreRefusedOrStopCostTheirDrawingOnly) {
         {"zoom\n", "2 Error", "the script ends while ZOOM waits for an answer"},
         {"saveas\n", "2 Error", "the script ends while SAVEAS waits for an answer"},
         {"(getstring)\n", "2 Error", "the script ends while LISP waits for an answer"},
+        {"(getstring T \"Name: \")\n", "2 Error", "the script ends while LISP waits for an answer"},
+        {"(entsel)\n", "2 Error", "the script ends while LISP waits for an answer"},
+        {"(command \"_.ZOOM\" pause)\n", "2 Error", ""},
+        {"(setvar \"SDI\" 0)\n_.close\n_yes\n(while t)\n", "2 Timeout", ""},
         {"(princ \"x\n", "2 Error", "The script ends inside the expression"},
         {"(progn (command \"FOO\") (command \"_.QSAVE\"))\n", "2 Error", "Unknown command \"FOO\""},
         {"(vl-catch-all-apply 'car '(1))\n(defun *error* (s) (princ))\n(car 1)\n", "2 Done", ""},
@@ -193,6 +197,21 @@ TEST_F(RealRun, ScriptsThatAreRefusedOrStopCostTheirDrawingOnly) {
              Write("s.scr", "FOO\n(car 1)\n(command \"BAR\")\n(setvar \"LTSCALE\" 3)\n"), first});
     EXPECT_EQ(lenient.Status, 0);
     EXPECT_THAT(lenient.Out, HasSubstr("Done, not saved, 3 refused"));
+}
+
+TEST_F(RealRun, AScriptGoesOnBehindClose) {
+    const std::string first = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string second = CopySample("garden-2007.dxf", "b.dxf");
+    for (const char* close : {"_.close\n", "(command \"_.CLOSE\")\n"}) {
+        const ProgramResult result =
+            Run({"--max-time", "5", "--json", (Folder / "r.json").string(), "--script",
+                 Write("s.scr", std::string(close) + "(princ (strcat \"now in \" (getvar "
+                                                     "\"DWGNAME\")))\n"),
+                 first, second});
+        EXPECT_EQ(result.Status, 0) << close << result.Out;
+        EXPECT_THAT(result.Out, HasSubstr("2 Done")) << close;
+        EXPECT_EQ(Read(first), Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf"));
+    }
 }
 
 TEST_F(RealRun, AScriptCannotSpeakForTheRun) {

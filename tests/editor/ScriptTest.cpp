@@ -73,6 +73,37 @@ TEST_F(ScriptTest, ACancelSuspendsIt) {
     EXPECT_THAT(notes(), ElementsAre("a+b", "from+timer"));
 }
 
+TEST_F(ScriptTest, AnExpressionThatIsOpenAtTheEndIsDropped) {
+    for (const char* open : {"(princ \"x\npair lost 1\n", "(progn\n(setq a 1)\npair lost 2\n"}) {
+        script(std::string("pair a b\n") + open);
+        EXPECT_EQ(state(), ScriptReader::State::Idle);
+        EXPECT_THAT(output, HasSubstr("The script ends inside the expression that begins in line 2."));
+        type("pair c d\n");
+        EXPECT_EQ(notes().back(), "c+d");
+    }
+}
+
+TEST_F(ScriptTest, ACancelDropsAnOpenExpression) {
+    for (const char* open : {"(princ \"x\n", "(list 1\n(car\n", "(princ \"half"}) {
+        SCOPED_TRACE(open);
+        notes().clear();
+        type(open);
+        type("pair taken in\n");
+        EXPECT_THAT(notes(), testing::IsEmpty());
+        type("\x03pair a b\n");
+        EXPECT_THAT(notes(), ElementsAre("a+b"));
+        // In one piece nothing has asked for the expression when the cancel comes.
+        type(std::string(open) + "\npair taken in\n\x03pair c d\n");
+        EXPECT_EQ(notes().back(), "c+d");
+    }
+    type("(list 1 (car\n");
+    EXPECT_TRUE(output.ends_with("((_> ")) << output;
+    type("\"a\n");
+    EXPECT_TRUE(output.ends_with("((\"_> ")) << output;
+    type("\x03");
+    EXPECT_TRUE(output.ends_with("Command: ")) << output;
+}
+
 TEST_F(ScriptTest, InputWaitsWhileACommandPauses) {
     script("wait 30\npair a b\n");
     EXPECT_THAT(notes(), testing::IsEmpty());
