@@ -171,7 +171,6 @@ TEST_F(RealRun, ScriptsThatAreRefusedOrStopCostTheirDrawingOnly) {
         {"(getstring T \"Name: \")\n", "2 Error", "the script ends while LISP waits for an answer"},
         {"(entsel)\n", "2 Error", "the script ends while LISP waits for an answer"},
         {"(command \"_.ZOOM\" pause)\n", "2 Error", ""},
-        {"(setvar \"SDI\" 0)\n_.close\n_yes\n(while t)\n", "2 Timeout", ""},
         {"(princ \"x\n", "2 Error", "The script ends inside the expression"},
         {"(progn (command \"FOO\") (command \"_.QSAVE\"))\n", "2 Error", "Unknown command \"FOO\""},
         {"(vl-catch-all-apply 'car '(1))\n(defun *error* (s) (princ))\n(car 1)\n", "2 Done", ""},
@@ -192,6 +191,10 @@ TEST_F(RealRun, ScriptsThatAreRefusedOrStopCostTheirDrawingOnly) {
         EXPECT_EQ(Read(first), Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf")) << one.Script;
         EXPECT_EQ(Read(second), Read(fs::path(SAMPLES) / "drawings/garden-2007.dxf")) << one.Script;
     }
+    const ProgramResult without =
+        Run({"--lenient", "--max-time", "1", "--script",
+             Write("s.scr", "(setvar \"SDI\" 0)\n_.close\n_yes\n(while t)\n"), first, second});
+    EXPECT_THAT(without.Out, HasSubstr("2 Timeout")) << "a time limit has to reach a host without a drawing";
     const ProgramResult lenient =
         Run({"--lenient", "--script",
              Write("s.scr", "FOO\n(car 1)\n(command \"BAR\")\n(setvar \"LTSCALE\" 3)\n"), first});
