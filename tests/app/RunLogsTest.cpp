@@ -94,8 +94,7 @@ TEST_F(RunLogs, ADrawingThatDoesNotEndWellHasItsLogToTheLastWord) {
     const std::string script = Write("s.scr", std::string(kSay) + R"(
 (if (= currentfile "error") (Tarnel_File_Error))
 (if (= currentfile "time") (while t))
-(arxload ")" CRASH_MODULE R"(")
-(if (= currentfile "dies") (command "CRASH"))
+(if (= currentfile "dies") (progn (arxload ")" CRASH_MODULE R"(") (command "CRASH")))
 (if (= currentfile "waits") (while t))
 )");
     const std::vector<std::string> names = {"error.dxf", "bad.dxf",  "time.dxf",
