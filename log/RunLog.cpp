@@ -6,6 +6,7 @@
 #include "log/RunLogText.h"
 #include "log/Trace.h"
 #include "log/ZipException.h"
+#include "state/WholeFile.h"
 
 #include <QFile>
 #include <QStringList>
@@ -43,6 +44,20 @@ QString writeWhatIsLeft() {
     if (ready)
         unwritten.erase(0, RunLogStream.Append(unwritten));
     return unwritten.empty() ? QString() : cause.isEmpty() ? qt_error_string() : cause;
+}
+
+/// The whole text in a new file in the old one's place, for a file that takes no more while its folder takes
+/// others. True when it stands.
+bool writeAnew() {
+    QByteArray text;
+    // Without an own file what stands there is of another run.
+    if (RunLogStream.IsOpen() && ReadWholeFile(runLogPath(), text) != 0)
+        return false;
+    text += QByteArray::fromStdString(unwritten);
+    if (WriteWholeFile(runLogPath(), text) != 0)
+        return false;
+    unwritten.clear();
+    return true;
 }
 
 void write(const QString& text) {
@@ -127,7 +142,7 @@ bool CloseRunLog() {
     write(RunLogTail);
     if (!unwritten.empty()) {
         const QString cause = writeWhatIsLeft();
-        if (!cause.isEmpty())
+        if (!cause.isEmpty() && !writeAnew())
             ConsoleLine(QStringLiteral("%1: cannot be written: %2; the run log is not whole")
                             .arg(runLogPath(), cause));
     }

@@ -9,7 +9,9 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 #include <csignal>
 
 namespace {
@@ -178,6 +180,31 @@ TEST_F(RunLogTest, LineThatWasCutOffIsCompleted) {
     ASSERT_EQ(log.Entries.size(), 4u);
     EXPECT_EQ(log.Entries[1].Html, "one");
     EXPECT_EQ(log.Entries[2].Html, "two");
+}
+
+TEST_F(RunLogTest, FileThatTakesNoMoreIsReplacedByAWholeOne) {
+    OpenRunLog();
+    RunLogLine("one");
+    const QString path = QFileInfo(DataPath("tnl log.html")).canonicalFilePath();
+    // From here on writing fails through the descriptor that the log has open, and nowhere else.
+    const int readOnly = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    int replaced = 0;
+    for (const QFileInfo& link : QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files)) {
+        const int number = link.fileName().toInt();
+        if (number != readOnly && link.symLinkTarget() == path && dup2(readOnly, number) == number)
+            ++replaced;
+    }
+    ASSERT_EQ(replaced, 1);
+    RunLogLine("two");
+    CloseRunLog();
+    close(readOnly);
+    const RunLogContent log = ReadRunLog(Content(path));
+    EXPECT_TRUE(log.IsWhole);
+    ASSERT_EQ(log.Entries.size(), 4u);
+    EXPECT_EQ(log.Entries[1].Html, "one");
+    EXPECT_EQ(log.Entries[2].Html, "two");
+    EXPECT_EQ(host.Printed.count("it is tried again"), 1);
+    EXPECT_FALSE(host.Printed.contains("not whole"));
 }
 
 TEST(HostLogId, ReplacesDriveAndSeparators) {
