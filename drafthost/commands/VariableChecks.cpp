@@ -6,7 +6,6 @@
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
-#include "system/OwnFile.h"
 
 namespace drafthost::commands {
 
@@ -100,13 +99,8 @@ bool checkSdi(Host& host, Document*, VariableValue& value, std::string& reason) 
     return true;
 }
 
-bool switchLog(Host& host, Document*, VariableValue& value, std::string& reason) {
-    std::string folder = host.variables().string("LOGFILEPATH", "");
-    const int error = folder.empty() ? 0 : files::MakeFolder(folder);
-    if (std::get<int>(value) == 1 && error != 0) {
-        reason = "Cannot make the folder of the log files " + folder + ": " + files::Because(error) + ".";
-        return false;
-    }
+/// A folder that cannot be made now is tried again with each line of the log, which says so.
+bool switchLog(Host& host, Document*, VariableValue& value, std::string&) {
     for (Document* document : host.documents()) {
         if (std::get<int>(value) == 1) {
             document->startLog();

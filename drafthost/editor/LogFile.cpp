@@ -48,6 +48,17 @@ bool LogFile::stop() {
     return whole;
 }
 
+int LogFile::open() const {
+    if (::access(path_.c_str(), F_OK) != 0) {
+        files::Journal().NoteLog(path_);
+    }
+    if (const int code = files::MakeFolder(files::FolderOf(path_))) {
+        errno = code;
+        return -1;
+    }
+    return files::OpenOwn(path_, O_WRONLY | O_APPEND);
+}
+
 void LogFile::write(std::string_view text) {
     if (!on_ || text.empty()) {
         return;
@@ -57,10 +68,7 @@ void LogFile::write(std::string_view text) {
         pending_ += text;
     }
     if (fd_ < 0) {
-        if (::access(path_.c_str(), F_OK) != 0) {
-            files::Journal().NoteLog(path_);
-        }
-        fd_ = files::OpenOwn(path_, O_WRONLY | O_APPEND);
+        fd_ = open();
     }
     std::size_t done = 0;
     while (fd_ >= 0 && done < pending_.size()) {

@@ -26,6 +26,9 @@ class LogFile {
     std::string takeError();
 
   private:
+    /// Makes the folder too, which may not have been there for a moment. -1 with errno.
+    int open() const;
+
     bool on_ = false;
     int fd_ = -1;
     std::string path_;

@@ -142,7 +142,7 @@ TEST_F(DocumentTest, TheLogHoldsTheCommandLineOfItsDrawing) {
     EXPECT_THAT(text, testing::Not(HasSubstr("before")));
     EXPECT_THAT(text, testing::Not(HasSubstr("after")));
     // A log that cannot be written is told, and nothing else suffers.
-    host.variables().set("LOGFILEPATH", folder + "/nowhere", output);
+    host.variables().set("LOGFILEPATH", log + "/nowhere", output);
     Document* other = open(drawing("other.dxf")).document;
     other->startLog();
     type("pair c d\n");

@@ -75,5 +75,20 @@ TEST_F(LogFileTest, TriesAgainWhatCouldNotBeWrittenAndTellsALoss) {
     EXPECT_NE(log.takeError().find(path() + " is not whole"), std::string::npos);
 }
 
+TEST_F(LogFileTest, WaitsForAFolderThatCannotBeMadeYet) {
+    const std::filesystem::path logs = folder_ / "logs";
+    std::ofstream(logs) << "in the way";
+    LogFile log;
+    log.start(logs / "deep/a.log");
+    log.write("kept\n");
+    EXPECT_NE(log.takeError().find("deep/a.log cannot be written: "), std::string::npos);
+    std::filesystem::remove(logs);
+    log.write("and this\n");
+    EXPECT_TRUE(log.stop());
+    std::ifstream in(logs / "deep/a.log");
+    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_NE(text.find("kept\nand this\n"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace drafthost
