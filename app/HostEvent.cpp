@@ -13,7 +13,7 @@ std::optional<Kind> KindOf(const std::string& name) {
         {"text", Kind::Talk},          {"prompt", Kind::Prompt},   {"run-started", Kind::RunStarted},
         {"file", Kind::File},          {"status", Kind::Status},   {"alarm", Kind::Alarm},
         {"run-ended", Kind::RunEnded}, {"message", Kind::Message}, {"refused", Kind::Refused},
-        {"saved", Kind::Saved}};
+        {"unsaved", Kind::Unsaved},    {"saved", Kind::Saved}};
     const auto found = kinds.find(name);
     return found == kinds.end() ? std::nullopt : std::optional(found->second);
 }
@@ -39,8 +39,8 @@ std::optional<HostEvent> ReadEvent(const std::string& line) {
     }
     HostEvent event;
     event.What = *kind;
-    const bool isTalk =
-        kind == Kind::Talk || kind == Kind::Prompt || kind == Kind::Message || kind == Kind::Refused;
+    const bool isTalk = kind == Kind::Talk || kind == Kind::Prompt || kind == Kind::Message ||
+                        kind == Kind::Refused || kind == Kind::Unsaved;
     event.Text = isTalk ? Trim(TextOf(object, "text")) : TextOf(object, "path");
     if (const auto entry = object.find("entry"); entry != object.end() && entry->is_number_unsigned()) {
         event.Entry = entry->get<std::size_t>();

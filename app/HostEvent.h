@@ -23,12 +23,14 @@ struct HostEvent {
         Message,
         /// A line of a script was refused.
         Refused,
+        /// The drawing in work had to be saved and was not.
+        Unsaved,
         /// A drawing was written.
         Saved,
     };
 
     Kind What = Kind::Talk;
-    /// Of File, Status, Alarm and Saved a path; of Talk, Prompt, Message and Refused the text.
+    /// Of File, Status, Alarm and Saved a path; of Talk, Prompt, Message, Refused and Unsaved the text.
     std::string Text;
     /// Of File, Status and Alarm: which entry of the queue it is, in the order of the state file.
     std::size_t Entry = 0;

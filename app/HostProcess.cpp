@@ -85,6 +85,11 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
     setenv("TARNEL_REPORT_FD", reportNumber.c_str(), 1);
     setenv("XDG_DATA_HOME", place.DataHome.c_str(), 1);
     setenv("TARNEL_RUN", place.Run.c_str(), 1);
+    if (place.MustSave) {
+        setenv("TARNEL_MUST_SAVE", "1", 1);
+    } else {
+        unsetenv("TARNEL_MUST_SAVE");
+    }
     if (!place.StateHome.empty()) {
         setenv("XDG_STATE_HOME", place.StateHome.c_str(), 1);
     }
@@ -106,6 +111,9 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
     }
     if (place.BreakLinks) {
         words.push_back("--break-links");
+    }
+    if (!place.MaxMemory.empty()) {
+        words.insert(words.end(), {"--max-memory", place.MaxMemory.c_str()});
     }
     if (place.Lenient) {
         words.push_back("--keep-going");

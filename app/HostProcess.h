@@ -46,6 +46,10 @@ struct HostPlace {
     bool BreakLinks = false;
     /// Its scripts go on behind a line that was refused; else that ends the drawing as Error.
     bool Lenient = false;
+    /// A drawing that is left changed and not saved ends as Error.
+    bool MustSave = false;
+    /// What it may take of memory; empty is its own limit.
+    std::string MaxMemory = {};
 };
 
 /// How a host ended.

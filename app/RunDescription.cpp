@@ -29,6 +29,9 @@ RunDescription FromJson(const Json& all) {
         description.List = MarkFrom(all.at("list"));
     }
     description.Recover = all.value("recover", false);
+    description.Lenient = all.value("lenient", false);
+    description.MustSave = all.value("mustSave", false);
+    description.HasHeading = all.value("heading", false);
     description.Jobs = all.value("jobs", std::size_t{0});
     description.JobsReady = all.value("jobsReady", false);
     description.Next = all.value("next", std::vector<std::string>());
@@ -83,8 +86,14 @@ bool WriteDescription(const std::string& folder, const RunDescription& descripti
         all["shard"] = ShardText(*description.Share);
         all["list"] = ToJson(description.List);
     }
-    if (description.Recover) {
-        all["recover"] = true;
+    const std::pair<const char*, bool> flags[] = {{"recover", description.Recover},
+                                                  {"lenient", description.Lenient},
+                                                  {"mustSave", description.MustSave},
+                                                  {"heading", description.HasHeading}};
+    for (const auto& [name, isSet] : flags) {
+        if (isSet) {
+            all[name] = true;
+        }
     }
     if (description.Jobs > 0) {
         all["jobs"] = description.Jobs;

@@ -26,6 +26,11 @@ struct RunDescription {
     ListMark List;
     /// The scripts open the drawings themselves; the module keeps this in no file.
     bool Recover = false;
+    /// A refused line is counted only; a drawing that is left changed and not saved ends as Error.
+    bool Lenient = false;
+    bool MustSave = false;
+    /// The script's file has a line more in front, the description, than the state.
+    bool HasHeading = false;
 
     /// Folders of several hosts that are there, numbered from one.
     std::size_t Jobs = 0;

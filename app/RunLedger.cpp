@@ -19,7 +19,8 @@ std::string StatusText(const DrawingRecord& record) {
     return text;
 }
 
-RunLedger::RunLedger(const std::vector<QueueEntry>& queue) {
+RunLedger::RunLedger(const std::vector<QueueEntry>& queue, std::size_t linesInFront)
+    : takenOff(linesInFront) {
     records.reserve(queue.size());
     for (const QueueEntry& entry : queue) {
         DrawingRecord& record = records.emplace_back();
@@ -48,6 +49,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
                 current->Saved.clear();
                 current->Changed = false;
                 prompt.clear();
+                reason.clear();
                 current->Status = DrawingStatus::FailOpen;
             }
             break;
@@ -85,9 +87,13 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
         case HostEvent::Kind::Refused:
             if (current && ++current->RefusedCount <= kMostRefused) {
                 const std::string place =
-                    event.Line > head ? "script line " + std::to_string(event.Line - head) + ": " : "";
+                    event.Line > head ? "script line " + std::to_string(event.Line - head + takenOff) + ": "
+                                      : "";
                 current->Refused.push_back(place + event.Text);
             }
+            break;
+        case HostEvent::Kind::Unsaved:
+            reason = event.Text;
             break;
         case HostEvent::Kind::Saved:
             if (current) {
@@ -113,7 +119,9 @@ const DrawingRecord* RunLedger::Settle(Clock::time_point now, const std::string&
             settled->Host = host;
         }
         // What went wrong first says more than what followed from it.
-        if (settled->Status != DrawingStatus::Done && !settled->Refused.empty()) {
+        if (settled->Status == DrawingStatus::Error && !reason.empty()) {
+            settled->Message = reason;
+        } else if (settled->Status != DrawingStatus::Done && !settled->Refused.empty()) {
             settled->Message = settled->Refused.front();
         }
         // A script that stopped for an error leaves its command waiting; the error says more.

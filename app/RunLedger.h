@@ -37,8 +37,9 @@ class RunLedger {
   public:
     using Clock = std::chrono::steady_clock;
 
-    /// queue holds the drawings in the order of the run.
-    explicit RunLedger(const std::vector<QueueEntry>& queue);
+    /// queue holds the drawings in the order of the run; the script's file has so many lines in front of what
+    /// the module runs.
+    explicit RunLedger(const std::vector<QueueEntry>& queue, std::size_t linesInFront = 0);
 
     /// Takes an event. The drawings that are settled by it, in order: the one in work before the next began,
     /// and one that was passed over as Locked.
@@ -82,7 +83,11 @@ class RunLedger {
     DrawingRecord* coming = nullptr;
     /// The prompt at which the drawing in work waits, if it does.
     std::string prompt;
-    /// Lines of the module's script in front of the user's, less those that were taken off the user's.
+    /// Why the drawing in work is no drawing Done, when the module has said so itself.
+    std::string reason;
+    /// Lines of the user's script that were taken off it.
+    std::size_t takenOff;
+    /// Lines of the module's own in front of it.
     std::size_t head = 2;
     Clock::time_point since;
 };

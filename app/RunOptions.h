@@ -34,6 +34,10 @@ struct RunOptions {
     bool Recover = false;
     /// A refused line of the script is counted, and does not end its drawing.
     bool Lenient = false;
+    /// A drawing that is left changed and not saved ends as Error.
+    bool MustSave = false;
+    /// What a host may take of memory, as the host reads it; empty is the host's own limit.
+    std::string MaxMemory;
     /// Save drawings that have several names, parting them.
     bool BreakLinks = false;
     RetryKind Retry = RetryKind::None;

@@ -23,6 +23,14 @@ std::function<void()> KeepLogs(const std::string& folder, const std::string& sta
     };
 }
 
+/// What does not depend on where the host works.
+void SetManners(const RunOptions& options, const RunDescription& description, HostPlace* place) {
+    place->BreakLinks = options.BreakLinks;
+    place->MaxMemory = options.MaxMemory;
+    place->Lenient = description.Lenient;
+    place->MustSave = description.MustSave;
+}
+
 void AddPart(RunParts* parts, const RunQueue& queue, JobShare places, RunJournal* journal,
              const RunPlan& plan, MonitorSettings settings) {
     RunQueue share;
@@ -35,7 +43,7 @@ void AddPart(RunParts* parts, const RunQueue& queue, JobShare places, RunJournal
         journal->Settled(places[place], record);
     };
     settings.OnTriedAgain = [journal, places](std::size_t place) { journal->TriedAgain(places[place]); };
-    parts->Ledgers.push_back(std::make_unique<RunLedger>(share));
+    parts->Ledgers.push_back(std::make_unique<RunLedger>(share, plan.Description.HasHeading ? 1 : 0));
     parts->Settings.push_back(std::move(settings));
     parts->Places.push_back(std::move(places));
 }
@@ -47,8 +55,7 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunP
     common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini", "",
                     folder.LockDescriptor(), ""};
     common.Place.Journal = HostJournal(folder.Path());
-    common.Place.BreakLinks = options.BreakLinks;
-    common.Place.Lenient = options.Lenient;
+    SetManners(options, plan.Description, &common.Place);
     common.State = folder.StateFile();
     common.HostDied = KeepLogs(folder.Path(), "");
     const RunQueue queue = QueueOf(plan.Record);
@@ -74,8 +81,7 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPl
         settings.Place = {JobHome(folder, number), data + "/registry.ini", JobLogs(folder, number),
                           folder.LockDescriptor(), ""};
         settings.Place.Journal = HostJournal(data);
-        settings.Place.BreakLinks = options.BreakLinks;
-        settings.Place.Lenient = options.Lenient;
+        SetManners(options, plan->Description, &settings.Place);
         settings.HostDied = KeepLogs(data, JobLogs(folder, number));
         AddPart(&parts, queue, shares[number - 1], journal, *plan, std::move(settings));
     }

@@ -15,7 +15,8 @@ namespace fs = std::filesystem;
 namespace {
 
 /// The script as the module reads it.
-bool TakeScript(const std::string& file, CTarnelData* record, std::string* error) {
+bool TakeScript(const std::string& file, RunPlan* plan, std::string* error) {
+    CTarnelData* record = &plan->Record;
     QByteArray bytes;
     if (!ReadInput(file, &bytes, error)) {
         return false;
@@ -30,6 +31,7 @@ bool TakeScript(const std::string& file, CTarnelData* record, std::string* error
     }
     record->Script = script.Script;
     record->ScriptDescription = TakeDescription(record->Script);
+    plan->Description.HasHeading = record->Script.size() != script.Script.size();
     record->SetScriptModified(false);
     record->LastScriptFile = IsStandardInput(file)
                                  ? QString()
@@ -118,15 +120,18 @@ void RefuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
 
 bool ChangeSettings(const RunOptions& options, RunPlan* plan, std::string* error) {
     CTarnelData& record = plan->Record;
-    if (!options.Script.empty() && !TakeScript(options.Script, &record, error)) {
+    if (!options.Script.empty() && !TakeScript(options.Script, plan, error)) {
         return false;
     }
     record.MaxTime = options.MaxTime.value_or(record.MaxTime);
     record.AlarmTime = options.AlarmTime.value_or(record.AlarmTime);
     record.ProcessReadOnly = record.ProcessReadOnly || options.ReadOnly;
-    plan->Description.Recover = plan->Description.Recover || options.Recover;
+    RunDescription& description = plan->Description;
+    description.Recover = description.Recover || options.Recover;
+    description.Lenient = description.Lenient || options.Lenient;
+    description.MustSave = description.MustSave || options.MustSave;
     plan->Changed = plan->Changed || !options.Script.empty() || options.MaxTime || options.AlarmTime ||
-                    options.ReadOnly || options.Recover;
+                    options.ReadOnly || options.Recover || options.Lenient || options.MustSave;
     return true;
 }
 
@@ -142,7 +147,8 @@ std::vector<DrawingRecord> RecordsOf(const JournalContent& journal) {
 }  // namespace
 
 ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* error) {
-    if (!TakeScript(options.Script, &plan->Record, error)) {
+    plan->Description = NewDescription();
+    if (!TakeScript(options.Script, plan, error)) {
         return WrongUsage;
     }
     std::vector<std::string> notes;
@@ -155,10 +161,11 @@ ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* err
     if (drawings.empty()) {
         return WrongUsage;
     }
-    plan->Description = NewDescription();
     plan->Description.Share = options.Share;
     plan->Description.List = MarkOf(drawings);
     plan->Description.Recover = options.Recover;
+    plan->Description.Lenient = options.Lenient;
+    plan->Description.MustSave = options.MustSave;
     RunQueue queue;
     for (const std::string& drawing : options.Share ? TakeShare(drawings, *options.Share) : drawings) {
         queue.push_back({drawing, DrawingStatus::ToDo});
@@ -218,6 +225,9 @@ ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
     }
     // A queue that the window or another program has saved gets a description here.
     plan->Description = isKnown ? *description : NewDescription();
+    if (!isKnown) {
+        plan->Description.HasHeading = !plan->Record.ScriptDescription.isEmpty();
+    }
     plan->Changed = !isKnown || plan->Record.SortIdx != 6 || plan->Record.SortReverse != 0;
     plan->Journal = ReadJournal(folder, plan->Description.Id, queue.size());
     if (isKnown && options.Resume) {

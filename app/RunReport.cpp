@@ -2,6 +2,7 @@
 
 #include "app/Progress.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -40,9 +41,6 @@ std::string FollowUpCommand(const RunOptions& options, const std::string& what) 
     // The script that builds on first use tells the name by which the user knows it.
     const char* own = std::getenv("TARNEL_COMMAND");
     std::string command = (own && *own ? ShellWord(own) : "tarnel") + " run " + what;
-    if (options.Recover) {
-        command += " --recover";
-    }
     if (!options.DataDir.empty()) {
         command += " --data-dir " + ShellWord(options.DataDir);
     }
@@ -53,12 +51,25 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
                  std::optional<double> seconds) {
     const std::size_t done = CountOf(records, DrawingStatus::Done);
     const std::size_t waiting = CountOf(records, DrawingStatus::ToDo);
-    if (options.Quiet && done == records.size()) {
+    const auto count = [&records](auto holds) {
+        return static_cast<std::size_t>(std::count_if(
+            records.begin(), records.end(),
+            [&](const DrawingRecord& one) { return one.Status == DrawingStatus::Done && holds(one); }));
+    };
+    const std::size_t unsaved = count([](const DrawingRecord& one) { return one.Changed; });
+    const std::size_t refused = count([](const DrawingRecord& one) { return one.RefusedCount > 0; });
+    if (options.Quiet && done == records.size() && unsaved == 0 && refused == 0) {
         return;
     }
     const std::string time = seconds ? " in " + DurationText(*seconds) : "";
     std::printf("\n%zu drawing%s%s:  %zu Done", records.size(), records.size() == 1 ? "" : "s", time.c_str(),
                 done);
+    if (unsaved > 0) {
+        std::printf(", %zu of them not saved", unsaved);
+    }
+    if (refused > 0) {
+        std::printf(", %zu of them with refused lines", refused);
+    }
     for (const DrawingStatus status : kFailures) {
         if (const std::size_t count = CountOf(records, status)) {
             std::printf(", %zu %s", count, StatusWord(status));

@@ -4,6 +4,7 @@
 #include "app/InstallCommand.h"
 #include "app/MergeCommand.h"
 #include "app/RunCommand.h"
+#include "system/MemorySize.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
@@ -47,6 +48,8 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
                   "Save drawings that have several names (hard links) under this name alone");
     run->add_flag("--lenient", options->Lenient,
                   "Go on behind a line of the script that is refused, and count it");
+    run->add_flag("--must-save", options->MustSave,
+                  "A drawing that is left with changes that nothing has saved ends as Error");
     auto* retry = run->add_option_function<std::string>(
                          "--retry",
                          [options](const std::string& which) {
@@ -80,7 +83,10 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
         ->check(CLI::Range(1U, 256U))
         ->type_name("N")
         ->capture_default_str();
-    run->add_flag("-q,--quiet", options->Quiet, "Print only what went wrong");
+    run->add_option("--max-memory", options->MaxMemory,
+                    "What a host takes of memory at most: in MB, or with K, M or G behind [4G]")
+        ->type_name("SIZE");
+    run->add_flag("-q,--quiet", options->Quiet, "Print only what went wrong, and what was not saved");
     run->add_flag_function(
         "--no-monitor", [options](std::int64_t) { options->Monitor = false; },
         "End the run when the host dies, instead of starting it again");
@@ -117,6 +123,9 @@ std::string CheckUsage(const RunOptions& options) {
     }
     if (!options.KeepsQueue() && options.Script.empty()) {
         return "a script is needed: --script FILE";
+    }
+    if (!options.MaxMemory.empty() && !files::MemoryLimit(options.MaxMemory)) {
+        return "--max-memory takes a size from 64M on, not \"" + options.MaxMemory + "\"";
     }
     return {};
 }

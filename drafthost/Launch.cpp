@@ -5,7 +5,6 @@
 #include <sys/time.h>
 #include <unistd.h>
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +21,7 @@
 #include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/Startup.h"
 #include "system/FileJournal.h"
+#include "system/MemorySize.h"
 
 namespace drafthost {
 namespace {
@@ -70,24 +70,6 @@ void onSignal(int number) {
     // A full pipe already holds enough to wake the reader.
     [[maybe_unused]] const ssize_t count = ::write(signalPair[1], &byte, 1);
     errno = before;
-}
-
-constexpr std::size_t LeastMemory = std::size_t{64} << 20;
-
-/// "512", "512M", "2G": bytes.
-std::optional<std::size_t> readSize(std::string_view text) {
-    std::size_t number = 0;
-    const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const std::string_view unit = text.substr(std::size_t(end - text.data()));
-    const int shift = unit == "K" || unit == "k"                   ? 10
-                      : unit.empty() || unit == "M" || unit == "m" ? 20
-                      : unit == "G" || unit == "g"                 ? 30
-                                                                   : -1;
-    constexpr std::size_t Most = std::size_t{1} << 32;
-    if (code != std::errc() || shift < 0 || number > Most) {
-        return std::nullopt;
-    }
-    return number << shift;
 }
 
 bool isSocket(int descriptor) {
@@ -178,8 +160,8 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
         }
     }
     if (!memory.empty()) {
-        const auto size = readSize(memory);
-        if (!size || *size < LeastMemory) {
+        const auto size = files::MemoryLimit(memory);
+        if (!size) {
             std::fprintf(stderr, "%s: --max-memory takes a size from 64M on, not \"%s\"\n", program.c_str(),
                          memory.c_str());
             return std::nullopt;

@@ -5,6 +5,7 @@
 #include "engine/HostText.h"
 #include "engine/HostVariables.h"
 #include "engine/ResBuf.h"
+#include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
 
 #include <QJsonObject>
@@ -86,7 +87,7 @@ void ConsoleUi::OpenStatus(int count) {
     currentFile.clear();
     QJsonObject event = named("run-started");
     event[QStringLiteral("todo")] = count;
-    event[QStringLiteral("head")] = TarnelData().ScriptDescription.isEmpty() ? 2 : 1;
+    event[QStringLiteral("head")] = LinesBeforeScript;
     if (!Report(event))
         ConsoleLine(QStringLiteral("run started, %1 to do").arg(count));
 }

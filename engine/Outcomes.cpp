@@ -4,11 +4,14 @@
 #include "engine/Batch.h"
 #include "engine/HostText.h"
 #include "engine/HostVariables.h"
+#include "engine/Report.h"
 #include "engine/RunState.h"
 #include "engine/TarnelData.h"
 #include "log/RunLog.h"
 #include "log/Trace.h"
 #include "state/DrawingName.h"
+
+#include <QJsonObject>
 
 namespace {
 
@@ -138,6 +141,13 @@ bool DoScriptComplete() {
                       .arg(TarnelData().ProductName, waiting));
         acedRetVoid();
         return false;
+    }
+    if (TarnelData().BatchRunning && Run().MustSave && DrawingHasChanges()) {
+        const QString text = QStringLiteral("the script has ended and left changes that nothing has saved");
+        HostPrint(QStringLiteral("\n%1: %2.\n").arg(TarnelData().ProductName, text));
+        Report({{QStringLiteral("event"), QStringLiteral("unsaved")}, {QStringLiteral("text"), text}});
+        endFile("DoScriptComplete\n", Error);
+        return true;
     }
     Trace("DoScriptComplete\nTurn log off\n");
     acedCommand(RTSTR, ACRX_T("._logfileoff"), RTNONE);

@@ -71,8 +71,10 @@ const QByteArray& wantedRun() {
 }  // namespace
 
 RunState& Run() {
-    if (!run)
+    if (!run) {
         run.emplace();
+        run->MustSave = qEnvironmentVariableIntValue("TARNEL_MUST_SAVE") != 0;
+    }
     return *run;
 }
 

@@ -24,6 +24,9 @@ struct RunState {
     bool AwaitsItsScript = false;
     /// Why the last save failed; empty when it did not.
     QString Unsaved;
+    /// A drawing that its script leaves changed and not saved is no drawing Done. The program that has
+    /// started this host says so in TARNEL_MUST_SAVE.
+    bool MustSave = false;
     /// A run has begun in this host.
     bool HasBegun = false;
 };

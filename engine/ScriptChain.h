@@ -8,6 +8,8 @@
 /// Text of a generated script: the two opening calls, the user's script as it stands, and, unless the chain
 /// is switched off, the call that goes on.
 QString ComposeScript();
+/// Lines of its own that stand in front of the user's.
+constexpr int LinesBeforeScript = 2;
 /// Writes the next script and hands it to the host.
 void StartNextScript();
 

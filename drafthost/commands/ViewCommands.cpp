@@ -73,9 +73,10 @@ void showBox(Document& document, const Extents& box, double margin = 1.0) {
     changeView(document, view);
 }
 
-/// Brings the header's extents up to date; changing them is a change of the drawing's variables.
+/// Brings the header's extents up to date. They follow from the drawing, so this changes no more of it than
+/// looking at it does.
 Extents refreshExtents(Document& document) {
-    ChangeWatch watch(document, ModifiedVariables);
+    ChangeWatch watch(document, ModifiedView);
     return updateExtents(document.drawing());
 }
 

@@ -202,6 +202,60 @@ TEST_F(RealRun, ScriptsThatAreRefusedOrStopCostTheirDrawingOnly) {
     EXPECT_THAT(lenient.Out, HasSubstr("Done, not saved, 3 refused"));
 }
 
+TEST_F(RealRun, MustSaveAndLenientHoldForAllOfARun) {
+    const std::string saved = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string viewed = CopySample("rooms-2000.dxf", "b.dxf");
+    const std::string left = CopySample("rooms-2000.dxf", "c.dxf");
+    // The first line describes the script and is empty; the state does not hold it.
+    const std::string script = Write("s.scr", R"(;DESCRIPTION:
+FOO
+(cond ((= currentfile "a") (setvar "LTSCALE" 3) (command "_.QSAVE"))
+      ((= currentfile "b") (command "_.ZOOM" "_E"))
+      (t (setvar "LTSCALE" 3)))
+)");
+    const std::string json = Folder / "r.json";
+    const auto expectOneUnsaved = [&](const ProgramResult& result, const char* how) {
+        EXPECT_EQ(result.Status, 1) << how;
+        EXPECT_THAT(result.Out, HasSubstr("2 Done, 2 of them with refused lines, 1 Error")) << how;
+        EXPECT_THAT(result.Out, HasSubstr("script line 2: Unknown command \"FOO\"")) << how;
+        EXPECT_THAT(Read(StateFile()), HasSubstr("<File Status=\"1\">" + saved)) << how;
+        EXPECT_THAT(Read(StateFile()), HasSubstr("<File Status=\"1\">" + viewed)) << how;
+        EXPECT_THAT(Read(StateFile()), HasSubstr("<File Status=\"5\">" + left)) << how;
+        const std::string records = Read(json);
+        const std::string last = records.substr(records.rfind("c.dxf"));
+        EXPECT_THAT(last, HasSubstr("\"Error\"")) << how;
+        EXPECT_THAT(last, HasSubstr("left changes that nothing has saved")) << how;
+        EXPECT_THAT(last, testing::ContainsRegex("\"changed\": ?true")) << how;
+    };
+    expectOneUnsaved(
+        Run({"--must-save", "--lenient", "--json", json, "--script", script, saved, viewed, left}), "new");
+    expectOneUnsaved(Run({"--retry", "all", "--json", json}), "retried");
+    std::string state = Read(StateFile());
+    state.replace(state.find("<File Status=\"5\">") + 14, 1, "0");
+    Write("data/Ovrix/TarnelRunner.xml", state);
+    expectOneUnsaved(Run({"--resume", "--json", json}), "gone on with");
+
+    const ProgramResult told = Run({"--quiet", "--lenient", "--script", script, saved, viewed, left});
+    EXPECT_EQ(told.Status, 0) << "a new run takes nothing over";
+    EXPECT_THAT(told.Out, HasSubstr("3 Done, 1 of them not saved, 3 of them with refused lines"));
+    EXPECT_THAT(told.Out, HasSubstr("Done, not saved, 1 refused  " + left));
+    EXPECT_EQ(Run({"--quiet", "--script", Write("v.scr", "zoom\ne\n"), viewed}).Out, "");
+}
+
+TEST_F(RealRun, AHostTakesTheMemoryThatItMay) {
+    const std::string drawing = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string script = Write("s.scr", "(repeat 3000000 (setq l (cons 1 l)))\n");
+    EXPECT_EQ(Run({"--script", script, drawing}).Status, 0);
+    const ProgramResult little = Run({"--max-memory", "64M", "--script", script, drawing});
+    EXPECT_EQ(little.Status, 1);
+    EXPECT_THAT(little.Out, HasSubstr("insufficient memory"));
+    for (const char* wrong : {"1M", "much", "-1"}) {
+        const ProgramResult refused = Run({"--max-memory", wrong, "--script", script, drawing});
+        EXPECT_EQ(refused.Status, 2) << wrong;
+        EXPECT_THAT(refused.Errors, HasSubstr("--max-memory")) << wrong;
+    }
+}
+
 TEST_F(RealRun, AScriptGoesOnBehindClose) {
     const std::string first = CopySample("rooms-2000.dxf", "a.dxf");
     const std::string second = CopySample("garden-2007.dxf", "b.dxf");

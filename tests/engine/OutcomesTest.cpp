@@ -33,6 +33,28 @@ INSTANTIATE_TEST_SUITE_P(All, OutcomeTest,
                                          Outcome{"Tarnel_File_Timeout", "3 3"},
                                          Outcome{"Tarnel_File_OpenTimeout", "2 2"}));
 
+TEST_F(RunTest, WhatMustBeSavedIsNotDoneWithoutIt) {
+    struct Case {
+        int Dbmod;
+        const char* Call;
+        const char* Status;
+    };
+    for (const Case& one : {Case{8 | 16, "TNL_Script_Complete", "1 2"}, Case{1, "TNL_Script_Complete", "5 2"},
+                            Case{4 | 16, "Tarnel_File_Next", "5 2"}, Case{0, "Tarnel_File_Next", "1 2"}}) {
+        TearDown();
+        SetUp();
+        SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
+        ui.DialogAnswers = {RunUi::Ok};
+        Command("TARNEL");
+        ::Run().MustSave = true;
+        host.RunInput(2);
+        host.Variables["DBMOD"] = one.Dbmod;
+        EXPECT_EQ(host.CallLisp(QString::fromLatin1(one.Call)), "T");
+        EXPECT_EQ(SavedStatuses(), one.Status) << one.Dbmod << one.Call;
+        EXPECT_EQ(host.Printed.contains("nothing has saved"), one.Status[0] == '5') << one.Dbmod;
+    }
+}
+
 TEST_F(RunTest, FailureReportsTraceTheirSteps) {
     SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});
     ui.DialogAnswers = {RunUi::Ok};
