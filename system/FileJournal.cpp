@@ -21,6 +21,8 @@ namespace {
 
 constexpr std::size_t LongEnough = std::size_t{256} * 1024;
 constexpr std::size_t LargestMarker = 4096;
+/// Never part of a name, in which each "%" is escaped.
+constexpr std::string_view NoteEnd = "%.";
 
 std::string absolute(const std::string& path) {
     std::array<char, PATH_MAX> folder{};
@@ -43,6 +45,10 @@ std::string escaped(std::string_view text) {
         }
     }
     return out;
+}
+
+std::string lineOf(std::string_view kind, std::string_view name) {
+    return std::string(kind) + " " + escaped(name) + std::string(NoteEnd) + "\n";
 }
 
 std::string plain(std::string_view text) {
@@ -106,13 +112,14 @@ std::optional<Contents> readJournal(const std::string& path) {
     }
     Contents contents;
     contents.Owner = info.st_uid;
-    // The last line of a killed host may be cut off; what it names was never made.
+    // A line that is cut off names what was never made.
     for (std::size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
-        const std::string_view line = std::string_view(text).substr(at, end - at);
+        std::string_view line = std::string_view(text).substr(at, end - at);
         const std::size_t blank = line.find(' ');
-        if (blank == std::string_view::npos) {
+        if (blank == std::string_view::npos || !line.ends_with(NoteEnd)) {
             continue;
         }
+        line.remove_suffix(NoteEnd.size());
         const std::string kind(line.substr(0, blank));
         const std::string name = plain(line.substr(blank + 1));
         if (kind == "host") {
@@ -196,19 +203,19 @@ bool FileJournal::Open(const std::string& name, const std::string& owner, std::s
                  "; what is left beside drawings when this host is killed will not be known.";
         return false;
     }
-    head = "host " + escaped(owner) + "\n";
+    head = lineOf("host", owner);
     enough = LongEnough;
     write(head);
     return true;
 }
 
-void FileJournal::note(std::string_view kind, const std::string& name) {
+bool FileJournal::note(std::string_view kind, const std::string& name) {
     if (file < 0) {
-        return;
+        return true;
     }
     const std::string full = absolute(name);
     standing[full] = kind;
-    write(std::string(kind) + " " + escaped(full) + "\n");
+    return write(lineOf(kind, full));
 }
 
 void FileJournal::Gone(const std::string& name) {
@@ -217,7 +224,7 @@ void FileJournal::Gone(const std::string& name) {
     }
     const std::string full = absolute(name);
     if (standing.erase(full) > 0) {
-        write("gone " + escaped(full) + "\n");
+        write(lineOf("gone", full));
     }
     if (written > enough) {
         shorten();
@@ -232,20 +239,27 @@ void FileJournal::Remove(const std::string& name) {
     errno = before;
 }
 
-void FileJournal::write(const std::string& line) {
+bool FileJournal::write(const std::string& note) {
+    const std::string line = (torn ? "\n" : "") + note;
     const ssize_t count = ::write(file, line.data(), line.size());
-    if (count != static_cast<ssize_t>(line.size()) && error.empty()) {
+    const bool whole = count == static_cast<ssize_t>(line.size());
+    torn = whole ? false : torn || count > 0;
+    if (!whole && count >= 0) {
+        errno = ENOSPC;
+    }
+    if (!whole && error.empty()) {
         error = path + " cannot be written: " + std::strerror(count < 0 ? errno : ENOSPC) +
                 "; what is left beside drawings when this host is killed may not be known.";
     }
     written += line.size();
+    return whole;
 }
 
 /// A run over thousands of drawings has few files standing at any time.
 void FileJournal::shorten() {
     std::string text = head;
     for (const auto& [name, kind] : standing) {
-        text += kind + " " + escaped(name) + "\n";
+        text += lineOf(kind, name);
     }
     written = 0;
     enough = std::max(LongEnough, 4 * text.size());
@@ -263,6 +277,7 @@ void FileJournal::shorten() {
         return;
     }
     ::close(std::exchange(file, next));
+    torn = false;
 }
 
 bool FileJournal::Stands(const std::string& name) const {

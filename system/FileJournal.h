@@ -4,9 +4,11 @@
 // the same data folder can remove what was left, by name. The journal is a comfort: when it cannot be
 // written, the work goes on without it.
 //
-//   host machine 4711 123456
-//   temporary /plans/.save-abc
-//   gone /plans/.save-abc
+//   host machine 4711 123456%.
+//   temporary /plans/.save-abc%.
+//   gone /plans/.save-abc%.
+//
+// "%." ends a note, and a line without it is none: half a note on a full disk could be the name of a drawing.
 
 #include <map>
 #include <string>
@@ -27,7 +29,9 @@ class FileJournal {
     /// To be called before the file is made; nothing happens without an open journal.
     void NoteTemporary(const std::string& path) { note("temporary", path); }
     void NoteMarker(const std::string& path) { note("marker", path); }
-    void NoteLog(const std::string& path) { note("log", path); }
+    /// False with errno when the note could not be written; the file is then better not made, as nobody would
+    /// remove it.
+    bool NoteLog(const std::string& path) { return note("log", path); }
     /// The file is gone, or is no longer this process's business.
     void Gone(const std::string& path);
     /// Removes the file by its name, which stays noted while that does not go. Without a word to errno.
@@ -40,8 +44,8 @@ class FileJournal {
     void Close();
 
   private:
-    void note(std::string_view kind, const std::string& path);
-    void write(const std::string& line);
+    bool note(std::string_view kind, const std::string& path);
+    bool write(const std::string& line);
     void shorten();
 
     int file = -1;
@@ -50,6 +54,8 @@ class FileJournal {
     std::string error;
     /// What is not gone yet, with its kind.
     std::map<std::string, std::string> standing;
+    /// The last line is half a note.
+    bool torn = false;
     std::size_t written = 0;
     std::size_t enough = 0;
 };

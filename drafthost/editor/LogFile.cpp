@@ -49,8 +49,9 @@ bool LogFile::stop() {
 }
 
 int LogFile::open() const {
-    if (::access(path_.c_str(), F_OK) != 0) {
-        files::Journal().NoteLog(path_);
+    // A log that no journal names would stay for ever.
+    if (::access(path_.c_str(), F_OK) != 0 && !files::Journal().NoteLog(path_)) {
+        return -1;
     }
     if (const int code = files::MakeFolder(files::FolderOf(path_))) {
         errno = code;

@@ -1,6 +1,10 @@
 #include "system/FileJournal.h"
 #include "tests/system/Folder.h"
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <csignal>
+
 namespace files {
 namespace {
 
@@ -56,6 +60,33 @@ TEST_F(JournalTest, WhatIsNotedGoesAndNothingElse) {
     }
 }
 
+TEST_F(JournalTest, HalfANoteOnAFullDiskIsNone) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    Killed([&](FileJournal& journal) {
+        struct stat info {};
+        ::stat(path.c_str(), &info);
+        // The note breaks off behind the name of the drawing.
+        const std::string upTo = "temporary " + In("plan.dxf");
+        rlimit full = before;
+        full.rlim_cur = static_cast<rlim_t>(info.st_size) + upTo.size();
+        ::setrlimit(RLIMIT_FSIZE, &full);
+        ::signal(SIGXFSZ, SIG_IGN);
+        journal.NoteTemporary(In("plan.dxf.new"));
+        if (journal.NoteLog(In("lost.log"))) {
+            ::_exit(1);
+        }
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        journal.NoteTemporary(In("later"));
+    });
+    for (const char* name : {"plan.dxf", "later"}) {
+        Put(In(name), "");
+    }
+    ClearJournal(path, Logs::Remove);
+    EXPECT_TRUE(IsThere(In("plan.dxf")));
+    EXPECT_FALSE(IsThere(In("later")));
+}
+
 TEST_F(JournalTest, WhatCannotBeRemovedStaysNoted) {
     FileJournal journal;
     ASSERT_TRUE(journal.Open(path, OwnerLine(owner), &error)) << error;
@@ -98,7 +129,7 @@ TEST_F(JournalTest, AJournalOfSomebodyElseDeletesNothingOfOurs) {
         GTEST_SKIP() << "only root can play another user";
     }
     Put(In("mine"), "");
-    Put(path, "host machine 7 99\ntemporary " + In("mine") + "\ntemporary " + In("his") + "\n");
+    Put(path, "host machine 7 99%.\ntemporary " + In("mine") + "%.\ntemporary " + In("his") + "%.\n");
     Put(In("his"), "");
     // In his own folder, by his own journal, root removes only what is his.
     for (const std::string& his : {folder, path, In("his")}) {
@@ -108,7 +139,7 @@ TEST_F(JournalTest, AJournalOfSomebodyElseDeletesNothingOfOurs) {
     EXPECT_TRUE(IsThere(In("mine")));
     EXPECT_FALSE(IsThere(In("his")));
     // A journal that was put into our folder says nothing.
-    Put(path, "host machine 7 99\ntemporary " + In("mine") + "\n");
+    Put(path, "host machine 7 99%.\ntemporary " + In("mine") + "%.\n");
     ASSERT_EQ(::chown(path.c_str(), Other, Other), 0);
     ASSERT_EQ(::chown(folder.c_str(), 0, 0), 0);
     ClearJournal(path, Logs::Remove);
