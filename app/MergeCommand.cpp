@@ -3,6 +3,7 @@
 #include "app/FolderChange.h"
 #include "app/FolderUse.h"
 #include "app/RecordFile.h"
+#include "app/RecordTarget.h"
 #include "app/RunJournal.h"
 #include "app/RunLogs.h"
 #include "app/RunRecord.h"
@@ -205,6 +206,19 @@ bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& 
            change.Commit(&description, error);
 }
 
+bool CheckRecordFile(const MergeOptions& options, const DataFolder& target, const std::vector<Part>& parts,
+                     const std::vector<DrawingRecord>& records, std::string* error) {
+    std::vector<std::string> drawings;
+    for (const DrawingRecord& record : records) {
+        drawings.push_back(record.Path);
+    }
+    std::vector<std::string> folders = {target.Path()};
+    for (const Part& part : parts) {
+        folders.push_back(part.Folder->Path());
+    }
+    return CheckRecordSpares(options.JsonFile, drawings, folders, error);
+}
+
 ExitStatus Refuse(ExitStatus status, const std::string& text) {
     std::fprintf(stderr, "tarnel: %s\n", text.c_str());
     return status;
@@ -242,6 +256,9 @@ ExitStatus MergeRuns(const MergeOptions& options) {
         return Refuse(BrokenOff, error);
     }
     const std::vector<DrawingRecord> records = JoinRecords(parts);
+    if (!options.JsonFile.empty() && !CheckRecordFile(options, target, parts, records, &error)) {
+        return Refuse(WrongUsage, error);
+    }
     if (!CheckWhole(options, parts, records, &error) || !TakeForNewRun(&target, &before, &error) ||
         !WriteMerged(target, before, parts, records, &error) ||
         (!options.JsonFile.empty() && !WriteRecords(records, options.JsonFile, &error))) {

@@ -5,6 +5,7 @@
 #include "app/HostJournal.h"
 #include "app/JobFolders.h"
 #include "app/RecordFile.h"
+#include "app/RecordTarget.h"
 #include "app/RunLogs.h"
 #include "app/RunMonitor.h"
 #include "app/RunParts.h"
@@ -142,6 +143,19 @@ bool TakeForLook(DataFolder* folder, std::optional<RunDescription>* description,
             TakeWholeRun(folder, description, error));
 }
 
+/// Before anything is written: where the records go is no file that this run or the one before needs.
+bool CheckRecordFile(const RunOptions& options, const DataFolder& folder, const RunPlan& plan,
+                     std::string* error) {
+    std::vector<std::string> inputs = PathsOf(QueueOf(plan.Record));
+    inputs.insert(inputs.end(), options.Lists.begin(), options.Lists.end());
+    for (const std::string& script : {options.Script, plan.Record.LastScriptFile.toStdString()}) {
+        if (!script.empty()) {
+            inputs.push_back(script);
+        }
+    }
+    return options.JsonFile.empty() || CheckRecordSpares(options.JsonFile, inputs, {folder.Path()}, error);
+}
+
 /// From the options to a run that stands on the disk and may begin, or the exit status.
 ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* files, RunPlan* plan,
                    std::string* error) {
@@ -159,6 +173,9 @@ ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
                          ? PlanToGoOn(options, *folder, description, plan, error)
                          : BrokenOff;
         }
+        if (status == AllDone && !CheckRecordFile(options, *folder, *plan, error)) {
+            status = WrongUsage;
+        }
         if (status != AllDone || options.DryRun) {
             return status;
         }
@@ -170,6 +187,9 @@ ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
     }
     ExitStatus status = PlanNewRun(options, plan, error);
     status = status == AllDone ? check() : status;
+    if (status == AllDone && !CheckRecordFile(options, *folder, *plan, error)) {
+        status = WrongUsage;
+    }
     if (status != AllDone || options.DryRun) {
         return status;
     }

@@ -155,6 +155,40 @@ TEST_F(Input, WhatIsNoDrawingEndsFailOpenWithoutAHost) {
     EXPECT_THAT(none.Out, HasSubstr("0 Done, 1 FailOpen"));
 }
 
+TEST_F(Input, RecordsTakeThePlaceOfNothingThatTheRunNeeds) {
+    const std::string drawing = Write("p/a.dxf", Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf"));
+    const std::string script = Write("s.scr", "(princ \"seen\\n\")\n");
+    const std::string list = Write("z.lst", drawing + "\n");
+    const std::string odd = Write("rooms.bak", Read(drawing));
+    fs::create_symlink(script, Folder / "link");
+    ASSERT_EQ(Run({"--script", script, "--list", list, "--json", "out.json"}).Status, 0);
+    const std::string state = Read(StateFile());
+    const auto refused = [&](std::vector<std::string> arguments, const std::string& target) {
+        arguments.insert(arguments.end(), {"--json", target});
+        const std::string before = Read(Folder / target);
+        const ProgramResult result = Run(arguments);
+        EXPECT_EQ(result.Status, 2) << target;
+        EXPECT_THAT(result.Errors, HasSubstr(target)) << target;
+        EXPECT_EQ(Read(Folder / target), before);
+        EXPECT_EQ(Read(StateFile()), state) << target;
+    };
+    refused({"--script", script, drawing}, "p/a.dxf");
+    refused({"--script", script, drawing}, "new.DWG");
+    refused({"--script", script, "--recover", odd}, "rooms.bak");
+    refused({"--script", script, drawing}, "s.scr");
+    refused({"--script", script, drawing}, "link");
+    refused({"--script", script, "--list", list}, "z.lst");
+    refused({"--script", script, drawing}, "data/Ovrix/TarnelRunner.xml");
+    refused({"--retry", "all"}, "s.scr");
+    refused({"--resume"}, "data/Ovrix/new.json");
+    for (const std::string target : {"s.bak", "data/Ovrix/run.json", "data/Ovrix/tnl log.html"}) {
+        const std::string before = Read(Folder / target);
+        EXPECT_EQ(Call({"merge", "--data-dir", "all", "--json", target, "data"}).Status,
+                  target == "s.bak" ? 0 : 2);
+        EXPECT_TRUE(target == "s.bak" || Read(Folder / target) == before);
+    }
+}
+
 TEST_F(Input, AScriptComesFromAPipeAndInAWindowsPage) {
     fs::copy_file(fs::path(SAMPLES) / "drawings/rooms-2000.dxf", Folder / "a.dxf");
     const std::string pipe = MakePipe("script");
