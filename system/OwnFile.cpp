@@ -156,6 +156,17 @@ int Follow(const std::string& path, Trust trust, std::string* target) {
     return ELOOP;
 }
 
+int OpenToRead(const std::string& path, Trust trust) {
+    std::string target;
+    if (const int error = Follow(path, trust, &target)) {
+        errno = error;
+        return -1;
+    }
+    // A link that somebody puts there now has not been looked at.
+    const int last = isMadeUp(FolderOf(target)) ? 0 : O_NOFOLLOW;
+    return ::open(target.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | last);
+}
+
 int MakeFolder(const std::string& given) {
     std::string path = given;
     std::string target;

@@ -31,6 +31,10 @@ int Follow(const std::string& path, Trust trust, std::string* target);
 /// 0, or the error: ELOOP for a link of somebody else.
 int MakeFolder(const std::string& path);
 
+/// Opens what stands behind the links at the end of `path` for reading, a pipe without waiting for its
+/// writer. -1 with errno: ELOOP for a link that is not trusted.
+int OpenToRead(const std::string& path, Trust trust);
+
 /// Opens a file of the program's own for writing, and makes it when it is missing. With O_TRUNC and O_APPEND
 /// a file that has other names too is parted from them first. -1 with errno when that does not go, when it is
 /// no regular file (ENXIO), or belongs to neither this user, root nor the folder's owner (EPERM).

@@ -14,8 +14,8 @@ namespace drafthost {
 /// the reading, because nothing that follows can make good what stands there.
 using PieceCheck = std::function<bool(const std::string& bytes, std::size_t from)>;
 
-/// Reads a regular file below 4 GiB; false with one line that names the file and the cause. When the check
-/// has ended the reading the bytes up to there are the result.
+/// Reads a regular file below 4 GiB; false with one line that names the file and the cause, as for a link of
+/// somebody else. When the check has ended the reading the bytes up to there are the result.
 bool readFile(const std::string& path, std::string& bytes, std::string& error, const PieceCheck& check = {});
 
 /// Writes `pieces` one behind the other as the new content of `path`. Mode, access list and extended

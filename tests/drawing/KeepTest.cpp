@@ -164,7 +164,7 @@ TEST(Keep, AColleaguesGroupIsKeptWhereItMayBeAndNoOtherGroupSeesMore) {
     EXPECT_EQ(folder.files(), 4U);
 }
 
-TEST(Keep, ADrawingIsNotSavedThroughALinkOfSomebodyElse) {
+TEST(Keep, ADrawingIsNotReadOrSavedThroughALinkOfSomebodyElse) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can play other users";
     }
@@ -176,6 +176,14 @@ TEST(Keep, ADrawingIsNotSavedThroughALinkOfSomebodyElse) {
     EXPECT_FALSE(replaceFile(folder / "a.dxf", {"new"}, error));
     EXPECT_EQ(error, (folder / "a.dxf") + ": it is a link that somebody else has put there");
     EXPECT_EQ(contentOf(folder / "mine"), "keep");
+    std::string bytes;
+    error.clear();
+    EXPECT_FALSE(readFile(folder / "a.dxf", bytes, error));
+    EXPECT_EQ(error, (folder / "a.dxf") + ": it is a link that somebody else has put there");
+    EXPECT_EQ(bytes, "");
+    std::filesystem::create_symlink("mine", folder / "own.dxf");
+    EXPECT_TRUE(readFile(folder / "own.dxf", bytes, error)) << error;
+    EXPECT_EQ(bytes, "keep");
 }
 
 }  // namespace
