@@ -4,6 +4,7 @@
 #include "app/InstallCommand.h"
 #include "app/MergeCommand.h"
 #include "app/RunCommand.h"
+#include "system/FileLimit.h"
 #include "system/MemorySize.h"
 
 #include <algorithm>
@@ -191,6 +192,7 @@ int RunProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    files::FailBeyondFileLimit();
     try {
         return RunProgram(argc, argv);
     } catch (const std::exception& failure) {

@@ -21,6 +21,7 @@
 #include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/Startup.h"
 #include "system/FileJournal.h"
+#include "system/FileLimit.h"
 #include "system/MemorySize.h"
 
 namespace drafthost {
@@ -219,6 +220,7 @@ int exitStatus() {
 }
 
 void prepare(Host& host, const Arguments& arguments) {
+    files::FailBeyondFileLimit();
     setBreakLinks(arguments.breakLinks);
     setMemoryLimit(arguments.maxMemory);
     std::string error;

@@ -1,6 +1,7 @@
 #include "drafthost/editor/InputStream.h"
 
 #include <unistd.h>
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <QCoreApplication>
@@ -26,6 +27,17 @@ constexpr char EndOfText = 3;
 using Item = InputText::Item;
 constexpr std::array<InputSource, 3> InCommand = {InputSource::Script, InputSource::Queue,
                                                   InputSource::Keyboard};
+
+/// As much of the first line as shows what is meant.
+std::string_view beginningOf(std::string_view text) {
+    constexpr std::size_t Enough = 60;
+    text = text.substr(0, text.find('\n'));
+    std::size_t end = std::min(Enough, text.size());
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return text.substr(0, end);
+}
 
 }  // namespace
 
@@ -142,8 +154,9 @@ std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
         return item;
     }
     if (!script.text().openForm().empty()) {
-        host_.printLine("The script ends inside the expression that begins in line " +
-                        std::to_string(script.text().line()) + ".");
+        // No number of a line: who made the script may have put lines of his own ahead of the user's.
+        host_.printLine("The script ends inside the expression that begins with " +
+                        std::string(beginningOf(script.text().rest())));
         tellRefusal();
         script.stop();
         return std::nullopt;

@@ -3,6 +3,7 @@
 #include "tests/app/Program.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <cstdlib>
 
 namespace fs = std::filesystem;
@@ -171,7 +172,8 @@ TEST_F(RealRun, ScriptsThatAreRefusedOrStopCostTheirDrawingOnly) {
         {"(getstring T \"Name: \")\n", "2 Error", "the script ends while LISP waits for an answer"},
         {"(entsel)\n", "2 Error", "the script ends while LISP waits for an answer"},
         {"(command \"_.ZOOM\" pause)\n", "2 Error", ""},
-        {"(princ \"x\n", "2 Error", "The script ends inside the expression"},
+        {"(princ \"x\n", "2 Error",
+         "script line 1: The script ends inside the expression that begins with (princ \"x\n"},
         {"(progn (command \"FOO\") (command \"_.QSAVE\"))\n", "2 Error", "Unknown command \"FOO\""},
         {"(vl-catch-all-apply 'car '(1))\n(defun *error* (s) (princ))\n(car 1)\n", "2 Done", ""},
         {"_.CLOSE\n(setq a 1)\n", "2 Done", ""},
@@ -254,6 +256,27 @@ TEST_F(RealRun, AHostTakesTheMemoryThatItMay) {
         EXPECT_EQ(refused.Status, 2) << wrong;
         EXPECT_THAT(refused.Errors, HasSubstr("--max-memory")) << wrong;
     }
+}
+
+TEST_F(RealRun, TheSystemsLimitOnFilesIsAFailedWriteOfFrontAndHost) {
+    const std::string drawing = CopySample("rooms-2000.dxf", "rooms.dxf");
+    const std::string script = Write("s.scr", "(setvar \"LTSCALE\" 7.0)\n._qsave\n");
+    const auto limited = [&](rlim_t size) {
+        rlimit before{};
+        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+        const rlimit limit{size, before.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const ProgramResult result = Run({"--script", script, drawing});
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+        return result;
+    };
+    const ProgramResult front = limited(1000);
+    EXPECT_EQ(front.Status, 3) << front.Out;
+    EXPECT_THAT(front.Errors, HasSubstr("TarnelRunner.xml: cannot be written: File too large"));
+    ASSERT_GT(fs::file_size(drawing), 8000U);
+    const ProgramResult host = limited(8000);
+    EXPECT_EQ(host.Status, 1) << host.Out << host.Errors;
+    EXPECT_THAT(host.Out, HasSubstr("script line 2: " + drawing + ": File too large"));
 }
 
 TEST_F(RealRun, AScriptGoesOnBehindClose) {

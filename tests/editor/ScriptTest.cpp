@@ -74,10 +74,11 @@ TEST_F(ScriptTest, ACancelSuspendsIt) {
 }
 
 TEST_F(ScriptTest, AnExpressionThatIsOpenAtTheEndIsDropped) {
-    for (const char* open : {"(princ \"x\npair lost 1\n", "(progn\n(setq a 1)\npair lost 2\n"}) {
-        script(std::string("pair a b\n") + open);
+    for (const std::string open : {"(princ \"x\npair lost 1\n", "(progn\n(setq a 1)\npair lost 2\n"}) {
+        script("pair a b\n" + open);
         EXPECT_EQ(state(), ScriptReader::State::Idle);
-        EXPECT_THAT(output, HasSubstr("The script ends inside the expression that begins in line 2."));
+        EXPECT_THAT(output, HasSubstr("The script ends inside the expression that begins with " +
+                                      open.substr(0, open.find('\n') + 1)));
         type("pair c d\n");
         EXPECT_EQ(notes().back(), "c+d");
     }
