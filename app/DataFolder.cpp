@@ -1,5 +1,6 @@
 #include "app/DataFolder.h"
 
+#include "app/NameText.h"
 #include "system/OwnFile.h"
 
 #include <fcntl.h>
@@ -44,6 +45,10 @@ DataFolder::~DataFolder() {
 }
 
 bool DataFolder::Lock(std::string* error) {
+    if (!IsUtf8(home)) {
+        *error = home + ": the name of the data folder is not UTF-8 and cannot be given to the host";
+        return false;
+    }
     for (const std::string& part : {Home(), Path()}) {
         if (const int refused = files::MakeFolder(part)) {
             *error = part + ": the folder cannot be made: " + files::Because(refused);

@@ -1,6 +1,7 @@
 #include "app/DrawingList.h"
 
 #include "app/InputFile.h"
+#include "app/NameText.h"
 #include "app/QueueEntry.h"
 #include "app/RunRecord.h"
 #include "engine/TarnelData.h"
@@ -22,49 +23,25 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The host takes its input as UTF-8, so a name in another encoding could only reach it damaged.
-bool IsUtf8(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const std::size_t length = lead < 0x80                    ? 1
-                                   : lead >= 0xC2 && lead < 0xE0  ? 2
-                                   : lead >= 0xE0 && lead < 0xF0  ? 3
-                                   : lead >= 0xF0 && lead <= 0xF4 ? 4
-                                                                  : 0;
-        if (length == 0 || i + length > text.size()) {
-            return false;
-        }
-        for (std::size_t k = 1; k < length; ++k) {
-            if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) {
-                return false;
-            }
-        }
-        i += length;
-    }
-    return true;
-}
-
 /// Collects while keeping each drawing once, by its path and by what it is on the disk.
 class Queue {
   public:
     explicit Queue(std::vector<std::string>* notes) : notes(notes) {}
 
-    bool Add(const fs::path& path, std::string* error) {
+    /// A name that is not UTF-8 can be given to no host: it stands in the queue spelled out, and ends as
+    /// FailOpen.
+    void Add(const fs::path& path) {
         std::string absolute = fs::absolute(path).lexically_normal().string();
         // What may still be a folder.
         while (absolute.size() > 1 && absolute.ends_with('/')) {
             absolute.pop_back();
         }
-        if (!IsUtf8(absolute)) {
-            *error = absolute + ": the name is not UTF-8 and cannot be given to the host; rename the file";
-            return false;
-        }
-        return AddForeign(std::move(absolute));
+        AddForeign(SpelledOut(absolute));
     }
     /// A path of another system stays as it is: it names nothing here, and the user must know it again.
-    bool AddForeign(std::string path) {
+    void AddForeign(std::string path) {
         if (!seen.insert(path).second) {
-            return true;
+            return;
         }
         struct stat status {};
         if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
@@ -72,11 +49,10 @@ class Queue {
             if (!isNew) {
                 notes->push_back(path + ": is the same file as " + paths[other->second] +
                                  "; it is taken once, under that name");
-                return true;
+                return;
             }
         }
         paths.push_back(std::move(path));
-        return true;
     }
     std::vector<std::string> Take() { return std::move(paths); }
     bool IsEmpty() const { return paths.empty(); }
@@ -135,8 +111,10 @@ bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, 
         return false;
     }
     std::sort(found.begin(), found.end(), LessIgnoringCase);
-    return std::all_of(found.begin(), found.end(),
-                       [&](const fs::path& path) { return queue->Add(path, error); });
+    for (const fs::path& path : found) {
+        queue->Add(path);
+    }
+    return true;
 }
 
 bool ReadSavedQueue(const std::string& list, std::vector<QString>* entries, std::string* error) {
@@ -150,13 +128,21 @@ bool ReadSavedQueue(const std::string& list, std::vector<QString>* entries, std:
     return true;
 }
 
-/// Names that end in NUL, as other programs print them: each is a path as it stands, whatever it holds.
-std::vector<QString> NamesOf(QByteArrayView bytes, QString* note) {
-    std::vector<QString> names;
+/// Names that end in NUL, as other programs print them: each is a path as it stands, whatever it holds. Only
+/// one that names nothing is taken for one that was written in another encoding.
+std::vector<fs::path> NamesOf(QByteArrayView bytes, const fs::path& folder, QString* note) {
+    std::vector<fs::path> names;
     while (!bytes.isEmpty()) {
         const qsizetype end = bytes.indexOf('\0');
-        const UserText name = DecodeUserText(bytes.first(end < 0 ? bytes.size() : end));
+        const QByteArrayView one = bytes.first(end < 0 ? bytes.size() : end);
         bytes = bytes.sliced(end < 0 ? bytes.size() : end + 1);
+        const std::string raw(one.data(), static_cast<std::size_t>(one.size()));
+        std::error_code ignored;
+        if (raw.empty() || IsUtf8(raw) || fs::exists(fs::symlink_status(folder / raw, ignored))) {
+            names.emplace_back(raw);
+            continue;
+        }
+        const UserText name = DecodeUserText(one);
         if (note->isEmpty() && name.ForeignLine != 0) {
             *note = QStringLiteral(
                         "name %1 is not in the locale's encoding; it and others like it are read "
@@ -164,13 +150,15 @@ std::vector<QString> NamesOf(QByteArrayView bytes, QString* note) {
                         .arg(names.size() + 1)
                         .arg(WindowsPage());
         }
-        names.push_back(name.Text);
+        names.emplace_back(name.Text.toStdString());
     }
     return names;
 }
 
 struct List {
     std::vector<QString> Entries;
+    /// Paths as they stand, of a list with NULs.
+    std::vector<fs::path> Names;
     /// Where relative paths start.
     fs::path Folder;
     QString Note;
@@ -187,7 +175,7 @@ bool ReadList(const std::string& name, bool nullEnds, List* list, std::string* e
         return false;
     }
     if (nullEnds) {
-        list->Entries = NamesOf(bytes, &list->Note);
+        list->Names = NamesOf(bytes, list->Folder, &list->Note);
         return true;
     }
     const UserText text = DecodeUserText(bytes);
@@ -227,16 +215,23 @@ bool AddList(const std::string& name, const RunOptions& options, Queue* queue,
         notes->push_back(name + ": " + list.Note.toStdString());
     }
     const QString folder = QString::fromStdString(list.Folder.string());
-    return std::all_of(list.Entries.begin(), list.Entries.end(), [&](const QString& entry) {
+    for (const fs::path& name : list.Names) {
+        if (!name.empty()) {
+            queue->Add(list.Folder / name);
+        }
+    }
+    for (const QString& entry : list.Entries) {
         if (entry.isEmpty()) {
-            return true;
+            continue;
         }
         if (IsWindowsPath(entry) && !options.NullEnds) {
-            return queue->AddForeign(entry.toStdString());
+            queue->AddForeign(entry.toStdString());
+        } else {
+            const QString local = options.NullEnds ? entry : LocalPath(entry, folder);
+            queue->Add(list.Folder / local.toStdString());
         }
-        const QString local = options.NullEnds ? entry : LocalPath(entry, folder);
-        return queue->Add(list.Folder / local.toStdString(), error);
-    });
+    }
+    return true;
 }
 
 /// A folder whose name is a drawing's is most likely taken for one; with a slash behind it, it is meant.
@@ -271,8 +266,9 @@ std::vector<std::string> CollectDrawings(const RunOptions& options, std::vector<
             *error = name + ": " + (failure ? failure.message() : "No such file or directory");
             return {};
         }
-        if (!(fs::is_directory(status) && IsMeantAsFolder(name) ? AddFolder(name, options, &queue, error)
-                                                                : queue.Add(name, error))) {
+        if (!fs::is_directory(status) || !IsMeantAsFolder(name)) {
+            queue.Add(name);
+        } else if (!AddFolder(name, options, &queue, error)) {
             return {};
         }
     }

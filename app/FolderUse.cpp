@@ -2,10 +2,10 @@
 
 #include "app/FolderChange.h"
 #include "app/JobFolders.h"
+#include "app/NameText.h"
 #include "app/WrittenFile.h"
 #include "state/StateFile.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <QString>
 
@@ -16,7 +16,7 @@ namespace {
 bool KeepDamaged(const std::string& file, const std::string& cause, std::string* error) {
     const std::string kept = DataFolder::KeepAside(file, error);
     if (!kept.empty()) {
-        std::fprintf(stderr, "tarnel: %s; it is kept as %s\n", cause.c_str(), kept.c_str());
+        Complain(cause + "; it is kept as " + kept);
     }
     return !kept.empty();
 }

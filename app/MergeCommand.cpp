@@ -2,6 +2,7 @@
 
 #include "app/FolderChange.h"
 #include "app/FolderUse.h"
+#include "app/NameText.h"
 #include "app/RecordFile.h"
 #include "app/RecordTarget.h"
 #include "app/RunJournal.h"
@@ -220,7 +221,7 @@ bool CheckRecordFile(const MergeOptions& options, const DataFolder& target, cons
 }
 
 ExitStatus Refuse(ExitStatus status, const std::string& text) {
-    std::fprintf(stderr, "tarnel: %s\n", text.c_str());
+    Complain(text);
     return status;
 }
 

@@ -1,5 +1,6 @@
 #include "app/NoDrawing.h"
 
+#include "app/NameText.h"
 #include "state/DrawingName.h"
 
 #include <sys/stat.h>
@@ -13,6 +14,9 @@ std::string WhyNoDrawing(const std::string& path, bool anyName) {
                            : S_ISSOCK(status.st_mode) ? "a socket"
                                                       : "a device";
         return std::string("is ") + kind + ", no drawing";
+    }
+    if (const std::string bytes = BytesOf(path); bytes != path && lstat(bytes.c_str(), &status) == 0) {
+        return "has a name that is not UTF-8 and cannot be given to the host; rename it";
     }
     if (!anyName && !IsDrawingName(QString::fromStdString(path))) {
         return "is no drawing by its name, which ends in none of .dxf, .dwg, .dwt and .dws";

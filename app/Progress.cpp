@@ -1,5 +1,7 @@
 #include "app/Progress.h"
 
+#include "app/NameText.h"
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <algorithm>
@@ -45,7 +47,7 @@ void Progress::Settled(const DrawingRecord& record) {
         return;
     }
     const std::string number = std::to_string(settled) + "/" + std::to_string(waiting);
-    std::printf("%-8s %s  %s", StatusText(record).c_str(), number.c_str(), record.Path.c_str());
+    std::printf("%-8s %s  %s", StatusText(record).c_str(), number.c_str(), ShownText(record.Path).c_str());
     if (record.Seconds) {
         std::printf("  %.3f s", *record.Seconds);
     }
@@ -70,7 +72,7 @@ void Progress::Refresh(const DrawingRecord* current) {
     if (current) {
         const std::size_t width = TerminalWidth() - 1;
         text += "  ";
-        text += FitLeft(current->Path, width > text.size() + 8 ? width - text.size() : 8);
+        text += FitLeft(ShownText(current->Path), width > text.size() + 8 ? width - text.size() : 8);
     }
     std::printf("\r%s\x1b[K", text.c_str());
     std::fflush(stdout);
@@ -85,7 +87,7 @@ void Progress::Alarm(const std::string& path) {
 
 void Progress::Note(const std::string& text) {
     EraseLine();
-    std::fprintf(stderr, "tarnel: %s\n", text.c_str());
+    Complain(text);
 }
 
 void Progress::EraseLine() {

@@ -4,6 +4,7 @@
 #include "app/FolderUse.h"
 #include "app/HostJournal.h"
 #include "app/JobFolders.h"
+#include "app/NameText.h"
 #include "app/RecordFile.h"
 #include "app/RecordTarget.h"
 #include "app/RunLogs.h"
@@ -13,12 +14,13 @@
 #include "app/RunRecord.h"
 #include "app/RunReport.h"
 
+#include <unistd.h>
 #include <cstdio>
 
 namespace {
 
 ExitStatus Refuse(ExitStatus status, const std::string& text) {
-    std::fprintf(stderr, "tarnel: %s\n", text.c_str());
+    Complain(text);
     return status;
 }
 
@@ -128,9 +130,11 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
 }
 
 void PrintWaiting(const RunQueue& queue) {
+    // Programs get the names as they are.
+    const bool terminal = isatty(STDOUT_FILENO) == 1;
     for (const QueueEntry& entry : queue) {
         if (entry.Status == DrawingStatus::ToDo) {
-            std::printf("%s\n", entry.Path.c_str());
+            std::printf("%s\n", (terminal ? ShownText(entry.Path) : entry.Path).c_str());
         }
     }
 }

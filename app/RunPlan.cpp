@@ -3,11 +3,11 @@
 #include "app/DrawingList.h"
 #include "app/FolderChange.h"
 #include "app/InputFile.h"
+#include "app/NameText.h"
 #include "app/NoDrawing.h"
 #include "app/RunRecord.h"
 #include "state/ScriptText.h"
 
-#include <cstdio>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -27,10 +27,14 @@ bool TakeScript(const std::string& file, RunPlan* plan, std::string* error) {
         return false;
     }
     if (!script.Note.isEmpty()) {
-        std::fprintf(stderr, "tarnel: %s: %s\n", file.c_str(), script.Note.toUtf8().constData());
+        Complain(file + ": " + script.Note.toStdString());
     }
     record->Script = script.Script;
     record->ScriptDescription = TakeDescription(record->Script);
+    if (record->Script.trimmed().isEmpty()) {
+        *error = (IsStandardInput(file) ? std::string("standard input") : file) + ": the script is empty";
+        return false;
+    }
     plan->Description.HasHeading = record->Script.size() != script.Script.size();
     record->SetScriptModified(false);
     record->LastScriptFile = IsStandardInput(file)
@@ -113,7 +117,7 @@ void RefuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
             const std::string message = entry.Path + " " + why;
             plan->Refused[i] = DrawingRecord{entry.Path, entry.Status, {}, message, {}, {}, 0, {}, false};
             plan->Changed = true;
-            std::fprintf(stderr, "tarnel: %s\n", message.c_str());
+            Complain(message);
         }
     }
 }
@@ -155,7 +159,7 @@ ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* err
     const std::vector<std::string> drawings = CollectDrawings(options, &notes, error);
     for (const std::string& note : notes) {
         if (!options.Quiet) {
-            std::fprintf(stderr, "tarnel: %s\n", note.c_str());
+            Complain(note);
         }
     }
     if (drawings.empty()) {

@@ -1,5 +1,6 @@
 #include "app/RunReport.h"
 
+#include "app/NameText.h"
 #include "app/Progress.h"
 
 #include <algorithm>
@@ -82,14 +83,14 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
     for (const DrawingRecord& record : records) {
         if (record.Status == DrawingStatus::Done && !record.Host.empty()) {
             std::printf("\nDone     %s\n         the host %s; the second attempt went well\n",
-                        record.Path.c_str(), record.Host.c_str());
+                        ShownText(record.Path).c_str(), ShownText(record.Host).c_str());
         }
     }
     for (const DrawingRecord& record : records) {
         if (record.Status == DrawingStatus::Done && (record.Changed || record.RefusedCount > 0)) {
-            std::printf("\n%s  %s\n", StatusText(record).c_str(), record.Path.c_str());
+            std::printf("\n%s  %s\n", StatusText(record).c_str(), ShownText(record.Path).c_str());
             for (const std::string& refused : record.Refused) {
-                std::printf("         %s\n", refused.c_str());
+                std::printf("         %s\n", ShownText(refused).c_str());
             }
         }
     }
@@ -98,12 +99,12 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
             if (record.Status != status) {
                 continue;
             }
-            std::printf("\n%-8s %s\n", StatusWord(status), record.Path.c_str());
+            std::printf("\n%-8s %s\n", StatusWord(status), ShownText(record.Path).c_str());
             if (!record.Message.empty()) {
-                std::printf("         %s\n", record.Message.c_str());
+                std::printf("         %s\n", ShownText(record.Message).c_str());
             }
             if (!record.Host.empty()) {
-                std::printf("         the host %s\n", record.Host.c_str());
+                std::printf("         the host %s\n", ShownText(record.Host).c_str());
             }
         }
     }

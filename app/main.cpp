@@ -3,6 +3,7 @@
 #include "app/DeskCommand.h"
 #include "app/InstallCommand.h"
 #include "app/MergeCommand.h"
+#include "app/NameText.h"
 #include "app/RunCommand.h"
 #include "system/FileLimit.h"
 #include "system/MemorySize.h"
@@ -183,7 +184,7 @@ int RunProgram(int argc, char** argv) {
         return OpenDesk(drawings);
     }
     if (const std::string wrong = CheckUsage(options); !wrong.empty()) {
-        std::fprintf(stderr, "tarnel: %s\n", wrong.c_str());
+        Complain(wrong);
         return WrongUsage;
     }
     return RunDrawings(options);
@@ -197,7 +198,7 @@ int main(int argc, char** argv) {
         return RunProgram(argc, argv);
     } catch (const std::exception& failure) {
         // No memory, or a folder that cannot even be looked at.
-        std::fprintf(stderr, "tarnel: %s\n", failure.what());
+        Complain(failure.what());
         return BrokenOff;
     }
 }

@@ -12,6 +12,7 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -187,6 +188,37 @@ TEST_F(Input, RecordsTakeThePlaceOfNothingThatTheRunNeeds) {
                   target == "s.bak" ? 0 : 2);
         EXPECT_TRUE(target == "s.bak" || Read(Folder / target) == before);
     }
+}
+
+TEST_F(Input, ANameThatCannotBeGivenToTheHostCostsItselfOnly) {
+    const std::string sample = Read(fs::path(SAMPLES) / "drawings/rooms-2000.dxf");
+    Write("in/good.dxf", sample);
+    Write("in/caf\xE9.dxf", sample);
+    Write("in/caf\xE8.dxf", sample);
+    const std::string odd = Write("in/li\nne\x1B[31m\xC2\x9B.dxf", sample);
+    const std::string list = Write("null.lst", std::string("in/caf\xE9.dxf\0in/good.dxf\0", 26));
+    const std::string script = Write("s.scr", "(princ \"seen\\n\")\n");
+    const auto expectOne = [&](const ProgramResult& result, const char* counts) {
+        EXPECT_EQ(result.Status, 1) << result.Errors;
+        EXPECT_THAT(result.Out, HasSubstr(counts));
+        EXPECT_THAT(result.Errors, HasSubstr("caf\\xE9.dxf has a name that is not UTF-8"));
+        EXPECT_THAT(Read(Folder / "out.json"), HasSubstr("not UTF-8"));
+    };
+    const ProgramResult folder = Run({"--script", script, "in", "--json", "out.json"});
+    expectOne(folder, "4 drawings");
+    EXPECT_THAT(folder.Out, HasSubstr("2 Done, 2 FailOpen"));
+    EXPECT_THAT(folder.Out, HasSubstr("li\\nne\\x1B[31m\\x9B.dxf"));
+    EXPECT_EQ(folder.Out.find('\x1B'), std::string::npos);
+    EXPECT_THAT(nlohmann::json::parse(Read(Folder / "out.json")).dump(),
+                HasSubstr(nlohmann::json(odd).dump()));
+    expectOne(Run({"--retry", "failed", "--json", "out.json"}), "2 Done, 2 FailOpen");
+    expectOne(Run({"--script", script, "--null", "--list", list, "--json", "out.json"}),
+              "1 Done, 1 FailOpen");
+
+    const ProgramResult data = Call({"run", "--data-dir", "d\xE9", "--script", script, "in/good.dxf"});
+    EXPECT_EQ(data.Status, 3);
+    EXPECT_THAT(data.Errors, HasSubstr("d\\xE9: the name of the data folder is not UTF-8"));
+    EXPECT_FALSE(fs::exists(Folder / "d\xE9"));
 }
 
 TEST_F(Input, AScriptComesFromAPipeAndInAWindowsPage) {
