@@ -1,5 +1,6 @@
 #include "app/HostJournal.h"
 
+#include "app/LogParts.h"
 #include "system/NewFile.h"
 
 #include <unistd.h>
@@ -11,6 +12,7 @@ std::string HostJournal(const std::string& folder) {
 
 void ClearHostJournal(const std::string& folder, files::Logs logs) {
     files::ClearJournal(HostJournal(folder), logs);
+    DropHostLogFolder(folder);
     for (const char* file : {"TarnelRunner.xml", "run.json", "run.journal", "tnl log.html", "TNLLog.zip",
                              "TNLapp.log", "registry.ini"}) {
         files::DropNewOf(folder + "/" + file);

@@ -90,9 +90,7 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
     } else {
         unsetenv("TARNEL_MUST_SAVE");
     }
-    if (!place.StateHome.empty()) {
-        setenv("XDG_STATE_HOME", place.StateHome.c_str(), 1);
-    }
+    setenv("XDG_STATE_HOME", place.StateHome.c_str(), 1);
     if (LocaleIsPlain()) {
         // The language stays: scripts and lists may be in its page.
         if (const std::string name = files::LocaleName();

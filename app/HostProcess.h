@@ -34,7 +34,7 @@ struct HostPlace {
     std::string DataHome;
     /// Its settings; empty is the user's own file.
     std::string Registry;
-    /// It gets this as XDG_STATE_HOME, under which its own logs go; empty leaves it as it is.
+    /// It gets this as XDG_STATE_HOME, under which its own logs go.
     std::string StateHome;
     /// A lock that it keeps open to its end; -1 is none.
     int Lock = -1;

@@ -43,6 +43,9 @@ bool MakeJob(const DataFolder& folder, std::size_t number, CTarnelData* record, 
             return false;
         }
     }
+    if (!MakeHostLogFolder(JobData(folder, number), error)) {
+        return false;
+    }
     RunQueue share;
     std::vector<std::string> paths;
     for (const std::size_t place : places) {
@@ -90,7 +93,7 @@ bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<st
     }
     for (std::size_t number = 1; number <= jobs; ++number) {
         // Of a host that ended well this finds nothing to pack.
-        if (!SetLogsAside(JobData(folder, number), HostLogFolder(JobLogs(folder, number)), error)) {
+        if (!SetLogsAside(JobData(folder, number), error)) {
             return false;
         }
         folders.push_back(JobData(folder, number));
@@ -110,7 +113,7 @@ bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<st
 
 /// What front, module and host make in a host's folder, with what they write beside a file on the way.
 bool IsOwnName(const std::string& below) {
-    constexpr std::array<std::string_view, 3> folders = {"Ovrix", "logs", "logs/drafthost"};
+    constexpr std::array<std::string_view, 3> folders = {"Ovrix", "Ovrix/logs", "Ovrix/logs/drafthost"};
     constexpr std::array<std::string_view, 11> files = {
         "TarnelRunner.xml", "run.",         "tnl log", "TNLLog", "TNLapp.log", "script1.scr",
         "script2.scr",      "registry.ini", "host",    "tarnel", "unopened-"};
@@ -122,7 +125,7 @@ bool IsOwnName(const std::string& below) {
     const std::string_view in = std::string_view(below).substr(0, slash == std::string::npos ? 0 : slash);
     return in == "Ovrix" ? std::any_of(files.begin(), files.end(),
                                        [name](std::string_view file) { return name.starts_with(file); })
-                         : in == "logs/drafthost" && name.ends_with(".log");
+                         : in == "Ovrix/logs/drafthost" && name.ends_with(".log");
 }
 
 }  // namespace
@@ -133,10 +136,6 @@ std::string JobHome(const DataFolder& folder, std::size_t number) {
 
 std::string JobData(const DataFolder& folder, std::size_t number) {
     return JobHome(folder, number) + "/Ovrix";
-}
-
-std::string JobLogs(const DataFolder& folder, std::size_t number) {
-    return JobHome(folder, number) + "/logs";
 }
 
 bool MakeJobs(const DataFolder& folder, CTarnelData* record, const std::vector<JobShare>& shares,

@@ -17,8 +17,6 @@ struct CTarnelData;
 std::string JobHome(const DataFolder& folder, std::size_t number);
 /// Where its state, log and archive are.
 std::string JobData(const DataFolder& folder, std::size_t number);
-/// What it gets as XDG_STATE_HOME.
-std::string JobLogs(const DataFolder& folder, std::size_t number);
 
 /// Makes the folders of all shares with their states. The record is that of the whole queue and is left as it
 /// was. False with one line.

@@ -3,9 +3,10 @@
 #include "app/LogFile.h"
 #include "log/HostLogArchive.h"
 #include "log/ZipArchive.h"
+#include "system/OwnFile.h"
 
+#include <unistd.h>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <QFile>
@@ -40,8 +41,7 @@ QStringList LinkedLogs(const std::string& folder, const std::unordered_set<std::
 
 /// Packs the logs of the drawings that a dead host has left behind: its own, and those that the module made
 /// for drawings that were not opened.
-bool PackLeftLogs(const LogPart& part, const std::string& folder, const std::string& hostLogs,
-                  std::string* error) {
+bool PackLeftLogs(const LogPart& part, const std::string& folder, std::string* error) {
     RunLogContent log;
     if (!ReadLog(part.Log, &log, error)) {
         return false;
@@ -52,7 +52,7 @@ bool PackLeftLogs(const LogPart& part, const std::string& folder, const std::str
             links.insert(entry.Id.toStdString());
         }
     }
-    const QStringList left = LinkedLogs(hostLogs, links) + LinkedLogs(folder, links);
+    const QStringList left = LinkedLogs(HostLogFolder(folder), links) + LinkedLogs(folder, links);
     if (left.isEmpty()) {
         return true;
     }
@@ -108,12 +108,12 @@ std::vector<LogPart> LogParts(const std::string& folder) {
     return parts;
 }
 
-bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::string* error) {
+bool SetLogsAside(const std::string& folder, std::string* error) {
     if (!MoveAside(folder, error)) {
         return false;
     }
     for (const LogPart& part : LogsAside(folder)) {
-        if (!PackLeftLogs(part, folder, hostLogs, error)) {
+        if (!PackLeftLogs(part, folder, error)) {
             return false;
         }
     }
@@ -165,14 +165,26 @@ void DropLogsAside(const std::string& folder) {
     }
 }
 
-std::string HostLogFolder(const std::string& stateHome) {
-    if (!stateHome.empty()) {
-        return stateHome + "/drafthost";
+std::string HostStateHome(const std::string& folder) {
+    return folder + "/logs";
+}
+
+std::string HostLogFolder(const std::string& folder) {
+    return HostStateHome(folder) + "/drafthost";
+}
+
+bool MakeHostLogFolder(const std::string& folder, std::string* error) {
+    // Each by itself, so that neither is somebody else's link.
+    for (const std::string& made : {HostStateHome(folder), HostLogFolder(folder)}) {
+        if (const int failure = files::MakeFolder(made)) {
+            *error = made + ": the folder cannot be made: " + files::Because(failure);
+            return false;
+        }
     }
-    const char* state = std::getenv("XDG_STATE_HOME");
-    if (state && *state == '/') {
-        return std::string(state) + "/drafthost";
-    }
-    const char* home = std::getenv("HOME");
-    return home && *home == '/' ? std::string(home) + "/.local/state/drafthost" : "/tmp";
+    return true;
+}
+
+void DropHostLogFolder(const std::string& folder) {
+    rmdir(HostLogFolder(folder).c_str());
+    rmdir(HostStateHome(folder).c_str());
 }

@@ -18,9 +18,9 @@ std::vector<LogPart> LogParts(const std::string& folder);
 LogPart LogNames(const std::string& folder);
 
 /// Moves the run log and the archive in a data folder to names of their own, and packs the host's logs that
-/// the run logs link to. hostLogs is the folder in which the host keeps them; they are deleted once they are
-/// packed. False with one line when something cannot be moved or written.
-bool SetLogsAside(const std::string& folder, const std::string& hostLogs, std::string* error);
+/// the run logs link to, which are deleted once they are packed. False with one line when something cannot be
+/// moved or written.
+bool SetLogsAside(const std::string& folder, std::string* error);
 
 /// Sets what a folder holds aside, with a part that has an entry for each of these drawings, whose host died
 /// before it came to the log; the log of such an entry says that. False with one line.
@@ -30,5 +30,12 @@ bool SetEntriesAside(const std::string& folder, const std::vector<std::string>& 
 void DropLogsAside(const std::string& folder);
 bool HasLogsAside(const std::string& folder);
 
-/// Where the host keeps the logs of its drawings, given its XDG_STATE_HOME or, when that is empty, ours.
-std::string HostLogFolder(const std::string& stateHome);
+/// What the host of a data folder gets as XDG_STATE_HOME. Its logs are the data folder's, so that one that
+/// can be written is all that a run needs, and nothing of it lies elsewhere.
+std::string HostStateHome(const std::string& folder);
+/// Where it then keeps the logs of its drawings.
+std::string HostLogFolder(const std::string& folder);
+/// Makes that folder. False with one line.
+bool MakeHostLogFolder(const std::string& folder, std::string* error);
+/// Removes it when nothing is in it.
+void DropHostLogFolder(const std::string& folder);

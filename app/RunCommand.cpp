@@ -51,7 +51,7 @@ std::vector<std::string> WorkedOn(const RunLedger& ledger, Filter filter) {
 /// drawing whose host died before it came to the log gets its entry here.
 bool BringTogether(const DataFolder& folder, RunDescription* description, const RunLedger& ledger,
                    std::string* error) {
-    if ((description->Jobs == 0 && !SetUnfinishedAside(folder.Path(), HostLogFolder(""), error)) ||
+    if ((description->Jobs == 0 && !SetUnfinishedAside(folder.Path(), error)) ||
         !GatherJobs(folder, description, error)) {
         return false;
     }
@@ -108,6 +108,10 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
     }
     if (!together || !CheckLogs(folder.Path(), logged, &error)) {
         breakOff(error);
+    } else {
+        // All is packed that belongs to a drawing: what is left is of documents that a script had open
+        // besides.
+        ClearHostJournal(folder.Path(), files::Logs::Remove);
     }
     if (!ReadRecord(folder.StateFile(), &saved, &error)) {
         breakOff(error);
@@ -184,7 +188,7 @@ ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
             return status;
         }
         if (!CommitToGoOn(options, *folder, plan, error) ||
-            (options.Resume && !SetLogsAside(folder->Path(), HostLogFolder(""), error))) {
+            (options.Resume && !SetLogsAside(folder->Path(), error))) {
             return BrokenOff;
         }
         return AllDone;
@@ -234,7 +238,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
         }
         const bool several = options.Jobs > 1 && waiting > 1;
         RunParts parts = several ? SeveralHosts(options, folder, &plan, &journal, settings, &error)
-                                 : OneHost(options, folder, plan, &journal, settings);
+                                 : OneHost(options, folder, plan, &journal, settings, &error);
         if (parts.Ledgers.empty()) {
             return Refuse(BrokenOff, error);
         }

@@ -8,13 +8,13 @@
 #include <filesystem>
 #include <QFile>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace {
 
-using Names = std::unordered_set<std::string>;
+/// The logs in an archive, and whether there is anything in them.
+using PackedLogNames = std::unordered_map<std::string, bool>;
 
-bool ReadArchiveNames(const std::string& file, Names* names, std::string* error) {
+bool ReadArchive(const std::string& file, PackedLogNames* names, std::string* error) {
     if (!std::filesystem::exists(file)) {
         return true;
     }
@@ -27,7 +27,7 @@ bool ReadArchiveNames(const std::string& file, Names* names, std::string* error)
         for (int i = 0; i < archive.Count(); ++i) {
             CFileHeader header;
             archive.GetFileInfo(header, i);
-            names->insert(header.Name);
+            names->emplace(header.Name, header.UncompSize > 0);
         }
         return true;
     } catch (const CZipException& failure) {
@@ -54,30 +54,42 @@ std::vector<std::string> MissingIn(const RunLogContent& log, const std::vector<s
 
 }  // namespace
 
-bool SetUnfinishedAside(const std::string& folder, const std::string& hostLogs, std::string* error) {
+bool SetUnfinishedAside(const std::string& folder, std::string* error) {
     std::string ignored;
-    return (!HasLogsAside(folder) && CheckLogs(folder, {}, &ignored)) ||
-           SetLogsAside(folder, hostLogs, error);
+    return (!HasLogsAside(folder) && CheckLogs(folder, {}, &ignored)) || SetLogsAside(folder, error);
 }
 
 bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawings, std::string* error) {
     const LogPart files = LogNames(folder);
     RunLogContent log;
-    Names packed;
+    PackedLogNames packed;
     if (drawings.empty() && !std::filesystem::exists(files.Log)) {
         return true;
     }
-    if (!ReadLog(files.Log, &log, error) || !ReadArchiveNames(files.Archive, &packed, error)) {
+    if (!ReadLog(files.Log, &log, error) || !ReadArchive(files.Archive, &packed, error)) {
         return false;
     }
     if (!log.IsWhole) {
         *error = files.Log + ": the run log is not whole: it has no end";
         return false;
     }
+    // A full disk leaves empty ones; so may a kill, but then another attempt has a log with something in it.
+    std::unordered_map<std::string, bool> isTold;
     for (const RunLogEntry& entry : log.Entries) {
-        if (entry.Kind == RunLogEntry::File && !packed.contains(entry.Id.toStdString())) {
-            *error =
-                files.Archive + ": the log of " + QFile::encodeName(entry.Name).toStdString() + " is missing";
+        if (entry.Kind != RunLogEntry::File) {
+            continue;
+        }
+        const std::string drawing = QFile::encodeName(entry.Name).toStdString();
+        const auto found = packed.find(entry.Id.toStdString());
+        if (found == packed.end()) {
+            *error = files.Archive + ": the log of " + drawing + " is missing";
+            return false;
+        }
+        isTold[drawing] = found->second;
+    }
+    for (const auto& [drawing, told] : isTold) {
+        if (!told) {
+            *error = files.Archive + ": the log of " + drawing + " is empty";
             return false;
         }
     }

@@ -9,11 +9,12 @@
 
 /// Sets a log aside that the module has not ended, or not with all of its host's logs in the archive, so that
 /// it is joined with what was set aside before. False with one line.
-bool SetUnfinishedAside(const std::string& folder, const std::string& hostLogs, std::string* error);
+bool SetUnfinishedAside(const std::string& folder, std::string* error);
 
 /// The drawings that have no entry in a folder's log; one that stands in the list twice has two.
 std::vector<std::string> MissingIn(const std::string& folder, const std::vector<std::string>& drawings);
 
-/// Looks whether a log tells all of a run: it has its end, an entry for each of the drawings, and each
-/// entry's log is in the archive. False with one line that says what is missing.
+/// Looks whether a log tells all of a run: it has its end, an entry for each of the drawings, each
+/// entry's log is in the archive, and the last one of each drawing is not empty. False with one line that
+/// says what is missing.
 bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawings, std::string* error);

@@ -12,10 +12,10 @@ namespace {
 
 /// What a host that died has left of its log is kept for the end of the run, what it has left beside drawings
 /// is removed.
-std::function<void()> KeepLogs(const std::string& folder, const std::string& stateHome) {
-    return [folder, hostLogs = HostLogFolder(stateHome)] {
+std::function<void()> KeepLogs(const std::string& folder) {
+    return [folder] {
         std::string error;
-        const bool kept = SetLogsAside(folder, hostLogs, &error);
+        const bool kept = SetLogsAside(folder, &error);
         if (!kept) {
             std::fprintf(stderr, "tarnel: %s\n", error.c_str());
         }
@@ -51,13 +51,16 @@ void AddPart(RunParts* parts, const RunQueue& queue, JobShare places, RunJournal
 }  // namespace
 
 RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunPlan& plan,
-                 RunJournal* journal, MonitorSettings common) {
-    common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini", "",
-                    folder.LockDescriptor(), ""};
+                 RunJournal* journal, MonitorSettings common, std::string* error) {
+    if (!MakeHostLogFolder(folder.Path(), error)) {
+        return {};
+    }
+    common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini",
+                    HostStateHome(folder.Path()), folder.LockDescriptor(), ""};
     common.Place.Journal = HostJournal(folder.Path());
     SetManners(options, plan.Description, &common.Place);
     common.State = folder.StateFile();
-    common.HostDied = KeepLogs(folder.Path(), "");
+    common.HostDied = KeepLogs(folder.Path());
     const RunQueue queue = QueueOf(plan.Record);
     JobShare all(queue.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
@@ -78,11 +81,11 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPl
         const std::string data = JobData(folder, number);
         MonitorSettings settings = common;
         settings.State = data + "/TarnelRunner.xml";
-        settings.Place = {JobHome(folder, number), data + "/registry.ini", JobLogs(folder, number),
+        settings.Place = {JobHome(folder, number), data + "/registry.ini", HostStateHome(data),
                           folder.LockDescriptor(), ""};
         settings.Place.Journal = HostJournal(data);
         SetManners(options, plan->Description, &settings.Place);
-        settings.HostDied = KeepLogs(data, JobLogs(folder, number));
+        settings.HostDied = KeepLogs(data);
         AddPart(&parts, queue, shares[number - 1], journal, *plan, std::move(settings));
     }
     return parts;

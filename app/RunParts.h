@@ -16,11 +16,10 @@ struct RunParts {
     std::vector<JobShare> Places;
 };
 
-/// What does the run with one host.
+/// What does the run with one host. Empty with one line when something cannot be written.
 RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunPlan& plan,
-                 RunJournal* journal, MonitorSettings common);
+                 RunJournal* journal, MonitorSettings common, std::string* error);
 
-/// Makes the shares and gives what does the run with several hosts. Empty with one line when something cannot
-/// be written.
+/// The same with several hosts, each with its share.
 RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPlan* plan, RunJournal* journal,
                       const MonitorSettings& common, std::string* error);

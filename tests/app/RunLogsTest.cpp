@@ -18,7 +18,8 @@ class RunLogs : public ProgramTest {
   protected:
     void SetUp() override {
         ProgramTest::SetUp();
-        ASSERT_EQ(setenv("XDG_STATE_HOME", (Folder / "state").c_str(), 1), 0);
+        // A home that cannot be written is no hindrance: all that a run keeps is in its data folder.
+        ASSERT_EQ(setenv("XDG_STATE_HOME", Write("state", "in the way").c_str(), 1), 0);
     }
     void TearDown() override {
         unsetenv("XDG_STATE_HOME");
@@ -49,11 +50,12 @@ class RunLogs : public ProgramTest {
         return logs;
     }
     bool HostLogsAreLeft() const {
-        const fs::path folder = Folder / "state/drafthost";
-        for (const auto& entry : fs::directory_iterator(folder)) {
-            ADD_FAILURE() << entry.path() << ":\n" << Read(entry.path());
+        for (const auto& entry : fs::recursive_directory_iterator(Data())) {
+            if (entry.path().extension() == ".log" && entry.path().filename() != "TNLapp.log") {
+                ADD_FAILURE() << entry.path() << ":\n" << Read(entry.path());
+            }
         }
-        return false;
+        return fs::exists(Data() + "/logs") || fs::exists(Data() + "/host.journal");
     }
 };
 
@@ -152,6 +154,11 @@ TEST_F(RunLogs, ALogThatIsNotWholeIsToldAndIsNoSuccess) {
         EXPECT_THAT(result.Errors, HasSubstr(file));
         fs::remove_all(Folder / "data/Ovrix" / file);
     }
+    const std::string inTheWay = Write("data/Ovrix/logs", "a file");
+    const ProgramResult blocked = Run({"--script", script, Drawing("a.dxf")});
+    EXPECT_EQ(blocked.Status, 3) << blocked.Out;
+    EXPECT_THAT(blocked.Errors, HasSubstr(inTheWay + ": the folder cannot be made: Not a directory"));
+    fs::remove(inTheWay);
     // The trace is a comfort.
     fs::remove_all(Folder / "data/Ovrix/TNLapp.log");
     fs::create_directories(Folder / "data/Ovrix/TNLapp.log");
@@ -159,6 +166,49 @@ TEST_F(RunLogs, ALogThatIsNotWholeIsToldAndIsNoSuccess) {
     EXPECT_EQ(result.Status, 0) << result.Errors;
     EXPECT_NE(result.Errors.find("TNLapp.log"), std::string::npos);
     EXPECT_EQ(result.Errors.find("TNLapp.log"), result.Errors.rfind("TNLapp.log"));
+}
+
+TEST_F(RunLogs, OfDocumentsThatAScriptOpensBesidesNothingIsLeft) {
+    const std::string other = Drawing("other.dxf");
+    const std::string script =
+        Write("s.scr", std::string(kSay) + "_.OPEN\n" + other + "\n_.CLOSE\n(princ 1)\n");
+    for (const char* jobs : {"1", "2"}) {
+        const ProgramResult result =
+            Run({"--script", script, "--jobs", jobs, Drawing("a.dxf"), Drawing("b.dxf")});
+        EXPECT_EQ(result.Status, 0) << result.Out << result.Errors;
+        EXPECT_THAT(Logs().at(Folder / "a.dxf"), HasSubstr("this is a"));
+        EXPECT_FALSE(HostLogsAreLeft());
+    }
+}
+
+// A full disk leaves logs with nothing in them, and a later run cannot make good for that.
+TEST_F(RunLogs, AnEmptyLogInTheArchiveIsNoSuccess) {
+    const std::vector<std::string> arguments = {
+        "--script", Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (Tarnel_File_Error))\n"),
+        Drawing("a.dxf"), Drawing("b.dxf")};
+    ASSERT_EQ(Run(arguments).Status, 1);
+    const auto logs = Logs();
+    RunLogContent content;
+    std::string error;
+    ASSERT_TRUE(ReadLog(Data() + "/tnl log.html", &content, &error)) << error;
+    CZipArchive archive;
+    ASSERT_TRUE(archive.Open(Data() + "/TNLLog.zip", CZipArchive::Create));
+    for (const RunLogEntry& entry : content.Entries) {
+        if (entry.Kind == RunLogEntry::File) {
+            const std::string path = QFile::encodeName(entry.Name).toStdString();
+            const std::string text = path == Folder / "a.dxf" ? "" : logs.at(path);
+            CFileHeader header;
+            header.Name = entry.Id.toStdString();
+            archive.OpenNewFile(header, 9);
+            archive.WriteNewFile(text.data(), text.size());
+            archive.CloseNewFile();
+        }
+    }
+    archive.Close();
+    const ProgramResult again = Run({"--resume", "--retry", "failed"});
+    EXPECT_EQ(again.Status, 3) << again.Out;
+    EXPECT_THAT(again.Errors,
+                HasSubstr("TNLLog.zip: the log of " + (Folder / "a.dxf").string() + " is empty"));
 }
 
 }  // namespace
