@@ -63,9 +63,11 @@ bool BringTogether(const DataFolder& folder, RunDescription* description, const 
            (SetEntriesAside(folder.Path(), missing, error) && GatherJobs(folder, description, error));
 }
 
-/// Works off what waits and brings what is on disk together with what was told.
+/// Works off what waits and brings what is on disk together with what was told. logged are the drawings that
+/// stand in the log before.
 RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescription* description,
-                         RunLedger* ledger, Progress* progress, Signals* signals) {
+                         std::vector<std::string> logged, RunLedger* ledger, Progress* progress,
+                         Signals* signals) {
     std::string error;
     std::vector<const DrawingRecord*> waiting;
     for (const DrawingRecord& record : ledger->Records()) {
@@ -99,8 +101,11 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
         progress->Note(error + "; it is tried again");
         together = BringTogether(folder, description, *ledger, &error);
     }
-    const std::vector<std::string> logged =
-        WorkedOn(*ledger, [ended](const DrawingRecord&) { return ended; });
+    const std::vector<std::string> worked = WorkedOn(*ledger, [](const DrawingRecord&) { return true; });
+    logged.insert(logged.end(), worked.begin(), worked.end());
+    if (!ended) {
+        logged.clear();
+    }
     for (const auto& monitor : monitors) {
         if (!monitor->LogLoss().empty()) {
             breakOff(monitor->LogLoss());
@@ -232,7 +237,10 @@ ExitStatus RunDrawings(const RunOptions& options) {
     RunLedger ledger(queue);
     auto outcome = RunMonitor::Outcome::Ended;
     RunJournal journal;
-    if (const std::size_t waiting = ledger.Count(DrawingStatus::ToDo); waiting > 0) {
+    const std::size_t waiting = ledger.Count(DrawingStatus::ToDo);
+    const bool goesOn = options.Resume || waiting == 0;
+    std::vector<std::string> logged = goesOn ? LoggedEarlier(plan) : std::vector<std::string>();
+    if (waiting > 0) {
         if (!journal.Open(folder, plan.Description.Id, &error)) {
             return Refuse(BrokenOff, error);
         }
@@ -244,13 +252,19 @@ ExitStatus RunDrawings(const RunOptions& options) {
         }
         Signals signals;
         Progress progress(waiting, options.Quiet);
-        outcome = Work(folder, std::move(parts), &plan.Description, &ledger, &progress, &signals);
+        outcome = Work(folder, std::move(parts), &plan.Description, std::move(logged), &ledger, &progress,
+                       &signals);
     } else if (!GatherJobs(folder, &plan.Description, &error)) {
         return Refuse(BrokenOff, error);
+    } else if (!CheckLogs(folder.Path(), logged, &error)) {
+        std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+        outcome = RunMonitor::Outcome::Broken;
     }
     ledger.Recall(plan.Refused);
-    if (options.Resume) {
+    if (goesOn) {
         ledger.Recall(plan.Journal.Records);
+    } else {
+        ledger.StartLog();
     }
     PrintReport(ledger.Records(), options,
                 std::chrono::duration<double>(RunLedger::Clock::now() - started).count());

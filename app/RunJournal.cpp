@@ -31,6 +31,9 @@ std::string RecordLine(std::size_t place, const DrawingRecord& record) {
     Json one = RecordToJson(record);
     one.erase("path");
     one["place"] = place;
+    if (record.EarlierLog) {
+        one["earlierLog"] = true;
+    }
     return LineOf(one);
 }
 
@@ -102,6 +105,7 @@ JournalContent ReadJournal(const DataFolder& folder, const std::string& runId, s
             content.TriedAgain[at] = true;
             content.Records[at].reset();
         } else if (RecordFromJson(one, &record)) {
+            record.EarlierLog = one.contains("earlierLog");
             content.Records[at] = std::move(record);
         }
     }

@@ -145,6 +145,12 @@ void RunLedger::Recall(const std::vector<std::optional<DrawingRecord>>& earlier)
     }
 }
 
+void RunLedger::StartLog() {
+    for (DrawingRecord& record : records) {
+        record.EarlierLog = !record.Seconds;
+    }
+}
+
 void RunLedger::CatchUp(const RunQueue& saved) {
     const std::size_t place = current ? PlaceOf(*current) : saved.size();
     if (place < saved.size()) {

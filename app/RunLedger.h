@@ -28,6 +28,8 @@ struct DrawingRecord {
     bool Changed = false;
     /// It was in work or passed over in this run, and that has come to its end.
     bool Settled = false;
+    /// Its entry stood in a log that a later run over the same queue has replaced.
+    bool EarlierLog = false;
 };
 
 /// The status as the user sees it: "Done, not saved", "Done, 3 refused".
@@ -50,6 +52,8 @@ class RunLedger {
     /// Takes over what was told in an earlier run, by place in the queue, of drawings that were not in work
     /// since and stand as they did then.
     void Recall(const std::vector<std::optional<DrawingRecord>>& earlier);
+    /// The run has begun a log of its own: what was not in work in it stands there no more.
+    void StartLog();
     /// Takes over what is on disk of the drawing in work, which its host may not have told any more.
     void CatchUp(const RunQueue& saved);
     /// What a host that died has left in work: drawings that stand on disk as being opened or worked on and

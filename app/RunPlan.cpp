@@ -139,11 +139,17 @@ bool ChangeSettings(const RunOptions& options, RunPlan* plan, std::string* error
     return true;
 }
 
-/// The records that the journal keeps, for a new one that holds nothing else.
-std::vector<DrawingRecord> RecordsOf(const JournalContent& journal) {
-    std::vector<DrawingRecord> records(journal.Records.size());
+/// The records that the journal keeps, for a new one that holds nothing else. With a new log nothing of what
+/// was done before is in the log any more.
+std::vector<DrawingRecord> RecordsOf(const RunPlan& plan, bool newLog) {
+    const RunQueue queue = QueueOf(plan.Record);
+    std::vector<DrawingRecord> records(plan.Journal.Records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
-        records[i] = journal.Records[i].value_or(DrawingRecord());
+        records[i] = plan.Journal.Records[i].value_or(DrawingRecord());
+        if (newLog && queue[i].Status != DrawingStatus::ToDo) {
+            records[i].Status = queue[i].Status;
+            records[i].EarlierLog = true;
+        }
     }
     return records;
 }
@@ -228,6 +234,7 @@ ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
         return BrokenOff;
     }
     // A queue that the window or another program has saved gets a description here.
+    plan->IsKnown = isKnown;
     plan->Description = isKnown ? *description : NewDescription();
     if (!isKnown) {
         plan->Description.HasHeading = !plan->Record.ScriptDescription.isEmpty();
@@ -246,6 +253,24 @@ ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
     return AllDone;
 }
 
+std::vector<std::string> LoggedEarlier(const RunPlan& plan) {
+    const RunQueue queue = QueueOf(plan.Record);
+    std::vector<std::string> drawings;
+    for (std::size_t i = 0; plan.IsKnown && i < queue.size(); ++i) {
+        const DrawingStatus status = queue[i].Status;
+        const auto& told = plan.Journal.Records[i];
+        // The journal may have lost a line to the same full disk; then the log must still tell of the
+        // drawing. What was no drawing has neither seconds nor an entry.
+        const bool isLogged =
+            !told || (!told->EarlierLog && (told->Seconds || status != DrawingStatus::FailOpen));
+        if (isLogged && status != DrawingStatus::ToDo && status != DrawingStatus::Locked &&
+            !plan.Refused[i]) {
+            drawings.push_back(queue[i].Path);
+        }
+    }
+    return drawings;
+}
+
 bool CommitToGoOn(const RunOptions& options, const DataFolder& folder, RunPlan* plan, std::string* error) {
     if (!plan->Changed) {
         return true;
@@ -254,7 +279,8 @@ bool CommitToGoOn(const RunOptions& options, const DataFolder& folder, RunPlan* 
     plan->Description.OldLogs = !options.Resume && CountOf(QueueOf(plan->Record), DrawingStatus::ToDo) > 0;
     plan->Changed = false;
     return change.Begin(error) && WriteToChange(change, plan, error) &&
-           WriteJournal(change.Next(), plan->Description.Id, RecordsOf(plan->Journal),
+           WriteJournal(change.Next(), plan->Description.Id,
+                        RecordsOf(*plan, plan->Description.OldLogs || !plan->IsKnown),
                         plan->Journal.TriedAgain, error) &&
            change.Commit(&plan->Description, error);
 }

@@ -18,6 +18,8 @@ struct RunPlan {
     JournalContent Journal;
     /// What is no drawing, by its place in the queue: it ends as FailOpen without having been near a host.
     std::vector<std::optional<DrawingRecord>> Refused;
+    /// The queue that is gone on with is that of the description, so its log is of this run.
+    bool IsKnown = true;
     /// What is on the disk is not yet what stands here.
     bool Changed = true;
 };
@@ -33,5 +35,7 @@ bool CommitNewRun(const DataFolder& folder, const std::optional<RunDescription>&
 /// written.
 ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
                       const std::optional<RunDescription>& description, RunPlan* plan, std::string* error);
+/// The drawings of the run that this one goes on with whose entries its log must hold.
+std::vector<std::string> LoggedEarlier(const RunPlan& plan);
 /// Writes what has changed.
 bool CommitToGoOn(const RunOptions& options, const DataFolder& folder, RunPlan* plan, std::string* error);

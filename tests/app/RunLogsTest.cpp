@@ -145,6 +145,34 @@ TEST_F(RunLogs, AHostThatIsKilledWithTheRunLeavesItsLogs) {
     EXPECT_FALSE(HostLogsAreLeft());
 }
 
+TEST_F(RunLogs, WhatTheRunThatIsResumedHasLostIsToldAgain) {
+    const std::string script =
+        Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (while (not (findfile \"go\"))))\n");
+    const std::vector<std::string> drawings = {Drawing("a.dxf"), Drawing("b.dxf"), Drawing("c.dxf")};
+    EXPECT_EQ(Run({"--script", script, drawings[0], drawings[1], drawings[2]},
+                  [&](pid_t front) {
+                      ASSERT_TRUE(WaitForState("<File Status=\"5\">" + drawings[1]));
+                      kill(front, SIGINT);
+                  })
+                  .Status,
+              130);
+    ASSERT_EQ(Logs().size(), 2U);
+    fs::remove(Data() + "/tnl log.html");
+    // A full disk takes the journal's lines too.
+    fs::remove(Data() + "/run.journal");
+    for (const char* attempt : {"first", "nothing waits"}) {
+        const ProgramResult result = Run({"--resume"});
+        EXPECT_EQ(result.Status, 3) << attempt << result.Out;
+        EXPECT_THAT(result.Errors, HasSubstr("tnl log.html: the run log is not whole: " + drawings[0]));
+    }
+    // A log of its own owes nothing to the one before, whoever goes on with it.
+    Write("go", "");
+    EXPECT_EQ(Run({"--retry", "failed"}).Status, 0);
+    EXPECT_EQ(Logs().size(), 1U);
+    const ProgramResult result = Run({"--resume"});
+    EXPECT_EQ(result.Status, 0) << result.Errors;
+}
+
 TEST_F(RunLogs, ALogThatIsNotWholeIsToldAndIsNoSuccess) {
     const std::string script = Write("s.scr", kSay);
     for (const char* file : {"tnl log.html", "TNLLog.zip"}) {
