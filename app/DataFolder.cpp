@@ -8,10 +8,14 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -27,6 +31,35 @@ std::string UserHome() {
         home = user ? user->pw_dir : "/";
     }
     return std::string(home) + "/.local/share";
+}
+
+/// False also for a process that has ended and that its parent has not taken leave of.
+bool IsAlive(const std::string& process) {
+    std::ifstream file("/proc/" + process + "/stat");
+    std::string text;
+    std::getline(file, text);
+    const std::size_t state = text.rfind(')') + 2;
+    return state > 1 && state < text.size() && text[state] != 'Z' && text[state] != 'X';
+}
+
+/// A front that was killed is gone a moment before its host, which holds the lock too. owner is the process
+/// that took it last. 0 or the error.
+int WaitForLock(int lock, std::string* owner) {
+    constexpr int kTries = 5;
+    constexpr int kTriesBehindTheDead = 50;
+    for (int tries = 0; flock(lock, LOCK_EX | LOCK_NB) != 0; ++tries) {
+        if (errno != EWOULDBLOCK && errno != EINTR) {
+            return errno;
+        }
+        char text[32] = {};
+        const ssize_t length = pread(lock, text, sizeof text - 1, 0);
+        owner->assign(text, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+        if (tries >= (owner->empty() || IsAlive(*owner) ? kTries : kTriesBehindTheDead)) {
+            return EWOULDBLOCK;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return 0;
 }
 
 }  // namespace
@@ -61,15 +94,13 @@ bool DataFolder::Lock(std::string* error) {
         *error = file + ": " + files::Because(errno);
         return false;
     }
-    if (flock(lock, LOCK_EX | LOCK_NB) != 0) {
-        const int cause = errno;
-        char owner[32] = {};
-        const ssize_t length = read(lock, owner, sizeof owner - 1);
+    std::string last;
+    if (const int cause = WaitForLock(lock, &last); cause != 0) {
         close(lock);
         lock = -1;
         *error = cause != EWOULDBLOCK ? file + ": " + std::strerror(cause)
                                       : Path() + ": another run is at work here" +
-                                            (length > 0 ? " (process " + std::string(owner) + ")" : "") +
+                                            (last.empty() ? "" : " (process " + last + ")") +
                                             "; wait for it or give another --data-dir";
         return false;
     }

@@ -2,9 +2,15 @@
 // goes on.
 #include "tests/app/Program.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <chrono>
 #include <csignal>
 #include <fstream>
+#include <thread>
 
 namespace fs = std::filesystem;
 using testing::EndsWith;
@@ -59,6 +65,36 @@ TEST_F(WatchedRun, TellsEachDrawingAndHowToTryAgain) {
     EXPECT_EQ(Run({"--retry", "failed"}).Status, 1);
     EXPECT_EQ(Run({"--resume"}).Status, 1);
     EXPECT_EQ(HostStarts(), 2U) << "nothing waits, so no host is needed";
+}
+
+TEST_F(WatchedRun, WaitsForTheHostOfAKilledRun) {
+    ASSERT_EQ(Run(Arguments({"a.dxf"})).Status, 0);
+    // Takes the lock as a host that has it from its front, which is gone.
+    const auto resumeBehind = [&](bool isFrontDead, int milliseconds) {
+        const pid_t front = isFrontDead ? fork() : 0;
+        if (isFrontDead && front == 0) {
+            _exit(0);
+        }
+        // Left unreaped, as a killed child of a shell is for a while.
+        const int lock = open((Folder / "data/Ovrix/tarnel.lock").c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_EQ(flock(lock, LOCK_EX), 0);
+        const std::string owner = std::to_string(isFrontDead ? front : getpid());
+        EXPECT_EQ(ftruncate(lock, 0), 0);
+        EXPECT_EQ(pwrite(lock, owner.data(), owner.size(), 0), ssize_t(owner.size()));
+        const ProgramResult result = Run({"--resume"}, [&](pid_t) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+            close(lock);
+        });
+        if (isFrontDead) {
+            waitpid(front, nullptr, 0);
+        }
+        return result;
+    };
+    EXPECT_EQ(resumeBehind(true, 400).Status, 0);
+    const ProgramResult refused = resumeBehind(false, 1000);
+    EXPECT_EQ(refused.Status, 3);
+    EXPECT_THAT(refused.Errors,
+                HasSubstr("another run is at work here (process " + std::to_string(getpid())));
 }
 
 TEST_F(WatchedRun, BringsADeadHostBackForTheRest) {
