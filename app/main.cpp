@@ -8,6 +8,8 @@
 #include "system/FileLimit.h"
 #include "system/MemorySize.h"
 
+#include <poll.h>
+#include <unistd.h>
 #include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -112,6 +114,16 @@ void DeclareMerge(CLI::App* merge, MergeOptions* options) {
     merge->add_flag("-q,--quiet", options->Quiet, "Print only what went wrong");
 }
 
+/// A value that came out empty, such as that of a shell variable that is not set, means nothing, and would
+/// stand for the option not given.
+void RefuseEmptyValues(CLI::App* command) {
+    for (CLI::Option* option :
+         command->get_options([](const CLI::Option* one) { return one->get_items_expected_max() > 0; })) {
+        option->check(
+            [](const std::string& value) { return std::string(value.empty() ? "the value is empty" : ""); });
+    }
+}
+
 /// What CLI11 cannot tell by itself. Empty when all is well.
 std::string CheckUsage(const RunOptions& options) {
     if (options.Resume && options.Retry == RunOptions::RetryKind::All) {
@@ -130,6 +142,17 @@ std::string CheckUsage(const RunOptions& options) {
         return "--max-memory takes a size from 64M on, not \"" + options.MaxMemory + "\"";
     }
     return {};
+}
+
+/// What is printed and does not arrive is told, but for a reader that has seen enough.
+int CheckOutput(int status) {
+    const bool failed = std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
+    pollfd reader{STDOUT_FILENO, 0, 0};
+    if (!failed || (poll(&reader, 1, 0) == 1 && (reader.revents & POLLERR) != 0)) {
+        return status;
+    }
+    Complain("standard output: cannot be written; lines are missing there");
+    return status == AllDone || status == SomeNotDone ? BrokenOff : status;
 }
 
 int RunProgram(int argc, char** argv) {
@@ -155,6 +178,9 @@ int RunProgram(int argc, char** argv) {
     install->add_option("--data-dir", installDir, "Folder for it (in its folder Ovrix) instead of the user's")
         ->type_name("DIR");
     install->add_flag("--replace", installReplaces, "In the place of another one of the same name");
+    for (CLI::App* command : {run, merge, bundle, install}) {
+        RefuseEmptyValues(command);
+    }
     CLI::App* desk = app.add_subcommand("desk", "Open the window, with the command TARNEL");
     std::vector<std::string> drawings;
     desk->add_option("drawings", drawings, "Drawings to open");
@@ -195,7 +221,7 @@ int RunProgram(int argc, char** argv) {
 int main(int argc, char** argv) {
     files::FailBeyondFileLimit();
     try {
-        return RunProgram(argc, argv);
+        return CheckOutput(RunProgram(argc, argv));
     } catch (const std::exception& failure) {
         // No memory, or a folder that cannot even be looked at.
         Complain(failure.what());
