@@ -49,6 +49,11 @@ bool MakeRoomForDescription(const DataFolder& folder, std::string* error) {
 
 }  // namespace
 
+bool HoldsRun(const DataFolder& folder) {
+    return std::filesystem::exists(folder.StateFile()) ||
+           std::filesystem::exists(DescriptionFile(folder.Path()));
+}
+
 bool TakeFolder(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
     return folder->Lock(error) && FinishChange(*folder, description, error);
 }

@@ -7,6 +7,9 @@
 #include <optional>
 #include <string>
 
+/// Whether a run was ever started in a folder; looks only.
+bool HoldsRun(const DataFolder& folder);
+
 /// Locks a folder. The description is that of the run in it; nothing when there is none. False with one line.
 bool TakeFolder(DataFolder* folder, std::optional<RunDescription>* description, std::string* error);
 

@@ -29,6 +29,8 @@ struct Part {
     ListMark List;
     /// In the order of the run.
     std::vector<DrawingRecord> Records;
+    /// One line when its logs are not whole; the results are taken all the same.
+    std::string LogLoss;
 };
 
 ListMark MarkOfRecords(const std::vector<DrawingRecord>& records) {
@@ -50,7 +52,7 @@ std::string GoOnCommand(const std::string& folder) {
 bool ReadPart(const MergeOptions& options, const std::string& given, Part* part, std::string* error) {
     part->Folder = std::make_unique<DataFolder>(given);
     const DataFolder& folder = *part->Folder;
-    if (!fs::exists(folder.StateFile()) && !fs::exists(DescriptionFile(folder.Path()))) {
+    if (!HoldsRun(folder)) {
         *error = folder.Path() + ": no run was started here";
         return false;
     }
@@ -74,6 +76,10 @@ bool ReadPart(const MergeOptions& options, const std::string& given, Part* part,
         part->List = description->List;
     }
     part->Records = ledger.Records();
+    // Of a run that is not at its end the logs are in pieces.
+    if (waiting == 0) {
+        CheckKeptLogs(folder.Path(), part->Records, &part->LogLoss);
+    }
     if (part->Share && !(MarkOfRecords(part->Records) == description->Queue)) {
         *error = folder.StateFile() + ": is not the queue of shard " + ShardText(*part->Share) +
                  " that was given to this folder; start the shard again";
@@ -272,5 +278,12 @@ ExitStatus MergeRuns(const MergeOptions& options) {
     const bool allDone = std::all_of(records.begin(), records.end(), [](const DrawingRecord& record) {
         return record.Status == DrawingStatus::Done;
     });
-    return allDone ? AllDone : SomeNotDone;
+    bool logsAreWhole = true;
+    for (const Part& part : parts) {
+        if (!part.LogLoss.empty()) {
+            Complain(part.LogLoss);
+            logsAreWhole = false;
+        }
+    }
+    return !logsAreWhole ? BrokenOff : allDone ? AllDone : SomeNotDone;
 }

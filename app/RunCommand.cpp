@@ -180,6 +180,11 @@ ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
     };
     if (options.KeepsQueue()) {
         ExitStatus status = check();
+        // Nothing is made where nothing is.
+        if (status == AllDone && !HoldsRun(*folder)) {
+            *error = folder->Path() + ": no run was started here, so none can go on";
+            return BrokenOff;
+        }
         if (status == AllDone) {
             status = (options.DryRun ? TakeForLook(folder, &description, error)
                                      : TakeWholeRun(folder, &description, error))
@@ -257,7 +262,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
     } else if (!GatherJobs(folder, &plan.Description, &error)) {
         return Refuse(BrokenOff, error);
     } else if (!CheckLogs(folder.Path(), logged, &error)) {
-        std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+        Complain(error);
         outcome = RunMonitor::Outcome::Broken;
     }
     ledger.Recall(plan.Refused);

@@ -52,27 +52,10 @@ std::vector<std::string> MissingIn(const RunLogContent& log, const std::vector<s
     return missing;
 }
 
-}  // namespace
-
-bool SetUnfinishedAside(const std::string& folder, std::string* error) {
-    std::string ignored;
-    return (!HasLogsAside(folder) && CheckLogs(folder, {}, &ignored)) || SetLogsAside(folder, error);
-}
-
-bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawings, std::string* error) {
-    const LogPart files = LogNames(folder);
-    RunLogContent log;
-    PackedLogNames packed;
-    if (drawings.empty() && !std::filesystem::exists(files.Log)) {
-        return true;
-    }
-    if (!ReadLog(files.Log, &log, error) || !ReadArchive(files.Archive, &packed, error)) {
-        return false;
-    }
-    if (!log.IsWhole) {
-        *error = files.Log + ": the run log is not whole: it has no end";
-        return false;
-    }
+/// Each entry's log is in the archive, the last one of each drawing says something, and each drawing has an
+/// entry.
+bool CheckEntries(const LogPart& files, const RunLogContent& log, const PackedLogNames& packed,
+                  const std::vector<std::string>& drawings, std::string* error) {
     // A full disk leaves empty ones; so may a kill, but then another attempt has a log with something in it.
     std::unordered_map<std::string, bool> isTold;
     for (const RunLogEntry& entry : log.Entries) {
@@ -98,6 +81,47 @@ bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawin
         *error = files.Log + ": the run log is not whole: " + missing.front() + " is missing";
     }
     return missing.empty();
+}
+
+}  // namespace
+
+bool SetUnfinishedAside(const std::string& folder, std::string* error) {
+    std::string ignored;
+    return (!HasLogsAside(folder) && CheckLogs(folder, {}, &ignored)) || SetLogsAside(folder, error);
+}
+
+bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawings, std::string* error) {
+    const LogPart files = LogNames(folder);
+    RunLogContent log;
+    PackedLogNames packed;
+    if (drawings.empty() && !std::filesystem::exists(files.Log)) {
+        return true;
+    }
+    if (!ReadLog(files.Log, &log, error) || !ReadArchive(files.Archive, &packed, error)) {
+        return false;
+    }
+    if (!log.IsWhole) {
+        *error = files.Log + ": the run log is not whole: it has no end";
+        return false;
+    }
+    return CheckEntries(files, log, packed, drawings, error);
+}
+
+bool CheckKeptLogs(const std::string& folder, const std::vector<DrawingRecord>& records, std::string* error) {
+    std::vector<std::string> drawings;
+    for (const DrawingRecord& record : records) {
+        const bool isEnded = record.Status == DrawingStatus::Done || record.Status == DrawingStatus::Error ||
+                             record.Status == DrawingStatus::Timeout;
+        if (isEnded && record.Seconds && record.Host.empty() && !record.EarlierLog) {
+            drawings.push_back(record.Path);
+        }
+    }
+    const LogPart files = LogNames(folder);
+    RunLogContent log;
+    PackedLogNames packed;
+    return drawings.empty() ||
+           (ReadLog(files.Log, &log, error) && ReadArchive(files.Archive, &packed, error) &&
+            CheckEntries(files, log, packed, drawings, error));
 }
 
 std::vector<std::string> MissingIn(const std::string& folder, const std::vector<std::string>& drawings) {

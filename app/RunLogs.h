@@ -3,6 +3,7 @@
 #include "app/LogFile.h"
 #include "app/LogParts.h"
 #include "app/MergedLogs.h"
+#include "app/RunLedger.h"
 
 #include <string>
 #include <vector>
@@ -18,3 +19,7 @@ std::vector<std::string> MissingIn(const std::string& folder, const std::vector<
 /// entry's log is in the archive, and the last one of each drawing is not empty. False with one line that
 /// says what is missing.
 bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawings, std::string* error);
+
+/// The same for a run that earlier commands have worked off: each drawing that came to its end must be in the
+/// log and the archive, unless its entry stood in an earlier log. Whether the log has an end is not asked.
+bool CheckKeptLogs(const std::string& folder, const std::vector<DrawingRecord>& records, std::string* error);

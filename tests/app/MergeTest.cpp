@@ -53,6 +53,30 @@ class Merge : public ProgramTest {
     std::string List;
 };
 
+TEST_F(Merge, LogsThatAreMissingAreTold) {
+    ASSERT_EQ(RunShare("1/3", "one").Status, 0);
+    ASSERT_EQ(RunShare("2/3", "two").Status, 1);
+    ASSERT_EQ(RunShare("3/3", "three").Status, 0);
+    // The log of a retry is begun anew, so that it tells of one drawing only; that is no loss.
+    ASSERT_EQ(Call({"run", "--data-dir", "two", "--retry", "failed"}).Status, 1);
+    EXPECT_EQ(MergeInto("all", {"one", "two", "three"}).Errors, "");
+    EXPECT_EQ(Call({"run", "--data-dir", "all", "--resume"}).Status, 1);
+
+    fs::remove(Folder / "three/Ovrix/tnl log.html");
+    fs::remove(Folder / "three/Ovrix/TNLLog.zip");
+    fs::remove(Folder / "one/Ovrix/TNLLog.zip");
+    const ProgramResult merged = MergeInto("all", {"one", "two", "three"});
+    EXPECT_EQ(merged.Status, 3);
+    EXPECT_THAT(merged.Out, HasSubstr("6 Done, 1 FailOpen"));
+    EXPECT_THAT(merged.Errors, HasSubstr("three/Ovrix/tnl log.html"));
+    EXPECT_THAT(merged.Errors, HasSubstr("one/Ovrix/TNLLog.zip: the log of " + (Folder / "p0.dxf").string()));
+    for (const char* folder : {"three", "one", "all"}) {
+        const ProgramResult resumed = Call({"run", "--data-dir", folder, "--resume", "--quiet"});
+        EXPECT_EQ(resumed.Status, 3) << folder;
+        EXPECT_THAT(resumed.Errors, HasSubstr("Ovrix/")) << folder;
+    }
+}
+
 TEST_F(Merge, SharesBecomeOneRunInTheOrderOfTheList) {
     EXPECT_EQ(RunShare("1/3", "one").Status, 0);
     EXPECT_EQ(RunShare("2/3", "two", {"--jobs", "2"}).Status, 1);
