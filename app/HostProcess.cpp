@@ -118,6 +118,10 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
     } else {
         words.insert(words.end(), {"--on-refusal", "(Tarnel_File_Error)"});
     }
+    // The run goes to its end, whatever stands in its script.
+    for (const char* command : {"TARNEL", "QUIT", "EXIT"}) {
+        words.insert(words.end(), {"--deny", command});
+    }
     words.push_back(nullptr);
     execv(files.Host.c_str(), const_cast<char* const*>(words.data()));
 }

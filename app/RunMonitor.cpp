@@ -13,13 +13,15 @@ using std::chrono::seconds;
 /// A host that has said nothing of a run by then never will.
 constexpr seconds kStartPatience{120};
 /// For packing nothing more than an empty drawing away.
-constexpr seconds kQuitPatience{60};
+constexpr seconds kQuitPatience{30};
 /// For cancelling the command in work.
 constexpr seconds kCancelPatience{15};
 constexpr int kRefreshMilliseconds = 200;
 constexpr std::size_t kDeathsInARow = 3;
 /// Cancels whatever runs, at any depth, as Esc would.
 constexpr const char* kCancel = "\3\3\3\3\3\3(TNL_Cancel_Batch)\n";
+/// A script that has called the end of its run itself must not answer it, and nothing of it is kept.
+constexpr const char* kQuit = "\3\3\3\3\3\3QUIT\n_Y\n";
 
 /// How the module says that it ends a run before its end, and then why.
 constexpr std::string_view kBrokenOff = "run broken off: ";
@@ -214,7 +216,7 @@ void RunMonitor::Hear(const HostEvent& event) {
             if (phase == Phase::Running) {
                 phase = Phase::Quitting;
                 lastStep = now;
-                host->Send("QUIT\n");
+                host->Send(kQuit);
             }
             break;
         case Kind::Message:
@@ -270,7 +272,7 @@ void RunMonitor::CheckPatience() {
     if (phase == Phase::Starting) {
         over = waited > kStartPatience;
     } else if (phase == Phase::Quitting) {
-        over = waited > kQuitPatience;
+        over = waited > (interrupted ? kCancelPatience : kQuitPatience);
     } else if (interrupted) {
         over = waited > kCancelPatience;
     } else {

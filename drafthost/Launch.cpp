@@ -39,6 +39,7 @@ constexpr const char* Options =
     "  /b SCRIPT          run a script once the drawing is open\n"
     "  --on-refusal LISP  when a line of a script is refused, drop the rest of it and evaluate this\n"
     "  --keep-going       a script goes on behind a line that was refused\n"
+    "  --deny COMMAND     scripts may not use this command\n"
     "  --report-fd N      tell what happens on the socket N, in place of standard output\n"
     "  --version, --help\n";
 constexpr const char* HeadlessEnd =
@@ -137,6 +138,8 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
             value = &arguments.script;
         } else if (word == "--on-refusal") {
             value = &arguments.onRefusal;
+        } else if (word == "--deny") {
+            value = &arguments.denied.emplace_back();
         } else if (word == "--report-fd") {
             value = &report;
         } else if (word.starts_with("--") || (!framed && !arguments.drawings.empty())) {
@@ -236,6 +239,9 @@ void prepare(Host& host, const Arguments& arguments) {
     }
     host.input().setOnRefusal(arguments.onRefusal);
     host.input().setKeepsGoing(arguments.keepGoing);
+    for (const std::string& command : arguments.denied) {
+        host.input().deny(command);
+    }
     if (arguments.report >= 0) {
         host.setReport(std::make_unique<ReportChannel>(arguments.report));
     }

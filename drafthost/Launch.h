@@ -33,6 +33,8 @@ struct Arguments {
     /// LISP for when a line of a script is refused; empty suspends the script.
     std::string onRefusal;
     bool keepGoing = false;
+    /// Commands that scripts may not use.
+    std::vector<std::string> denied;
 };
 
 /// Reads the arguments; "--help" and "--version" end the process. Nothing, and the message is on standard

@@ -13,6 +13,7 @@
 #include "engine/Siblings.h"
 #include "engine/TarnelData.h"
 #include "engine/Watch.h"
+#include "engine/WatchTimers.h"
 #include "log/Trace.h"
 #include "state/StateFile.h"
 
@@ -159,6 +160,9 @@ void Cleanup() {
     LoadSiblings();
     Trace("Call DoBatch\n");
     DoBatch();
+    // What is left of a script that has called the end itself would go on in the empty drawing.
+    if (IsHostOfOneRun())
+        SendToHost(BreakString());
 }
 
 void LeaveRun() {

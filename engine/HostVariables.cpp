@@ -60,6 +60,13 @@ QString HostTextVariable(const char* name) {
     return value.IsType(0, RTSTR) ? value.String(0) : QString();
 }
 
+bool ScriptIsActive() {
+    /// Bit of CMDACTIVE.
+    constexpr int ScriptActive = 4;
+    ResBuf active;
+    return active.GetVar(QStringLiteral("CMDACTIVE")) == RTNORM && (active.Integer(0) & ScriptActive) != 0;
+}
+
 bool DrawingIsModified() {
     ResBuf dbmod;
     return dbmod.GetVar(QStringLiteral("dbmod")) == RTNORM && dbmod.Integer(0) != 0;

@@ -16,6 +16,8 @@ void ResetSystemVars();
 void RestoreLeftSystemVars();
 /// Text of a system variable of the host, empty for one that is unknown or no text.
 QString HostTextVariable(const char* name);
+/// A script of the host is running, and has not been broken off.
+bool ScriptIsActive();
 /// Whether the current drawing has unsaved changes.
 bool DrawingIsModified();
 /// Whether it has unsaved changes beyond the view that it is looked at in.

@@ -74,6 +74,10 @@ QString TimeoutString() {
     return QString(2, QChar(3)) + QStringLiteral("(Tarnel_File_Timeout)\n");
 }
 
+QString BreakString() {
+    return QString(6, QChar(3));
+}
+
 QString CancelString() {
-    return QString(6, QChar(3)) + QStringLiteral("(TNL_Cancel_Batch)\n");
+    return BreakString() + QStringLiteral("(TNL_Cancel_Batch)\n");
 }

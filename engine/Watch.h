@@ -21,4 +21,6 @@ void StopWatch();
 
 /// What is sent when a drawing has used its time, and at Cancel. Character 3 is the host's cancel key.
 QString TimeoutString();
+/// Cancels whatever runs, at any depth, and ends the script.
+QString BreakString();
 QString CancelString();

@@ -1,4 +1,5 @@
 // The names by which the host reaches the module.
+#include "engine/RunState.h"
 #include "host/LispFunctions.h"
 #include "host/Module.h"
 #include "rxregsvc.h"
@@ -10,7 +11,9 @@ extern "C" TNL_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, 
         case AcRx::kInitAppMsg: {
             StartModule();
             auto* linker = AcRxDynamicLinker::cast(acrxSysRegistry()->at(ACRX_T("DynamicLinker")));
-            linker->unlockApplication(appId);
+            // A script that unloaded the module would take its run away.
+            if (!IsHostOfOneRun())
+                linker->unlockApplication(appId);
             linker->registerAppMDIAware(appId);
             break;
         }

@@ -4,6 +4,7 @@
 #include "engine/Batch.h"
 #include "engine/HostText.h"
 #include "engine/Outcomes.h"
+#include "engine/RunGuard.h"
 #include "host/LispSettings.h"
 
 namespace {
@@ -11,6 +12,17 @@ namespace {
 /// The host's form of a function: no arguments and the host's result code.
 template <void (*Function)()>
 int call() {
+    Function();
+    return RSRSLT;
+}
+
+/// The same for a function that the script of a run may not call in the host that was started for it.
+template <void (*Function)(), bool (*Refuses)()>
+int guarded() {
+    if (Refuses()) {
+        acedRetVoid();
+        return RSERR;
+    }
     Function();
     return RSRSLT;
 }
@@ -32,21 +44,21 @@ struct LispFunction {
 };
 
 constexpr LispFunction Functions[] = {
-    {"TNL_Start_Batch", call<startBatch>},
+    {"TNL_Start_Batch", guarded<startBatch, RefusesCommand>},
     {"TNL_Script_Start", call<DoScriptStart>},
     {"TNL_Script_SetVars", call<DoScriptSetVars>},
     {"TNL_Script_Complete", scriptComplete},
-    {"TNL_Cancel_Batch", call<DoCancelBatch>},
-    {"Tarnel_SetRecoverMode", call<DoSetRecoverMode>},
-    {"Tarnel_DoReadOnly", call<DoProcessReadOnly>},
-    {"TarnelDisableScriptChain", call<DoDisableScriptChain>},
-    {"C:Tarnel", call<DoBatchLisp>},
+    {"TNL_Cancel_Batch", guarded<DoCancelBatch, RefusesCancel>},
+    {"Tarnel_SetRecoverMode", guarded<DoSetRecoverMode, RefusesSetting>},
+    {"Tarnel_DoReadOnly", guarded<DoProcessReadOnly, RefusesSetting>},
+    {"TarnelDisableScriptChain", guarded<DoDisableScriptChain, RefusesSetting>},
+    {"C:Tarnel", guarded<DoBatchLisp, RefusesCommand>},
     {"Tarnel_File_Next", scriptComplete},
     {"Tarnel_File_Error", call<DoScriptError>},
     {"Tarnel_File_Timeout", call<DoScriptTimeout>},
     {"Tarnel_File_OpenTimeout", call<DoScriptOpenTimeout>},
-    {"Tarnel_SetScript", call<DoSetScript>},
-    {"Tarnel_SetMask", call<DoSetMask>},
+    {"Tarnel_SetScript", guarded<DoSetScript, RefusesSetting>},
+    {"Tarnel_SetMask", guarded<DoSetMask, RefusesSetting>},
 };
 
 }  // namespace

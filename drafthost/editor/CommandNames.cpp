@@ -44,9 +44,24 @@ Outcome InputStream::callModuleCommand(Document& document, std::string_view name
     return found ? document.commandLine().run(*command, source) : Outcome::Ok;
 }
 
+void InputStream::deny(std::string_view command) {
+    denied_.insert(lisp::upperCase(command));
+}
+
+bool InputStream::isDenied(std::string_view command) const {
+    if (command.starts_with('-')) {
+        command.remove_prefix(1);
+    }
+    return root_ == InputSource::Script && denied_.contains(command);
+}
+
 Outcome InputStream::command(Document& document, std::string_view typed, InputSource source, bool more) {
     const CommandWord word = readWord(typed);
     CommandLine& line = document.commandLine();
+    if (isDenied(word.name)) {
+        host_.printLine(word.name + " cannot be used in a script here.");
+        return Outcome::Rejected;
+    }
     const CommandEntry* entry = host_.commands().find(word.name);
     if (!host_.current() && (!entry || !(entry->flags & CommandNoDocument))) {
         host_.printLine("No drawing is open; OPEN, NEW and QUIT work here, \"" + word.name + "\" does not.");

@@ -25,6 +25,12 @@ Outcome InputStream::speak(std::span<const Input> inputs, InputSource source) {
     if (givingUp_ && source == InputSource::Lisp) {
         return Outcome::Cancelled;
     }
+    // What LISP still says when it has been cancelled is not begun.
+    if (source == InputSource::Lisp && !inputs.empty() && (cancels_ > 0 || terminating_)) {
+        cancels_ -= cancels_ > 0 ? 1 : 0;
+        document->commandLine().cancel();
+        return Outcome::Cancelled;
+    }
     if (inputs.empty()) {
         // Without a command it is the question that LISP waits at.
         if (!document->commandLine().cancel() && listening_ > 0) {

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -64,6 +65,8 @@ class InputStream {
     void setOnRefusal(std::string expression) { onRefusal_ = std::move(expression); }
     /// A script goes on behind a line that was refused, instead of being suspended.
     void setKeepsGoing(bool keepsGoing) { keepsGoing_ = keepsGoing; }
+    /// No script may use this command, neither by itself nor from LISP: it is refused.
+    void deny(std::string_view command);
     /// Something that a script asked for was refused and told. Nothing when the code that runs was not called
     /// by a script, or by a module that looks at results itself.
     void refused();
@@ -118,6 +121,7 @@ class InputStream {
     bool step();
     Document* target();
     bool evaluatesLines() const;
+    bool isDenied(std::string_view command) const;
     std::optional<Fetched> fetch(InputKind kind, std::span<const InputSource> order);
     std::optional<InputText::Item> fetchFromScript(InputKind kind);
     /// Whether a script's rest is nothing but the call of a module's function, "(NAME)". Such a call is how a
@@ -173,6 +177,7 @@ class InputStream {
     InputSource root_ = InputSource::Keyboard;
     std::string onRefusal_;
     bool keepsGoing_ = false;
+    std::set<std::string, std::less<>> denied_;
     bool givingUp_ = false;
     int cancels_ = 0;
     /// Where what runs on the stack came from.

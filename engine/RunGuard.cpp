@@ -1,0 +1,26 @@
+#include "engine/RunGuard.h"
+
+#include "acedads.h"
+#include "engine/HostText.h"
+#include "engine/HostVariables.h"
+#include "engine/ResBuf.h"
+#include "engine/RunState.h"
+#include "engine/TarnelData.h"
+
+bool RefusesCommand() {
+    if (!IsHostOfOneRun() || !TarnelData().BatchRunning)
+        return false;
+    HostPrint(QStringLiteral("\n%1: a script cannot change, begin or cancel the run that it is part of.\n")
+                  .arg(TarnelData().ProductName));
+    return true;
+}
+
+bool RefusesSetting() {
+    ResBuf arguments;
+    arguments.GetArgs();
+    return !arguments.IsEmpty() && RefusesCommand();
+}
+
+bool RefusesCancel() {
+    return ScriptIsActive() && RefusesCommand();
+}
