@@ -76,12 +76,19 @@ bool WriteToChange(const FolderChange& change, RunPlan* plan, std::string* error
 }
 
 /// A drawing that was in work when the front was killed with its host: its end was never told. It has its
-/// second attempt, like one whose host was killed alone.
+/// second attempt, like one whose host was killed alone, and no third one.
 void SetBackWhatWasInWork(RunQueue* queue, RunPlan* plan) {
     for (std::size_t i = 0; i < queue->size(); ++i) {
         const DrawingStatus status = (*queue)[i].Status;
-        if ((status == DrawingStatus::FailOpen || status == DrawingStatus::Error) &&
-            !plan->Journal.Records[i] && !plan->Journal.TriedAgain[i]) {
+        const bool inWork = status == DrawingStatus::FailOpen || status == DrawingStatus::Error;
+        if (!inWork || plan->Journal.Records[i]) {
+            continue;
+        }
+        if (plan->Journal.TriedAgain[i]) {
+            DrawingRecord& record = plan->Journal.Records[i].emplace();
+            record.Status = status;
+            record.Message = "was in work when the run was killed, and so it was at the second attempt";
+        } else {
             (*queue)[i].Status = DrawingStatus::ToDo;
             plan->Journal.TriedAgain[i] = true;
             plan->Changed = true;

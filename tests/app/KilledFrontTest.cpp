@@ -162,4 +162,29 @@ TEST_F(KilledFront, LeavesTheRunBeforeOrTheNewOneWhole) {
     EXPECT_GT(newRuns, 10U);
 }
 
+TEST_F(KilledFront, TellsWhichDrawingWasInWorkBothTimes) {
+    Write("new.scr", Read(Folder / "new.scr") + "(if (= currentfile \"new1\") (while T))\n");
+    for (const std::size_t attempt : {1, 2}) {
+        const auto kill = [&](pid_t program) {
+            for (int tries = 0; tries < 600 && Tally()["new new1"] < attempt; ++tries) {
+                usleep(50'000);
+            }
+            ::kill(program, SIGKILL);
+        };
+        std::vector<std::string> arguments = {"--script", "new.scr", "new0.dxf", "new1.dxf", "new2.dxf"};
+        const ProgramResult killed = attempt == 1 ? Run(arguments, kill) : Run({"--resume"}, kill);
+        EXPECT_EQ(killed.Status, -SIGKILL) << killed.Errors;
+        WaitForLock();
+    }
+    // It is known to whoever comes later, too.
+    for (int again = 0; again < 2; ++again) {
+        const ProgramResult resumed = Run({"--resume", "--json", "r.json"});
+        EXPECT_EQ(resumed.Status, 1) << resumed.Errors;
+        const auto records = nlohmann::json::parse(Read(Folder / "r.json"));
+        EXPECT_EQ(records[1]["status"], "Error");
+        EXPECT_THAT(records[1]["message"].get<std::string>(), HasSubstr("second attempt"));
+        EXPECT_EQ(records[2]["status"], "Done");
+    }
+}
+
 }  // namespace
