@@ -2,6 +2,7 @@
 
 #include "app/FolderChange.h"
 #include "app/HostJournal.h"
+#include "app/NameText.h"
 #include "app/RunLogs.h"
 #include "app/RunRecord.h"
 #include "engine/TarnelData.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <filesystem>
 #include <string_view>
 
@@ -205,7 +205,7 @@ bool DropJobs(const DataFolder& folder, std::size_t count, std::string* error) {
             return false;
         }
         for (const std::string& path : left) {
-            std::fprintf(stderr, "tarnel: %s: is not of this program and stays; move it\n", path.c_str());
+            Complain(path + ": is not of this program and stays; move it");
         }
     }
     return true;

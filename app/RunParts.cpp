@@ -3,9 +3,9 @@
 #include "app/HostCommands.h"
 #include "app/HostJournal.h"
 #include "app/JobFolders.h"
+#include "app/NameText.h"
 #include "app/RunLogs.h"
 
-#include <cstdio>
 #include <numeric>
 
 namespace {
@@ -17,7 +17,7 @@ std::function<void()> KeepLogs(const std::string& folder) {
         std::string error;
         const bool kept = SetLogsAside(folder, &error);
         if (!kept) {
-            std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+            Complain(error);
         }
         ClearHostJournal(folder, kept ? files::Logs::Remove : files::Logs::Keep);
     };

@@ -189,12 +189,9 @@ int RunProgram(int argc, char** argv) {
     } catch (const CLI::Success& wanted) {
         return app.exit(wanted);
     } catch (const CLI::ParseError& wrong) {
-        std::fprintf(stderr, "tarnel: %s (tarnel %s --help tells what there is)\n", wrong.what(),
-                     merge->parsed()     ? "merge"
-                     : desk->parsed()    ? "desk"
-                     : bundle->parsed()  ? "bundle"
-                     : install->parsed() ? "install"
-                                         : "run");
+        const CLI::App* command = app.get_subcommands().empty() ? run : app.get_subcommands().front();
+        Complain(std::string(wrong.what()) + " (tarnel " + command->get_name() +
+                 " --help tells what there is)");
         return WrongUsage;
     }
     if (merge->parsed()) {
