@@ -212,13 +212,18 @@ void CommandContext::printLine(std::string_view text) {
 }
 
 void CommandContext::fail(std::string_view message) {
-    host_.printLine(message);
+    tellFault(message);
     state_.failed = true;
 }
 
 void CommandContext::complain(std::string_view message) {
-    host_.printLine(message);
+    tellFault(message);
     state_.complained = true;
+}
+
+/// What is wrong first says more than what follows from it.
+void CommandContext::tellFault(std::string_view message) {
+    host_.printLine(message, state_.failed || state_.complained ? Said::News : Said::Refusal);
 }
 
 }  // namespace drafthost

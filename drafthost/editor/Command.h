@@ -302,6 +302,8 @@ class CommandContext {
     State& state() { return state_; }
 
   private:
+    void tellFault(std::string_view message);
+
     Host& host_;
     Document& document_;
     std::string name_;

@@ -122,7 +122,7 @@ Outcome CommandLine::answer(const Input& input, bool more) {
     }
     std::string complaint;
     if (!state.question->take(input, complaint)) {
-        host_.printLine(complaint);
+        host_.printLine(complaint, Said::Refusal);
         return Outcome::Rejected;
     }
     state.moreInput = more;

@@ -64,7 +64,8 @@ Outcome InputStream::command(Document& document, std::string_view typed, InputSo
     }
     const CommandEntry* entry = host_.commands().find(word.name);
     if (!host_.current() && (!entry || !(entry->flags & CommandNoDocument))) {
-        host_.printLine("No drawing is open; OPEN, NEW and QUIT work here, \"" + word.name + "\" does not.");
+        host_.printLine("No drawing is open; OPEN, NEW and QUIT work here, \"" + word.name + "\" does not.",
+                        Said::Refusal);
         return Outcome::Rejected;
     }
     if (entry) {
@@ -98,7 +99,7 @@ Outcome InputStream::command(Document& document, std::string_view typed, InputSo
             return line.start(*alias, alias->name, source, more);
         }
     }
-    host_.printLine("Unknown command \"" + word.name + "\".");
+    host_.printLine("Unknown command \"" + word.name + "\".", Said::Refusal);
     return Outcome::Rejected;
 }
 
@@ -117,11 +118,11 @@ Outcome InputStream::transparent(Document& document, std::string_view typed, Inp
         }
     }
     if (!entry) {
-        host_.printLine("Unknown command \"" + word.name + "\".");
+        host_.printLine("Unknown command \"" + word.name + "\".", Said::Refusal);
         return Outcome::Rejected;
     }
     if (!(entry->flags & CommandTransparent) || line.hasTransparent()) {
-        host_.printLine(entry->name + " cannot be used while " + line.names() + " is active.");
+        host_.printLine(entry->name + " cannot be used while " + line.names() + " is active.", Said::Refusal);
         return Outcome::Rejected;
     }
     return line.start(*entry, word.name, source, false);

@@ -11,6 +11,7 @@
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/ProgramFiles.h"
 #include "drafthost/editor/RegistryFile.h"
+#include "drafthost/editor/ReportChannel.h"
 #include "drafthost/lisp/Arguments.h"
 #include "drafthost/lisp/Printer.h"
 
@@ -113,6 +114,9 @@ lisp::EvalResult DocumentLisp::run(std::string_view text, std::string_view first
         result = world_.evaluate(text);
     }
     const bool cancelled = result.status == lisp::EvalResult::Status::Cancelled;
+    if (host_.report() && result.status == lisp::EvalResult::Status::Error) {
+        host_.report()->because(result.text);
+    }
     if ((cancelled || result.status == lisp::EvalResult::Status::Error) && !result.handled) {
         host_.printLine("; error: " + result.text, cancelled ? Said::Aside : Said::News);
     }
@@ -152,6 +156,10 @@ lisp::CommandStatus DocumentLisp::command(std::span<const lisp::Value> answers) 
 lisp::CommandStatus DocumentLisp::commandS(std::span<const lisp::Value> answers) {
     CommandLine& line = document_.commandLine();
     const std::size_t depth = line.depth();
+    if (host_.report()) {
+        // What failed before in the same expression was dealt with.
+        host_.report()->forget();
+    }
     Outcome outcome = host_.input().speak(toInputs(answers), InputSource::Lisp);
     if (line.depth() > depth) {
         while (line.depth() > depth && line.cancel()) {

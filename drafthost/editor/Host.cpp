@@ -257,7 +257,7 @@ void Host::print(std::string_view text, Said said) {
     if (current_) {
         current_->log().write(text);
     }
-    if (report_ && said == Said::News) {
+    if (report_ && said != Said::Aside) {
         report_->say(text);
     } else if (report_) {
         report_->sayAside(text);
@@ -279,6 +279,9 @@ void Host::freshLine() {
 
 void Host::printLine(std::string_view text, Said said) {
     freshLine();
+    if (report_ && said == Said::Refusal) {
+        report_->because(text);
+    }
     print(std::string(text) + "\n", said);
 }
 

@@ -31,8 +31,9 @@ class ScriptReader;
 
 /// What a text of the command line is to somebody who wants to know how the work goes.
 enum class Said {
-    News,   ///< worth being told
-    Aside,  ///< input and prompts, the values of LISP, what follows from a cancel
+    News,     ///< worth being told
+    Refusal,  ///< the reason why an input is refused
+    Aside,    ///< input and prompts, the values of LISP, what follows from a cancel
 };
 
 enum class OpenMode { ReadWrite, ReadOnly };

@@ -165,7 +165,7 @@ Heard InputStream::hear(InputKind kind, const std::string& prompt) {
 }
 
 void InputStream::refuse(const Heard& heard, std::string_view complaint) {
-    host_.printLine(complaint);
+    host_.printLine(complaint, Said::Refusal);
     suspendScriptAfter(Outcome::Rejected, heard.source, host_.script().number());
 }
 

@@ -272,6 +272,9 @@ void InputStream::execute(Document& document, const Fetched& fetched) {
         echo(document.commandLine().prompt(), shown(fetched.item), fetched.source);
     }
     suspendScriptAfter(perform(document, fetched), fetched.source, script);
+    if (host_.report()) {
+        host_.report()->forget();
+    }
 }
 
 void InputStream::suspendScriptAfter(Outcome outcome, InputSource source, std::uint64_t script) {
@@ -355,7 +358,7 @@ Outcome InputStream::perform(Document& document, const Fetched& fetched) {
         }
     }
     if (!host_.current()) {
-        host_.printLine("No drawing is open.");
+        host_.printLine("No drawing is open.", Said::Refusal);
         return Outcome::Rejected;
     }
     if (!line.atPrompt()) {
@@ -398,7 +401,7 @@ Outcome InputStream::hand(Document& document, const Input& input, InputSource so
     const bool spoken = source == InputSource::Lisp || source == InputSource::Module;
     if (line.atPrompt()) {
         if (input.isValue) {
-            host_.printLine(input.text + " is no command.");
+            host_.printLine(input.text + " is no command.", Said::Refusal);
             return Outcome::Rejected;
         }
         if (input.isEnter()) {

@@ -7,7 +7,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QString>
-#include <utility>
 
 namespace drafthost {
 namespace {
@@ -66,7 +65,7 @@ void ReportChannel::flush() {
             text += QStringLiteral(" ... (%1 bytes in one line)").arg(line_.size() + dropped_);
         }
         send(eventOf("text", "text", text));
-        before_ = std::exchange(last_, text.trimmed());
+        last_ = text.trimmed();
     }
     line_.clear();
     dropped_ = 0;
@@ -81,18 +80,27 @@ void ReportChannel::saved(std::string_view path) {
     send(eventOf("saved", "path", toText(path)));
 }
 
-void ReportChannel::refused(std::string_view script, std::size_t line) {
-    const QString errorMark = QStringLiteral("; error: ");
+void ReportChannel::because(std::string_view reason) {
     flush();
-    QString text = last_;
-    if (text.startsWith(errorMark)) {
-        text.remove(0, errorMark.size());
-        // The function of a module has said itself what is wrong.
-        if (text == QLatin1String("AutoCAD rejected function") && !before_.isEmpty()) {
-            text = before_;
-        }
+    const QString text = toText(cut(reason, MostOfLine)).trimmed();
+    // A command that LISP has called has said why it failed.
+    if (text == QLatin1String("Command failed") && !reason_.isEmpty()) {
+        return;
     }
-    QJsonObject event = eventOf("refused", "text", text);
+    // The function of a module has said itself what is wrong.
+    const bool said = text == QLatin1String("AutoCAD rejected function") && !last_.isEmpty();
+    reason_ = said ? last_ : text;
+}
+
+void ReportChannel::forget() {
+    reason_.clear();
+    last_.clear();
+}
+
+void ReportChannel::refused(std::string_view script, std::size_t line) {
+    flush();
+    QJsonObject event = eventOf("refused", "text", reason_.isEmpty() ? last_ : reason_);
+    reason_.clear();
     event[QStringLiteral("script")] = toText(script);
     event[QStringLiteral("line")] = qint64(line);
     send(event);

@@ -28,7 +28,11 @@ class ReportChannel {
     void prompt(std::string_view text);
     /// A drawing was written: {"event":"saved","path":…}.
     void saved(std::string_view path);
-    /// A line of a script was refused, for the reason that was said last:
+    /// Why something is refused, before it is said. What follows on the command line is not taken for it.
+    void because(std::string_view reason);
+    /// What was said so far is no reason any more: another input begins.
+    void forget();
+    /// A line of a script was refused, for the reason that was given or else the line that was said last:
     /// {"event":"refused","script":…,"line":…,"text":…}.
     void refused(std::string_view script, std::size_t line);
 
@@ -39,9 +43,9 @@ class ReportChannel {
     std::string line_;
     /// Bytes of the line that did not fit.
     std::size_t dropped_ = 0;
-    /// The last lines that were told.
+    /// The last line that was told.
     QString last_;
-    QString before_;
+    QString reason_;
 };
 
 }  // namespace drafthost
