@@ -23,6 +23,11 @@ std::string TextOf(const nlohmann::json& object, const char* name) {
     return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
 }
 
+std::size_t CountOf(const nlohmann::json& object, const char* name, std::size_t standard) {
+    const auto found = object.find(name);
+    return found != object.end() && found->is_number_unsigned() ? found->get<std::size_t>() : standard;
+}
+
 std::string Trim(const std::string& text) {
     const std::size_t from = text.find_first_not_of(" \t\r");
     return from == std::string::npos ? std::string()
@@ -42,14 +47,19 @@ std::optional<HostEvent> ReadEvent(const std::string& line) {
     const bool isTalk = kind == Kind::Talk || kind == Kind::Prompt || kind == Kind::Message ||
                         kind == Kind::Refused || kind == Kind::Unsaved;
     event.Text = isTalk ? Trim(TextOf(object, "text")) : TextOf(object, "path");
-    if (const auto entry = object.find("entry"); entry != object.end() && entry->is_number_unsigned()) {
-        event.Entry = entry->get<std::size_t>();
+    event.Entry = CountOf(object, "entry", 0);
+    event.Line = CountOf(object, "line", 0);
+    if (*kind == Kind::Refused) {
+        event.Script = TextOf(object, "script");
     }
-    if (const auto line = object.find("line"); line != object.end() && line->is_number_unsigned()) {
-        event.Line = line->get<std::size_t>();
-    }
-    if (*kind == Kind::RunStarted && object.value("head", 2) >= 0) {
-        event.Line = object.value("head", 2U);
+    if (*kind == Kind::RunStarted) {
+        event.Line = CountOf(object, "head", 2);
+        event.Lines = CountOf(object, "lines", 0);
+        for (const nlohmann::json& script : object.value("scripts", nlohmann::json::array())) {
+            if (script.is_string()) {
+                event.Scripts.push_back(script.get<std::string>());
+            }
+        }
     }
     if (*kind == Kind::Status && !StatusFromWord(TextOf(object, "status"), &event.Status)) {
         return std::nullopt;

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 struct HostEvent {
     enum class Kind {
@@ -35,8 +36,14 @@ struct HostEvent {
     /// Of File, Status and Alarm: which entry of the queue it is, in the order of the state file.
     std::size_t Entry = 0;
     DrawingStatus Status = DrawingStatus::ToDo;
-    /// Of Refused: the line in the script that the module made.
+    /// Of Refused: the line in the script that runs; of RunStarted: how many lines of the module's own stand
+    /// in front of the user's.
     std::size_t Line = 0;
+    /// Of Refused: the script that runs.
+    std::string Script = {};
+    /// Of RunStarted: how many lines the user's script has, and the scripts that the module makes of it.
+    std::size_t Lines = 0;
+    std::vector<std::string> Scripts = {};
     /// Of Status: the drawing had unsaved changes then.
     bool Changed = false;
 };

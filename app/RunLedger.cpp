@@ -1,6 +1,7 @@
 #include "app/RunLedger.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace {
@@ -83,13 +84,12 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
             break;
         case HostEvent::Kind::RunStarted:
             head = event.Line;
+            lines = event.Lines > 0 ? event.Lines : lines;
+            scripts = event.Scripts;
             break;
         case HostEvent::Kind::Refused:
             if (current && ++current->RefusedCount <= kMostRefused) {
-                const std::string place =
-                    event.Line > head ? "script line " + std::to_string(event.Line - head + takenOff) + ": "
-                                      : "";
-                current->Refused.push_back(place + event.Text);
+                current->Refused.push_back(RefusedLine(event) + event.Text);
             }
             break;
         case HostEvent::Kind::Unsaved:
@@ -204,6 +204,17 @@ std::size_t RunLedger::Count(DrawingStatus status) const {
     return static_cast<std::size_t>(
         std::count_if(records.begin(), records.end(),
                       [status](const DrawingRecord& record) { return record.Status == status; }));
+}
+
+std::string RunLedger::RefusedLine(const HostEvent& event) const {
+    if (!scripts.empty() && std::find(scripts.begin(), scripts.end(), event.Script) == scripts.end()) {
+        return std::filesystem::path(event.Script).filename().string() + ", line " +
+               std::to_string(event.Line) + ": ";
+    }
+    // Behind the user's script it is its last line that has left something open.
+    return event.Line > head
+               ? "script line " + std::to_string(std::min(event.Line - head, lines) + takenOff) + ": "
+               : "";
 }
 
 DrawingRecord* RunLedger::EntryOf(const HostEvent& event) {

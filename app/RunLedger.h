@@ -5,6 +5,7 @@
 #include "app/QueueEntry.h"
 
 #include <chrono>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -80,6 +81,9 @@ class RunLedger {
   private:
     /// The drawing that an event is about; null when the queue has no such entry.
     DrawingRecord* EntryOf(const HostEvent& event);
+    /// The line of a script that was refused, as the user counts it: "script line 2: ", "inner.scr, line 2:
+    /// ".
+    std::string RefusedLine(const HostEvent& event) const;
 
     std::vector<DrawingRecord> records;
     DrawingRecord* current = nullptr;
@@ -91,7 +95,10 @@ class RunLedger {
     std::string reason;
     /// Lines of the user's script that were taken off it.
     std::size_t takenOff;
-    /// Lines of the module's own in front of it.
+    /// Lines of the module's own in front of it, its own lines where they were told, and the files in which
+    /// it runs.
     std::size_t head = 2;
+    std::size_t lines = std::numeric_limits<std::size_t>::max();
+    std::vector<std::string> scripts;
     Clock::time_point since;
 };

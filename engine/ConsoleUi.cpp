@@ -8,6 +8,7 @@
 #include "engine/ScriptChain.h"
 #include "engine/TarnelData.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 #include <array>
@@ -88,6 +89,8 @@ void ConsoleUi::OpenStatus(int count) {
     QJsonObject event = named("run-started");
     event[QStringLiteral("todo")] = count;
     event[QStringLiteral("head")] = LinesBeforeScript;
+    event[QStringLiteral("lines")] = LinesOfScript();
+    event[QStringLiteral("scripts")] = QJsonArray::fromStringList(ScriptFiles());
     if (!Report(event))
         ConsoleLine(QStringLiteral("run started, %1 to do").arg(count));
 }

@@ -23,6 +23,18 @@ QString scriptFile(bool first) {
     return DataFile(first ? QStringLiteral("script1.scr") : QStringLiteral("script2.scr"));
 }
 
+/// A path as the host takes it.
+QString forHost(QString path) {
+    return path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+}
+
+QString usersScript() {
+    QString text = DecodeText(TarnelData().Script, LocalePage);
+    if (!text.endsWith(QLatin1Char('\n')))
+        text += QLatin1Char('\n');
+    return text;
+}
+
 /// What a script file was given last.
 struct WrittenScript {
     QString text;
@@ -55,12 +67,20 @@ void writeScript(const QString& path, const QString& text, WrittenScript& before
 QString ComposeScript() {
     const CTarnelData& data = TarnelData();
     QString text = QStringLiteral("(TNL_Script_Start)\n(TNL_Script_SetVars)\n");
-    text += DecodeText(data.Script, LocalePage);
-    if (!text.endsWith(QLatin1Char('\n')))
-        text += QLatin1Char('\n');
+    text += usersScript();
     if (!data.DisableScriptChain)
         text += QStringLiteral("(TNL_Script_Complete)\n");
     return text;
+}
+
+int LinesOfScript() {
+    QString text = usersScript();
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return static_cast<int>(text.count(QLatin1Char('\n')) + text.count(QLatin1Char('\r')));
+}
+
+QStringList ScriptFiles() {
+    return {forHost(scriptFile(true)), forHost(scriptFile(false))};
 }
 
 void StartNextScript() {
@@ -70,8 +90,7 @@ void StartNextScript() {
     Trace("WriteScript\n");
     writeScript(data.ScriptPath, text, written[data.UseScript1 ? 0 : 1]);
     data.UseScript1 = !data.UseScript1;
-    QString argument = QLatin1Char('"') + data.ScriptPath + QLatin1Char('"');
-    argument.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    const QString argument = QLatin1Char('"') + forHost(data.ScriptPath) + QLatin1Char('"');
     Trace("Call Script\n");
     acedCommand(RTSTR, ACRX_T("._script"), RTSTR, HostText(argument), RTNONE);
 }

@@ -4,12 +4,17 @@
 // last line of one script starts the next. Two files alternate, so that the one being written is never the
 // one in which the running line stands.
 #include <QString>
+#include <QStringList>
 
 /// Text of a generated script: the two opening calls, the user's script as it stands, and, unless the chain
 /// is switched off, the call that goes on.
 QString ComposeScript();
 /// Lines of its own that stand in front of the user's.
 constexpr int LinesBeforeScript = 2;
+/// Lines of the user's script, as the host counts them.
+int LinesOfScript();
+/// The two files of the chain, as the host is told them.
+QStringList ScriptFiles();
 /// Writes the next script and hands it to the host.
 void StartNextScript();
 

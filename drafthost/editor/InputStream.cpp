@@ -156,7 +156,8 @@ std::optional<Item> InputStream::fetchFromScript(InputKind kind) {
     if (!script.text().openForm().empty()) {
         // No number of a line: who made the script may have put lines of his own ahead of the user's.
         host_.printLine("The script ends inside the expression that begins with " +
-                        std::string(beginningOf(script.text().rest())));
+                            std::string(beginningOf(script.text().rest())),
+                        Said::Refusal);
         tellRefusal();
         script.stop();
         return std::nullopt;

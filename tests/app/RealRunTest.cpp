@@ -161,14 +161,18 @@ TEST_F(RealRun, ScriptsThatAreRefusedOrStopCostTheirDrawingOnly) {
         const char* Status;
         const char* Message;
     };
+    Write("inner.scr", "(setq a 1)\n(setq b 2)\n(setq c 3)\nBAR\n");
+    const std::string inner = "(setq a 1)\n_.script\n" + (Folder / "inner.scr").string() + "\n";
     const std::vector<Case> cases = {
+        {inner.c_str(), "2 Error", "\n         inner.scr, line 4: Unknown command \"BAR\"."},
         {"zoom\nxyz\n", "2 Error", "script line 2: \"xyz\" is neither a point"},
         {"(while t)\n", "2 Timeout", ""},
         {"FOO\n", "2 Error", "script line 1: Unknown command \"FOO\"."},
         {"; first\n(car 1)\n", "2 Error", "script line 2: bad argument type"},
         {"zoom\n", "2 Error", "the script ends while ZOOM waits for an answer"},
-        {"saveas\n", "2 Error", "the script ends while SAVEAS waits for an answer"},
-        {"(getstring)\n", "2 Error", "the script ends while LISP waits for an answer"},
+        {"(setq a 1)\nsaveas\n", "2 Error",
+         "script line 2: Tarnel: the script ends while SAVEAS waits for an answer"},
+        {"(getstring)\n", "2 Error", "script line 1: Tarnel: the script ends while LISP waits for an answer"},
         {"(getstring T \"Name: \")\n", "2 Error", "the script ends while LISP waits for an answer"},
         {"(entsel)\n", "2 Error", "the script ends while LISP waits for an answer"},
         {"(command \"_.ZOOM\" pause)\n", "2 Error", ""},
