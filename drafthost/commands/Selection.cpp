@@ -6,6 +6,7 @@
 #include "drafthost/drawing/View.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/lisp/DxfList.h"
+#include "drafthost/lisp/SelectionAnswer.h"
 #include "drafthost/lisp/World.h"
 
 namespace drafthost::commands {
@@ -47,9 +48,8 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
     const Drawing& drawing = document.drawing();
     std::vector<RecordId> selected;
     for (;;) {
-        auto answer = co_await context.input(
-            "Select objects",
-            {.keywords = "ALL Last Previous Window Crossing WPolygon CPolygon Fence", .bareText = true});
+        auto answer =
+            co_await context.input("Select objects", {.keywords = lisp::kSelectionWords, .bareText = true});
         if (answer.isEnter()) {
             break;
         }
@@ -68,22 +68,16 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
                 continue;
             }
         } else if (answer.isKeyword()) {
-            context.complain("Objects cannot be picked by " + answer.keyword +
-                             " here: name them by ALL, Last, Previous, a handle or an entity name.");
+            context.complain(lisp::needsPicking(answer.keyword));
             continue;
-        } else if (answer.value.isEname()) {
-            found = fromNames(drawing, {answer.value.toEname()});
-        } else if (answer.value.isPickSet()) {
-            found = fromNames(drawing, answer.value.toPickSet().members());
-        } else if (answer.value.isNil()) {
-            std::uint64_t handle = parseHandle(answer.text);
-            RecordId record = handle ? drawing.findHandle(handle) : NoRecord;
-            if (record != NoRecord && layoutOf(drawing, record)) {
-                found.push_back(record);
+        } else {
+            const lisp::Value given = answer.value.isNil() ? lisp::Value::string(answer.text) : answer.value;
+            if (const auto names = lisp::namedObjects(drawing, given)) {
+                found = fromNames(drawing, *names);
             }
         }
         if (found.empty()) {
-            context.complain("\"" + answer.text + "\" names no object to select.");
+            context.complain(lisp::namesNothing(answer.text));
             continue;
         }
         size_t before = selected.size();

@@ -94,7 +94,8 @@ PromptReading readText(const PromptRequest& request, const std::string& text, co
             return refuse("Invalid option keyword.");
         case PromptKind::Entity:
         case PromptKind::NestedEntity:
-            return {Value(), {}};
+            // A point where nothing was picked.
+            return readPoint(text, rules) ? PromptReading{Value(), {}} : refuse("Invalid selection.");
         default:
             return {Value::string(text), {}};
     }

@@ -4,6 +4,7 @@
 #include "drafthost/drawing/Extents.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/drawing/View.h"
+#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/Arguments.h"
 #include "drafthost/lisp/Builtins.h"
 #include "drafthost/lisp/DxfList.h"
@@ -11,6 +12,7 @@
 #include "drafthost/lisp/Evaluator.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/Prompts.h"
+#include "drafthost/lisp/SelectionAnswer.h"
 #include "drafthost/lisp/SelectionFilter.h"
 
 namespace drafthost::lisp {
@@ -95,48 +97,58 @@ Value askCorner(Evaluator& e, const char* message) {
     return askUser(e, {.kind = PromptKind::Point, .message = message});
 }
 
-/// What one answer at "Select objects:" adds; nothing when it selects nothing known.
-Names answered(Evaluator& e, const Drawing& drawing, const Value& answer) {
-    if (answer.isEname()) {
-        return alive(drawing, {answer.toEname()});
-    }
-    if (answer.isPickSet()) {
-        return alive(drawing, answer.toPickSet().members());
-    }
-    if (answer.isCons() && answer.car().isEname()) {
-        return alive(drawing, {answer.car().toEname()});
-    }
-    if (const auto p = toPoint(answer)) {
-        return inWindow(drawing, {*p, *p}, true);
-    }
-    const std::string word = answer.isString() ? upperCase(answer.toString()) : "";
+/// What one answer at "Select objects:" adds; nothing when it is refused, and why.
+std::optional<Names> answered(Evaluator& e, const Drawing& drawing, const Value& answer,
+                              std::string& reason) {
+    const std::string text = answer.isString() ? answer.toString() : prin1(answer);
+    const std::string word = matchKeyword(text, kSelectionWords).value_or("");
     if (word == "ALL") {
         return selectable(drawing);
     }
-    if (word == "L" || word == "LAST") {
+    if (word == "Last") {
         return lastVisible(drawing);
     }
-    if (word == "P" || word == "PREVIOUS") {
+    if (word == "Previous") {
         return alive(drawing, e.previousSelection);
     }
-    if (word == "W" || word == "WINDOW" || word == "C" || word == "CROSSING") {
+    if (word == "Window" || word == "Crossing") {
         const auto first = toPoint(askCorner(e, "Specify first corner: "));
         const auto second = first ? toPoint(askCorner(e, "Specify opposite corner: ")) : std::nullopt;
-        return second ? inWindow(drawing, {*first, *second}, word[0] == 'C') : Names();
+        return second ? inWindow(drawing, {*first, *second}, word == "Crossing") : Names();
     }
-    e.host.print("*Invalid selection*\n");
-    return {};
+    if (!word.empty()) {
+        reason = needsPicking(word);
+        return std::nullopt;
+    }
+    const auto p = answer.isString() ? readPoint(text, readingRules(e.host)) : toPoint(answer);
+    if (p) {
+        return inWindow(drawing, {*p, *p}, true);
+    }
+    auto named = namedObjects(drawing, answer);
+    if (!named) {
+        reason = namesNothing(text);
+    }
+    return named;
 }
 
 Names selectByUser(Evaluator& e, const Drawing& drawing) {
+    const PromptRequest request{.kind = PromptKind::Selection, .message = "Select objects: "};
     Names chosen;
     for (;;) {
-        const Value answer = askUser(e, {.kind = PromptKind::Selection, .message = "Select objects: "});
+        const Value answer = askUser(e, request);
         if (answer.isNil() || (answer.isString() && answer.toString().empty())) {
             return chosen;
         }
-        const Names more = answered(e, drawing, answer);
-        chosen.insert(chosen.end(), more.begin(), more.end());
+        std::string reason;
+        if (const auto more = answered(e, drawing, answer, reason)) {
+            chosen.insert(chosen.end(), more->begin(), more->end());
+            continue;
+        }
+        const bool again = e.host.askAgain(request, reason);
+        e.checkDocument();
+        if (!again) {
+            e.failCancelled();
+        }
     }
 }
 

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 
@@ -248,6 +248,30 @@ TEST_F(LispDrawing, SelectsByFilters) {
     });
     host.answers = {PromptAnswer::fromText("all"), PromptAnswer::fromText("")};
     EXPECT_EQ(run(world, R"((handles (ssget '((0 . "TEXT")))))"), R"(("33"))");
+}
+
+TEST_F(LispDrawing, AnswersThatSelectNothingKnownAreRefused) {
+    host.retry = true;
+    const auto answer = [&](std::vector<std::string> texts, const char* call) {
+        host.answers.clear();
+        host.refusals.clear();
+        for (std::string& text : texts) {
+            host.answers.push_back(PromptAnswer::fromText(std::move(text)));
+        }
+        return run(world, call);
+    };
+    EXPECT_EQ(answer({"foo", "_wp", "_all", ""}, "(handles (ssget))"), R"(("30" "31" "33"))");
+    EXPECT_THAT(host.refusals, testing::ElementsAre("\"foo\" names no object to select.",
+                                                    testing::HasSubstr("cannot be picked by WPolygon")));
+    EXPECT_EQ(answer({"31", "_l", "0,90", "_w", "1.2,1.2", "7,7", ""}, "(handles (ssget))"),
+              R"(("31" "33"))");
+    EXPECT_THAT(host.refusals, testing::IsEmpty());
+    for (const char* call : {"(entsel)", "(nentsel)"}) {
+        EXPECT_EQ(answer({"foo", "0,90"}, call), "nil");
+        EXPECT_THAT(host.refusals, testing::ElementsAre("Invalid selection.")) << call;
+    }
+    host.retry = false;
+    EXPECT_THAT(answer({"foo"}, "(ssget)"), testing::HasSubstr("cancelled"));
 }
 
 }  // namespace
