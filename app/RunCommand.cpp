@@ -63,6 +63,26 @@ bool BringTogether(const DataFolder& folder, RunDescription* description, const 
            (SetEntriesAside(folder.Path(), missing, error) && GatherJobs(folder, description, error));
 }
 
+/// What was in work when a fault broke the run off waits again. When that cannot be written, the journal does
+/// not know its end, and whoever resumes the run sets it back.
+bool SetBackLeftWaiting(const std::string& file, const std::vector<std::unique_ptr<RunMonitor>>& monitors,
+                        const std::vector<JobShare>& places, CTarnelData* saved, std::string* error) {
+    RunQueue queue = QueueOf(*saved);
+    bool changed = false;
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        for (const std::size_t place : monitors[i]->LeftWaiting()) {
+            DrawingStatus& status = queue.at(places[i][place]).Status;
+            changed = changed || status != DrawingStatus::ToDo;
+            status = DrawingStatus::ToDo;
+        }
+    }
+    if (!changed) {
+        return true;
+    }
+    SetQueue(saved, queue);
+    return WriteRecord(file, *saved, error);
+}
+
 /// Works off what waits and brings what is on disk together with what was told. logged are the drawings that
 /// stand in the log before.
 RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescription* description,
@@ -119,6 +139,8 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
         ClearHostJournal(folder.Path(), files::Logs::Remove);
     }
     if (!ReadRecord(folder.StateFile(), &saved, &error)) {
+        breakOff(error);
+    } else if (!SetBackLeftWaiting(folder.StateFile(), monitors, parts.Places, &saved, &error)) {
         breakOff(error);
     } else if (!ledger->Reconcile(QueueOf(saved))) {
         breakOff(

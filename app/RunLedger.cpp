@@ -180,6 +180,13 @@ void RunLedger::TakeBack(std::size_t place, const std::string& host) {
     coming = &record == coming ? nullptr : coming;
 }
 
+void RunLedger::LetWait(std::size_t place) {
+    DrawingRecord fresh;
+    fresh.Path = records[place].Path;
+    fresh.Host = records[place].Host;
+    records[place] = std::move(fresh);
+}
+
 void RunLedger::Adopt(const RunLedger& share, const std::vector<std::size_t>& places) {
     for (std::size_t i = 0; i < share.records.size(); ++i) {
         records[places[i]] = share.records[i];

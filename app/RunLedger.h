@@ -62,6 +62,8 @@ class RunLedger {
     std::vector<std::size_t> LeftInWork(const RunQueue& saved) const;
     /// The drawing waits again, after a host that died with it in work.
     void TakeBack(std::size_t place, const std::string& host);
+    /// The drawing waits again as if it had not been in work.
+    void LetWait(std::size_t place);
     /// Takes over what another ledger knows; places tells for each of its drawings where it stands here.
     void Adopt(const RunLedger& share, const std::vector<std::size_t>& places);
     /// Takes over the statuses on disk. False when a drawing stands there as less than was told here, or when

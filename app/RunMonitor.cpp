@@ -165,8 +165,20 @@ std::string RunMonitor::TakeBack(const std::string& cause) {
     return ledger->Records()[left.front()].Path;
 }
 
+/// Its end came with the host's cancel or death and says nothing of the drawing.
+bool RunMonitor::IsOnlyBrokenOff(const DrawingRecord& record) const {
+    return isBrokenOff &&
+           (record.Status == DrawingStatus::Canceled ||
+            (!host && (record.Status == DrawingStatus::Error || record.Status == DrawingStatus::FailOpen)));
+}
+
 /// A drawing is settled.
 void RunMonitor::Tell(const DrawingRecord& record) {
+    if (IsOnlyBrokenOff(record)) {
+        leftWaiting.push_back(ledger->PlaceOf(record));
+        ledger->LetWait(leftWaiting.back());
+        return;
+    }
     progress->Settled(record);
     settings.OnSettled(ledger->PlaceOf(record), record);
 }
@@ -235,7 +247,7 @@ void RunMonitor::Hear(const HostEvent& event) {
                 // Without its script no drawing can be run, and each would cost the whole time limit.
                 if (phase == Phase::Running && !interrupted && AboutScript(event.Text)) {
                     brokenBy = event.Text;
-                    Interrupt();
+                    BreakOff();
                 }
             }
             if (event.What == Kind::Message && event.Text.starts_with(kBrokenOff)) {
@@ -264,6 +276,11 @@ void RunMonitor::Interrupt() {
         host->Send(kCancel);
     }
     interrupted = true;
+}
+
+void RunMonitor::BreakOff() {
+    isBrokenOff = isBrokenOff || !interrupted;
+    Interrupt();
 }
 
 void RunMonitor::CheckPatience() {
@@ -317,7 +334,7 @@ RunMonitor::Outcome WatchOver(std::vector<std::unique_ptr<RunMonitor>>& monitors
                 broken = true;
                 *error = monitor->Error();
                 for (const auto& other : monitors) {
-                    other->Interrupt();
+                    other->BreakOff();
                 }
             }
         }

@@ -59,6 +59,10 @@ class RunMonitor {
     void Step();
     /// Cancels the drawing in work and ends the run; the host is killed when it was asked before.
     void Interrupt();
+    /// The same, since the run cannot go on: the drawing in work is not at fault and waits again.
+    void BreakOff();
+    /// The drawings that wait again, by place in the ledger, whatever the host has saved of them.
+    const std::vector<std::size_t>& LeftWaiting() const { return leftWaiting; }
 
   private:
     /// What the host is at.
@@ -69,6 +73,7 @@ class RunMonitor {
     void CheckPatience();
     void HostEnded();
     void Tell(const DrawingRecord& record);
+    bool IsOnlyBrokenOff(const DrawingRecord& record) const;
     std::string TakeBack(const std::string& cause);
     void ReactToDeath(const std::string& cause, bool began, bool again);
 
@@ -80,6 +85,9 @@ class RunMonitor {
     /// In a row, each at another drawing.
     std::size_t deaths = 0;
     bool interrupted = false;
+    /// By a fault, not by the user.
+    bool isBrokenOff = false;
+    std::vector<std::size_t> leftWaiting;
     /// Why the monitor itself interrupted the run; empty otherwise.
     std::string brokenBy;
 

@@ -81,6 +81,11 @@ void SetBackWhatWasInWork(RunQueue* queue, RunPlan* plan) {
     for (std::size_t i = 0; i < queue->size(); ++i) {
         const DrawingStatus status = (*queue)[i].Status;
         const bool inWork = status == DrawingStatus::FailOpen || status == DrawingStatus::Error;
+        if (status == DrawingStatus::Canceled && !plan->Journal.Records[i]) {
+            // Nobody has cancelled it: a fault broke the run off and could not set it back.
+            (*queue)[i].Status = DrawingStatus::ToDo;
+            plan->Changed = true;
+        }
         if (!inWork || plan->Journal.Records[i]) {
             continue;
         }

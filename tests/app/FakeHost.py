@@ -3,8 +3,9 @@
 
 It takes the commands that a run sends, keeps a state file and tells the events of a run. What it does to a
 drawing stands in the drawing's name: die… ends in a segmentation fault, hang… answers nothing any more, slow…
-waits for a cancel, bad… cannot be opened, all others are Done at once. The file "host-starts" beside the state
-counts the starts; "mute" there makes the host start no run at all.
+waits for a cancel, full… says that its script cannot be written and waits, bad… cannot be opened, all others are Done at once. The file "host-starts" beside the state
+counts the starts; "mute" there makes the host start no run at all, and "room" that slow… and full… are Done at
+once.
 """
 import html
 import json
@@ -18,6 +19,8 @@ import time
 WORDS = ["ToDo", "Done", "FailOpen", "Timeout", "Locked", "Error", "Canceled"]
 FOLDER = os.path.join(os.environ["XDG_DATA_HOME"], "Ovrix")
 STATE = os.path.join(FOLDER, "TarnelRunner.xml")
+# In a host's own folder, "job-1/Ovrix", beside the state of the whole run.
+ROOM = os.path.join(re.sub(r"/job-\d+/Ovrix$", "", FOLDER), "room")
 queue = []
 max_time = 60
 
@@ -64,6 +67,7 @@ def run():
 
 def work(log):
     waiting = [entry for entry in queue if entry[1] == 0]
+    has_room = os.path.exists(ROOM)
     log("<html><body>")
     tell("run-started", todo=len(waiting))
     for number, entry in enumerate(waiting, 1):
@@ -83,7 +87,10 @@ def work(log):
             os.kill(os.getpid(), signal.SIGSEGV)
         if name.startswith("hang"):
             time.sleep(600)
-        if name.startswith("slow"):
+        if name.startswith("full") and not has_room:
+            fault = os.path.join(FOLDER, "script1.scr") + ": cannot be written: No space left on device"
+            tell("message", text=fault)
+        if name.startswith(("slow", "full")) and not has_room:
             tell("prompt", text="Specify first point: ")
             line = sys.stdin.readline() if select.select([sys.stdin], [], [], 60)[0] else "nobody speaks"
             if not line:

@@ -153,6 +153,31 @@ TEST_F(WatchedRun, InterruptCancelsTheDrawingAndResumeTakesTheRest) {
     EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(0, "b.dxf")));
 }
 
+TEST_F(WatchedRun, AFaultThatBreaksTheRunOffCancelsNoDrawing) {
+    for (const char* jobs : {"1", "2"}) {
+        const fs::path room = Folder / "data/Ovrix/room";
+        fs::remove(room);
+        const ProgramResult broken =
+            Run(Arguments({"slow.dxf", "full.dxf", "b.dxf"}, {"--jobs", jobs}), [this, jobs](pid_t process) {
+                if (*jobs == '1') {
+                    ASSERT_TRUE(WaitForState(Entry(5, "slow.dxf")));
+                    kill(process, SIGINT);
+                }
+            });
+        EXPECT_EQ(broken.Status, *jobs == '1' ? 130 : 3) << broken.Out;
+        const ProgramResult again = *jobs == '1' ? Run({"--resume"}) : broken;
+        EXPECT_EQ(again.Status, 3) << again.Out;
+        EXPECT_THAT(again.Errors, HasSubstr("script1.scr: cannot be written"));
+        EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(0, "full.dxf")));
+        // What the user has cancelled stays so.
+        EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(*jobs == '1' ? 6 : 0, "slow.dxf")));
+        EXPECT_THAT(again.Out, Not(HasSubstr("Canceled 1/")));
+        std::ofstream(room) << "";
+        EXPECT_EQ(Run({"--resume"}).Status, *jobs == '1' ? 1 : 0);
+        EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(1, "full.dxf")));
+    }
+}
+
 TEST_F(WatchedRun, ASecondRunIsRefusedAndAKilledOneLeavesNoHost) {
     Run(Arguments({"slow.dxf", "b.dxf"}), [this](pid_t process) {
         ASSERT_TRUE(WaitForState(Entry(5, "slow.dxf")));
