@@ -41,6 +41,9 @@ class Queue {
     /// A path of another system stays as it is: it names nothing here, and the user must know it again.
     void AddForeign(std::string path) {
         if (!seen.insert(path).second) {
+            if (repeated.insert(path).second) {
+                notes->push_back(path + ": is named more than once; it is taken once");
+            }
             return;
         }
         struct stat status {};
@@ -61,6 +64,8 @@ class Queue {
     std::vector<std::string>* notes;
     std::vector<std::string> paths;
     std::unordered_set<std::string> seen;
+    /// What was told as named more than once.
+    std::unordered_set<std::string> repeated;
     std::map<std::pair<dev_t, ino_t>, std::size_t> files;
 };
 

@@ -57,10 +57,11 @@ TEST_F(Input, OneDrawingUnderTwoNamesIsTakenOnceAndSaid) {
     fs::create_symlink(plan, Folder / "alias.dxf");
     fs::create_hard_link(plan, Folder / "twin.dxf");
     RunOptions options;
-    options.Drawings = {plan, Folder / "alias.dxf", plan, Folder / "twin.dxf", Write("other.dxf", "")};
+    options.Drawings = {plan, Folder / "alias.dxf", plan, plan, Folder / "twin.dxf", Write("other.dxf", "")};
     EXPECT_THAT(Collect(options), ElementsAre(plan, (Folder / "other.dxf").string()));
     EXPECT_THAT(Notes,
-                ElementsAre(HasSubstr("alias.dxf: is the same file as " + plan), HasSubstr("twin.dxf")));
+                ElementsAre(HasSubstr("alias.dxf: is the same file as " + plan),
+                            plan + ": is named more than once; it is taken once", HasSubstr("twin.dxf")));
 }
 
 TEST_F(Input, ListsComeFromPipesAndKeepAnyName) {
