@@ -3,9 +3,9 @@
 
 It takes the commands that a run sends, keeps a state file and tells the events of a run. What it does to a
 drawing stands in the drawing's name: die… ends in a segmentation fault, hang… answers nothing any more, slow…
-waits for a cancel, full… says that its script cannot be written and waits, bad… cannot be opened, all others are Done at once. The file "host-starts" beside the state
-counts the starts; "mute" there makes the host start no run at all, and "room" that slow… and full… are Done at
-once.
+waits for a cancel, full… says that its script cannot be written and waits, bad… cannot be opened, all others
+are Done at once. The file "host-starts" beside the state counts the starts; "mute" there makes the host start no
+run at all, and "room" that slow… and full… are Done at once.
 """
 import html
 import json
@@ -133,7 +133,7 @@ def main():
             run()
         elif line == "Run\n":
             run()
-        elif line == "QUIT\n":
+        elif line.lstrip("\3") == "QUIT\n":
             return
         line = sys.stdin.readline()
 
