@@ -24,6 +24,10 @@ RunDescription FromJson(const Json& all) {
     RunDescription description;
     description.Id = all.at("run").get<std::string>();
     description.Queue = MarkFrom(all.at("queue"));
+    description.Script = all.value("script", std::string());
+    description.MaxTime = all.value("maxTime", 0U);
+    description.AlarmTime = all.value("alarmTime", 0U);
+    description.ReadOnly = all.value("readOnly", false);
     if (all.contains("shard")) {
         description.Share = ParseShard(all.at("shard").get<std::string>());
         description.List = MarkFrom(all.at("list"));
@@ -82,6 +86,12 @@ bool WriteDescription(const std::string& folder, const RunDescription& descripti
     Json all;
     all["run"] = description.Id;
     all["queue"] = ToJson(description.Queue);
+    if (!description.Script.empty()) {
+        all["script"] = description.Script;
+        all["maxTime"] = description.MaxTime;
+        all["alarmTime"] = description.AlarmTime;
+        all["readOnly"] = description.ReadOnly;
+    }
     if (description.Share) {
         all["shard"] = ShardText(*description.Share);
         all["list"] = ToJson(description.List);

@@ -21,6 +21,12 @@ struct RunDescription {
     std::string Id;
     /// The queue that the state must hold.
     ListMark Queue;
+    /// The digest of the script and the limits that the state must hold; an empty digest when nobody has
+    /// noted them.
+    std::string Script;
+    unsigned MaxTime = 0;
+    unsigned AlarmTime = 0;
+    bool ReadOnly = false;
     /// Which share of a list it is, and of which list.
     std::optional<Shard> Share;
     ListMark List;

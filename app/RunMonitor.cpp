@@ -56,8 +56,10 @@ void RunMonitor::Launch() {
     settledInLife = 0;
     hung = false;
     std::string cause;
-    // The host works on what stands there now or on nothing.
-    settings.Place.Run = RunDigestOf(settings.State, &cause);
+    // Each host works on what stood there for the first one or on nothing.
+    if (settings.Place.Run.empty()) {
+        settings.Place.Run = RunDigestOf(settings.State, &cause);
+    }
     if (settings.Place.Run.empty() || !host->Launch(settings.Files, settings.Place, &cause)) {
         error = "the run could not start: " + cause;
         outcome = Outcome::Broken;

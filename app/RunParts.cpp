@@ -60,6 +60,7 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunP
     common.Place.Journal = HostJournal(folder.Path());
     SetManners(options, plan.Description, &common.Place);
     common.State = folder.StateFile();
+    common.Place.Run = plan.Digest;
     common.HostDied = KeepLogs(folder.Path());
     const RunQueue queue = QueueOf(plan.Record);
     JobShare all(queue.size());

@@ -7,6 +7,7 @@
 #include "app/NoDrawing.h"
 #include "app/RunRecord.h"
 #include "state/ScriptText.h"
+#include "state/StateDigest.h"
 
 #include <filesystem>
 
@@ -71,7 +72,13 @@ bool WriteToChange(const FolderChange& change, RunPlan* plan, std::string* error
             return false;
         }
     }
-    plan->Description.Queue = MarkOf(paths);
+    RunDescription& description = plan->Description;
+    description.Queue = MarkOf(paths);
+    description.Script = ScriptDigest(read).toStdString();
+    description.MaxTime = read.MaxTime;
+    description.AlarmTime = read.AlarmTime;
+    description.ReadOnly = read.ProcessReadOnly;
+    plan->Digest = RunDigest(read).toStdString();
     return true;
 }
 
@@ -151,6 +158,37 @@ bool ChangeSettings(const RunOptions& options, RunPlan* plan, std::string* error
     return true;
 }
 
+/// A run is gone on with as it was started. The window and hosts started by hand work on the same state and
+/// may have changed it since: another script is refused, limits are set back.
+bool HoldToItsRun(const RunOptions& options, const std::string& file, const RunDescription& run, bool isKnown,
+                  RunPlan* plan, std::string* error) {
+    CTarnelData& record = plan->Record;
+    if (run.Script.empty() || (!isKnown && !options.Resume)) {
+        return true;
+    }
+    if (options.Script.empty() && ScriptDigest(record).toStdString() != run.Script) {
+        *error = file +
+                 ": the script there is not that of the run; give --script FILE to go on with another one, "
+                 "or start anew";
+        return false;
+    }
+    if (!isKnown) {
+        std::fprintf(stderr,
+                     "tarnel: %s: the drawings there are not those of the run; they are taken as they are\n",
+                     file.c_str());
+    } else if (record.MaxTime != run.MaxTime || record.AlarmTime != run.AlarmTime ||
+               record.ProcessReadOnly != run.ReadOnly) {
+        std::fprintf(stderr,
+                     "tarnel: %s: time limits or --read-only were changed there; those of the run hold\n",
+                     file.c_str());
+        record.MaxTime = run.MaxTime;
+        record.AlarmTime = run.AlarmTime;
+        record.ProcessReadOnly = run.ReadOnly;
+        plan->Changed = true;
+    }
+    return true;
+}
+
 /// The records that the journal keeps, for a new one that holds nothing else. With a new log nothing of what
 /// was done before is in the log any more.
 std::vector<DrawingRecord> RecordsOf(const RunPlan& plan, bool newLog) {
@@ -220,6 +258,7 @@ bool CommitNewRun(const DataFolder& folder, const std::optional<RunDescription>&
         return false;
     }
     plan->Description = whole.Description;
+    plan->Digest = whole.Digest;
     plan->Changed = false;
     return true;
 }
@@ -252,6 +291,10 @@ ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
         plan->Description.HasHeading = !plan->Record.ScriptDescription.isEmpty();
     }
     plan->Changed = !isKnown || plan->Record.SortIdx != 6 || plan->Record.SortReverse != 0;
+    plan->Digest = RunDigest(plan->Record).toStdString();
+    if (description && !HoldToItsRun(options, folder.StateFile(), *description, isKnown, plan, error)) {
+        return BrokenOff;
+    }
     plan->Journal = ReadJournal(folder, plan->Description.Id, queue.size());
     if (isKnown && options.Resume) {
         SetBackWhatWasInWork(&queue, plan);

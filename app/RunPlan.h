@@ -18,6 +18,8 @@ struct RunPlan {
     JournalContent Journal;
     /// What is no drawing, by its place in the queue: it ends as FailOpen without having been near a host.
     std::vector<std::optional<DrawingRecord>> Refused;
+    /// What a host must find in the state.
+    std::string Digest;
     /// The queue that is gone on with is that of the description, so its log is of this run.
     bool IsKnown = true;
     /// What is on the disk is not yet what stands here.

@@ -26,6 +26,12 @@ QByteArray QueueDigest(const CTarnelData& data) {
     return hash.result().toHex();
 }
 
+QByteArray ScriptDigest(const CTarnelData& data) {
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    add(hash, DecodeText(data.Script, LocalePage));
+    return hash.result().toHex();
+}
+
 QByteArray RunDigest(const CTarnelData& data) {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     addQueue(hash, data);

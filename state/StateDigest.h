@@ -7,5 +7,7 @@ struct CTarnelData;
 
 /// The paths of a queue in the order of the record's arrays, as 64 hexadecimal digits.
 QByteArray QueueDigest(const CTarnelData& data);
+/// The script alone.
+QByteArray ScriptDigest(const CTarnelData& data);
 /// All that a host needs to do a run: queue, script, limits and how drawings are opened.
 QByteArray RunDigest(const CTarnelData& data);

@@ -23,14 +23,16 @@ STATE = os.path.join(FOLDER, "TarnelRunner.xml")
 ROOM = os.path.join(re.sub(r"/job-\d+/Ovrix$", "", FOLDER), "room")
 queue = []
 max_time = 60
+state = ""
 
 
 def load():
     global max_time
     if not os.path.exists(STATE):
         return
+    global state
     with open(STATE, encoding="utf-8", newline="") as f:
-        text = f.read()
+        state = text = f.read()
     queue[:] = [[html.unescape(path), int(status)]
                 for status, path in re.findall(r'<File Status="(\d+)">(.*?)</File>', text, re.S)]
     max_time = int(re.search(r"<MaxTime>(\d+)", text).group(1))
@@ -40,7 +42,9 @@ def save():
     files = "".join('<File Status="%d">%s</File>\r\n' % (status, html.escape(path, quote=False))
                     for path, status in queue)
     with open(STATE + ".new", "w", encoding="utf-8", newline="") as f:
-        f.write('<TarnelRunner Version="3.0.0" Build="0">\r\n<Options>\r\n<MaxTime>%d</MaxTime>\r\n'
+        # The script and all else stays.
+        f.write(re.sub(r"<Files>.*</Files>", lambda _: "<Files>\r\n%s</Files>" % files, state, flags=re.S) or
+                '<TarnelRunner Version="3.0.0" Build="0">\r\n<Options>\r\n<MaxTime>%d</MaxTime>\r\n'
                 '<SortIdx>6</SortIdx>\r\n</Options>\r\n<Files>\r\n%s</Files>\r\n</TarnelRunner>\r\n'
                 % (max_time, files))
     os.replace(STATE + ".new", STATE)

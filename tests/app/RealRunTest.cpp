@@ -4,7 +4,9 @@
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
+#include <csignal>
 #include <cstdlib>
+#include <fstream>
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
@@ -364,6 +366,46 @@ TEST_F(RealRun, InterruptCancelsAndResumeTakesTheRest) {
     EXPECT_THAT(Read(StateFile()), HasSubstr("<File Status=\"1\">" + second));
     Write("go", "");
     EXPECT_EQ(Run({"--retry", "failed"}).Status, 0);
+}
+
+TEST_F(RealRun, ARunIsGoneOnWithAsItWasStarted) {
+    const std::string first = CopySample("rooms-2000.dxf", "a.dxf");
+    const std::string second = CopySample("garden-2007.dxf", "b.dxf");
+    const std::string script = Write("s.scr", "(while (not (findfile \"go\")))\n");
+    const std::string other = Write("other.scr", "(princ \"another script\")\n");
+    const auto change = [this](const std::string& from, const std::string& to) {
+        std::string text = Read(StateFile());
+        const std::size_t at = text.find(from);
+        ASSERT_NE(at, std::string::npos) << text;
+        std::ofstream(StateFile(), std::ios::binary) << text.replace(at, from.size(), to);
+    };
+    EXPECT_EQ(Run({"--script", script, "--max-time", "7", first, second},
+                  [&](pid_t process) {
+                      ASSERT_TRUE(WaitForState("<File Status=\"5\">" + first));
+                      kill(process, SIGINT);
+                  })
+                  .Status,
+              130);
+    Write("go", "");
+    // As a host that is started by hand, or the window, may leave the state.
+    change("findfile", "princ");
+    const std::string state = Read(StateFile());
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"--resume"}, {"--retry", "failed"}}) {
+        const ProgramResult refused = Run(command);
+        EXPECT_EQ(refused.Status, 3) << refused.Out;
+        EXPECT_THAT(refused.Errors, HasSubstr("the script there is not that of the run; give --script FILE"));
+        EXPECT_EQ(Read(StateFile()), state);
+    }
+    change("princ", "findfile");
+    change("<MaxTime>7<", "<MaxTime>8<");
+    const ProgramResult limits = Run({"--resume"});
+    EXPECT_EQ(limits.Status, 1) << limits.Errors;
+    EXPECT_THAT(limits.Errors, HasSubstr("those of the run hold"));
+    EXPECT_THAT(Read(StateFile()), HasSubstr("<MaxTime>7<"));
+    change("findfile", "princ");
+    EXPECT_EQ(Run({"--retry", "failed", "--script", other}).Status, 0);
+    EXPECT_EQ(Run({"--retry", "all"}).Status, 0) << "the other script is the run's now";
 }
 
 TEST_F(RealRun, LockedDrawingsArePassedOverOrReadOnly) {
