@@ -63,9 +63,8 @@ QString faultOf(int error, const QByteArray& bytes, bool isOwn) {
     return isOwn ? QString() : StateTextFault(bytes, 1);
 }
 
-const QByteArray& wantedRun() {
-    static const QByteArray wanted = qgetenv("TARNEL_RUN");
-    return wanted;
+QByteArray wantedRun() {
+    return qgetenv("TARNEL_RUN");
 }
 
 }  // namespace
