@@ -197,7 +197,7 @@ TEST_F(Input, ANameThatCannotBeGivenToTheHostCostsItselfOnly) {
     Write("in/caf\xE9.dxf", sample);
     Write("in/caf\xE8.dxf", sample);
     const std::string odd = Write("in/li\nne\x1B[31m\xC2\x9B.dxf", sample);
-    const std::string list = Write("null.lst", std::string("in/caf\xE9.dxf\0in/good.dxf\0", 26));
+    const std::string list = Write("null.lst", std::string("in/caf\xE9.dxf\0in/good.dxf\0", 24));
     const std::string script = Write("s.scr", "(princ \"seen\\n\")\n");
     const auto expectOne = [&](const ProgramResult& result, const char* counts) {
         EXPECT_EQ(result.Status, 1) << result.Errors;
