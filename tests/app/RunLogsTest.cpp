@@ -202,9 +202,12 @@ TEST_F(RunLogs, ALogThatIsNotWholeIsToldAndIsNoSuccess) {
 }
 
 TEST_F(RunLogs, OfDocumentsThatAScriptOpensBesidesNothingIsLeft) {
-    const std::string other = Drawing("other.dxf");
+    // One for each, as two hosts work at the same time.
+    Drawing("other-a.dxf");
+    Drawing("other-b.dxf");
     const std::string script =
-        Write("s.scr", std::string(kSay) + "_.OPEN\n" + other + "\n_.CLOSE\n(princ 1)\n");
+        Write("s.scr", std::string(kSay) + "_.OPEN\n(strcat currentpath \"other-\" currentfile \".dxf\")\n" +
+                           "_.CLOSE\n(princ 1)\n");
     for (const char* jobs : {"1", "2"}) {
         const ProgramResult result =
             Run({"--script", script, "--jobs", jobs, Drawing("a.dxf"), Drawing("b.dxf")});
