@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // `tarnel bundle` from its options to its exit status.
 #include "app/ExitStatus.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The folder with the state of the runs, and the lock on it. Two hosts that save the same state would undo
 // each other's work, so one run holds the folder from its start until its host is dead: the lock is an

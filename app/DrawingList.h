@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // From what the user names (drawings, folders, lists) to the queue: absolute paths, each once, in the order
 // given. A wrong name on the command line is refused before the host starts; a name in a list is kept even

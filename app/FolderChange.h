@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A change of several files of a data folder that is made whole or not at all, whatever is killed or fails
 // when. New files are written to the folder "next" and brought to the disk; then the description of the run

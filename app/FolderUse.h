@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // How a command takes a data folder: it locks it and finishes what an earlier command that was killed has
 // begun there.

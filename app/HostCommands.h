@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the host is told to start a run: only commands and LISP functions of the module, as a person could
 // type them. Queue, script and limits stand in the state already. Nothing is sent ahead beyond the start,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the host and the module tell of a run: JSON objects on a socket of their own (docs/headless.md tells
 // them). Nothing that a script prints can be taken for one of them, since such a line comes inside a "text".

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The names of what the host of a data folder makes beside drawings and means to take away again. Whoever has
 // the folder locked, so that no host lives, removes what a killed one has left.

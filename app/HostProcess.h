@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A drawing host as a child process: lines in, and out of it events on a socket of their own, which nothing
 // that a script can do reaches, and stray text (of the system, mostly) on its standard output. It runs in a

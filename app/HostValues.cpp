@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The record keeps values of the host in the host's own memory. The front has no host in its process, so it
 // brings what these values need: room for nodes, and a place for what they print.
 #include "resbuf.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Files that the command line names for reading: scripts and lists. They may come from a pipe, which gives
 // its bytes only once, so each is read whole at the start, before anything else looks at it.

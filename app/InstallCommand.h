@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // `tarnel install`: what the desktop calls to open a file ".iscr", a script that somebody has sent.
 #include "app/ExitStatus.h"

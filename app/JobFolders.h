@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Where the hosts of a run with several of them work: each has a data folder of its own inside the run's,
 // with its share of the queue. They stand only while the run goes on; what is in them afterwards goes into

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Deals a queue out to several hosts. The split is made once, before the hosts start: a drawing that only one
 // state file names can never be given to two hosts, whatever dies when. What makes it fair is the size of the

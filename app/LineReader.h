@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Lines out of a descriptor that is never waited for. What comes is not to be trusted: a line without end, or
 // more text than is worked off, must not cost more memory than one line.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Run logs and traces as files of the front: read whole, or an error that says why not, since what is read
 // here replaces its sources and a log that cannot be read must not pass for an empty one.

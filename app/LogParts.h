@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The parts of a run's log. The module empties its log when a run starts, so what a host that died has
 // written is set aside before the next one starts, and the logs of the drawings that this host can pack no

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // `tarnel merge` from its options to its exit status: the results of runs over parts of a list, each in a
 // data folder of its own, become one state, one run log, one archive and one set of records, as if one run

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Joins the run logs and the archives of several hosts into one of each, as if one host had done it all.
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Names of files as text. A name is bytes and may hold anything: what is no UTF-8 can stand neither in the
 // state nor in the host's input, and what a terminal obeys must not reach it out of a name.

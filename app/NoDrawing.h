@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What is no drawing must not reach the host: the module starts an empty drawing for a file whose name is not
 // that of one, and would call it Done.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the user sees while a run goes on: one line that is written over and over on a terminal, else a plain
 // line for each drawing that is settled, so that a log of the run reads well.

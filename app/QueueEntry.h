@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The queue as the front looks at it: the module's record holds it in parallel arrays and in an order of its
 // own, and here it is a list in the order of the run. An entry is known by its place in that list, since two

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A JSON record for each drawing: what programs read at the end of a run.
 #include "app/RunLedger.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Where the records may go. Their file is replaced whole, so a slip on the command line, such as --json in
 // front of the drawings with its own file forgotten, must not cost a drawing, a script, a list or the state.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a data folder holds of its run beside the module's state, in the file run.json: what the form of the
 // state file has no place for, and how far a change of several files has come. It is replaced whole, so each

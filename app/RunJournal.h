@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the front has told of the drawings of a run, line by line as it was told: how long each took and what
 // the host said stand nowhere else, and a run that is gone on with must not lose it. It also tells a drawing

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What is known of each drawing of a run while it goes on. Status events say how far a drawing is; how long
 // it took and the last thing the host said about it stand nowhere on disk and are gathered here.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The logs of a run at its end: one run log with one archive, whatever became of the hosts that wrote them.
 #include "app/LogFile.h"

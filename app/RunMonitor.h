@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Watches over a host that does a run. The host and the module keep their own time limits; this is for what
 // they cannot do themselves: a host that dies on a drawing, or hangs where no limit reaches it, is started

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the command line of `tarnel run` asks for, as plain values, so that all else can be tested and called
 // without a command line.

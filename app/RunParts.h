@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The hosts of a run: one over the data folder itself, or several over shares of the queue. Both give the
 // same things: monitors, each with a ledger, whose records together are those of the queue.

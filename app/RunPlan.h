@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A run from what the user asks for to what stands on the disk: queue, script, limits and options become one
 // record, and record, description and journal are put into the data folder in one change, before any host

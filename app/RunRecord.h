@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The record of a run as the front reads and writes it: with the module's own code, whole, and only while no
 // host is at work on the file.

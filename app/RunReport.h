@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What stands at the end of a run for people: a table by status, and how to go on.
 #include "app/RunLedger.h"

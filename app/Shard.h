@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A run over many machines: each takes every N-th drawing of the same list, with a data folder of its own.
 // The description of its run keeps which share of which list it has, so that the results cannot be joined

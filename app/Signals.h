@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Ctrl+C and its relatives as something to poll: the run loop must finish what it does to the host's input
 // before it reacts.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Files of the data folder that the front reads and writes whole, by the rules of the module's own state: new
 // text takes the place of the old at once.

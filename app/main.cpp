@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command line of tarnel.
 #include "app/BundleCommand.h"
 #include "app/DeskCommand.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The editor and its notices. Every notice has an empty default.
 #include "achar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Windows of the host. All of them are null in a host that runs without a frame.
 #include "achar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The host's text: UTF-16 units, so that QString::utf16() goes through without a copy.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Small services of the host that need no drawing.
 #include "resbuf.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Result types and result codes of the host's calls. Group codes of drawing data stay below 2000 and
 // result types above 5000, so that one list can never be mistaken for the other.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The database of a drawing, as far as modules here look at it, and the host application services.
 #include "achar.h"

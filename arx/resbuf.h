@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The host's list of typed values, chained through rbnext.
 #include "achar.h"

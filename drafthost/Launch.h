@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the host without a window and the one with a frame begin with alike: arguments, signals, the first
 // drawings.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Modules that load with the host: those listed in "acad.rx" along the support path, the start-up suite of
 // the profile, and those whose demand-load entry asks for it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // drafthost: the host without a window. Command-line text goes to standard output, standard input is the
 // keyboard.
 

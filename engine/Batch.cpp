@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Batch.h"
 
 #include "acdocman.h"
@@ -33,12 +34,14 @@ constexpr double RefreshFromRelease = 17.2;
 
 double hostRelease() {
     ResBuf version;
-    if (version.GetVar(QStringLiteral("acadver")) != RTNORM)
+    if (version.GetVar(QStringLiteral("acadver")) != RTNORM) {
         return 0;
+    }
     const QString text = version.String(0);
     qsizetype length = 0;
-    while (length < text.size() && (text[length].isDigit() || text[length] == QLatin1Char('.')))
+    while (length < text.size() && (text[length].isDigit() || text[length] == QLatin1Char('.'))) {
         ++length;
+    }
     return text.left(length).toDouble();
 }
 
@@ -49,16 +52,18 @@ void afterCancel() {
         Trace("Call Debug Script\n");
         CurrentUi().OpenStepThrough();
     }
-    if (hostRelease() >= RefreshFromRelease)
+    if (hostRelease() >= RefreshFromRelease) {
         CurrentUi().RefreshActiveWindow();
+    }
 }
 
 /// A drawing that did not end well has left the host's log on, and the new drawing that ends the run would
 /// begin a log that belongs to nothing.
 void turnLogOff() {
     ResBuf mode;
-    if (mode.GetVar(QStringLiteral("LOGFILEMODE")) == RTNORM && mode.Integer(0) != 0)
+    if (mode.GetVar(QStringLiteral("LOGFILEMODE")) == RTNORM && mode.Integer(0) != 0) {
         acedCommand(RTSTR, ACRX_T("._logfileoff"), RTNONE);
+    }
 }
 
 }  // namespace
@@ -111,8 +116,9 @@ bool DoNextFile() {
     Trace("GetNextFile\n");
     QString path;
     if (broken || !GetNextFile(path)) {
-        if (broken)
+        if (broken) {
             ConsoleLine(QStringLiteral("run broken off: ") + RunFault());
+        }
         Trace("Cleanup\n");
         Cleanup();
         return false;
@@ -153,21 +159,24 @@ void endRun() {
 void Cleanup() {
     endRun();
     Trace("Start New Document\n");
-    if (DrawingIsModified())
+    if (DrawingIsModified()) {
         acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T("y"), RTSTR, ACRX_T(""), RTNONE);
-    else
+    } else {
         acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T(""), RTNONE);
+    }
     LoadSiblings();
     Trace("Call DoBatch\n");
     DoBatch();
     // What is left of a script that has called the end itself would go on in the empty drawing.
-    if (IsHostOfOneRun())
+    if (IsHostOfOneRun()) {
         SendToHost(BreakString());
+    }
 }
 
 void LeaveRun() {
-    if (!TarnelData().BatchRunning)
+    if (!TarnelData().BatchRunning) {
         return;
+    }
     SetCurrentFileStatus(Canceled);
     endRun();
 }

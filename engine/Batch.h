@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The flow of a run: the command with its main dialog, the start, the step from one drawing to the next, the
 // end. None of it is a loop. A run is a chain of short calls from the host into the module, each of which

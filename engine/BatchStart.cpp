@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The start of a run: what is asked and set before the first drawing.
 #include "acdocman.h"
 #include "acedads.h"
@@ -26,8 +27,9 @@ void closeOtherDocuments(void*) {
     const std::unique_ptr<AcApDocumentIterator> walk(documents->newAcApDocumentIterator());
     for (; !walk->done(); walk->step()) {
         AcApDocument* document = walk->document();
-        if (document == current)
+        if (document == current) {
             continue;
+        }
         Trace("closeDocument\n");
         documents->closeDocument(document);
         acedPumpMessage();
@@ -36,8 +38,9 @@ void closeOtherDocuments(void*) {
 
 /// A run needs the host with one document. False when the user wants to keep the others.
 bool leaveOneDocument() {
-    if (acDocManagerPtr()->documentCount() <= 1)
+    if (acDocManagerPtr()->documentCount() <= 1) {
         return true;
+    }
     if (!Run().Scheduled) {
         const auto answer = CurrentUi().Ask(
             TarnelData().ProductName,
@@ -58,8 +61,9 @@ bool leaveOneDocument() {
 /// Saves the current drawing, and lets the user answer whatever the host asks for that.
 void saveCurrentDrawing() {
     ResBuf filedia;
-    if (filedia.GetVar(QStringLiteral("FILEDIA")) == RTNORM && filedia.Integer(0) != 0)
+    if (filedia.GetVar(QStringLiteral("FILEDIA")) == RTNORM && filedia.Integer(0) != 0) {
         acedInitDialog(true);
+    }
     acedCommand(RTSTR, ACRX_T("._qsave"), RTNONE);
     while (HostTextVariable("CMDNAMES") == QLatin1String("QSAVE")) {
         acedPumpMessage();
@@ -70,23 +74,27 @@ void saveCurrentDrawing() {
 /// False when the user breaks the start off. Changes that are not saved are dropped by the first open.
 bool settleChanges() {
     Trace("Grab DBMod\n");
-    if (!DrawingIsModified() || Run().Scheduled)
+    if (!DrawingIsModified() || Run().Scheduled) {
         return true;
+    }
     const auto answer = CurrentUi().Ask(
         TarnelData().ProductName, QStringLiteral("Save changes to %1?").arg(HostTextVariable("DWGNAME")),
         RunUi::YesNoCancel);
-    if (answer == RunUi::Yes)
+    if (answer == RunUi::Yes) {
         saveCurrentDrawing();
-    if (answer == RunUi::Yes || answer == RunUi::No)
+    }
+    if (answer == RunUi::Yes || answer == RunUi::No) {
         return true;
+    }
     Trace("User aborted during save document\n");
     return false;
 }
 
 /// All that a run needs before its first drawing. False when it is refused; nothing is tidied then.
 bool prepareRun() {
-    if (!leaveOneDocument() || !settleChanges())
+    if (!leaveOneDocument() || !settleChanges()) {
         return false;
+    }
     UnloadSiblings();
     Trace("SaveSystemVars\n");
     SaveSystemVars(SdiVar | CmddiaVar | FilediaVar | CmdechoVar, 0, 0, 0, 1);
@@ -95,8 +103,9 @@ bool prepareRun() {
     Trace("EnsureRestartable\n");
     EnsureRestartable();
     Trace("StartWatch\n");
-    if (StartWatch())
+    if (StartWatch()) {
         return true;
+    }
     CurrentUi().Ask(
         TarnelData().ProductName,
         QStringLiteral("Could not launch the TNLWatch process that is used to monitor\nthe progress of the "
@@ -111,8 +120,9 @@ bool prepareRun() {
 bool DoStartBatch() {
     Trace("DoStartBatch\n");
     CTarnelData& data = TarnelData();
-    if (data.StateFile.isEmpty())
+    if (data.StateFile.isEmpty()) {
         ResolveStateFile();
+    }
     Trace("LoadState\n");
     const bool loaded = LoadRunState();
     if (!data.BatchRunning && (!RunFault().isEmpty() || (IsHostOfOneRun() && !loaded))) {
@@ -134,8 +144,9 @@ bool DoStartBatch() {
             Trace("Restoring Sys Vars\n");
             ResetSystemVars();
         }
-        if (!prepareRun())
+        if (!prepareRun()) {
             return false;
+        }
         Run().HasBegun = true;
     }
     Trace("DoNextFile\n");

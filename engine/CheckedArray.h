@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The queue is held in parallel arrays that are read by positions out of a file which people may edit. So
 // each access is checked, and an index outside an array raises an exception instead of reading past it.
@@ -44,8 +45,9 @@ class CheckedArray {
 
   private:
     void check(std::size_t index) const {
-        if (index >= items.size())
+        if (index >= items.size()) {
             AfxThrowInvalidArgException();
+        }
     }
     std::vector<T> items;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The main dialog of a host without a window, as prompts on its command line.
 #include "engine/RunUi.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ConsoleUi.h"
 
 #include "acedads.h"
@@ -75,10 +76,12 @@ RunUi::Answer ConsoleUi::Ask(const QString& caption, const QString& text, Button
                  cancel ? QStringLiteral("Cancel") : QStringLiteral("No"));
     const int result = acedGetKword(HostText(prompt), answer.data(), static_cast<int>(answer.size()));
     const QString word = result == RTNORM ? FromHost(answer.data()) : QString();
-    if (word == QLatin1String("Yes"))
+    if (word == QLatin1String("Yes")) {
         return Yes;
-    if (word == QLatin1String("No"))
+    }
+    if (word == QLatin1String("No")) {
         return No;
+    }
     return cancel ? Cancel : No;
 }
 
@@ -91,8 +94,9 @@ void ConsoleUi::OpenStatus(int count) {
     event[QStringLiteral("head")] = LinesBeforeScript;
     event[QStringLiteral("lines")] = LinesOfScript();
     event[QStringLiteral("scripts")] = QJsonArray::fromStringList(ScriptFiles());
-    if (!Report(event))
+    if (!Report(event)) {
         ConsoleLine(QStringLiteral("run started, %1 to do").arg(count));
+    }
 }
 
 void ConsoleUi::ShowFile(const QString& path, int) {
@@ -101,26 +105,30 @@ void ConsoleUi::ShowFile(const QString& path, int) {
     QJsonObject event = ofCurrentFile("file", path);
     event[QStringLiteral("number")] = fileNumber;
     event[QStringLiteral("of")] = fileCount;
-    if (!Report(event))
+    if (!Report(event)) {
         ConsoleLine(QStringLiteral("file %1 of %2: ").arg(fileNumber).arg(fileCount) + path);
+    }
 }
 
 void ConsoleUi::Alarm() {
-    if (!Report(ofCurrentFile("alarm", currentFile)))
+    if (!Report(ofCurrentFile("alarm", currentFile))) {
         ConsoleLine(QStringLiteral("alarm: ") + currentFile);
+    }
 }
 
 void ConsoleUi::ShowFileStatus(std::uint32_t entry, const QString& path, const QString& status) {
     QJsonObject event = ofFile("status", entry, path);
     event[QStringLiteral("status")] = status;
     event[QStringLiteral("changed")] = DrawingHasChanges();
-    if (!Report(event))
+    if (!Report(event)) {
         ConsoleLine(QStringLiteral("status ") + status + QStringLiteral(": ") + path);
+    }
 }
 
 void ConsoleUi::CloseStatus() {
-    if (!Report(named("run-ended")))
+    if (!Report(named("run-ended"))) {
         ConsoleLine(QStringLiteral("run ended"));
+    }
 }
 
 void ConsoleUi::OpenStepThrough() {

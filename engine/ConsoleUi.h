@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the user sees of the module in a host that has no window: lines on the host's command line, all with
 // the prefix "Tarnel: ", and prompts in place of dialogs. How a run goes is told either by such lines or,

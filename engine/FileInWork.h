@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The file in work is known by its position in the order of the queue. Whatever loads the queue or orders it
 // anew moves the positions, and a script may do that at any time through the setters; so the file is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/FilePicker.h"
 
 #include "engine/HostVariables.h"
@@ -25,8 +26,9 @@ bool isCurrentDrawing(const QString& path) {
 /// administrator could write to one that has none, and still should not.
 bool opensReadWrite(const QString& path) {
     const int handle = open(QFile::encodeName(path).constData(), O_RDWR | O_CLOEXEC);
-    if (handle < 0)
+    if (handle < 0) {
         return false;
+    }
     struct stat status {};
     const bool writable = fstat(handle, &status) == 0 &&
                           (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0 &&
@@ -52,15 +54,17 @@ bool mayBeProcessed(CTarnelData& data, const QString& path) {
         Trace("Good\n");
     } else {
         Trace("Could not open\n");
-        if (!data.ProcessReadOnly)
+        if (!data.ProcessReadOnly) {
             return false;
+        }
         data.OpenReadOnly = true;
     }
     Trace("Check for dwk lock file\n");
     if (HasLockMarker(path)) {
         Trace("Lock file found\n");
-        if (!data.ProcessReadOnly)
+        if (!data.ProcessReadOnly) {
             return false;
+        }
         data.OpenReadOnly = true;
     }
     return true;
@@ -72,8 +76,9 @@ bool GetNextFile(QString& path) {
     CTarnelData& data = TarnelData();
     for (std::size_t k = 0; k < data.FileNames.size(); ++k) {
         const std::uint32_t entry = data.FileOrder[k];
-        if (EntryStatus(data, entry) != ToDo)
+        if (EntryStatus(data, entry) != ToDo) {
             continue;
+        }
         path = EntryPath(data, entry);
         data.OpenReadOnly = false;
         const bool tested = !data.RecoverMode && IsEditableDrawingName(path);

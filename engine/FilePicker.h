@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Decides which drawing of the queue is next and how it is opened. It looks from the top each time, so a run
 // needs no cursor: a drawing is next because it is the first that still waits.

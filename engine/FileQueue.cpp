@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The queue: entries and their order.
 #include "engine/TarnelData.h"
 #include "state/FileName.h"
@@ -20,8 +21,9 @@ void AppendEntry(CTarnelData& data, const QString& path) {
 }
 
 int CompareEntries(const CTarnelData& data, std::uint32_t left, std::uint32_t right) {
-    if (data.SortReverse)
+    if (data.SortReverse) {
         std::swap(left, right);
+    }
     const auto byName = [&] {
         return QString::compare(data.FileNames[left], data.FileNames[right], Qt::CaseInsensitive);
     };
@@ -34,8 +36,9 @@ int CompareEntries(const CTarnelData& data, std::uint32_t left, std::uint32_t ri
         return a < b ? -1 : a > b ? 1 : 0;
     };
     const auto first = [](int a, auto second, auto third) {
-        if (a == 0)
+        if (a == 0) {
             a = second();
+        }
         return a == 0 ? third() : a;
     };
     switch (data.SortIdx) {
@@ -60,10 +63,12 @@ void BuildFileOrder(CTarnelData& data) {
     const auto count = static_cast<std::uint32_t>(data.FileNames.size());
     const bool backwards = data.SortIdx == 6 && data.SortReverse;
     data.FileOrder.resize(count);
-    for (std::uint32_t k = 0; k < count; ++k)
+    for (std::uint32_t k = 0; k < count; ++k) {
         data.FileOrder[k] = backwards ? count - 1 - k : k;
-    if (data.SortIdx == 6 || count == 0)
+    }
+    if (data.SortIdx == 6 || count == 0) {
         return;
+    }
     qsort_r(
         &data.FileOrder[0], count, sizeof(std::uint32_t),
         [](const void* left, const void* right, void* context) {

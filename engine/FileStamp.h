@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Tells one version of a file from another without reading it, for files that this module writes again and
 // again and that somebody else could touch in between.

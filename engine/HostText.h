@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Text between the host and the module. The host's ACHAR and QString hold the same UTF-16 units, so text goes
 // over as a pointer; only Qt's type for the unit differs.

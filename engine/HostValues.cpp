@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the chains of values exchange with the host: variables, arguments, symbols. It stands apart from the
 // values, which programs without a host use too.
 #include "engine/ResBuf.h"
@@ -9,8 +10,9 @@
 int ResBuf::GetVar(const QString& name) {
     Clear();
     resbuf* node = acutNewRb(RTNONE);
-    if (!node)
+    if (!node) {
         return RTERROR;
+    }
     const int result = acedGetVar(HostText(name), node);
     if (result != RTNORM) {
         acutRelRb(node);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/HostVariables.h"
 
 #include "engine/RunState.h"
@@ -20,8 +21,9 @@ void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi) {
     CTarnelData& data = TarnelData();
     const std::array<int, 4> values = {sdi, cmddia, filedia, cmdecho};
     for (std::size_t i = 0; i < values.size(); ++i) {
-        if (!(mask & (1 << i)))
+        if (!(mask & (1 << i))) {
             continue;
+        }
         data.SavedSysVars[i].GetVar(data.SysVarNames[i]);
         ResBuf value;
         value.AddShort(values[i]);
@@ -32,11 +34,13 @@ void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi) {
 
 void ResetSystemVars() {
     CTarnelData& data = TarnelData();
-    if (!data.SysVarsSaved)
+    if (!data.SysVarsSaved) {
         return;
+    }
     for (std::size_t i = 0; i < data.SavedSysVars.size(); ++i) {
-        if (data.SavedSysVars[i].IsEmpty())
+        if (data.SavedSysVars[i].IsEmpty()) {
             continue;
+        }
         data.SavedSysVars[i].SetVar(data.SysVarNames[i]);
         data.SavedSysVars[i].Clear();
     }
@@ -47,11 +51,14 @@ void RestoreLeftSystemVars() {
     CTarnelData left;
     const QString file = DataFile(QStringLiteral("TarnelRunner.xml"));
     LoadState(left, &file, 1);
-    if (!left.SysVarsSaved)
+    if (!left.SysVarsSaved) {
         return;
-    for (std::size_t i = 0; i < left.SavedSysVars.size(); ++i)
-        if (!left.SavedSysVars[i].IsEmpty())
+    }
+    for (std::size_t i = 0; i < left.SavedSysVars.size(); ++i) {
+        if (!left.SavedSysVars[i].IsEmpty()) {
             left.SavedSysVars[i].SetVar(left.SysVarNames[i]);
+        }
+    }
 }
 
 QString HostTextVariable(const char* name) {

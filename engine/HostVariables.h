@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A run works only with the host set for it: one document at a time, no dialogs, no echo. The values before
 // are kept in the record, and with it in the state file, so that they go back even after a crash.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/LockMarker.h"
 
 #include "state/FileName.h"
@@ -15,8 +16,9 @@ namespace {
 /// State and start of a process as the system tells them; empty when there is none.
 QList<QByteArray> processFields(qint64 process) {
     QByteArray text;
-    if (ReadWholeFile(QStringLiteral("/proc/%1/stat").arg(process), text) != 0)
+    if (ReadWholeFile(QStringLiteral("/proc/%1/stat").arg(process), text) != 0) {
         return {};
+    }
     // The program's name stands in parentheses and may hold anything.
     return text.sliced(text.lastIndexOf(')') + 1).simplified().split(' ');
 }
@@ -25,14 +27,17 @@ QList<QByteArray> processFields(qint64 process) {
 bool holdsNobodyOff(const QByteArray& marker) {
     constexpr qsizetype startField = 19;
     const QList<QByteArray> lines = marker.split('\n');
-    if (lines.size() < 4 || lines[1] != QSysInfo::machineHostName().toUtf8())
+    if (lines.size() < 4 || lines[1] != QSysInfo::machineHostName().toUtf8()) {
         return false;
+    }
     bool isNumber = false;
     const qint64 process = lines[2].toLongLong(&isNumber);
-    if (!isNumber || process <= 0)
+    if (!isNumber || process <= 0) {
         return false;
-    if (process == ::getpid() || (::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH))
+    }
+    if (process == ::getpid() || (::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH)) {
         return true;
+    }
     const QList<QByteArray> fields = processFields(process);
     // A killed process keeps its number until its parent has asked for it.
     return fields.size() > startField &&
@@ -45,8 +50,9 @@ bool HasLockMarker(const QString& drawing) {
     const CFileName name(drawing);
     const QString marker = JoinPath(name.GetDirectory(), name.GetName() + QStringLiteral(".dwk"));
     struct stat status {};
-    if (::stat(QFile::encodeName(marker).constData(), &status) != 0)
+    if (::stat(QFile::encodeName(marker).constData(), &status) != 0) {
         return false;
+    }
     constexpr off_t largest = 4096;
     QByteArray text;
     return !S_ISREG(status.st_mode) || status.st_size > largest || ReadWholeFile(marker, text) != 0 ||

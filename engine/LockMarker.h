@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The ".dwk" file beside a drawing that somebody has open. The host that made it notes machine, process and
 // the process's start in it, so that one left behind by a killed host is told from one that holds.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Outcomes.h"
 
 #include "acedads.h"
@@ -18,19 +19,23 @@ namespace {
 /// The leading "_y" drops the changes of the drawing before, the trailing one opens read-only.
 int openDocument(const QString& path, bool modified, bool readOnly) {
     const ACHAR* file = HostText(path);
-    if (modified && readOnly)
+    if (modified && readOnly) {
         return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, ACRX_T("_y"), RTSTR, file, RTSTR, ACRX_T("_y"),
                            RTNONE);
-    if (modified)
+    }
+    if (modified) {
         return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, ACRX_T("_y"), RTSTR, file, RTNONE);
-    if (readOnly)
+    }
+    if (readOnly) {
         return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, file, RTSTR, ACRX_T("_y"), RTNONE);
+    }
     return acedCommand(RTSTR, ACRX_T("._open"), RTSTR, file, RTNONE);
 }
 
 int newDocument(bool modified) {
-    if (modified)
+    if (modified) {
         return acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T("_y"), RTSTR, ACRX_T(""), RTNONE);
+    }
     return acedCommand(RTSTR, ACRX_T("._new"), RTSTR, ACRX_T(""), RTNONE);
 }
 
@@ -39,8 +44,9 @@ int newDocument(bool modified) {
 bool goOn() {
     Run().AwaitsItsScript = true;
     const bool goesOn = DoNextFile();
-    if (!goesOn)
+    if (!goesOn) {
         Run().AwaitsItsScript = false;
+    }
     return goesOn;
 }
 
@@ -53,8 +59,9 @@ bool endFile(const char* trace, FileStatusValue status, bool byTime = false) {
     }
     // A script may report in the middle of a command, which would take the start of the next script as its
     // answer.
-    if (!HostTextVariable("CMDNAMES").isEmpty())
+    if (!HostTextVariable("CMDNAMES").isEmpty()) {
         acedCommand(RTNONE);
+    }
     SetCurrentFileStatus(status);
     Trace("Call DoNextFile\n");
     const bool goesOn = goOn();
@@ -88,8 +95,9 @@ void DoScriptStart() {
     if (result != RTNORM) {
         LogUnopenedFile(HostTextVariable("LASTPROMPT"));
         // When the file before was refused too, this one was given Error ahead of its turn, below.
-        if (data.FileStatus[entry] != FailOpen)
+        if (data.FileStatus[entry] != FailOpen) {
             SetCurrentFileStatus(FailOpen);
+        }
         // The file keeps FailOpen. With none left the run has ended in there, and ends once more here: a
         // second new drawing and a second main dialog are what users of refused last files know.
         Trace("Call DoNextFile\n");
@@ -162,8 +170,9 @@ bool DoScriptComplete() {
     SaveRunState();
     const bool goesOn = goOn();
     acedRetT();
-    if (goesOn)
+    if (goesOn) {
         Trace("Return\n");
+    }
     return true;
 }
 
@@ -173,8 +182,9 @@ void DoScriptError() {
 
 void DoScriptTimeout() {
     // The time limit also ends a file whose script never begins.
-    if (endFile("DoScriptTimeout\n", Timeout, Run().TimeIsOver))
+    if (endFile("DoScriptTimeout\n", Timeout, Run().TimeIsOver)) {
         Trace("Return\n");
+    }
 }
 
 void DoScriptOpenTimeout() {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The calls through which the script of a drawing reports to the module: the start, which opens the drawing,
 // and the ways in which it ends. Each fixes the drawing's status and drives the run on. They run as LISP

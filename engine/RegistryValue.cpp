@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/RegistryValue.h"
 
 #include "dbmain.h"
@@ -20,8 +21,9 @@ bool RegistryAccess<unsigned int>::Write(const QString& root, const QString& pat
 
 bool RegistryAccess<QString>::Read(const QString& root, const QString& path, QString& value) {
     std::array<ACHAR, MaxString> buffer{};
-    if (!acrxRegistryReadString(HostText(root), HostText(path), buffer.data(), MaxString))
+    if (!acrxRegistryReadString(HostText(root), HostText(path), buffer.data(), MaxString)) {
         return false;
+    }
     value = FromHost(buffer.data());
     return true;
 }
@@ -33,10 +35,12 @@ bool RegistryAccess<QString>::Write(const QString& root, const QString& path, co
 QString RegistryPath(const QString& path) {
     qsizetype first = 0;
     qsizetype end = path.size();
-    while (first < end && path[first] == QLatin1Char('\\'))
+    while (first < end && path[first] == QLatin1Char('\\')) {
         ++first;
-    while (end > first && path[end - 1] == QLatin1Char('\\'))
+    }
+    while (end > first && path[end - 1] == QLatin1Char('\\')) {
         --end;
+    }
     const bool defaultValue = end < path.size();
     return path.mid(first, end - first) + (defaultValue ? QStringLiteral("\\") : QString());
 }

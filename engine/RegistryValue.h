@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Values of the host's registry as objects: reading gives the value or a default, assigning writes through,
 // and the end of the object writes once more, so that a value that was only read comes into being with its
@@ -37,28 +38,32 @@ class RegistryValue {
     RegistryValue& operator=(const RegistryValue&) = delete;
 
     T Get() {
-        if (force)
+        if (force) {
             read();
+        }
         return value;
     }
     RegistryValue& operator=(const T& assigned) {
         const bool changed = !(assigned == value);
         value = assigned;
-        if (changed || force)
+        if (changed || force) {
             write();
+        }
         return *this;
     }
 
   private:
     void read() {
-        if (!RegistryAccess<T>::Read(root, path, value))
+        if (!RegistryAccess<T>::Read(root, path, value)) {
             value = fallback;
+        }
     }
     /// A registry that takes no writes is no reason to stop: the value is then as it was.
     void write() {
         T present{};
-        if (!RegistryAccess<T>::Read(root, path, present) || !(present == value))
+        if (!RegistryAccess<T>::Read(root, path, present) || !(present == value)) {
             RegistryAccess<T>::Write(root, path, value);
+        }
     }
 
     QString root;

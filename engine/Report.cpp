@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Report.h"
 
 #include "engine/HostText.h"
@@ -25,14 +26,16 @@ int findDescriptor() {
 
 bool Report(const QJsonObject& event) {
     static int descriptor = findDescriptor();
-    if (descriptor < 0)
+    if (descriptor < 0) {
         return false;
+    }
     const QByteArray line = QJsonDocument(event).toJson(QJsonDocument::Compact) + '\n';
     for (qsizetype at = 0; at < line.size();) {
         const ssize_t sent =
             ::send(descriptor, line.constData() + at, static_cast<size_t>(line.size() - at), MSG_NOSIGNAL);
-        if (sent < 0 && errno == EINTR)
+        if (sent < 0 && errno == EINTR) {
             continue;
+        }
         if (sent < 0) {
             // Whoever listened is gone.
             descriptor = -1;

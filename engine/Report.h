@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the module tells besides dialogs: lines for people on the host's command line, and events for the
 // program that started the host. Events are JSON objects, one a line, on the socket that the environment

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ResBuf.h"
 
 #include "acutads.h"
@@ -33,8 +34,9 @@ ResBuf::~ResBuf() {
 }
 
 void ResBuf::Clear() {
-    if (owned && head)
+    if (owned && head) {
         acutRelRb(head);
+    }
     head = nullptr;
     nodes.clear();
     owned = true;
@@ -42,17 +44,20 @@ void ResBuf::Clear() {
 
 void ResBuf::index() {
     nodes.clear();
-    for (resbuf* node = head; node; node = node->rbnext)
+    for (resbuf* node = head; node; node = node->rbnext) {
         nodes.push_back(node);
+    }
 }
 
 void ResBuf::append(resbuf* node) {
-    if (!node)
+    if (!node) {
         return;
-    if (nodes.empty())
+    }
+    if (nodes.empty()) {
         head = node;
-    else
+    } else {
         nodes.back()->rbnext = node;
+    }
     nodes.push_back(node);
 }
 
@@ -64,8 +69,9 @@ void ResBuf::AddShort(int value) {
 }
 
 bool ResBuf::checked(int index) const {
-    if (index >= 0 && index < Count())
+    if (index >= 0 && index < Count()) {
         return true;
+    }
     HostPrint(QStringLiteral("ResBuf: Index out of range.\n"));
     return false;
 }
@@ -75,14 +81,16 @@ int ResBuf::Type(int index) const {
 }
 
 QString ResBuf::String(int index) const {
-    if (!checked(index) || Type(index) != RTSTR)
+    if (!checked(index) || Type(index) != RTSTR) {
         return {};
+    }
     return FromHost(nodes[static_cast<std::size_t>(index)]->resval.rstring);
 }
 
 int ResBuf::Integer(int index) const {
-    if (!checked(index))
+    if (!checked(index)) {
         return 0;
+    }
     const resbuf* node = nodes[static_cast<std::size_t>(index)];
     switch (node->restype) {
         case RTSHORT:
@@ -97,23 +105,27 @@ int ResBuf::Integer(int index) const {
 }
 
 double ResBuf::Real(int index) const {
-    if (!checked(index))
+    if (!checked(index)) {
         return 0;
+    }
     const resbuf* node = nodes[static_cast<std::size_t>(index)];
     return node->restype == RTREAL ? node->resval.rreal : Integer(index);
 }
 
 void ResBuf::RemoveAt(int index) {
-    if (!checked(index))
+    if (!checked(index)) {
         return;
+    }
     const auto at = static_cast<std::size_t>(index);
     resbuf* node = nodes[at];
-    if (at == 0)
+    if (at == 0) {
         head = node->rbnext;
-    else
+    } else {
         nodes[at - 1]->rbnext = node->rbnext;
+    }
     node->rbnext = nullptr;
-    if (owned)
+    if (owned) {
         acutRelRb(node);
+    }
     nodes.erase(nodes.begin() + index);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Wrapper of the host's chain of typed values: indexed access and one place that frees it.
 #include "resbuf.h"

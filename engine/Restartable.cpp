@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Restartable.h"
 
 #include "acedads.h"
@@ -52,18 +53,21 @@ QString fileNamePart(const QString& line) {
 bool loadedByList() {
     Trace("acedFileFile for acad.rx\n");
     std::array<ACHAR, MaxPath> path{};
-    if (acedFindFile(ACRX_T("acad.rx"), path.data(), MaxPath) != RTNORM)
+    if (acedFindFile(ACRX_T("acad.rx"), path.data(), MaxPath) != RTNORM) {
         return false;
+    }
     Trace("Found, openfile\n");
     CStdioFileEx file;
-    if (!file.Open(FromHost(path.data()), CStdioFileEx::modeRead))
+    if (!file.Open(FromHost(path.data()), CStdioFileEx::modeRead)) {
         return false;
+    }
     Trace("Read Contents\n");
     QString line;
     // An empty line leaves the text as it was.
     for (; file.ReadString(line); line.clear()) {
-        if (line.startsWith(QLatin1Char(';')))
+        if (line.startsWith(QLatin1Char(';'))) {
             continue;
+        }
         if (fileNamePart(line).compare(moduleName(), Qt::CaseInsensitive) == 0) {
             Trace("Loaded from acad.rx\n");
             return true;
@@ -78,8 +82,9 @@ QString startupSuiteKey() {
     profile.GetVar(QStringLiteral("cprofile"));
     const QString name = profile.IsType(0, RTSTR) ? profile.String(0) : QString();
     ACHAR* text = nullptr;
-    if (acProfileManagerPtr()->ProfileRegistryKey(text, HostText(name)) != Acad::eOk)
+    if (acProfileManagerPtr()->ProfileRegistryKey(text, HostText(name)) != Acad::eOk) {
         return {};
+    }
     QString key = FromHost(text);
     std::free(text);
     key.remove(0, key.indexOf(QLatin1Char('\\')) + 1);
@@ -109,13 +114,15 @@ void setString(const QString& path, const QString& text) {
 }  // namespace
 
 void EnsureRestartable() {
-    if (loadedByList() || loadedBySuite())
+    if (loadedByList() || loadedBySuite()) {
         return;
+    }
     Trace("Not Found, place entry\n");
     CTarnelData& data = TarnelData();
     RegistryDword controls(loadControlsPath(), NoValue, true, machineRoot());
-    if (controls.Get() == LoadAtStart)
+    if (controls.Get() == LoadAtStart) {
         return;
+    }
     data.TemporarilyLoadFromRegistry = true;
     controls = LoadAtStart;
     setString(QStringLiteral("\\Applications\\OvrixTNL3\\RegPath"),

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A run must survive the death of the host: the next start of the host has to bring this module along. Where
 // the user has arranged that, nothing is changed; else a demand-load entry stands for the length of the run.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/RunGuard.h"
 
 #include "acedads.h"
@@ -8,8 +9,9 @@
 #include "engine/TarnelData.h"
 
 bool RefusesCommand() {
-    if (!IsHostOfOneRun() || !TarnelData().BatchRunning)
+    if (!IsHostOfOneRun() || !TarnelData().BatchRunning) {
         return false;
+    }
     HostPrint(QStringLiteral("\n%1: a script cannot change, begin or cancel the run that it is part of.\n")
                   .arg(TarnelData().ProductName));
     return true;

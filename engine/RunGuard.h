@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a script may not do to the run that it is part of. A host that a program has started for one run does
 // that run as it was described, to its end: a script that changed it would change what becomes of drawings

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/RunState.h"
 
 #include "acdocman.h"
@@ -35,8 +36,9 @@ constexpr std::array SaveWaits = {200, 400, 800, 1600, 3000};
 /// A copy of a file that cannot be read, under the first free name beside it.
 QString keepAside(const QString& path) {
     QString copy = path + QStringLiteral(".damaged");
-    for (int number = 2; QFile::exists(copy); ++number)
+    for (int number = 2; QFile::exists(copy); ++number) {
         copy = path + QStringLiteral(".damaged%1").arg(number);
+    }
     QByteArray bytes;
     return ReadWholeFile(path, bytes) == 0 && WriteWholeFile(copy, bytes) == 0 ? copy : QString();
 }
@@ -45,21 +47,24 @@ QString keepAside(const QString& path) {
 bool reportDamage(const QString& path, const QString& fault) {
     const QString copy = keepAside(path);
     ConsoleLine(path + QStringLiteral(": ") + fault);
-    if (copy.isEmpty())
+    if (copy.isEmpty()) {
         ConsoleLine(
             QStringLiteral("%1 could not be copied; nothing is saved until it can be read.").arg(path));
-    else
+    } else {
         ConsoleLine(QStringLiteral("it is kept as %1").arg(copy));
+    }
     return !copy.isEmpty();
 }
 
 /// What is wrong with the file as it was read; empty when it may be taken.
 QString faultOf(int error, const QByteArray& bytes, bool isOwn) {
     const bool missingMatters = TarnelData().BatchRunning || IsHostOfOneRun();
-    if (error == ENOENT && !missingMatters)
+    if (error == ENOENT && !missingMatters) {
         return {};
-    if (error != 0)
+    }
+    if (error != 0) {
         return QStringLiteral("cannot be read: ") + SystemMessage(error);
+    }
     return isOwn ? QString() : StateTextFault(bytes, 1);
 }
 
@@ -89,13 +94,15 @@ void ResetRun() {
 
 bool LoadRunState() {
     CTarnelData& data = TarnelData();
-    if (data.StateFile.isEmpty())
+    if (data.StateFile.isEmpty()) {
         ResolveStateFile();
+    }
     // What this module wrote itself need not be looked over a second time.
     const auto stamp = StampOf(data.StateFile);
     // What could not be saved is newer than what stands on the disk.
-    if (!Run().Unsaved.isEmpty() && ownVersion == stamp)
+    if (!Run().Unsaved.isEmpty() && ownVersion == stamp) {
         return true;
+    }
     QByteArray bytes;
     const int error = ReadWholeFile(data.StateFile, bytes);
     const QString fault = faultOf(error, bytes, stamp && ownVersion == stamp);
@@ -114,15 +121,17 @@ bool LoadRunState() {
 
 bool SaveRunState() {
     CTarnelData& data = TarnelData();
-    if (!unread.isEmpty())
+    if (!unread.isEmpty()) {
         return false;
+    }
     SaveState(nullptr, 1);
     QString& unsaved = Run().Unsaved;
     if (unsaved.isEmpty() && !LastStateError().isEmpty()) {
         ConsoleLine(QStringLiteral("the state could not be saved: %1").arg(LastStateError()));
         for (const int wait : SaveWaits) {
-            if (!data.BatchRunning || LastStateError().isEmpty())
+            if (!data.BatchRunning || LastStateError().isEmpty()) {
                 break;
+            }
             QThread::msleep(static_cast<unsigned long>(wait));
             SaveState(nullptr, 1);
         }
@@ -134,13 +143,16 @@ bool SaveRunState() {
 
 QString RunFault() {
     const CTarnelData& data = TarnelData();
-    if (!Run().Unsaved.isEmpty())
+    if (!Run().Unsaved.isEmpty()) {
         return QStringLiteral("the state could not be saved: ") + Run().Unsaved;
-    if (!unread.isEmpty())
+    }
+    if (!unread.isEmpty()) {
         return data.StateFile + QStringLiteral(": ") + unread;
-    if (IsHostOfOneRun() && !data.BatchRunning && RunDigest(data) != wantedRun())
+    }
+    if (IsHostOfOneRun() && !data.BatchRunning && RunDigest(data) != wantedRun()) {
         return data.StateFile +
                QStringLiteral(": is not the state of the run that this host was started for");
+    }
     return {};
 }
 
@@ -162,12 +174,14 @@ QString DataFile(const QString& name) {
 
 void SetCurrentFileStatus(FileStatusValue status) {
     CTarnelData& data = TarnelData();
-    if (data.CurrentFile == -1)
+    if (data.CurrentFile == -1) {
         return;
+    }
     const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
     data.FileStatus[entry] = status;
     Trace("SaveState\n");
     // What is told is on disk.
-    if (SaveRunState())
+    if (SaveRunState()) {
         CurrentUi().ShowFileStatus(entry, EntryPath(data, entry), FileStatusWord(status));
+    }
 }

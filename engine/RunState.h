@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a run keeps outside the record: decisions that live from the start of a run to its end and are never
 // written to the state file. One struct, so that a module that is loaded again starts from known values.

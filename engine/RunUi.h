@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // How the engine reaches the user. The windows implement it, and a host without a frame gets lines on its
 // command line instead; the engine knows neither.

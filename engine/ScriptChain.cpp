@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ScriptChain.h"
 
 #include "acedads.h"
@@ -30,8 +31,9 @@ QString forHost(QString path) {
 
 QString usersScript() {
     QString text = DecodeText(TarnelData().Script, LocalePage);
-    if (!text.endsWith(QLatin1Char('\n')))
+    if (!text.endsWith(QLatin1Char('\n'))) {
         text += QLatin1Char('\n');
+    }
     return text;
 }
 
@@ -46,8 +48,9 @@ std::array<WrittenScript, 2> written;
 /// some file systems more than the rest of the step. A disk that is full shows here first: the host will then
 /// find no script, and the cause must stand above.
 void writeScript(const QString& path, const QString& text, WrittenScript& before) {
-    if (before.stamp && before.text == text && StampOf(path) == before.stamp)
+    if (before.stamp && before.text == text && StampOf(path) == before.stamp) {
         return;
+    }
     before.stamp.reset();
     CStdioFileEx file;
     QString cause;
@@ -56,10 +59,11 @@ void writeScript(const QString& path, const QString& text, WrittenScript& before
         complete = file.WriteString(text) && file.Close();
         cause = file.Error();
     }
-    if (complete)
+    if (complete) {
         before = {text, StampOf(path)};
-    else
+    } else {
         ConsoleLine(QStringLiteral("%1: %2").arg(path, cause));
+    }
 }
 
 }  // namespace
@@ -68,8 +72,9 @@ QString ComposeScript() {
     const CTarnelData& data = TarnelData();
     QString text = QStringLiteral("(TNL_Script_Start)\n(TNL_Script_SetVars)\n");
     text += usersScript();
-    if (!data.DisableScriptChain)
+    if (!data.DisableScriptChain) {
         text += QStringLiteral("(TNL_Script_Complete)\n");
+    }
     return text;
 }
 
@@ -101,19 +106,22 @@ bool ReadScriptFile(const QString& path, QString* cause) {
     Trace("OpenFile\n");
     QByteArray bytes;
     QString fault;
-    if (const int error = ReadWholeFile(path, bytes))
+    if (const int error = ReadWholeFile(path, bytes)) {
         fault = SystemMessage(error);
+    }
     if (fault.isEmpty()) {
         Trace("ReadFile\n");
         const ScriptText read = DecodeScript(bytes);
         fault = read.Fault;
         data.Script = read.Script;
-        if (!read.Note.isEmpty())
+        if (!read.Note.isEmpty()) {
             HostPrint(QStringLiteral("\n%1: %2\n").arg(path, read.Note));
+        }
     }
     if (!fault.isEmpty()) {
-        if (cause)
+        if (cause) {
             *cause = fault;
+        }
         return false;
     }
     data.ScriptDescription = TakeDescription(data.Script);

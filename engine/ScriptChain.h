@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A run goes from drawing to drawing through the host's script reader and never through a loop: for each
 // drawing a small script is written in which the user's script stands between calls into the module, and the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Siblings.h"
 
 #include "engine/HostText.h"
@@ -12,8 +13,9 @@ constexpr int MaxModulePath = 1024;
 
 bool modulePath(const QString& name, QString& path) {
     ACHAR buffer[MaxModulePath] = {};
-    if (!acrxModulePath(HostText(name), buffer, MaxModulePath))
+    if (!acrxModulePath(HostText(name), buffer, MaxModulePath)) {
         return false;
+    }
     path = FromHost(buffer);
     return true;
 }
@@ -33,8 +35,9 @@ void putTrue(const char* symbol) {
 void UnloadSiblings() {
     RunState& run = Run();
     QString path;
-    if (!modulePath(run.QrmModuleName, path))
+    if (!modulePath(run.QrmModuleName, path)) {
         return;
+    }
     putTrue("QRMSKIPCLEANUP");
     run.QrmModulePath = path;
     run.SiblingsUnloaded = linker()->unloadModule(HostText(run.QrmModuleName), true);
@@ -46,8 +49,9 @@ void UnloadSiblings() {
 
 void LoadSiblings() {
     RunState& run = Run();
-    if (!run.SiblingsUnloaded)
+    if (!run.SiblingsUnloaded) {
         return;
+    }
     putTrue("QRMSKIPINIT");
     run.SiblingsUnloaded = false;
     linker()->loadModule(HostText(run.QrmModulePath), false, true);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/TarnelData.h"
 
 #include <optional>
@@ -9,8 +10,9 @@ std::optional<CTarnelData> record;
 }  // namespace
 
 CTarnelData& TarnelData() {
-    if (!record)
+    if (!record) {
         record.emplace();
+    }
     return *record;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // All that a run knows. One global record outlives every drawing, because the module stays loaded while the
 // host opens and closes documents; it is written to the state file at each change of a file's status. It is
@@ -145,8 +146,9 @@ inline std::uint32_t EntryStatus(const CTarnelData& data, std::size_t index) {
 }
 /// Gives entry i a status, and those in front of it that have none what EntryStatus says.
 inline void SetEntryStatus(CTarnelData& data, std::size_t index, std::uint32_t status) {
-    while (data.FileStatus.size() <= index)
+    while (data.FileStatus.size() <= index) {
         data.FileStatus.push_back(Error);
+    }
     data.FileStatus[index] = status;
 }
 

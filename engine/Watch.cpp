@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Watch.h"
 
 #include "acdocman.h"
@@ -50,8 +51,9 @@ void WatchNewFile(const QString& path) {
 
 void CloseWatch() {
     CloseRunLog();
-    if (!timers)
+    if (!timers) {
         return;
+    }
     timers.reset();
     CurrentUi().CloseStatus();
 }
@@ -61,8 +63,9 @@ bool CheckWatch() {
 }
 
 void CancelRun() {
-    if (timers)
+    if (timers) {
         timers->KillAll();
+    }
     SendToHost(CancelString());
 }
 

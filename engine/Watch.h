@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The watch over a run: the run log, the status that the user sees, and the time limits of each drawing. The
 // timers never touch the run. They only send the host a string of cancels and a LISP call, so that every

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/WatchTimers.h"
 
 #include "acdocman.h"
@@ -37,12 +38,15 @@ void WatchTimers::Start(unsigned alarmTime, unsigned maxTime) {
     timeout.stop();
     flash.stop();
     Run().TimeIsOver = false;
-    if (alarmTime != 0)
+    if (alarmTime != 0) {
         alarm.start(milliseconds(alarmTime));
-    if (maxTime != 0)
+    }
+    if (maxTime != 0) {
         timeout.start(milliseconds(maxTime));
-    if (alarmTime != 0 || maxTime != 0)
+    }
+    if (alarmTime != 0 || maxTime != 0) {
         seconds.start(SecondPeriod);
+    }
 }
 
 void WatchTimers::KillAll() {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The four timers of a run: alarm, time limit, flashing and seconds. They belong to one drawing each and are
 // set anew for the next one.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A main for a fuzzing harness without a fuzzer: every file of the folders named goes through it, then a
 // number of mutations of each, always the same ones. It needs no special compiler, so that each test run can
 // afford it; what a long fuzzing run found stays in the corpus and is tried here for ever.
@@ -66,9 +67,11 @@ int main(int argc, char** argv) {
             continue;
         }
         std::error_code error;
-        for (const auto& entry : fs::directory_iterator(argument, error))
-            if (entry.is_regular_file())
+        for (const auto& entry : fs::directory_iterator(argument, error)) {
+            if (entry.is_regular_file()) {
                 seeds.push_back(entry.path());
+            }
+        }
         if (error) {
             std::fprintf(stderr, "%s: %s\n", argument.c_str(), error.message().c_str());
             return 1;
@@ -88,8 +91,9 @@ int main(int argc, char** argv) {
         std::fflush(stdout);
         tryInput(bytes);
         std::mt19937 random(1);
-        for (unsigned i = 0; i < mutations; ++i)
+        for (unsigned i = 0; i < mutations; ++i) {
             tryInput(mutated(bytes, random));
+        }
     }
     std::printf("%zu inputs, %u mutations of each\n", seeds.size(), mutations);
     return 0;

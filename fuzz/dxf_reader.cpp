@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes are either refused with one line or opened; what opens is written back as it was, survives edits,
 // zooming and conversion, and can be read again.
 #include "drafthost/drawing/Blocks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as LISP text: they must read or fail cleanly, what was read must show and read again as the
 // same, and the scanner that gathers lines must agree with the reader about what is complete.
 #include <cstdint>
@@ -16,8 +17,9 @@ using namespace drafthost::lisp;
 namespace {
 
 void require(bool holds) {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 /// Reals are shown rounded and symbols may be spelled like nothing that reads back, so only what holds
@@ -25,10 +27,12 @@ void require(bool holds) {
 bool isExact(const Value& value) {
     for (const Value* rest = &value; !rest->isNil(); rest = &rest->cdr()) {
         const Value& item = rest->isCons() ? rest->car() : *rest;
-        if (!item.isNil() && !item.isInt() && !item.isString())
+        if (!item.isNil() && !item.isInt() && !item.isString()) {
             return false;
-        if (!rest->isCons())
+        }
+        if (!rest->isCons()) {
             return true;
+        }
     }
     return true;
 }

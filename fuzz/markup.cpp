@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a markup file: the index must lie inside of the text and hang together, edits must keep it so,
 // and what an edit leaves must read the same again.
 #include "state/MarkupDocument.h"
@@ -9,14 +10,16 @@
 namespace {
 
 void require(bool holds) {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 void checkLevel(const MarkupDocument& document, std::uint32_t parent, int depth) {
     constexpr int deepest = 2000;
-    if (depth > deepest)
+    if (depth > deepest) {
         return;
+    }
     const PositionIndex& positions = document.Positions();
     const auto size = static_cast<std::uint32_t>(document.GetDocumentText().size());
     std::uint32_t last = 0;
@@ -26,14 +29,16 @@ void checkLevel(const MarkupDocument& document, std::uint32_t parent, int depth)
         require(element.Parent == parent && element.Start >= end && element.End() <= size);
         require(element.StartTagLength() + element.EndTagLength() <= element.Length);
         require(((element.Level & ElementPosition::FirstSibling) != 0) == (last == 0));
-        if (last != 0)
+        if (last != 0) {
             require(element.PreviousSibling == last);
+        }
         last = i;
         end = element.End();
         checkLevel(document, i, depth + 1);
     }
-    if (last != 0)
+    if (last != 0) {
         require(positions[positions[parent].FirstChild].PreviousSibling == last);
+    }
 }
 
 }  // namespace

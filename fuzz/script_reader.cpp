@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a script: cutting it into inputs must end, lose nothing but comments, and not depend on the
 // pieces in which the text arrives. The readers of single answers get every input that comes out.
 #include <cstdint>

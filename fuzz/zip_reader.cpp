@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The archive reader over any bytes: it may refuse, it must not read, write or allocate beyond them.
 #include "log/ZipArchive.h"
 
@@ -19,8 +20,9 @@ void readEntry(CZipArchive& archive, int index) {
         CFileHeader header;
         archive.GetFileInfo(header, index);
         if (archive.FindFile(header.Name, true) < 0 ||
-            archive.ReadWholeFile(index).size() != header.UncompSize)
+            archive.ReadWholeFile(index).size() != header.UncompSize) {
             abort();
+        }
     } catch (const CZipException&) {
         // Damage in one entry; the others are still to be read.
         return;
@@ -37,12 +39,14 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     }
     CZipArchive archive;
     try {
-        if (!archive.Open("/proc/self/fd/" + std::to_string(handle), CZipArchive::Existing))
+        if (!archive.Open("/proc/self/fd/" + std::to_string(handle), CZipArchive::Existing)) {
             abort();
+        }
     } catch (const CZipException&) {
         return 0;
     }
-    for (int i = 0; i < archive.Count(); ++i)
+    for (int i = 0; i < archive.Count(); ++i) {
         readEntry(archive, i);
+    }
     return 0;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CmdLine.h"
 
 #include "acframe.h"
@@ -17,13 +18,15 @@ void CmdLine::begin() {
 }
 
 void CmdLine::end() {
-    if (Depth > 0)
+    if (Depth > 0) {
         --Depth;
+    }
 }
 
 void CmdLine::databaseConstructed(AcDbDatabase* database) {
-    if (database && TarnelData().BatchRunning)
+    if (database && TarnelData().BatchRunning) {
         database->disablePartialOpen();
+    }
 }
 
 void CmdLine::commandWillStart(const ACHAR*) {
@@ -58,6 +61,7 @@ void CmdLine::beginQuit() {
     Trace("CmdLine::beginQuit():ResetSystemVars\n");
     ResetSystemVars();
     // A host without a frame belongs to whoever started it, who knows what its death means for the run.
-    if (acedGetAcadFrame() != nullptr)
+    if (acedGetAcadFrame() != nullptr) {
         LeaveRun();
+    }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Watches the host from inside: drawings of a run must open whole, and the host's variables must go back
 // before the host is left.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The names by which the host reaches the module.
 #include "engine/RunState.h"
 #include "host/LispFunctions.h"
@@ -12,8 +13,9 @@ extern "C" TNL_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, 
             StartModule();
             auto* linker = AcRxDynamicLinker::cast(acrxSysRegistry()->at(ACRX_T("DynamicLinker")));
             // A script that unloaded the module would take its run away.
-            if (!IsHostOfOneRun())
+            if (!IsHostOfOneRun()) {
                 linker->unlockApplication(appId);
+            }
             linker->registerAppMDIAware(appId);
             break;
         }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/InstallScript.h"
 
 #include "engine/RegistryValue.h"

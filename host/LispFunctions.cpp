@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/LispFunctions.h"
 
 #include "acedads.h"
@@ -32,10 +33,11 @@ int scriptComplete() {
 }
 
 void startBatch() {
-    if (DoStartBatch())
+    if (DoStartBatch()) {
         acedRetT();
-    else
+    } else {
         acedRetNil();
+    }
 }
 
 struct LispFunction {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the module offers to LISP and to script files. The functions are registered at each drawing, because
 // each drawing has a LISP world of its own.

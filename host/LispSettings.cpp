@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/LispSettings.h"
 
 #include "acdocman.h"
@@ -16,17 +17,19 @@
 namespace {
 
 void returnBool(bool value) {
-    if (value)
+    if (value) {
         acedRetT();
-    else
+    } else {
         acedRetNil();
+    }
 }
 
 /// What the setters begin with: the state as it is on disk, and their arguments.
 ResBuf beginSetter(const char* trace) {
     Trace(trace);
-    if (TarnelData().StateFile.isEmpty())
+    if (TarnelData().StateFile.isEmpty()) {
         ResolveStateFile();
+    }
     Trace("LoadState\n");
     LoadRunState();
     Trace("GetArgs\n");
@@ -74,8 +77,9 @@ void takeQueue(ResBuf& arguments) {
     data.SortIdx = 6;
     data.SortReverse = 0;
     const int count = arguments.Count();
-    for (int i = 1; i < count && !arguments.IsType(i, RTLE); ++i)
+    for (int i = 1; i < count && !arguments.IsType(i, RTLE); ++i) {
         AppendEntry(data, arguments.String(i));
+    }
     inWork.FindAgain(data);
 }
 
@@ -134,8 +138,9 @@ void DoSetScript() {
         acedRetStr(HostText(DecodeText(TarnelData().Script, LocalePage)));
     } else if (arguments.IsType(0, RTSTR)) {
         QString cause;
-        if (!ReadScriptFile(arguments.String(0), &cause))
+        if (!ReadScriptFile(arguments.String(0), &cause)) {
             HostPrint(QStringLiteral("\n%1: %2\n").arg(arguments.String(0), cause));
+        }
         saveSetting();
         acedRetT();
     } else {
@@ -160,8 +165,9 @@ void DoBatchLisp() {
         acedRetNil();
         return;
     }
-    if (TarnelData().StateFile.isEmpty())
+    if (TarnelData().StateFile.isEmpty()) {
         ResolveStateFile();
+    }
     Trace("LoadState\n");
     LoadRunState();
     takeQueue(arguments);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // LISP functions that set a run up. All but the chain switch act on what the state file says and write it
 // back, so they work before any dialog was open.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/Module.h"
 
 #include "accmd.h"
@@ -47,9 +48,10 @@ void openStepThrough() {
 void makeDataDir() {
     CTarnelData& data = TarnelData();
     data.DataDir = UserDataDir();
-    if (const int error = files::MakeFolder(QFile::encodeName(data.DataDir).toStdString()))
+    if (const int error = files::MakeFolder(QFile::encodeName(data.DataDir).toStdString())) {
         ConsoleLine(QStringLiteral("%1: the folder cannot be made: %2; nothing will be kept.")
                         .arg(data.DataDir, SystemMessage(error)));
+    }
 }
 
 void findModule() {
@@ -57,8 +59,9 @@ void findModule() {
     data.Version = QStringLiteral(TNL_VERSION);
     data.Build = QStringLiteral(TNL_BUILD);
     ACHAR path[2048] = {};
-    if (acrxModulePath(HostText(QString::fromLatin1(ModuleFileName)), path, 2048))
+    if (acrxModulePath(HostText(QString::fromLatin1(ModuleFileName)), path, 2048)) {
         data.ModuleDir = CFileName(FromHost(path)).GetDirectory();
+    }
 }
 
 void addCommands() {
@@ -106,8 +109,9 @@ void StartModule() {
 }
 
 void StopModule() {
-    if (!context)
+    if (!context) {
         return;
+    }
     Trace("OvrixRemoveToolbar\n");
     OvrixRemoveToolbar();
     Trace("Remove reactor\n");
@@ -116,8 +120,9 @@ void StopModule() {
     acedRegCmdsPtr()->removeGroup(CommandGroup);
     Trace("Done");
     printState("unloaded");
-    if (CurrentUi().IsStepThroughVisible())
+    if (CurrentUi().IsStepThroughVisible()) {
         CurrentUi().CloseStepThrough();
+    }
     SetUi(nullptr);
     context.reset();
     ResetRun();

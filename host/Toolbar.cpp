@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/Toolbar.h"
 
 #include "achar.h"
@@ -52,20 +53,23 @@ extern "C" __attribute__((visibility("default"))) int OvrixSetupToolbar() {
         }
     }
     const QString file = TarnelData().ModuleDir + QString::fromLatin1(ToolbarModule);
-    if (!QFile::exists(file))
+    if (!QFile::exists(file)) {
         return 1;
+    }
     Trace("Load Toolbar\n");
     AcRxDynamicLinker::cast(acrxSysRegistry()->at(ACRX_T("DynamicLinker")))
         ->loadModule(HostText(file), false, true);
     // A file of that name that is no toolbar must not take the host down.
-    if (void* add = entry("AddToToolbar"))
+    if (void* add = entry("AddToToolbar")) {
         addButton(add);
+    }
     return 1;
 }
 
 void OvrixRemoveToolbar() {
-    if (!toolbarIsLoaded())
+    if (!toolbarIsLoaded()) {
         return;
+    }
     if (void* remove = entry("RemoveFromToolbar")) {
         Trace("RemoveFromToolbar\n");
         reinterpret_cast<RemoveFunction>(remove)(ACRX_T("tarnel\n"));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A sibling module offers a toolbar that several modules share. When it is at hand, this module's command
 // gets a button there; without it nothing is missing but the button.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/WindowUi.h"
 
 #include "acframe.h"
@@ -21,19 +22,22 @@ void emailLog(QWidget* page) {
         return;
     }
     const SupportResult result = BuildSupportBundle(session);
-    if (!result.Error.isEmpty())
+    if (!result.Error.isEmpty()) {
         QMessageBox::warning(page, QStringLiteral("E-Mail Log"), result.Error);
+    }
 }
 
 }  // namespace
 
 std::unique_ptr<RunUi> MakeWindowUi() {
-    if (acedGetAcadFrame() == nullptr)
+    if (acedGetAcadFrame() == nullptr) {
         return nullptr;
+    }
     InitHtmlResources();
     // A program that is not installed has no icon that the desktop would know.
-    if (QApplication::windowIcon().isNull())
+    if (QApplication::windowIcon().isNull()) {
         QApplication::setWindowIcon(ResourceIcon(QStringLiteral("tarnel")));
+    }
     auto windows = std::make_unique<DialogUi>();
     windows->EmailLog = emailLog;
     return windows;

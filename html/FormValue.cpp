@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/FormValue.h"
 
 namespace {
@@ -11,16 +12,18 @@ std::vector<HtmlElement> group(const HtmlElement& element, const QString& type) 
 }  // namespace
 
 int FormValue::ToInteger() const {
-    if (GetKind() == Integer)
+    if (GetKind() == Integer) {
         return std::get<int>(Value);
+    }
     return GetKind() == Real ? static_cast<int>(std::get<double>(Value)) : 0;
 }
 
 bool GetFormValues(const HtmlElement& root, FormValues& values) {
     for (const HtmlElement& element : Select(root, QStringLiteral("[name]"))) {
         const QString name = element.Attribute(QStringLiteral("name"));
-        if (name.isEmpty() || values.contains(name) || element.ControlType() == HtmlControlType::None)
+        if (name.isEmpty() || values.contains(name) || element.ControlType() == HtmlControlType::None) {
             continue;
+        }
         values.emplace(name, GetElementValue(element));
     }
     return !values.empty();
@@ -30,8 +33,9 @@ bool SetFormValues(const HtmlElement& root, const FormValues& values) {
     bool any = false;
     for (const auto& [name, value] : values) {
         HtmlElement element = FindFirst(root, QStringLiteral("[name='%1']").arg(name));
-        if (element.IsNull() || element.ControlType() == HtmlControlType::None)
+        if (element.IsNull() || element.ControlType() == HtmlControlType::None) {
             continue;
+        }
         SetElementValue(element, value);
         any = true;
     }
@@ -44,15 +48,17 @@ FormValue GetElementValue(const HtmlElement& element) {
         case HtmlControlType::CheckBox: {
             const std::vector<HtmlElement> boxes = group(element, QStringLiteral("checkbox"));
             unsigned mask = 0;
-            for (std::size_t i = 0; i < boxes.size() && i < 32; ++i)
+            for (std::size_t i = 0; i < boxes.size() && i < 32; ++i) {
                 mask |= boxes[i].IsChecked() ? 1U << i : 0U;
+            }
             return boxes.size() == 1 ? FormValue(mask == 1) : FormValue(static_cast<int>(mask));
         }
         case HtmlControlType::Radio: {
             const std::vector<HtmlElement> buttons = group(element, QStringLiteral("radio"));
             for (std::size_t i = 0; i < buttons.size(); ++i) {
-                if (buttons[i].IsChecked())
+                if (buttons[i].IsChecked()) {
                     return FormValue(static_cast<int>(i));
+                }
             }
             return {};
         }
@@ -78,14 +84,16 @@ void SetElementValue(HtmlElement& element, const FormValue& value) {
         case HtmlControlType::CheckBox: {
             std::vector<HtmlElement> boxes = group(element, QStringLiteral("checkbox"));
             const auto mask = static_cast<unsigned>(value.ToInteger());
-            for (std::size_t i = 0; i < boxes.size(); ++i)
+            for (std::size_t i = 0; i < boxes.size(); ++i) {
                 boxes[i].SetChecked(boxes.size() == 1 ? value.IsTrue() : i < 32 && (mask >> i & 1U) != 0);
+            }
             break;
         }
         case HtmlControlType::Radio: {
             std::vector<HtmlElement> buttons = group(element, QStringLiteral("radio"));
-            for (std::size_t i = 0; i < buttons.size(); ++i)
+            for (std::size_t i = 0; i < buttons.size(); ++i) {
                 buttons[i].SetChecked(static_cast<int>(i) == value.ToInteger());
+            }
             break;
         }
         case HtmlControlType::Number:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Moves values between a form on a page and the program by the names of its elements. It knows nothing of any
 // particular form.

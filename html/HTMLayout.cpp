@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HTMLayout.h"
 
 #include "html/HtmlAccessible.h"
@@ -50,18 +51,21 @@ QString markPreLineEnds(const QString& html) {
     qsizetype at = 0;
     while (true) {
         const qsizetype begin = html.indexOf(QLatin1String("<pre"), at, Qt::CaseInsensitive);
-        if (begin < 0)
+        if (begin < 0) {
             break;
+        }
         qsizetype end = html.indexOf(QLatin1String("</pre"), begin, Qt::CaseInsensitive);
-        if (end < 0)
+        if (end < 0) {
             end = html.size();
+        }
         qsizetype text = html.indexOf(u'>', begin);
         text = text < 0 || text > end ? end : text + 1;
         marked += QStringView(html).mid(at, text - at);
         QString inside = html.mid(text, end - text);
         inside.remove(u'\r');
-        if (inside.startsWith(u'\n'))
+        if (inside.startsWith(u'\n')) {
             inside.remove(0, 1);
+        }
         inside.replace(u'\n', QChar(PreLineEnd));
         marked += inside;
         at = end;
@@ -106,8 +110,9 @@ bool CHTMLayout::LoadHtmlResource(const QString& name) {
 
 bool CHTMLayout::LoadFile(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return false;
+    }
     return LoadHtml(QString::fromUtf8(file.readAll()));
 }
 
@@ -150,34 +155,40 @@ void CHTMLayout::load() {
 void CHTMLayout::gatherControls() {
     const std::vector<litehtml::element::ptr> before = std::exchange(controls, {});
     behaviors.clear();
-    if (document)
+    if (document) {
         collectControls(document->root());
+    }
     for (const litehtml::element::ptr& element : before) {
         QWidget* field = dynamic_cast<HtmlControl&>(*element).ExistingWidget();
-        if (field != nullptr && std::find(controls.begin(), controls.end(), element) == controls.end())
+        if (field != nullptr && std::find(controls.begin(), controls.end(), element) == controls.end()) {
             Q_EMIT OnDestroyControl(HtmlElement(this, element), field);
+        }
     }
 }
 
 void CHTMLayout::collectControls(const litehtml::element::ptr& element) {
-    if (dynamic_cast<HtmlControl*>(element.get()) != nullptr)
+    if (dynamic_cast<HtmlControl*>(element.get()) != nullptr) {
         controls.push_back(element);
+    }
     const HtmlElement handle(this, element);
     if (const QString name = handle.Style(QStringLiteral("behavior")); !name.isEmpty()) {
         AttachBehaviorRequest request{name, handle};
         Q_EMIT OnAttachBehavior(request);
         HtmlBehavior* behavior = request.Behavior != nullptr ? request.Behavior : FindHtmlBehavior(name);
-        if (behavior != nullptr)
+        if (behavior != nullptr) {
             behaviors.emplace(element.get(), behavior);
+        }
     }
     const auto count = static_cast<int>(element->get_children_count());
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         collectControls(element->get_child(i));
+    }
 }
 
 void CHTMLayout::layOut() {
-    if (!document)
+    if (!document) {
         return;
+    }
     runsKnown = false;
     document->render(viewport()->width());
     const QSize page(document->width(), document->height());
@@ -203,17 +214,19 @@ void CHTMLayout::placeControls() {
             const HtmlElement handle(this, element);
             field->installEventFilter(this);
             // Queued, since what follows from a button may replace the page that it stands on.
-            if (auto* button = qobject_cast<QPushButton*>(field))
+            if (auto* button = qobject_cast<QPushButton*>(field)) {
                 connect(
                     button, &QPushButton::clicked, this, [this, handle] { Q_EMIT OnCommandClick(handle); },
                     Qt::QueuedConnection);
+            }
             Q_EMIT OnCreateControl(handle, field);
         }
         field->setGeometry(
             ElementBox(element).translated(-horizontalScrollBar()->value(), -verticalScrollBar()->value()));
         field->show();
-        if (made || before != this)
+        if (made || before != this) {
             QWidget::setTabOrder(before, field);
+        }
         before = field;
     }
 }
@@ -236,12 +249,14 @@ QRect CHTMLayout::ElementBox(const litehtml::element::ptr& element) {
     litehtml::position::vector boxes;
     element->get_inline_boxes(boxes);
     litehtml::element::ptr outer = element->parent();
-    while (outer && outer->get_display() == litehtml::display_inline)
+    while (outer && outer->get_display() == litehtml::display_inline) {
         outer = outer->parent();
+    }
     const litehtml::position origin = outer ? outer->get_placement() : litehtml::position();
     QRect all;
-    for (const litehtml::position& box : boxes)
+    for (const litehtml::position& box : boxes) {
         all |= toRect(box).translated(origin.x, origin.y);
+    }
     return all;
 }
 
@@ -255,16 +270,18 @@ void CHTMLayout::ReplaceChildren(const litehtml::element::ptr& element, const QS
     if (wrapper) {
         const auto count = static_cast<int>(wrapper->get_children_count());
         for (int i = 0; i < count; ++i) {
-            if (wrapper->get_child(i)->is_body())
+            if (wrapper->get_child(i)->is_body()) {
                 body = wrapper->get_child(i);
+            }
         }
     }
     if (body) {
         std::vector<litehtml::element::ptr> moved;
         const auto count = static_cast<int>(body->get_children_count());
         moved.reserve(body->get_children_count());
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             moved.push_back(body->get_child(i));
+        }
         for (const auto& child : moved) {
             body->removeChild(child);
             element->appendChild(child);
@@ -285,14 +302,17 @@ litehtml::element::ptr CHTMLayout::create_element(const char* tag, const litehtm
 QByteArray CHTMLayout::loadData(const QString& uri) {
     LoadDataRequest request{uri, {}};
     Q_EMIT OnLoadData(request);
-    if (!request.Data.isEmpty())
+    if (!request.Data.isEmpty()) {
         return request.Data;
+    }
     QString name = uri.toLower();
     // A style sheet is looked up by its whole address, "res:" included.
-    if (name.contains(QLatin1String(".css")))
+    if (name.contains(QLatin1String(".css"))) {
         return FindHtmlResource(name, HtmlResourceKind::Page);
-    if (name.startsWith(QLatin1String("res:")))
+    }
+    if (name.startsWith(QLatin1String("res:"))) {
         name.remove(0, 4);
+    }
     return FindHtmlResource(name, HtmlResourceKind::Data);
 }
 
@@ -307,15 +327,17 @@ void CHTMLayout::get_client_rect(litehtml::position& client) const {
 void CHTMLayout::paintEvent(QPaintEvent* event) {
     QPainter painter(viewport());
     painter.fillRect(event->rect(), palette().color(QPalette::Base));
-    if (!document)
+    if (!document) {
         return;
+    }
     const int x = -horizontalScrollBar()->value();
     const int y = -verticalScrollBar()->value();
     litehtml::position clip(event->rect().x(), event->rect().y(), event->rect().width(),
                             event->rect().height());
     document->draw(reinterpret_cast<litehtml::uint_ptr>(&painter), x, y, &clip);
-    if (anchor.first >= 0 && anchor != caret)
+    if (anchor.first >= 0 && anchor != caret) {
         paintSelection(painter, event->rect().translated(-x, -y));
+    }
     if (!focusedLink.IsNull() && hasFocus()) {
         painter.setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DotLine));
         painter.drawRect(focusedLink.Box().translated(x, y).adjusted(-2, -1, 1, 1));
@@ -332,16 +354,18 @@ void CHTMLayout::paintSelection(QPainter& painter, const QRect& area) {
     painter.translate(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
     for (int i = from.first; i <= to.first && i < static_cast<int>(all.size()); ++i) {
         const HtmlTextRun& run = all[static_cast<std::size_t>(i)];
-        if (!run.Box.intersects(area))
+        if (!run.Box.intersects(area)) {
             continue;
+        }
         const QFontMetrics metrics(run.Font, this);
         const int left = i == from.first ? metrics.horizontalAdvance(run.Text.left(from.second)) : 0;
         int right = i == to.first ? metrics.horizontalAdvance(run.Text.left(to.second)) : run.Box.width();
         // The blank up to the next word of the line belongs to the selection too.
         if (i < to.first) {
             const QRect& next = all[static_cast<std::size_t>(i) + 1].Box;
-            if (next.top() < run.Box.bottom() && next.left() > run.Box.right())
+            if (next.top() < run.Box.bottom() && next.left() > run.Box.right()) {
                 right = next.left() - run.Box.left();
+            }
         }
         const QRect part(run.Box.x() + left, run.Box.y(), right - left, run.Box.height());
         painter.save();
@@ -368,12 +392,14 @@ void CHTMLayout::changeEvent(QEvent* event) {
     QAbstractScrollArea::changeEvent(event);
     // Colours and fonts were taken while the page was parsed, so that it is read again; what the user has
     // entered in its fields goes over to the new page.
-    if (event->type() == QEvent::FontChange)
+    if (event->type() == QEvent::FontChange) {
         takeDefaultFont();
+    }
     const bool again = event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
                        event->type() == QEvent::StyleChange;
-    if (!again || !document)
+    if (!again || !document) {
         return;
+    }
     std::vector<std::pair<bool, QString>> entered;
     for (const auto& element : controls) {
         const auto& field = dynamic_cast<const HtmlControl&>(*element);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one control through which the module shows HTML: pages from text, resources and files, links and mouse
 // buttons as typed signals, form controls as real widgets over the page. A link does nothing unless a slot

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Mouse, keyboard, links and the selection of the HTML view.
 #include "html/HTMLayout.h"
 
@@ -18,8 +19,9 @@ QPoint CHTMLayout::toPage(const QPoint& point) const {
 }
 
 HtmlElement CHTMLayout::elementAt(const QPoint& viewportPoint) const {
-    if (!document)
+    if (!document) {
         return {};
+    }
     const QPoint page = toPage(viewportPoint);
     const litehtml::element::ptr found =
         document->root()->get_element_by_point(page.x(), page.y(), viewportPoint.x(), viewportPoint.y());
@@ -27,20 +29,23 @@ HtmlElement CHTMLayout::elementAt(const QPoint& viewportPoint) const {
 }
 
 HtmlElement CHTMLayout::withAttribute(HtmlElement element, const QString& name) const {
-    while (!element.IsNull() && element.Attribute(name).isEmpty())
+    while (!element.IsNull() && element.Attribute(name).isEmpty()) {
         element = element.Parent();
+    }
     return element;
 }
 
 void CHTMLayout::redraw(const litehtml::position::vector& boxes) {
-    for (const litehtml::position& box : boxes)
+    for (const litehtml::position& box : boxes) {
         viewport()->update(
             toRect(box).translated(-horizontalScrollBar()->value(), -verticalScrollBar()->value()));
+    }
 }
 
 void CHTMLayout::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !document)
+    if (event->button() != Qt::LeftButton || !document) {
         return;
+    }
     const QPoint at = event->position().toPoint();
     const QPoint page = toPage(at);
     litehtml::position::vector boxes;
@@ -68,8 +73,9 @@ void CHTMLayout::mouseReleaseEvent(QMouseEvent* event) {
         Q_EMIT OnXButton2();
         return;
     }
-    if (event->button() != Qt::LeftButton || !document)
+    if (event->button() != Qt::LeftButton || !document) {
         return;
+    }
     const QPoint at = event->position().toPoint();
     const QPoint page = toPage(at);
     selecting = false;
@@ -82,28 +88,32 @@ void CHTMLayout::mouseReleaseEvent(QMouseEvent* event) {
     }
     pressed = HtmlElement();
     // A drag over a link selects its text and does not follow it.
-    if (anchor != caret)
+    if (anchor != caret) {
         return;
+    }
     // Following a link may replace this very page: the engine must not stand in it then.
     const litehtml::document::ptr keep = document;
     litehtml::position::vector boxes;
     keep->on_lbutton_up(page.x(), page.y(), at.x(), at.y(), boxes);
-    if (keep == document)
+    if (keep == document) {
         redraw(boxes);
+    }
 }
 
 void CHTMLayout::mouseMoveEvent(QMouseEvent* event) {
-    if (!document)
+    if (!document) {
         return;
+    }
     const QPoint at = event->position().toPoint();
     const QPoint page = toPage(at);
     if (selecting && (event->buttons() & Qt::LeftButton) != 0) {
         caret = textPosition(page);
         const bool outside = at.y() < 0 || at.y() > viewport()->height();
-        if (outside && !selectionScroll.isActive())
+        if (outside && !selectionScroll.isActive()) {
             selectionScroll.start(40, this);
-        else if (!outside)
+        } else if (!outside) {
             selectionScroll.stop();
+        }
         viewport()->update();
         return;
     }
@@ -127,27 +137,32 @@ void CHTMLayout::timerEvent(QTimerEvent* event) {
 
 // A double click selects a word.
 void CHTMLayout::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !document)
+    if (event->button() != Qt::LeftButton || !document) {
         return;
+    }
     const auto [at, character] = textPosition(toPage(event->position().toPoint()));
-    if (at < 0)
+    if (at < 0) {
         return;
+    }
     const QString& text = textRuns()[static_cast<std::size_t>(at)].Text;
     const auto inWord = [&text](int i) { return !text[i].isSpace(); };
     int begin = std::min(character, static_cast<int>(text.size()) - 1);
     int end = begin;
-    while (begin > 0 && inWord(begin) && inWord(begin - 1))
+    while (begin > 0 && inWord(begin) && inWord(begin - 1)) {
         --begin;
-    while (end < text.size() && inWord(end))
+    }
+    while (end < text.size() && inWord(end)) {
         ++end;
+    }
     anchor = {at, begin};
     caret = {at, end};
     viewport()->update();
 }
 
 void CHTMLayout::contextMenuEvent(QContextMenuEvent* event) {
-    if (!document)
+    if (!document) {
         return;
+    }
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     QAction* copy = menu->addAction(tr("&Copy"), QKeySequence::Copy, this, &CHTMLayout::Copy);
@@ -190,10 +205,11 @@ bool CHTMLayout::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* help = dynamic_cast<QHelpEvent*>(event);
         const HtmlElement titled = withAttribute(elementAt(help->pos()), QStringLiteral("title"));
-        if (titled.IsNull())
+        if (titled.IsNull()) {
             QToolTip::hideText();
-        else
+        } else {
             QToolTip::showText(help->globalPos(), titled.Attribute(QStringLiteral("title")), viewport());
+        }
         return true;
     }
     if (event->type() == QEvent::Leave && document) {
@@ -215,12 +231,14 @@ void CHTMLayout::useLink(const QString& href, const HtmlElement& element) {
     event.Element = element;
     int handled = 0;
     Q_EMIT OnHyperlink(event, handled);
-    if (handled != 0 || event.Action != 3)
+    if (handled != 0 || event.Action != 3) {
         return;
+    }
     int openExternally = 0;
     Q_EMIT OnLinkClick(event.Href, &openExternally);
-    if (openExternally == 1)
+    if (openExternally == 1) {
         QDesktopServices::openUrl(QUrl(event.Href));
+    }
 }
 
 // Wheel turns over a spin box scroll the page unless the box has the focus, and a control that gets the
@@ -234,11 +252,12 @@ bool CHTMLayout::eventFilter(QObject* watched, QEvent* event) {
     if (field != nullptr && event->type() == QEvent::FocusIn) {
         focusedLink = HtmlElement();
         const QRect box = field->geometry();
-        if (box.top() < 0)
+        if (box.top() < 0) {
             verticalScrollBar()->setValue(verticalScrollBar()->value() + box.top() - 4);
-        else if (box.bottom() > viewport()->height())
+        } else if (box.bottom() > viewport()->height()) {
             verticalScrollBar()->setValue(verticalScrollBar()->value() + box.bottom() - viewport()->height() +
                                           4);
+        }
     }
     return QAbstractScrollArea::eventFilter(watched, event);
 }
@@ -248,8 +267,9 @@ bool CHTMLayout::focusNextPrevChild(bool next) {
     const std::vector<HtmlElement> links = Links();
     if (hasFocus() && !links.empty()) {
         auto at = static_cast<int>(std::find(links.begin(), links.end(), focusedLink) - links.begin());
-        if (at == static_cast<int>(links.size()))
+        if (at == static_cast<int>(links.size())) {
             at = next ? -1 : static_cast<int>(links.size());
+        }
         at += next ? 1 : -1;
         if (at >= 0 && at < static_cast<int>(links.size())) {
             FocusLink(links[static_cast<std::size_t>(at)]);
@@ -265,10 +285,11 @@ void CHTMLayout::FocusLink(const HtmlElement& link) {
     if (!link.IsNull()) {
         const QRect box = link.Box();
         const int top = verticalScrollBar()->value();
-        if (box.top() < top)
+        if (box.top() < top) {
             verticalScrollBar()->setValue(box.top() - 4);
-        else if (box.bottom() > top + viewport()->height())
+        } else if (box.bottom() > top + viewport()->height()) {
             verticalScrollBar()->setValue(box.bottom() - viewport()->height() + 4);
+        }
         if (QAccessible::isActive()) {
             if (QAccessibleInterface* told = QAccessible::queryAccessibleInterface(this)->focusChild()) {
                 QAccessibleEvent focus(told, QAccessible::Focus);
@@ -308,8 +329,9 @@ const std::vector<HtmlTextRun>& CHTMLayout::textRuns() {
         Recording = nullptr;
         std::erase_if(runs, [](const HtmlTextRun& run) { return run.Text.isEmpty(); });
         std::stable_sort(runs.begin(), runs.end(), [](const HtmlTextRun& a, const HtmlTextRun& b) {
-            if (a.Box.bottom() <= b.Box.top() || b.Box.bottom() <= a.Box.top())
+            if (a.Box.bottom() <= b.Box.top() || b.Box.bottom() <= a.Box.top()) {
                 return a.Box.top() < b.Box.top();
+            }
             return a.Box.left() < b.Box.left();
         });
         runsKnown = true;
@@ -322,13 +344,16 @@ std::pair<int, int> CHTMLayout::textPosition(const QPoint& pagePoint) {
     int best = -1;
     for (int i = 0; i < static_cast<int>(all.size()); ++i) {
         const QRect& box = all[static_cast<std::size_t>(i)].Box;
-        if (box.top() > pagePoint.y())
+        if (box.top() > pagePoint.y()) {
             break;
-        if (box.bottom() < pagePoint.y() || box.left() <= pagePoint.x())
+        }
+        if (box.bottom() < pagePoint.y() || box.left() <= pagePoint.x()) {
             best = i;
+        }
     }
-    if (best < 0)
+    if (best < 0) {
         return all.empty() ? std::pair(-1, 0) : std::pair(0, 0);
+    }
     const HtmlTextRun& run = all[static_cast<std::size_t>(best)];
     const QFontMetrics metrics(run.Font, this);
     const int offset = pagePoint.x() - run.Box.left();
@@ -336,24 +361,27 @@ std::pair<int, int> CHTMLayout::textPosition(const QPoint& pagePoint) {
     while (character < run.Text.size()) {
         const int left = metrics.horizontalAdvance(run.Text.left(character));
         const int right = metrics.horizontalAdvance(run.Text.left(character + 1));
-        if (pagePoint.y() <= run.Box.bottom() && offset < (left + right) / 2)
+        if (pagePoint.y() <= run.Box.bottom() && offset < (left + right) / 2) {
             break;
+        }
         ++character;
     }
     return {best, character};
 }
 
 QString CHTMLayout::SelectedText() const {
-    if (anchor.first < 0 || anchor == caret)
+    if (anchor.first < 0 || anchor == caret) {
         return {};
+    }
     const auto [from, to] = std::minmax(anchor, caret);
     return textBetween(from, to);
 }
 
 QString CHTMLayout::PageText() {
     const std::vector<HtmlTextRun>& all = textRuns();
-    if (all.empty())
+    if (all.empty()) {
         return {};
+    }
     return textBetween({0, 0}, {static_cast<int>(all.size()) - 1, static_cast<int>(all.back().Text.size())});
 }
 
@@ -363,10 +391,11 @@ QString CHTMLayout::textBetween(std::pair<int, int> from, std::pair<int, int> to
         const HtmlTextRun& run = runs[static_cast<std::size_t>(i)];
         if (i > from.first) {
             const QRect& before = runs[static_cast<std::size_t>(i) - 1].Box;
-            if (run.Box.top() >= before.bottom())
+            if (run.Box.top() >= before.bottom()) {
                 text += u'\n';
-            else if (run.Box.left() > before.right() + 1)
+            } else if (run.Box.left() > before.right() + 1) {
                 text += u' ';
+            }
         }
         const int begin = i == from.first ? from.second : 0;
         const int end = i == to.first ? to.second : static_cast<int>(run.Text.size());
@@ -377,14 +406,16 @@ QString CHTMLayout::textBetween(std::pair<int, int> from, std::pair<int, int> to
 
 void CHTMLayout::Copy() {
     const QString text = SelectedText();
-    if (!text.isEmpty())
+    if (!text.isEmpty()) {
         QApplication::clipboard()->setText(text);
+    }
 }
 
 void CHTMLayout::SelectAll() {
     const std::vector<HtmlTextRun>& all = textRuns();
-    if (all.empty())
+    if (all.empty()) {
         return;
+    }
     anchor = {0, 0};
     caret = {static_cast<int>(all.size()) - 1, static_cast<int>(all.back().Text.size())};
     viewport()->update();

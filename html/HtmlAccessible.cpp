@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlAccessible.h"
 
 #include "html/HTMLayout.h"
@@ -52,8 +53,9 @@ class LinkAccessible : public QAccessibleInterface, public QAccessibleActionInte
     QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
     QStringList keyBindingsForAction(const QString&) const override { return {}; }
     void doAction(const QString& action) override {
-        if (!isValid())
+        if (!isValid()) {
             return;
+        }
         if (action == pressAction()) {
             view->FollowLink(link);
         } else if (action == setFocusAction()) {
@@ -78,23 +80,26 @@ class ViewAccessible : public QAccessibleWidget, public QAccessibleTextInterface
     }
     QAccessibleInterface* child(int index) const override {
         const int own = QAccessibleWidget::childCount();
-        if (index < own)
+        if (index < own) {
             return QAccessibleWidget::child(index);
+        }
         const std::vector<QAccessible::Id>& all = known();
         const auto at = static_cast<std::size_t>(index - own);
         return at < all.size() ? QAccessible::accessibleInterface(all[at]) : nullptr;
     }
     int indexOfChild(const QAccessibleInterface* wanted) const override {
         for (int i = QAccessibleWidget::childCount(); i < childCount(); ++i) {
-            if (child(i) == wanted)
+            if (child(i) == wanted) {
                 return i;
+            }
         }
         return QAccessibleWidget::indexOfChild(wanted);
     }
     QAccessibleInterface* focusChild() const override {
         for (int i = QAccessibleWidget::childCount(); i < childCount(); ++i) {
-            if (child(i)->state().focused)
+            if (child(i)->state().focused) {
                 return child(i);
+            }
         }
         return QAccessibleWidget::focusChild();
     }
@@ -133,14 +138,16 @@ class ViewAccessible : public QAccessibleWidget, public QAccessibleTextInterface
         if (page != view->PageNumber()) {
             forget();
             page = view->PageNumber();
-            for (const HtmlElement& link : view->Links())
+            for (const HtmlElement& link : view->Links()) {
                 links.push_back(QAccessible::registerAccessibleInterface(new LinkAccessible(view, link)));
+            }
         }
         return links;
     }
     void forget() const {
-        for (const QAccessible::Id id : links)
+        for (const QAccessible::Id id : links) {
             QAccessible::deleteAccessibleInterface(id);
+        }
         links.clear();
     }
 

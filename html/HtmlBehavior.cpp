@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlBehavior.h"
 
 #include "html/HTMLayout.h"
@@ -8,15 +9,18 @@ namespace {
 class SetFocusBehavior : public HtmlBehavior {
   public:
     void OnMouseUp(HtmlElement& element, const QPoint& point) override {
-        if (!element.Box().contains(point))
+        if (!element.Box().contains(point)) {
             return;
+        }
         const QString ref = element.Attribute(QStringLiteral("ref"));
-        if (ref.isEmpty() || element.View() == nullptr)
+        if (ref.isEmpty() || element.View() == nullptr) {
             return;
+        }
         const HtmlElement root = element.View()->GetRoot();
         HtmlElement target = FindFirst(root, QStringLiteral("[name='%1']").arg(ref));
-        if (target.IsNull())
+        if (target.IsNull()) {
             target = FindFirst(root, QStringLiteral("[id='%1']").arg(ref));
+        }
         target.SetFocus();
     }
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Behaviours that a page attaches to elements by name, through the style property "behavior".
 #include "html/HtmlElement.h"

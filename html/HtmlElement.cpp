@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlElement.h"
 
 #include "html/HTMLayout.h"
@@ -19,20 +20,23 @@ void writeHtml(const litehtml::element::ptr& element, QString& out) {
         const QString tag = QString::fromUtf8(child->get_tagName());
         if (tag.isEmpty() || tag.startsWith(u':')) {
             std::string text;
-            if (!child->is_comment())
+            if (!child->is_comment()) {
                 child->get_text(text);
+            }
             out += QString::fromStdString(text).toHtmlEscaped();
             continue;
         }
         out += u'<' + tag;
         if (const auto* listed = dynamic_cast<const AttributeSource*>(child.get())) {
-            for (const auto& [name, value] : listed->Attributes())
+            for (const auto& [name, value] : listed->Attributes()) {
                 out += QStringLiteral(" %1=\"%2\"")
                            .arg(QString::fromStdString(name), QString::fromStdString(value).toHtmlEscaped());
+            }
         }
         out += u'>';
-        if (isVoidTag(tag))
+        if (isVoidTag(tag)) {
             continue;
+        }
         writeHtml(child, out);
         out += QStringLiteral("</%1>").arg(tag);
     }
@@ -56,15 +60,17 @@ QString HtmlElement::Tag() const {
 }
 
 QString HtmlElement::Attribute(const QString& name) const {
-    if (IsNull())
+    if (IsNull()) {
         return {};
+    }
     const char* value = element->get_attr(name.toLower().toUtf8().constData());
     return value == nullptr ? QString() : QString::fromUtf8(value);
 }
 
 QString HtmlElement::Style(const QString& name) const {
-    if (IsNull())
+    if (IsNull()) {
         return {};
+    }
     return QString::fromUtf8(element->get_style_property(name.toUtf8().constData(), false, ""));
 }
 
@@ -73,44 +79,53 @@ HtmlElement HtmlElement::Parent() const {
 }
 
 QString HtmlElement::Text() const {
-    if (IsNull())
+    if (IsNull()) {
         return {};
-    if (const HtmlControl* field = control(); field && field->ControlType() == HtmlControlType::Number)
+    }
+    if (const HtmlControl* field = control(); field && field->ControlType() == HtmlControlType::Number) {
         return field->Value();
+    }
     std::string text;
     element->get_text(text);
     return QString::fromStdString(text).replace(QChar(PreLineEnd), u'\n');
 }
 
 void HtmlElement::SetText(const QString& text) {
-    if (HtmlControl* field = control(); field && field->ControlType() == HtmlControlType::Number)
+    if (HtmlControl* field = control(); field && field->ControlType() == HtmlControlType::Number) {
         field->SetValue(text);
-    else
+    } else {
         SetInnerHtml(text.toHtmlEscaped());
+    }
 }
 
 QString HtmlElement::InnerHtml() const {
     QString html;
-    if (!IsNull())
+    if (!IsNull()) {
         writeHtml(element, html);
+    }
     return html;
 }
 
 void HtmlElement::SetInnerHtml(const QString& html) {
-    if (!IsNull())
+    if (!IsNull()) {
         View()->ReplaceChildren(element, html);
+    }
 }
 
 HtmlControlType HtmlElement::ControlType() const {
-    if (const HtmlControl* field = control())
+    if (const HtmlControl* field = control()) {
         return field->ControlType();
+    }
     const QString tag = Tag();
-    if (tag == u"button")
+    if (tag == u"button") {
         return HtmlControlType::Button;
-    if (tag == u"input")
+    }
+    if (tag == u"input") {
         return HtmlControlType::Unknown;
-    if (tag == u"htmlarea")
+    }
+    if (tag == u"htmlarea") {
         return HtmlControlType::HtmlArea;
+    }
     return HtmlControlType::None;
 }
 
@@ -120,8 +135,9 @@ QString HtmlElement::ControlValue() const {
 }
 
 void HtmlElement::SetControlValue(const QString& value) {
-    if (HtmlControl* field = control())
+    if (HtmlControl* field = control()) {
         field->SetValue(value);
+    }
 }
 
 bool HtmlElement::IsChecked() const {
@@ -130,14 +146,16 @@ bool HtmlElement::IsChecked() const {
 }
 
 void HtmlElement::SetChecked(bool on) {
-    if (HtmlControl* field = control())
+    if (HtmlControl* field = control()) {
         field->SetChecked(on);
+    }
 }
 
 void HtmlElement::SetFocus() {
     HtmlControl* field = control();
-    if (field != nullptr && field->ExistingWidget() != nullptr)
+    if (field != nullptr && field->ExistingWidget() != nullptr) {
         field->ExistingWidget()->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 QRect HtmlElement::Box() const {

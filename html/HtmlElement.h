@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Handle of an element of a shown page. It keeps the element alive, and does nothing once its view has gone.
 #include "html/HtmlElements.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlElements.h"
 
 #include "html/HtmlFields.h"
@@ -32,13 +33,15 @@ class FontElement : public ListedElement<litehtml::el_font> {
     void parse_attributes() override {
         el_font::parse_attributes();
         const QString face = attribute(*this, "face");
-        if (!face.isEmpty())
+        if (!face.isEmpty()) {
             m_style.add_property("font-family", face.toUtf8().constData(), nullptr, false, this);
+        }
         // What was written for a light page must be readable on a dark desktop too.
         const auto* painter = dynamic_cast<const HtmlPainter*>(get_document()->container());
-        if (const QColor color(attribute(*this, "color")); painter != nullptr && color.isValid())
+        if (const QColor color(attribute(*this, "color")); painter != nullptr && color.isValid()) {
             m_style.add_property("color", painter->ReadableColor(color).name().toUtf8().constData(), nullptr,
                                  false, this);
+        }
         const QString size = attribute(*this, "size");
         if (size.startsWith(u'+') || size.startsWith(u'-')) {
             const int percent = static_cast<int>(std::lround(std::pow(1.2, size.toInt()) * 100));
@@ -53,8 +56,9 @@ class BodyElement : public ListedElement<litehtml::el_body> {
     void parse_attributes() override {
         el_body::parse_attributes();
         const QString color = attribute(*this, "bgcolor");
-        if (!color.isEmpty())
+        if (!color.isEmpty()) {
             m_style.add_property("background-color", color.toUtf8().constData(), nullptr, false, this);
+        }
     }
 };
 
@@ -72,8 +76,9 @@ void CheckOverlay::paintEvent(QPaintEvent*) {
     QStyleOptionButton option;
     option.initFrom(this);
     option.state |= isChecked() ? QStyle::State_On : QStyle::State_Off;
-    if (isDown())
+    if (isDown()) {
         option.state |= QStyle::State_Sunken;
+    }
     const int side = style()->pixelMetric(
         radio ? QStyle::PM_ExclusiveIndicatorWidth : QStyle::PM_IndicatorWidth, &option, this);
     option.rect = QRect(3, (height() - side) / 2, side, side);
@@ -118,8 +123,9 @@ void CheckElement::parse_attributes() {
     html_tag::parse_attributes();
     m_style.add_property("display", "inline-block", nullptr, false, this);
     m_style.add_property("padding-left", "26px", nullptr, false, this);
-    if (get_attr("checked") != nullptr)
+    if (get_attr("checked") != nullptr) {
         checked = true;
+    }
 }
 
 QWidget* CheckElement::ControlWidget(QWidget* parent) {
@@ -137,8 +143,9 @@ QWidget* CheckElement::ControlWidget(QWidget* parent) {
 
 void CheckElement::SetChecked(bool on) {
     checked = on;
-    if (!overlay.isNull())
+    if (!overlay.isNull()) {
         overlay->setChecked(on);
+    }
 }
 
 QString CheckElement::Value() const {
@@ -152,38 +159,52 @@ litehtml::element::ptr MakeHtmlElement(const QString& tag, const litehtml::strin
     const QString type =
         found == attributes.end() ? QString() : QString::fromStdString(found->second).toLower();
     if (tag == u"button" || tag == u"input") {
-        if (type == u"checkbox" || type == u"radio")
+        if (type == u"checkbox" || type == u"radio") {
             return std::make_shared<CheckElement>(document, type == u"radio");
-        if (tag == u"input" && type == u"number")
+        }
+        if (tag == u"input" && type == u"number") {
             return std::make_shared<NumberElement>(document, view);
-        if (tag == u"input" && (type.isEmpty() || type == u"text"))
+        }
+        if (tag == u"input" && (type.isEmpty() || type == u"text")) {
             return std::make_shared<TextElement>(document, view);
-        if (tag == u"button" || type == u"button" || type == u"submit")
+        }
+        if (tag == u"button" || type == u"button" || type == u"submit") {
             return std::make_shared<ButtonElement>(document, view);
+        }
         return std::make_shared<ListedElement<litehtml::html_tag>>(document);
     }
-    if (tag == u"font")
+    if (tag == u"font") {
         return std::make_shared<FontElement>(document);
-    if (tag == u"body")
+    }
+    if (tag == u"body") {
         return std::make_shared<BodyElement>(document);
-    if (tag == u"a")
+    }
+    if (tag == u"a") {
         return std::make_shared<ListedElement<litehtml::el_anchor>>(document);
-    if (tag == u"p")
+    }
+    if (tag == u"p") {
         return std::make_shared<ListedElement<litehtml::el_para>>(document);
-    if (tag == u"div")
+    }
+    if (tag == u"div") {
         return std::make_shared<ListedElement<litehtml::el_div>>(document);
-    if (tag == u"img")
+    }
+    if (tag == u"img") {
         return std::make_shared<ListedElement<litehtml::el_image>>(document);
-    if (tag == u"table")
+    }
+    if (tag == u"table") {
         return std::make_shared<ListedElement<litehtml::el_table>>(document);
-    if (tag == u"tr")
+    }
+    if (tag == u"tr") {
         return std::make_shared<ListedElement<litehtml::el_tr>>(document);
-    if (tag == u"td" || tag == u"th")
+    }
+    if (tag == u"td" || tag == u"th") {
         return std::make_shared<ListedElement<litehtml::el_td>>(document);
+    }
     static const QStringList engineOwn = {QStringLiteral("br"),    QStringLiteral("link"),
                                           QStringLiteral("title"), QStringLiteral("style"),
                                           QStringLiteral("base"),  QStringLiteral("script")};
-    if (engineOwn.contains(tag))
+    if (engineOwn.contains(tag)) {
         return nullptr;
+    }
     return std::make_shared<ListedElement<litehtml::html_tag>>(document);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Elements of a page that need more than the page engine gives: attributes that can be listed, fonts and body
 // colours of old HTML, and form controls with a state. Each control shows itself through a widget that the

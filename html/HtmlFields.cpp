@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlFields.h"
 
 FieldElement::FieldElement(const std::shared_ptr<litehtml::document>& document, QWidget* owner)
@@ -46,8 +47,9 @@ void FieldElement::draw_children(litehtml::uint_ptr, int, int, const litehtml::p
                                  int) {}
 
 QWidget* FieldElement::ControlWidget(QWidget* parent) {
-    if (widget.isNull())
+    if (widget.isNull()) {
         widget = make(parent);
+    }
     return widget;
 }
 
@@ -78,8 +80,9 @@ QWidget* NumberElement::make(QWidget* parent) {
 void NumberElement::SetValue(const QString& text) {
     value = text.toInt();
     auto* spin = qobject_cast<QSpinBox*>(widget);
-    if (spin == nullptr)
+    if (spin == nullptr) {
         return;
+    }
     // The limits are for what is typed: a greater value that is there already is shown and kept.
     const int wanted = value;
     spin->setRange(std::min(wanted, attribute("minvalue").toInt()),
@@ -98,8 +101,9 @@ QWidget* TextElement::make(QWidget* parent) {
     line->setAccessibleName(attribute("title"));
     const int size = attribute("size").toInt();
     line->setMinimumWidth(digitsWidth(*line, size > 0 ? size : 20) + line->sizeHint().height());
-    if (const int longest = attribute("maxlength").toInt(); longest > 0)
+    if (const int longest = attribute("maxlength").toInt(); longest > 0) {
         line->setMaxLength(longest);
+    }
     QObject::connect(line, &QLineEdit::textChanged, line,
                      [this](const QString& changed) { value = changed; });
     return line;
@@ -107,8 +111,9 @@ QWidget* TextElement::make(QWidget* parent) {
 
 void TextElement::SetValue(const QString& text) {
     value = text;
-    if (auto* line = qobject_cast<QLineEdit*>(widget))
+    if (auto* line = qobject_cast<QLineEdit*>(widget)) {
         line->setText(text);
+    }
 }
 
 QWidget* ButtonElement::make(QWidget* parent) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Fields of a page that have no look of their own in HTML: number, text line, push button. The page engine
 // only keeps room for them; what is seen and used is a real widget of the desktop, set over that room.

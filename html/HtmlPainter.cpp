@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlPainter.h"
 
 #include <QBuffer>
@@ -47,8 +48,9 @@ litehtml::uint_ptr HtmlPainter::create_font(const char* faceName, int size, int 
     QStringList families;
     for (QString name : QString::fromUtf8(faceName).split(u',')) {
         name = name.trimmed().remove(u'"').remove(u'\'');
-        if (!name.isEmpty())
+        if (!name.isEmpty()) {
             families << name;
+        }
     }
     families << QString::fromStdString(defaultFontName);
     QFont font(widget->font());
@@ -106,8 +108,9 @@ const char* HtmlPainter::get_default_font_name() const {
 }
 
 void HtmlPainter::draw_list_marker(litehtml::uint_ptr hdc, const litehtml::list_marker& marker) {
-    if (Recording != nullptr)
+    if (Recording != nullptr) {
         return;
+    }
     QPainter* painter = toPainter(hdc);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
@@ -119,8 +122,9 @@ void HtmlPainter::draw_list_marker(litehtml::uint_ptr hdc, const litehtml::list_
     } else if (marker.marker_type == litehtml::list_style_type_square) {
         painter->fillRect(box, toColor(marker.color));
     } else if (marker.marker_type != litehtml::list_style_type_none) {
-        if (marker.marker_type != litehtml::list_style_type_circle)
+        if (marker.marker_type != litehtml::list_style_type_circle) {
             painter->setBrush(toColor(marker.color));
+        }
         painter->drawEllipse(box);
     }
     painter->restore();
@@ -129,15 +133,17 @@ void HtmlPainter::draw_list_marker(litehtml::uint_ptr hdc, const litehtml::list_
 QPixmap HtmlPainter::image(const char* src) {
     const QString uri = QString::fromUtf8(src);
     const auto known = images.constFind(uri);
-    if (known != images.constEnd())
+    if (known != images.constEnd()) {
         return *known;
+    }
     QByteArray data = ImageData ? ImageData(uri) : QByteArray();
     QBuffer buffer(&data);
     QImageReader reader(&buffer);
     // Drawings are made in the pixels of the screen, so that they stay sharp at every scaling.
     const qreal ratio = reader.format() == "svg" ? widget->devicePixelRatioF() : 1;
-    if (ratio != 1)
+    if (ratio != 1) {
         reader.setScaledSize((QSizeF(reader.size()) * ratio).toSize());
+    }
     QPixmap loaded = QPixmap::fromImageReader(&reader);
     loaded.setDevicePixelRatio(ratio);
     images.insert(uri, loaded);
@@ -155,16 +161,20 @@ void HtmlPainter::get_image_size(const char* src, const char* /*baseUrl*/, liteh
 }
 
 void HtmlPainter::draw_background(litehtml::uint_ptr hdc, const litehtml::background_paint& paint) {
-    if (Recording != nullptr)
+    if (Recording != nullptr) {
         return;
+    }
     QPainter* painter = toPainter(hdc);
-    if (paint.color.alpha != 0)
+    if (paint.color.alpha != 0) {
         painter->fillRect(toRect(paint.clip_box), toColor(paint.color));
-    if (paint.image.empty())
+    }
+    if (paint.image.empty()) {
         return;
+    }
     const QPixmap picture = image(paint.image.c_str());
-    if (picture.isNull() || paint.image_size.width <= 0 || paint.image_size.height <= 0)
+    if (picture.isNull() || paint.image_size.width <= 0 || paint.image_size.height <= 0) {
         return;
+    }
     const QRect clip = toRect(paint.clip_box);
     QRect area(paint.position_x, paint.position_y, paint.image_size.width, paint.image_size.height);
     if (paint.attachment == litehtml::background_attachment_fixed) {
@@ -194,21 +204,24 @@ void HtmlPainter::draw_background(litehtml::uint_ptr hdc, const litehtml::backgr
     const int bottom = repeats(litehtml::background_repeat_repeat_y) ? clip.bottom() : area.y();
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
     for (int y = top; y <= bottom; y += area.height()) {
-        for (int x = left; x <= right; x += area.width())
+        for (int x = left; x <= right; x += area.width()) {
             painter->drawPixmap(QRect(QPoint(x, y), area.size()), picture);
+        }
     }
     painter->restore();
 }
 
 void HtmlPainter::draw_borders(litehtml::uint_ptr hdc, const litehtml::borders& borders,
                                const litehtml::position& position, bool /*root*/) {
-    if (Recording != nullptr)
+    if (Recording != nullptr) {
         return;
+    }
     QPainter* painter = toPainter(hdc);
     const QRect box = toRect(position);
     const auto side = [painter](const litehtml::border& border, const QRect& line) {
-        if (border.width > 0 && border.style > litehtml::border_style_hidden)
+        if (border.width > 0 && border.style > litehtml::border_style_hidden) {
             painter->fillRect(line, toColor(border.color));
+        }
     };
     side(borders.top, {box.left(), box.top(), box.width(), borders.top.width});
     side(borders.bottom,
@@ -225,12 +238,13 @@ void HtmlPainter::del_clip() {}
 
 void HtmlPainter::transform_text(std::string& text, litehtml::text_transform transform) {
     QString wide = QString::fromStdString(text);
-    if (transform == litehtml::text_transform_uppercase)
+    if (transform == litehtml::text_transform_uppercase) {
         wide = wide.toUpper();
-    else if (transform == litehtml::text_transform_lowercase)
+    } else if (transform == litehtml::text_transform_lowercase) {
         wide = wide.toLower();
-    else if (transform == litehtml::text_transform_capitalize && !wide.isEmpty())
+    } else if (transform == litehtml::text_transform_capitalize && !wide.isEmpty()) {
         wide[0] = wide[0].toUpper();
+    }
     text = wide.toStdString();
 }
 
@@ -265,14 +279,16 @@ std::string HtmlPainter::resolve_color(const std::string& color) const {
         {QStringLiteral("linktext"), QPalette::Link},
     };
     const auto role = roles.constFind(QString::fromStdString(color).toLower());
-    if (role != roles.constEnd())
+    if (role != roles.constEnd()) {
         return widget->palette().color(*role).name().toStdString();
+    }
     return {};
 }
 
 QColor HtmlPainter::ReadableColor(const QColor& color) const {
-    if (widget->palette().color(QPalette::Window).lightness() >= 128 || color.lightness() >= 170)
+    if (widget->palette().color(QPalette::Window).lightness() >= 128 || color.lightness() >= 170) {
         return color;
+    }
     return QColor::fromHsl(std::max(color.hslHue(), 0), color.hslSaturation(), 185);
 }
 
@@ -288,10 +304,12 @@ void HtmlPainter::split_text(const char* text, const std::function<void(const ch
     while (begin <= whole.size()) {
         const std::size_t end = whole.find(mark, begin);
         const std::string line = whole.substr(begin, end == std::string::npos ? end : end - begin);
-        if (!line.empty())
+        if (!line.empty()) {
             onWord(line.c_str());
-        if (end == std::string::npos)
+        }
+        if (end == std::string::npos) {
             break;
+        }
         onSpace("\n");
         begin = end + mark.size();
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The painting half of the HTML view: fonts, text, boxes and pictures of the page engine drawn with QPainter.
 // It knows nothing of loading, links or forms, so that it can be tested on an image.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlResources.h"
 
 #include <QFile>
@@ -18,8 +19,9 @@ QByteArray FindHtmlResource(const QString& name, HtmlResourceKind kind) {
     }
     for (const QString& path : candidates) {
         QFile file(path);
-        if (file.open(QIODevice::ReadOnly))
+        if (file.open(QIODevice::ReadOnly)) {
             return file.readAll();
+        }
     }
     return {};
 }

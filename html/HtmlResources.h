@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Pages and pictures that the module carries with it, found by name. Names do not depend on the case of
 // letters. Pages (.html) and data (.svg, .png) are separate lists, as a page and a picture may share a name.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "html/HtmlSelector.h"
 
 #include <QStringList>
@@ -13,14 +14,16 @@ class Reader {
     void skip() { ++at; }
     bool skipBlanks() {
         const qsizetype before = at;
-        while (!atEnd() && text[at].isSpace())
+        while (!atEnd() && text[at].isSpace()) {
             ++at;
+        }
         return at != before;
     }
     QString name() {
         const qsizetype begin = at;
-        while (!atEnd() && (text[at].isLetterOrNumber() || text[at] == u'-' || text[at] == u'_'))
+        while (!atEnd() && (text[at].isLetterOrNumber() || text[at] == u'-' || text[at] == u'_')) {
             ++at;
+        }
         return text.mid(begin, at - begin);
     }
     /// Value of an attribute test up to its closing bracket.
@@ -29,16 +32,18 @@ class Reader {
         qsizetype end;
         if (quote == u'"' || quote == u'\'') {
             end = text.indexOf(quote, at + 1);
-            if (end < 0)
+            if (end < 0) {
                 return false;
+            }
             result = text.mid(at + 1, end - at - 1);
             at = end + 1;
             skipBlanks();
             return peek() == u']';
         }
         end = text.indexOf(u']', at);
-        if (end < 0)
+        if (end < 0) {
             return false;
+        }
         result = text.mid(at, end - at).trimmed();
         at = end;
         return true;
@@ -54,18 +59,21 @@ bool readTest(Reader& reader, HtmlCompound& compound) {
     reader.skipBlanks();
     HtmlAttributeTest test;
     test.Name = reader.name().toLower();
-    if (test.Name.isEmpty())
+    if (test.Name.isEmpty()) {
         return false;
+    }
     reader.skipBlanks();
     if (reader.peek() == u'=') {
         reader.skip();
         reader.skipBlanks();
         test.HasValue = true;
-        if (!reader.value(test.Value))
+        if (!reader.value(test.Value)) {
             return false;
+        }
     }
-    if (reader.peek() != u']')
+    if (reader.peek() != u']') {
         return false;
+    }
     reader.skip();
     compound.Tests.push_back(test);
     return true;
@@ -77,23 +85,27 @@ bool readCompound(Reader& reader, HtmlCompound& compound) {
         any = true;
         const QChar first = reader.peek();
         if (first == u'[') {
-            if (!readTest(reader, compound))
+            if (!readTest(reader, compound)) {
                 return false;
+            }
         } else if (first == u'*') {
             reader.skip();
         } else if (first == u'#' || first == u'.') {
             reader.skip();
             const QString word = reader.name();
-            if (word.isEmpty())
+            if (word.isEmpty()) {
                 return false;
-            if (first == u'#')
+            }
+            if (first == u'#') {
                 compound.Tests.push_back({QStringLiteral("id"), word, true});
-            else
+            } else {
                 compound.Classes.push_back(word);
+            }
         } else {
             compound.Tag = reader.name().toLower();
-            if (compound.Tag.isEmpty())
+            if (compound.Tag.isEmpty()) {
                 return false;
+            }
         }
     }
     return any;
@@ -101,31 +113,37 @@ bool readCompound(Reader& reader, HtmlCompound& compound) {
 
 bool matches(const litehtml::element& element, const HtmlCompound& compound) {
     const char* tag = element.get_tagName();
-    if (tag == nullptr || *tag == '\0')
+    if (tag == nullptr || *tag == '\0') {
         return false;
-    if (!compound.Tag.isEmpty() && compound.Tag != QString::fromUtf8(tag))
+    }
+    if (!compound.Tag.isEmpty() && compound.Tag != QString::fromUtf8(tag)) {
         return false;
+    }
     for (const HtmlAttributeTest& test : compound.Tests) {
         const char* value = element.get_attr(test.Name.toUtf8().constData());
-        if (value == nullptr || (test.HasValue && QString::fromUtf8(value) != test.Value))
+        if (value == nullptr || (test.HasValue && QString::fromUtf8(value) != test.Value)) {
             return false;
+        }
     }
     const QStringList classes =
         QString::fromUtf8(element.get_attr("class", "")).split(u' ', Qt::SkipEmptyParts);
     for (const QString& name : compound.Classes) {
-        if (!classes.contains(name))
+        if (!classes.contains(name)) {
             return false;
+        }
     }
     return true;
 }
 
 bool matchesChain(const litehtml::element::ptr& element, const std::vector<HtmlCompound>& chain) {
-    if (!matches(*element, chain.back()))
+    if (!matches(*element, chain.back())) {
         return false;
+    }
     auto wanted = static_cast<std::ptrdiff_t>(chain.size()) - 2;
     for (litehtml::element::ptr outer = element->parent(); wanted >= 0 && outer; outer = outer->parent()) {
-        if (matches(*outer, chain[static_cast<std::size_t>(wanted)]))
+        if (matches(*outer, chain[static_cast<std::size_t>(wanted)])) {
             --wanted;
+        }
     }
     return wanted < 0;
 }
@@ -134,15 +152,17 @@ bool walk(const litehtml::element::ptr& element, const HtmlSelector& selector,
           const std::function<bool(const litehtml::element::ptr&)>& found) {
     for (const auto& chain : selector) {
         if (matchesChain(element, chain)) {
-            if (found(element))
+            if (found(element)) {
                 return true;
+            }
             break;
         }
     }
     const auto count = static_cast<int>(element->get_children_count());
     for (int i = 0; i < count; ++i) {
-        if (walk(element->get_child(i), selector, found))
+        if (walk(element->get_child(i), selector, found)) {
             return true;
+        }
     }
     return false;
 }
@@ -157,19 +177,22 @@ HtmlSelector ParseHtmlSelector(const QString& text) {
         std::vector<HtmlCompound> chain;
         while (!reader.atEnd() && reader.peek() != u',') {
             HtmlCompound compound;
-            if (!readCompound(reader, compound))
+            if (!readCompound(reader, compound)) {
                 return {};
+            }
             chain.push_back(compound);
             reader.skipBlanks();
         }
-        if (chain.empty())
+        if (chain.empty()) {
             return {};
+        }
         selector.push_back(chain);
         if (!reader.atEnd()) {
             reader.skip();
             reader.skipBlanks();
-            if (reader.atEnd())
+            if (reader.atEnd()) {
                 return {};
+            }
         }
     }
     return selector;
@@ -177,6 +200,7 @@ HtmlSelector ParseHtmlSelector(const QString& text) {
 
 void SelectHtml(const litehtml::element::ptr& root, const HtmlSelector& selector,
                 const std::function<bool(const litehtml::element::ptr&)>& found) {
-    if (root && !selector.empty())
+    if (root && !selector.empty()) {
         walk(root, selector, found);
+    }
 }

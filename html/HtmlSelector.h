@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Finds elements of a page by simple selectors: a tag, "#id", ".class", "[name]" and "[name=value]" with or
 // without quotes, several of them in a row, blanks for "somewhere below", commas for "or". The page engine's

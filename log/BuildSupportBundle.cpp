@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/TarnelData.h"
 #include "log/MapiSession.h"
 #include "log/SupportBundle.h"
@@ -12,13 +13,15 @@ SupportResult BuildSupportBundle(CMapiSession& session) {
     CTarnelData& data = TarnelData();
     Q_EMIT data.Signals.CollectSignal();
     SaveState(nullptr, 1);
-    if (!LastStateError().isEmpty())
+    if (!LastStateError().isEmpty()) {
         return {{}, false, LastStateError()};
+    }
 
     SupportResult result = PackSupportBundle(SupportFilesIn(data.DataDir, data.StateFile),
                                              SupportInfoBytes(SupportInfoText(CollectSupportInfo())));
-    if (!result.Error.isEmpty())
+    if (!result.Error.isEmpty()) {
         return result;
+    }
     CMapiMessage message;
     message.To.push_back({SupportAddress(), QStringLiteral("Ovrix TNL Support")});
     message.Subject = QStringLiteral("TNL Support");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/CentralDir.h"
 
 #include "log/OemNames.h"
@@ -43,14 +44,18 @@ EndRecord parseEnd(const std::string& path, const std::string& tail, std::size_t
     if ((end.Count == ZipFormat::Zip64Count || end.Size == ZipFormat::Zip64Size ||
          end.Offset == ZipFormat::Zip64Size) &&
         at >= ZipFormat::Zip64LocatorSize &&
-        Get32(record - ZipFormat::Zip64LocatorSize) == ZipFormat::Zip64LocatorSignature)
+        Get32(record - ZipFormat::Zip64LocatorSize) == ZipFormat::Zip64LocatorSignature) {
         raiseZip64(path);
-    if (Get16(record + 4) != 0 || Get16(record + 6) != 0 || Get16(record + 8) != end.Count)
+    }
+    if (Get16(record + 4) != 0 || Get16(record + 6) != 0 || Get16(record + 8) != end.Count) {
         throw CZipException(CZipException::Unsupported, path, "is one part of an archive in several files");
-    if (end.Offset > position || end.Size > position - end.Offset)
+    }
+    if (end.Offset > position || end.Size > position - end.Offset) {
         raiseDamaged(path, "its directory lies outside the file");
-    if (end.Count > end.Size / ZipFormat::CentralSize)
+    }
+    if (end.Count > end.Size / ZipFormat::CentralSize) {
         raiseDamaged(path, "its directory is too small for the number of entries");
+    }
     end.Comment = tail.substr(at + ZipFormat::EndSize, Get16(record + 20));
     return end;
 }
@@ -59,8 +64,9 @@ EndRecord parseEnd(const std::string& path, const std::string& tail, std::size_t
 // that fits is taken. Zeros behind it are the padding of a tool that writes in blocks to a pipe.
 EndRecord findEnd(CZipStorage& storage) {
     const std::string& path = storage.Path();
-    if (storage.Size() < ZipFormat::EndSize)
+    if (storage.Size() < ZipFormat::EndSize) {
         raiseDamaged(path, "is too short for a zip archive");
+    }
     constexpr std::size_t reach = ZipFormat::Zip64LocatorSize + ZipFormat::EndSize + 0xFFFFU + MaxPadding;
     const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(storage.Size(), reach));
     std::string tail(size, '\0');
@@ -68,20 +74,24 @@ EndRecord findEnd(CZipStorage& storage) {
     const std::size_t used = tail.find_last_not_of('\0') + 1;
     std::optional<CZipException> first;
     for (std::size_t at = size - ZipFormat::EndSize + 1; at-- > 0;) {
-        if (tail[at] != 'P' || Get32(tail.data() + at) != ZipFormat::EndSignature)
+        if (tail[at] != 'P' || Get32(tail.data() + at) != ZipFormat::EndSignature) {
             continue;
+        }
         const std::size_t end = at + ZipFormat::EndSize + Get16(tail.data() + at + 20);
-        if (end > size || end < used)
+        if (end > size || end < used) {
             continue;
+        }
         try {
             return parseEnd(path, tail, at, storage.Size() - size + at);
         } catch (const CZipException& exception) {
-            if (!first)
+            if (!first) {
                 first = exception;
+            }
         }
     }
-    if (first)
+    if (first) {
         throw CZipException(*first);
+    }
     raiseDamaged(path, "has no end record: it is cut, or no zip archive");
 }
 
@@ -111,13 +121,15 @@ void CCentralDir::readRecords(const std::string& path, std::size_t count, std::u
     for (std::size_t i = 0; i < count; ++i) {
         const auto label = [i] { return "entry " + std::to_string(i) + " of its directory "; };
         const char* record = records.data() + at;
-        if (records.size() - at < ZipFormat::CentralSize || Get32(record) != ZipFormat::CentralSignature)
+        if (records.size() - at < ZipFormat::CentralSize || Get32(record) != ZipFormat::CentralSignature) {
             raiseDamaged(path, label() + "is missing");
+        }
         const std::size_t name = Get16(record + 28);
         const std::size_t extra = Get16(record + 30);
         const std::size_t note = Get16(record + 32);
-        if (name + extra + note > records.size() - at - ZipFormat::CentralSize)
+        if (name + extra + note > records.size() - at - ZipFormat::CentralSize) {
             raiseDamaged(path, label() + "reaches beyond the directory");
+        }
         Entry entry;
         entry.Record = at;
         CFileHeader& header = entry.Header;
@@ -135,17 +147,21 @@ void CCentralDir::readRecords(const std::string& path, std::size_t count, std::u
         const char* text = record + ZipFormat::CentralSize;
         header.Name = DecodeEntryName({text, name}, header.Flags, header.VersionMadeBy, {text + name, extra});
         if (header.CompSize == ZipFormat::Zip64Size || header.UncompSize == ZipFormat::Zip64Size ||
-            header.Offset == ZipFormat::Zip64Size)
+            header.Offset == ZipFormat::Zip64Size) {
             raiseZip64(path);
-        if (Get16(record + 34) != 0)
+        }
+        if (Get16(record + 34) != 0) {
             throw CZipException(CZipException::Unsupported, path, label() + "lies in another file");
-        if (header.Offset + ZipFormat::LocalSize + name + static_cast<std::uint64_t>(header.CompSize) > end)
+        }
+        if (header.Offset + ZipFormat::LocalSize + name + static_cast<std::uint64_t>(header.CompSize) > end) {
             raiseDamaged(path, label() + "reaches beyond the data");
+        }
         entries.push_back(std::move(entry));
         at += ZipFormat::CentralSize + name + extra + note;
     }
-    if (at != records.size())
+    if (at != records.size()) {
         raiseDamaged(path, "its directory is longer than its entries");
+    }
 }
 
 // Entries in the order in which they lie; each ends where the next begins at the latest.
@@ -159,8 +175,9 @@ void CCentralDir::checkExtents(const std::string& path) {
         Entry& entry = entries[order[i]];
         entry.Limit = i + 1 < order.size() ? entries[order[i + 1]].Header.Offset : offset;
         const std::size_t name = RawName(static_cast<int>(order[i])).size();
-        if (entry.Header.Offset + ZipFormat::LocalSize + name + entry.Header.CompSize > entry.Limit)
+        if (entry.Header.Offset + ZipFormat::LocalSize + name + entry.Header.CompSize > entry.Limit) {
             raiseDamaged(path, "entry \"" + entry.Header.Name + "\" overlaps the one behind it");
+        }
     }
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The directory of an archive. The records of entries that were there before are kept as bytes, so that
 // adding to an archive of another tool leaves its extra fields, attributes and comments as they were.

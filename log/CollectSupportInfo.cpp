@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "acedads.h"
 #include "engine/ResBuf.h"
 #include "engine/TarnelData.h"
@@ -22,8 +23,9 @@ QString loadedPath(const QString& name) {
         [](dl_phdr_info* object, std::size_t, void* data) {
             auto* wanted = static_cast<Search*>(data);
             const QString path = QFile::decodeName(object->dlpi_name);
-            if (QFileInfo(path).fileName().compare(wanted->Name, Qt::CaseInsensitive) != 0)
+            if (QFileInfo(path).fileName().compare(wanted->Name, Qt::CaseInsensitive) != 0) {
                 return 0;
+            }
             wanted->Path = path;
             return 1;
         },
@@ -36,13 +38,16 @@ std::optional<QStringList> loadedModules() {
     call.AddString(QStringLiteral("veval-str+"));
     call.AddString(QStringLiteral("(arx)"));
     resbuf* answer = nullptr;
-    if (acedInvoke(call.Head(), &answer) != RTNORM)
+    if (acedInvoke(call.Head(), &answer) != RTNORM) {
         return std::nullopt;
+    }
     const ResBuf names(answer);
     QStringList paths;
-    for (int i = 0; i < names.Count(); ++i)
-        if (names.IsType(i, RTSTR))
+    for (int i = 0; i < names.Count(); ++i) {
+        if (names.IsType(i, RTSTR)) {
             paths.append(loadedPath(names.String(i)));
+        }
+    }
     return paths;
 }
 
@@ -52,7 +57,8 @@ SupportInfo CollectSupportInfo() {
     const CTarnelData& data = TarnelData();
     SupportInfo info{data.Version, data.Build, {}, loadedModules(), data.ModuleDir, data.DataDir};
     ResBuf version;
-    if (version.GetVar(QStringLiteral("acadver")) == RTNORM)
+    if (version.GetVar(QStringLiteral("acadver")) == RTNORM) {
         info.HostVersion = version.String(0);
+    }
     return info;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/FileHeader.h"
 
 void CFileHeader::SetTime(std::time_t time) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // One entry of an archive, as the caller names it and as the directory tells it. Names are UTF-8 here;
 // the bytes in the file are the archive's business (OemNames.h).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/HostLogArchive.h"
 
 #include "log/ZipArchive.h"
@@ -26,22 +27,25 @@ QString packLog(CZipArchive& archive, const QString& path, const std::string& na
         return QStringLiteral("%1: cannot be read: %2").arg(path, QString::fromUtf8(std::strerror(errno)));
     };
     const std::unique_ptr<std::FILE, Closer> log(std::fopen(file.c_str(), "rbe"));
-    if (!log)
+    if (!log) {
         return errno == ENOENT ? QString() : failure();
+    }
     CFileHeader header;
     header.Name = name;
     try {
         archive.OpenNewFile(header, BestLevel, file.c_str());
         std::array<char, std::size_t{64} * 1024> buffer;
-        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), log.get()))
+        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), log.get())) {
             archive.WriteNewFile(buffer.data(), count);
+        }
         const QString cause = std::ferror(log.get()) ? failure() : QString();
         archive.CloseNewFile();
         return cause;
     } catch (const CZipException& error) {
         // Only what is about this one log; without its archive none can be packed.
-        if (error.Cause == CZipException::WriteError)
+        if (error.Cause == CZipException::WriteError) {
             throw;
+        }
         return QString::fromUtf8(error.what());
     }
 }
@@ -70,18 +74,20 @@ PackedLogs PackHostLogs(const QString& path, const QStringList& logs, bool anew)
     const std::string file = QFile::encodeName(path).toStdString();
     CZipArchive archive;
     const bool add = !anew && QFile::exists(path);
-    if (!archive.Open(file, add ? CZipArchive::Existing : CZipArchive::Create))
+    if (!archive.Open(file, add ? CZipArchive::Existing : CZipArchive::Create)) {
         throw CZipException(CZipException::WriteError, file,
                             std::string("cannot be written: ") + std::strerror(errno));
+    }
     std::unordered_set<std::string> names = namesIn(archive);
     PackedLogs result;
     for (const QString& log : logs) {
         const std::string name = HostLogId(log).toStdString();
         const QString failure = names.insert(name).second ? packLog(archive, log, name) : QString();
-        if (failure.isEmpty())
+        if (failure.isEmpty()) {
             result.Packed += log;
-        else
+        } else {
             result.Failures += failure;
+        }
     }
     archive.Close();
     return result;

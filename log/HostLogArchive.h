@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The archive of the host's logs that belongs to a run log. An entry bears the name under which the run log
 // links to it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/MapiSession.h"
 
 #include <QFile>
@@ -24,8 +25,9 @@ QString statusText(int status) {
 }
 
 void addAll(QStringList& arguments, const QString& option, const std::vector<CMapiRecipient>& recipients) {
-    for (const CMapiRecipient& recipient : recipients)
+    for (const CMapiRecipient& recipient : recipients) {
         arguments << option << recipient.Address;
+    }
 }
 
 }  // namespace
@@ -42,12 +44,15 @@ bool CMapiSession::Send(const CMapiMessage& message) {
     addAll(arguments, QStringLiteral("--cc"), message.CC);
     addAll(arguments, QStringLiteral("--bcc"), message.BCC);
     arguments << QStringLiteral("--subject") << message.Subject;
-    if (!message.Body.isEmpty())
+    if (!message.Body.isEmpty()) {
         arguments << QStringLiteral("--body") << message.Body;
-    for (const QString& path : message.Attachments)
+    }
+    for (const QString& path : message.Attachments) {
         arguments << QStringLiteral("--attach") << path;
-    for (const CMapiRecipient& recipient : message.To)
+    }
+    for (const CMapiRecipient& recipient : message.To) {
         arguments << recipient.Address;
+    }
 
     // Output goes to files: a pipe would break under a mail program that outlives this call and still writes.
     QTemporaryFile errors;
@@ -60,13 +65,15 @@ bool CMapiSession::Send(const CMapiMessage& message) {
         lastError = QStringLiteral("%1: %2").arg(program, process.errorString());
         return false;
     }
-    if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
+    if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0) {
         return true;
+    }
     const QString said = QString::fromLocal8Bit(errors.read(1000)).trimmed();
     lastError = process.exitStatus() == QProcess::NormalExit
                     ? QStringLiteral("%1: %2").arg(program, statusText(process.exitCode()))
                     : QStringLiteral("%1: it died").arg(program);
-    if (!said.isEmpty())
+    if (!said.isEmpty()) {
         lastError += QStringLiteral(" (%1)").arg(said);
+    }
     return false;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Mails through the user's own mail program: a draft with recipient, subject and attachment comes up, and the
 // user decides. It goes through xdg-email, which knows what the desktop's mail program is; it is looked for

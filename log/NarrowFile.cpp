@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/NarrowFile.h"
 
 #include "state/CodePage.h"
@@ -13,8 +14,9 @@ std::string NarrowLines(const QString& text) {
     const QByteArray narrow = EncodeText(text, LocalePage);
     char last = 0;
     for (const char c : narrow) {
-        if (c == '\n' && last != '\r')
+        if (c == '\n' && last != '\r') {
             out += '\r';
+        }
         out += c;
         last = c;
     }
@@ -37,10 +39,12 @@ std::size_t NarrowFile::Append(std::string_view bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t count = write(handle, bytes.data() + done, bytes.size() - done);
-        if (count < 0 && errno == EINTR)
+        if (count < 0 && errno == EINTR) {
             continue;
-        if (count <= 0)
+        }
+        if (count <= 0) {
             break;
+        }
         done += static_cast<std::size_t>(count);
     }
     return done;
@@ -52,7 +56,8 @@ bool NarrowFile::Write(const QString& text) {
 }
 
 void NarrowFile::Close() {
-    if (IsOpen())
+    if (IsOpen()) {
         close(handle);
+    }
     handle = -1;
 }

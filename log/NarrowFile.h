@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The two logs are narrow text with CR LF that grows line by line while drawings come and go. A line must
 // cost next to nothing and must be with the system when the call returns, so this goes to the system's calls

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/OemNames.h"
 
 #include "log/ZipFormat.h"
@@ -20,14 +21,16 @@ const std::array<char16_t, 128>& upperHalf() {
     static const std::array<char16_t, 128> table = [] {
         std::array<char16_t, 128> characters{};
         std::array<char, 128> bytes{};
-        for (int i = 0; i < 128; ++i)
+        for (int i = 0; i < 128; ++i) {
             bytes[static_cast<std::size_t>(i)] = static_cast<char>(128 + i);
+        }
         UErrorCode error = U_ZERO_ERROR;
         UConverter* converter = ucnv_open(OemPage, &error);
         ucnv_toUChars(converter, characters.data(), 128, bytes.data(), 128, &error);
         ucnv_close(converter);
-        if (U_FAILURE(error))
+        if (U_FAILURE(error)) {
             characters.fill(0xFFFD);
+        }
         return characters;
     }();
     return table;
@@ -43,8 +46,9 @@ icu::UnicodeString fromUtf8(std::string_view text) {
 
 // Valid UTF-8, what is not replaced by U+FFFD.
 std::string cleanUtf8(std::string_view text) {
-    if (isAscii(text))
+    if (isAscii(text)) {
         return std::string(text);
+    }
     std::string clean;
     fromUtf8(text).toUTF8String(clean);
     return clean;
@@ -55,8 +59,9 @@ bool unicodePath(std::string_view extra, std::string_view bytes, std::string& na
     while (extra.size() >= 4) {
         const std::uint16_t id = ZipFormat::Get16(extra.data());
         const std::size_t size = ZipFormat::Get16(extra.data() + 2);
-        if (size > extra.size() - 4)
+        if (size > extra.size() - 4) {
             return false;
+        }
         const std::string_view field = extra.substr(4, size);
         if (id == ZipFormat::ExtraUnicodePath && size >= 5 && field[0] == 1 &&
             ZipFormat::Get32(field.data() + 1) ==
@@ -78,16 +83,20 @@ StoredName EncodeEntryName(const std::string& name) {
 std::string DecodeEntryName(std::string_view bytes, std::uint16_t flags, std::uint16_t madeBy,
                             std::string_view extra) {
     std::string name;
-    if ((flags & ZipFormat::FlagUtf8) != 0)
+    if ((flags & ZipFormat::FlagUtf8) != 0) {
         return cleanUtf8(bytes);
-    if (unicodePath(extra, bytes, name))
+    }
+    if (unicodePath(extra, bytes, name)) {
         return name;
-    if (isAscii(bytes))
+    }
+    if (isAscii(bytes)) {
         return std::string(bytes);
+    }
     const int system = madeBy & 0xFF00;
     name = cleanUtf8(bytes);
-    if ((system == ZipFormat::MadeOnUnix || system == ZipFormat::MadeOnMac) && name == bytes)
+    if ((system == ZipFormat::MadeOnUnix || system == ZipFormat::MadeOnMac) && name == bytes) {
         return name;
+    }
     icu::UnicodeString text;
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
@@ -100,8 +109,9 @@ std::string DecodeEntryName(std::string_view bytes, std::uint16_t flags, std::ui
 
 bool SameEntryName(const std::string& left, const std::string& right, bool caseSensitive) {
     if (isAscii(left) && isAscii(right)) {
-        if (left.size() != right.size())
+        if (left.size() != right.size()) {
             return false;
+        }
         return caseSensitive ? left == right : strncasecmp(left.c_str(), right.c_str(), left.size()) == 0;
     }
     const uint32_t options = caseSensitive ? 0 : U_COMPARE_IGNORE_CASE;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Names of entries between UTF-8 and the bytes in an archive. A name outside ASCII is written in UTF-8 with
 // the format's flag for that, the one form that the tools of all systems read alike; without the flag, some

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/RunLog.h"
 
 #include "engine/Report.h"
@@ -41,8 +42,9 @@ QString writeWhatIsLeft() {
     const bool ready =
         RunLogStream.IsOpen() || RunLogStream.OpenNew(QFile::encodeName(runLogPath()).toStdString());
     const QString cause = ready ? QString() : qt_error_string();
-    if (ready)
+    if (ready) {
         unwritten.erase(0, RunLogStream.Append(unwritten));
+    }
     return unwritten.empty() ? QString() : cause.isEmpty() ? qt_error_string() : cause;
 }
 
@@ -51,11 +53,13 @@ QString writeWhatIsLeft() {
 bool writeAnew() {
     QByteArray text;
     // Without an own file what stands there is of another run.
-    if (RunLogStream.IsOpen() && ReadWholeFile(runLogPath(), text) != 0)
+    if (RunLogStream.IsOpen() && ReadWholeFile(runLogPath(), text) != 0) {
         return false;
+    }
     text += QByteArray::fromStdString(unwritten);
-    if (WriteWholeFile(runLogPath(), text) != 0)
+    if (WriteWholeFile(runLogPath(), text) != 0) {
         return false;
+    }
     unwritten.clear();
     return true;
 }
@@ -63,8 +67,9 @@ bool writeAnew() {
 void write(const QString& text) {
     unwritten += EncodeRunLog(text).toStdString();
     const QString cause = writeWhatIsLeft();
-    if (!cause.isEmpty() && !isToldBroken)
+    if (!cause.isEmpty() && !isToldBroken) {
         ConsoleLine(QStringLiteral("%1: cannot be written: %2; it is tried again").arg(runLogPath(), cause));
+    }
     isToldBroken = !cause.isEmpty();
 }
 
@@ -73,17 +78,20 @@ void packLogs() {
     // A host without a log of the drawing gives no name.
     HostLogList.removeAll(QString());
     HostLogList.removeDuplicates();
-    if (HostLogList.isEmpty())
+    if (HostLogList.isEmpty()) {
         return;
+    }
     const QString file = DataFile(QStringLiteral("TNLLog.zip"));
     constexpr int Attempts = 2;
     for (int attempt = 1; attempt <= Attempts; ++attempt) {
         try {
             const PackedLogs result = PackHostLogs(file, HostLogList, true);
-            for (const QString& failure : result.Failures)
+            for (const QString& failure : result.Failures) {
                 ConsoleLine(failure + QStringLiteral("; the log stays where it is"));
-            for (const QString& path : result.Packed)
+            }
+            for (const QString& path : result.Packed) {
                 QFile::remove(path);
+            }
             return;
         } catch (const CZipException& error) {
             ConsoleLine(QString::fromUtf8(error.what()) +
@@ -106,35 +114,41 @@ void OpenRunLog() {
 }
 
 void RunLogLine(const QString& html) {
-    if (isOpen)
+    if (isOpen) {
         write(RunLogLineText(RunLogTime(), html));
+    }
 }
 
 void WatchNewLogFile(const QString& hostLogPath) {
-    if (!isOpen)
+    if (!isOpen) {
         return;
+    }
     HostLogList.append(hostLogPath);
     RunLogLine(ProcessingHtml(HostLogId(hostLogPath), Run().CurrentFileText));
     Run().FileIsLogged = true;
 }
 
 void LogUnopenedFile(const QString& said) {
-    if (!isOpen || Run().FileIsLogged || Run().CurrentFileText.isEmpty())
+    if (!isOpen || Run().FileIsLogged || Run().CurrentFileText.isEmpty()) {
         return;
+    }
     QString text = Run().CurrentFileText + QStringLiteral("\r\nThe drawing was not opened.\r\n");
-    if (!said.isEmpty())
+    if (!said.isEmpty()) {
         text += said + QStringLiteral("\r\n");
+    }
     const QString path = unopenedLogPath(++unopenedCount);
     NarrowFile log;
     const bool isWritten = log.OpenNew(QFile::encodeName(path).toStdString()) && log.Write(text);
-    if (!isWritten)
+    if (!isWritten) {
         ConsoleLine(QStringLiteral("%1: cannot be written: %2").arg(path, qt_error_string()));
+    }
     WatchNewLogFile(isWritten ? path : QString());
 }
 
 bool CloseRunLog() {
-    if (!isOpen)
+    if (!isOpen) {
         return false;
+    }
     LogUnopenedFile({});
     packLogs();
     HostLogList.clear();
@@ -142,9 +156,10 @@ bool CloseRunLog() {
     write(RunLogTail);
     if (!unwritten.empty()) {
         const QString cause = writeWhatIsLeft();
-        if (!cause.isEmpty() && !writeAnew())
+        if (!cause.isEmpty() && !writeAnew()) {
             ConsoleLine(QStringLiteral("%1: cannot be written: %2; the run log is not whole")
                             .arg(runLogPath(), cause));
+        }
     }
     ResetRunLog();
     return true;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The run log is what the user reads after a run: a small HTML file with the start, each drawing and the end,
 // in which each drawing carries the name of the host's own log of it. At the end of a run those logs go into

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/RunLogText.h"
 
 #include "state/CodePage.h"
@@ -26,14 +27,17 @@ bool readsAsEntity(QStringView text) {
     constexpr qsizetype Longest = 11;
     const QStringView start = text.first(std::min(text.size(), Longest));
     const qsizetype end = start.indexOf(u';');
-    if (start.size() > 1 && start[1] == u'#')
+    if (start.size() > 1 && start[1] == u'#') {
         return true;
-    if (end > 0 && UnescapeMarkup(start.first(end + 1)) != start.first(end + 1))
+    }
+    if (end > 0 && UnescapeMarkup(start.first(end + 1)) != start.first(end + 1)) {
         return true;
+    }
     for (qsizetype length = 3; length <= start.size() && start[length - 1].isLetterOrNumber(); ++length) {
         const QString read = UnescapeMarkup(start.first(length).toString() + QLatin1Char(';'));
-        if (read.size() == 1 && read[0].unicode() < 0x100 && read[0] != u'\'')
+        if (read.size() == 1 && read[0].unicode() < 0x100 && read[0] != u'\'') {
             return true;
+        }
     }
     return false;
 }
@@ -48,27 +52,30 @@ QStringView between(QStringView text, QLatin1String start, QLatin1String end, qs
     const qsizetype first = text.indexOf(start, at);
     const qsizetype from = first < 0 ? -1 : first + start.size();
     const qsizetype to = from < 0 ? -1 : text.indexOf(end, from);
-    if (to < 0)
+    if (to < 0) {
         return {};
+    }
     at = to + end.size();
     return text.sliced(from, to - from);
 }
 
 bool readLine(QStringView line, RunLogEntry& entry) {
-    if (!line.startsWith(SpanStart) || !line.endsWith(SpanEnd))
+    if (!line.startsWith(SpanStart) || !line.endsWith(SpanEnd)) {
         return false;
+    }
     line = line.sliced(SpanStart.size()).chopped(SpanEnd.size());
     const qsizetype colon = line.indexOf(u": ");
-    if (colon < 0)
+    if (colon < 0) {
         return false;
+    }
     entry.Time = line.first(colon).toString();
     const QStringView html = line.sliced(colon + 2);
     entry.Html = html.toString();
-    if (html == BatchStartedHtml())
+    if (html == BatchStartedHtml()) {
         entry.Kind = RunLogEntry::Started;
-    else if (html == BatchCompletedHtml())
+    } else if (html == BatchCompletedHtml()) {
         entry.Kind = RunLogEntry::Completed;
-    else if (html.startsWith(FileStart) && html.endsWith(NameEnd)) {
+    } else if (html.startsWith(FileStart) && html.endsWith(NameEnd)) {
         qsizetype at = 0;
         entry.Id = UnescapeMarkup(between(html, FileStart, NameStart, at));
         entry.Name = UnescapeMarkup(html.sliced(at).chopped(NameEnd.size()));
@@ -84,18 +91,19 @@ QString EscapeLogName(const QString& name) {
     out.reserve(name.size());
     for (qsizetype i = 0; i < name.size(); ++i) {
         const QChar c = name[i];
-        if (c == u'<')
+        if (c == u'<') {
             out += u"&lt;";
-        else if (c == u'>')
+        } else if (c == u'>') {
             out += u"&gt;";
-        else if (c == u'"')
+        } else if (c == u'"') {
             out += u"&quot;";
-        else if (c == u'&' && readsAsEntity(QStringView(name).sliced(i)))
+        } else if (c == u'&' && readsAsEntity(QStringView(name).sliced(i))) {
             out += u"&amp;";
-        else if (isControl(c.unicode()))
+        } else if (isControl(c.unicode())) {
             out += reference(c.unicode());
-        else
+        } else {
             out += c;
+        }
     }
     return out;
 }
@@ -128,8 +136,9 @@ QString RunLogLineText(const QString& time, const QString& html) {
 QByteArray EncodeRunLog(const QString& text) {
     bool lossy = false;
     QByteArray bytes = EncodeText(text, LocalePage, '?', &lossy);
-    if (!lossy)
+    if (!lossy) {
         return bytes;
+    }
     QString written;
     for (const char32_t code : text.toUcs4()) {
         const QString one = QString::fromUcs4(&code, 1);
@@ -148,8 +157,9 @@ RunLogContent ReadRunLog(const QByteArray& bytes) {
     text.remove(RunLogHead).remove(RunLogTail);
     for (const QStringView piece : QStringView(text).split(u'\n')) {
         RunLogEntry entry;
-        if (readLine(piece.endsWith(u'\r') ? piece.chopped(1) : piece, entry))
+        if (readLine(piece.endsWith(u'\r') ? piece.chopped(1) : piece, entry)) {
             content.Entries.push_back(std::move(entry));
+        }
     }
     return content;
 }

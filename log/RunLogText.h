@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The text of a run log: how its lines are written, and how they are read back. The module writes a log line
 // by line, the front joins the logs of several hosts, and the log view makes links of what stands there; all

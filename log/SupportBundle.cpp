@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/SupportBundle.h"
 
 #include "log/ZipArchive.h"
@@ -24,20 +25,24 @@ void addBytes(CZipArchive& archive, const char* name, const QByteArray& bytes) {
 // Empty, or why the file could not be added.
 QString addFile(CZipArchive& archive, const QString& name, const QString& path) {
     QFile file(path);
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) {
         return QStringLiteral("%1: it is not a regular file").arg(path);
-    if (!file.open(QIODevice::ReadOnly))
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
         return QStringLiteral("%1: %2").arg(path, file.errorString());
+    }
     CFileHeader header;
     header.Name = name.toStdString();
     archive.OpenNewFile(header, Level, QFile::encodeName(path).constData());
     QByteArray buffer(qsizetype{64} * 1024, '\0');
     for (;;) {
         const qint64 count = file.read(buffer.data(), buffer.size());
-        if (count < 0)
+        if (count < 0) {
             return QStringLiteral("%1: %2").arg(path, file.errorString());
-        if (count == 0)
+        }
+        if (count == 0) {
             break;
+        }
         archive.WriteNewFile(buffer.constData(), static_cast<std::size_t>(count));
     }
     archive.CloseNewFile();
@@ -72,8 +77,9 @@ SupportResult PackSupportBundle(const SupportFiles& files, const QByteArray& inf
             {QStringLiteral("TNLapp.log"), files.TraceLog}};
         for (const auto& [name, file] : entries) {
             result.Error = addFile(archive, name, file);
-            if (!result.Error.isEmpty())
+            if (!result.Error.isEmpty()) {
                 return result;
+            }
         }
         archive.Close();
     } catch (const CZipException& exception) {

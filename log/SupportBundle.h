@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Everything that a support person needs, in the archive that already holds the host's logs of the run. Each
 // press of the button adds to it: what was sent once stays, and the log view still finds the host's logs.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/SupportInfo.h"
 
 #include "state/MarkupDocument.h"
@@ -32,8 +33,9 @@ QString SupportInfoText(const SupportInfo& info) {
     if (info.Modules) {
         document.AddChildElement(u"LoadARXs");
         document.IntoElement();
-        for (const QString& path : *info.Modules)
+        for (const QString& path : *info.Modules) {
             document.AddChildElement(u"ARX", path);
+        }
         document.OutOfElement();
     }
     document.AddChildElement(u"LoadedFrom", info.ModuleDir);

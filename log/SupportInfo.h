@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What support wants to know of the machine and of the host: a small XML document beside the logs.
 #include <QByteArray>

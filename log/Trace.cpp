@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/Trace.h"
 
 #include "engine/Report.h"
@@ -20,8 +21,9 @@ const std::string& tracePath() {
     static std::string path;
     static QString pathOf;
     QString& file = TarnelData().TraceFile;
-    if (file.isEmpty())
+    if (file.isEmpty()) {
         file = DataFile(QStringLiteral("TNLapp.log"));
+    }
     if (pathOf != file || path.empty()) {
         pathOf = file;
         path = QFile::encodeName(file).toStdString();
@@ -33,8 +35,9 @@ const std::string& tracePath() {
 /// so it holds for no log that this module wrote: the trail of earlier starts stays in the file.
 bool endsInDone(QFile& file) {
     char16_t tail[4] = {};
-    if (!file.seek(file.size() - 4) || file.read(reinterpret_cast<char*>(tail), 4) != 4)
+    if (!file.seek(file.size() - 4) || file.read(reinterpret_cast<char*>(tail), 4) != 4) {
         return false;
+    }
     return QStringView(tail, 4) == QStringView(u"Done");
 }
 
@@ -42,8 +45,9 @@ bool endsInDone(QFile& file) {
 
 void Trace(const QString& text) {
     NarrowFile file;
-    if ((file.OpenForAppend(tracePath()) && file.Write(text)) || isLossTold)
+    if ((file.OpenForAppend(tracePath()) && file.Write(text)) || isLossTold) {
         return;
+    }
     isLossTold = true;
     ConsoleLine(QStringLiteral("%1: cannot be written: %2; lines of the trace are missing")
                     .arg(TarnelData().TraceFile, qt_error_string()));
@@ -59,8 +63,9 @@ void BeginTrace(const QString& version) {
     if (QFileInfo(last).isFile() && last.open(QIODevice::ReadOnly)) {
         const bool done = endsInDone(last);
         last.close();
-        if (done)
+        if (done) {
             last.remove();
+        }
     }
     char when[128] = {};
     const std::time_t now = std::time(nullptr);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The trace log is the recorder that support reads after a host has died in the middle of something. Each
 // line is on its way to the disk before the step that it names begins, so the file is opened and closed for

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/ZipArchive.h"
 
 #include "log/CentralDir.h"
@@ -23,10 +24,12 @@ constexpr std::uint64_t MaxRatio = 1032;
 
 // Flag bits 1 and 2 tell how hard the compressor tried.
 std::uint16_t levelFlags(int level) {
-    if (level >= 8)
+    if (level >= 8) {
         return 2;
-    if (level == 2)
+    }
+    if (level == 2) {
         return 4;
+    }
     return level == 1 ? 6 : 0;
 }
 
@@ -62,8 +65,9 @@ struct CZipArchive::State {
         Raise(cause, "entry \"" + Header.Name + "\" " + text);
     }
     void Need(Work work, const char* operation) const {
-        if (!Storage.IsOpen() || Doing != work)
+        if (!Storage.IsOpen() || Doing != work) {
             Raise(CZipException::Misuse, std::string(operation) + " is not possible now");
+        }
     }
 
     // Runs a step of writing. When it fails, the entry in work is taken back.
@@ -84,8 +88,9 @@ struct CZipArchive::State {
     }
 
     void Append(const void* data, std::size_t count, std::uint64_t limit) {
-        if (EndAfter(count) > limit)
+        if (EndAfter(count) > limit) {
             RaiseEntry(CZipException::TooLarge, "does not fit: the archive would need ZIP64");
+        }
         Storage.Append(data, count);
     }
 
@@ -116,10 +121,12 @@ struct CZipArchive::State {
         std::size_t done = 0;
         const auto end =
             Info.Inflate(buffer, count, done, [this](void* to, std::size_t size) { return Fetch(to, size); });
-        if (end == CZipInternalInfo::InflateEnd::Broken)
+        if (end == CZipInternalInfo::InflateEnd::Broken) {
             RaiseEntry(CZipException::Damaged, "is damaged: its data is no deflate stream");
-        if (done < count)
+        }
+        if (done < count) {
             RaiseEntry(CZipException::Damaged, "is damaged: it is shorter than its size");
+        }
         return done;
     }
 
@@ -131,11 +138,13 @@ struct CZipArchive::State {
             const auto end =
                 Info.Inflate(&spare, 1, done, [this](void* to, std::size_t size) { return Fetch(to, size); });
             if (end != CZipInternalInfo::InflateEnd::Done || done != 0 || Info.Unused() != 0 ||
-                Fetched != Header.CompSize)
+                Fetched != Header.CompSize) {
                 RaiseEntry(CZipException::Damaged, "is damaged: its sizes are wrong");
+            }
         }
-        if (Crc != Header.Crc32)
+        if (Crc != Header.Crc32) {
             RaiseEntry(CZipException::Damaged, "is damaged: its CRC is wrong");
+        }
     }
 
     // The local header must say the same as the directory; it tells where the data begins.
@@ -143,12 +152,14 @@ struct CZipArchive::State {
         char local[ZipFormat::LocalSize];
         const std::uint64_t limit = Directory.Limit(index);
         Storage.ReadAt(Header.Offset, local, sizeof local);
-        if (Get32(local) != ZipFormat::LocalSignature)
+        if (Get32(local) != ZipFormat::LocalSignature) {
             RaiseEntry(CZipException::Damaged, "is damaged: it has no header");
+        }
         const std::size_t name = Get16(local + 26);
         DataStart = Header.Offset + ZipFormat::LocalSize + name + Get16(local + 28);
-        if (DataStart + Header.CompSize > limit)
+        if (DataStart + Header.CompSize > limit) {
             RaiseEntry(CZipException::Damaged, "is damaged: it overlaps the one behind it");
+        }
         std::string localName(name, '\0');
         Storage.ReadAt(Header.Offset + ZipFormat::LocalSize, localName.data(), name);
         const bool sizesLater = (Get16(local + 6) & ZipFormat::FlagDescriptor) != 0;
@@ -157,8 +168,9 @@ struct CZipArchive::State {
         };
         if (localName != Directory.RawName(index) || Get16(local + 8) != Header.Method ||
             (!sizesLater && (Get32(local + 14) != Header.Crc32 || !same(Get32(local + 18), Header.CompSize) ||
-                             !same(Get32(local + 22), Header.UncompSize))))
+                             !same(Get32(local + 22), Header.UncompSize)))) {
             RaiseEntry(CZipException::Damaged, "is damaged: its header contradicts the directory");
+        }
     }
 };
 
@@ -172,8 +184,9 @@ bool CZipArchive::Open(const std::string& path, OpenMode mode) {
         state->Changed = true;
         return state->Storage.Create(path);
     }
-    if (!state->Storage.OpenExisting(path))
+    if (!state->Storage.OpenExisting(path)) {
         return false;
+    }
     try {
         state->Directory.Read(state->Storage);
     } catch (...) {
@@ -188,13 +201,16 @@ bool CZipArchive::IsOpen() const {
 }
 
 void CZipArchive::Close() {
-    if (!IsOpen())
+    if (!IsOpen()) {
         return;
+    }
     try {
-        if (state->Doing == State::Work::Writing)
+        if (state->Doing == State::Work::Writing) {
             CloseNewFile();
-        if (state->Doing == State::Work::Reading)
+        }
+        if (state->Doing == State::Work::Reading) {
             CloseFile();
+        }
         if (state->Changed) {
             state->Directory.Write(state->Storage);
             state->Storage.Commit();
@@ -215,15 +231,17 @@ int CZipArchive::FindFile(const std::string& name, bool caseSensitive) const {
     for (int i = 0; i < Count(); ++i) {
         const std::string& other = state->Directory.Header(i).Name;
         const bool slashed = SlashNames && other.find('\\') != std::string::npos;
-        if (SameEntryName(slashed ? withSlashes(other) : other, wanted, caseSensitive))
+        if (SameEntryName(slashed ? withSlashes(other) : other, wanted, caseSensitive)) {
             return i;
+        }
     }
     return -1;
 }
 
 void CZipArchive::GetFileInfo(CFileHeader& header, int index) const {
-    if (index < 0 || index >= Count())
+    if (index < 0 || index >= Count()) {
         state->Raise(CZipException::Misuse, "has no entry " + std::to_string(index));
+    }
     header = state->Directory.Header(index);
 }
 
@@ -232,54 +250,65 @@ void CZipArchive::OpenNewFile(CFileHeader& header, int level, const char* path) 
     s.Need(State::Work::Idle, "adding an entry");
     s.Header = header;
     s.Header.Name = header.Name.empty() ? "file" + std::to_string(Count()) : header.Name;
-    if (SlashNames)
+    if (SlashNames) {
         s.Header.Name = withSlashes(s.Header.Name);
+    }
     std::time_t time = std::time(nullptr);
     std::uint64_t known = 0;
     std::uint32_t mode = ZipFormat::PlainFileMode;
     if (path != nullptr) {
         struct stat status {};
-        if (stat(path, &status) != 0)
+        if (stat(path, &status) != 0) {
             throw CZipException(CZipException::ReadError, path,
                                 std::string("cannot read: ") + strerror(errno));
+        }
         time = status.st_mtime;
         mode = S_IFREG | (status.st_mode & 0777U);
         known = static_cast<std::uint64_t>(status.st_size);
     }
-    if (header.ModDate == 0 && header.ModTime == 0)
+    if (header.ModDate == 0 && header.ModTime == 0) {
         s.Header.SetTime(time);
-    if (header.Method != ZipFormat::Deflated && header.Method != ZipFormat::Stored)
+    }
+    if (header.Method != ZipFormat::Deflated && header.Method != ZipFormat::Stored) {
         s.RaiseEntry(CZipException::Unsupported, "has method " + std::to_string(header.Method));
+    }
     StoredName stored = EncodeEntryName(s.Header.Name);
     s.RawName = std::move(stored.Bytes);
     s.Header.Flags = header.Method == ZipFormat::Deflated ? levelFlags(level) : 0;
-    if (stored.Utf8)
+    if (stored.Utf8) {
         s.Header.Flags |= ZipFormat::FlagUtf8;
+    }
     s.Header.VersionNeeded = 20;
     s.Header.VersionMadeBy = ZipFormat::MadeOnUnix | s.Header.VersionNeeded;
     s.Header.Attributes = mode << 16U | (header.Attributes & 0xFFFFU);
     s.Header.Name = DecodeEntryName(s.RawName, s.Header.Flags, s.Header.VersionMadeBy, {});
     s.Header.Crc32 = s.Header.CompSize = s.Header.UncompSize = 0;
-    if (s.RawName.size() > ZipFormat::MaxName)
+    if (s.RawName.size() > ZipFormat::MaxName) {
         s.RaiseEntry(CZipException::TooLarge, "has a name of over 65,535 bytes");
-    if (static_cast<std::size_t>(Count()) >= ZipFormat::MaxEntries)
+    }
+    if (static_cast<std::size_t>(Count()) >= ZipFormat::MaxEntries) {
         s.RaiseEntry(CZipException::TooLarge, "is one too many: an archive holds 65,535");
-    if (known > SizeLimit)
+    }
+    if (known > SizeLimit) {
         s.RaiseEntry(CZipException::TooLarge, "is over 4 GiB: that would need ZIP64");
+    }
     s.Start = s.Storage.IsWriting() ? s.Storage.Position() : s.Directory.Offset();
     const std::uint64_t headerEnd = s.Start + ZipFormat::LocalSize + s.RawName.size();
-    if (headerEnd + s.Directory.WrittenSize() + ZipFormat::CentralSize + s.RawName.size() > SizeLimit)
+    if (headerEnd + s.Directory.WrittenSize() + ZipFormat::CentralSize + s.RawName.size() > SizeLimit) {
         s.RaiseEntry(CZipException::TooLarge, "does not fit: the archive would need ZIP64");
-    if (!s.Storage.IsWriting())
+    }
+    if (!s.Storage.IsWriting()) {
         s.Storage.BeginUpdate(s.Start);
+    }
     s.Header.Offset = static_cast<std::uint32_t>(s.Start);
     s.Crc = 0;
     s.Write([&] {
         const std::string local = s.LocalHeader();
         s.Storage.Append(local.data(), local.size());
         s.DataStart = s.Storage.Position();
-        if (s.Header.Method == ZipFormat::Deflated)
+        if (s.Header.Method == ZipFormat::Deflated) {
             s.Info.BeginDeflate(std::clamp(level, 0, 9));
+        }
     });
     s.Doing = State::Work::Writing;
     header = s.Header;
@@ -289,15 +318,17 @@ void CZipArchive::WriteNewFile(const void* buffer, std::size_t count) {
     State& s = *state;
     s.Need(State::Work::Writing, "writing an entry");
     s.Write([&] {
-        if (count > SizeLimit - std::min<std::uint64_t>(SizeLimit, s.Header.UncompSize))
+        if (count > SizeLimit - std::min<std::uint64_t>(SizeLimit, s.Header.UncompSize)) {
             s.RaiseEntry(CZipException::TooLarge, "is over 4 GiB: that would need ZIP64");
+        }
         s.Crc = crc32_z(s.Crc, static_cast<const Bytef*>(buffer), count);
         s.Header.UncompSize += static_cast<std::uint32_t>(count);
-        if (s.Header.Method == ZipFormat::Stored)
+        if (s.Header.Method == ZipFormat::Stored) {
             s.Append(buffer, count, SizeLimit);
-        else
+        } else {
             s.Info.Deflate(buffer, count,
                            [&](const void* data, std::size_t size) { s.Append(data, size, SizeLimit); });
+        }
     });
 }
 
@@ -305,9 +336,10 @@ void CZipArchive::CloseNewFile() {
     State& s = *state;
     s.Need(State::Work::Writing, "ending an entry");
     s.Write([&] {
-        if (s.Header.Method == ZipFormat::Deflated)
+        if (s.Header.Method == ZipFormat::Deflated) {
             s.Info.FinishDeflate(
                 [&](const void* data, std::size_t size) { s.Append(data, size, SizeLimit); });
+        }
         s.Header.Crc32 = static_cast<std::uint32_t>(s.Crc);
         s.Header.CompSize = static_cast<std::uint32_t>(s.Storage.Position() - s.DataStart);
         s.Storage.PatchAt(s.Start, s.LocalHeader());
@@ -322,21 +354,25 @@ void CZipArchive::OpenFile(int index) {
     s.Need(State::Work::Idle, "reading an entry");
     GetFileInfo(s.Header, index);
     constexpr int locked = ZipFormat::FlagEncrypted | ZipFormat::FlagStrongEncryption | ZipFormat::FlagMasked;
-    if ((s.Header.Flags & locked) != 0)
+    if ((s.Header.Flags & locked) != 0) {
         s.RaiseEntry(CZipException::Unsupported, "is encrypted");
-    if (s.Header.Method != ZipFormat::Stored && s.Header.Method != ZipFormat::Deflated)
+    }
+    if (s.Header.Method != ZipFormat::Stored && s.Header.Method != ZipFormat::Deflated) {
         s.RaiseEntry(CZipException::Unsupported,
                      "has method " + std::to_string(s.Header.Method) + "; only 0 and 8 are read");
+    }
     s.FindData(index);
     const std::uint64_t most =
         s.Header.Method == ZipFormat::Stored ? s.Header.CompSize : s.Header.CompSize * MaxRatio;
-    if (s.Header.UncompSize > most || (s.Header.Method == ZipFormat::Stored && s.Header.UncompSize != most))
+    if (s.Header.UncompSize > most || (s.Header.Method == ZipFormat::Stored && s.Header.UncompSize != most)) {
         s.RaiseEntry(CZipException::Damaged, "is damaged: its sizes are wrong");
+    }
     s.Delivered = 0;
     s.Fetched = 0;
     s.Crc = 0;
-    if (s.Header.Method == ZipFormat::Deflated)
+    if (s.Header.Method == ZipFormat::Deflated) {
         s.Info.BeginInflate();
+    }
     s.Doing = State::Work::Reading;
 }
 
@@ -345,8 +381,9 @@ std::size_t CZipArchive::ReadFile(void* buffer, std::size_t count) {
     s.Need(State::Work::Reading, "reading an entry");
     const auto want =
         static_cast<std::size_t>(std::min<std::uint64_t>(count, s.Header.UncompSize - s.Delivered));
-    if (want == 0)
+    if (want == 0) {
         return 0;
+    }
     const std::size_t done =
         s.Header.Method == ZipFormat::Stored ? s.Fetch(buffer, want) : s.ReadDeflated(buffer, want);
     s.Crc = crc32_z(s.Crc, static_cast<const Bytef*>(buffer), done);
@@ -358,8 +395,9 @@ void CZipArchive::CloseFile() {
     State& s = *state;
     s.Need(State::Work::Reading, "ending an entry");
     s.Doing = State::Work::Idle;
-    if (s.Delivered == s.Header.UncompSize)
+    if (s.Delivered == s.Header.UncompSize) {
         s.CheckEnd();
+    }
 }
 
 std::string CZipArchive::ReadWholeFile(int index) {
@@ -372,8 +410,9 @@ std::string CZipArchive::ReadWholeFile(int index) {
             content.resize(old + step);
             const std::size_t done = ReadFile(content.data() + old, step);
             content.resize(old + done);
-            if (done == 0)
+            if (done == 0) {
                 break;
+            }
         }
         CloseFile();
         return content;

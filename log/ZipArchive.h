@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // ZIP archives for the host logs of a run and for what goes to support: the published format with deflate,
 // no parts, no encryption, no ZIP64. What is written goes to a file beside the archive, which replaces it at

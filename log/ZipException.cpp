@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/ZipException.h"
 
 CZipException::CZipException(CauseKind cause, const std::string& file, const std::string& text)

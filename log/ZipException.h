@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a damaged archive, a refused entry or a failed write raises. An archive is the one place of the
 // module where a failure can come up at any byte, deep under the caller; a status at each step would be

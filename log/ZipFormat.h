@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The numbers of the published ZIP format (.ZIP File Format Specification, version 6.3.x, section 4.3), and
 // its little-endian fields.

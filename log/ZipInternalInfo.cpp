@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/ZipInternalInfo.h"
 
 #include <algorithm>
@@ -12,22 +13,26 @@ constexpr std::size_t StepSize = std::size_t{1} << 30U;
 }  // namespace
 
 CZipInternalInfo::~CZipInternalInfo() {
-    if (deflaterReady)
+    if (deflaterReady) {
         deflateEnd(&deflater);
-    if (inflaterReady)
+    }
+    if (inflaterReady) {
         inflateEnd(&inflater);
+    }
 }
 
 void CZipInternalInfo::BeginDeflate(int level) {
     if (deflaterReady && deflaterLevel == level) {
         deflateReset(&deflater);
     } else {
-        if (deflaterReady)
+        if (deflaterReady) {
             deflateEnd(&deflater);
+        }
         deflaterReady = false;
         deflater = {};
-        if (deflateInit2(&deflater, level, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY) != Z_OK)
+        if (deflateInit2(&deflater, level, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY) != Z_OK) {
             throw std::bad_alloc();
+        }
         deflaterReady = true;
         deflaterLevel = level;
     }
@@ -45,8 +50,9 @@ void CZipInternalInfo::pump(int flush, const Sink& sink) {
             deflater.next_out = reinterpret_cast<Bytef*>(output.data());
             deflater.avail_out = BufferSize;
         }
-        if (!full)
+        if (!full) {
             return;
+        }
     }
 }
 
@@ -73,8 +79,9 @@ void CZipInternalInfo::BeginInflate() {
         inflateReset(&inflater);
     } else {
         inflater = {};
-        if (inflateInit2(&inflater, -MAX_WBITS) != Z_OK)
+        if (inflateInit2(&inflater, -MAX_WBITS) != Z_OK) {
             throw std::bad_alloc();
+        }
         inflaterReady = true;
     }
     input.resize(BufferSize);
@@ -96,10 +103,12 @@ CZipInternalInfo::InflateEnd CZipInternalInfo::Inflate(void* buffer, std::size_t
         inflater.avail_out = static_cast<uInt>(step);
         const int result = inflate(&inflater, Z_NO_FLUSH);
         done += step - inflater.avail_out;
-        if (result == Z_STREAM_END)
+        if (result == Z_STREAM_END) {
             return InflateEnd::Done;
-        if (result != Z_OK)
+        }
+        if (result != Z_OK) {
             return InflateEnd::Broken;
+        }
     }
     return InflateEnd::More;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The compressor and decompressor of an archive with their buffers. They are kept from entry to entry,
 // because setting up a compressor costs as much as packing a small log. Raw deflate: window bits -15,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/ZipStorage.h"
 
 #include "log/ZipException.h"
@@ -31,8 +32,9 @@ int openRetry(const std::string& path, int flags, mode_t mode = 0) {
 bool CZipStorage::OpenExisting(const std::string& name) {
     Discard();
     const int handle = openRetry(name, O_RDONLY | O_NONBLOCK);
-    if (handle < 0)
+    if (handle < 0) {
         return false;
+    }
     struct stat status {};
     if (fstat(handle, &status) != 0 || !S_ISREG(status.st_mode)) {
         close(handle);
@@ -65,16 +67,18 @@ bool CZipStorage::Create(const std::string& name) {
 
 void CZipStorage::BeginUpdate(std::uint64_t keep) {
     struct stat status {};
-    if (fstat(readHandle, &status) != 0)
+    if (fstat(readHandle, &status) != 0) {
         raiseWrite(path);
+    }
     if ((status.st_mode & 0222U) == 0) {
         errno = EACCES;
         raiseWrite(path);
     }
     if (!openBeside()) {
-        if (errno == EWOULDBLOCK)
+        if (errno == EWOULDBLOCK) {
             throw CZipException(CZipException::WriteError, path,
                                 "cannot write: someone else is adding to it");
+        }
         raiseWrite(path);
     }
     try {
@@ -94,8 +98,9 @@ void CZipStorage::BeginUpdate(std::uint64_t keep) {
 }
 
 bool CZipStorage::openBeside() {
-    if (!fresh.Open(path, files::NewFile::Busy::Refuse))
+    if (!fresh.Open(path, files::NewFile::Busy::Refuse)) {
         return false;
+    }
     flushed = 0;
     pending.clear();
     pending.reserve(BufferSize);
@@ -103,19 +108,23 @@ bool CZipStorage::openBeside() {
 }
 
 void CZipStorage::ReadAt(std::uint64_t offset, void* buffer, std::size_t count) {
-    if (fresh.IsOpen() && offset < Position() && offset + count > flushed)
+    if (fresh.IsOpen() && offset < Position() && offset + count > flushed) {
         flush();
+    }
     const int handle = fresh.IsOpen() && offset < flushed ? fresh.Descriptor() : readHandle;
     auto* to = static_cast<char*>(buffer);
     while (count > 0) {
         const ssize_t done = pread(handle, to, count, static_cast<off_t>(offset));
-        if (done < 0 && errno == EINTR)
+        if (done < 0 && errno == EINTR) {
             continue;
-        if (done < 0)
+        }
+        if (done < 0) {
             throw CZipException(CZipException::ReadError, path,
                                 std::string("cannot read: ") + strerror(errno));
-        if (done == 0)
+        }
+        if (done == 0) {
             throw CZipException(CZipException::Damaged, path, "ends too early");
+        }
         to += done;
         offset += static_cast<std::uint64_t>(done);
         count -= static_cast<std::size_t>(done);
@@ -127,10 +136,12 @@ void CZipStorage::writeAll(std::uint64_t offset, const char* data, std::size_t c
     while (done < count) {
         const ssize_t wrote =
             pwrite(fresh.Descriptor(), data + done, count - done, static_cast<off_t>(offset + done));
-        if (wrote < 0 && errno == EINTR)
+        if (wrote < 0 && errno == EINTR) {
             continue;
-        if (wrote < 0)
+        }
+        if (wrote < 0) {
             raiseWrite(path);
+        }
         done += static_cast<std::size_t>(wrote);
     }
 }
@@ -151,8 +162,9 @@ void CZipStorage::flush() {
 
 void CZipStorage::Append(const void* data, std::size_t count) {
     pending.append(static_cast<const char*>(data), count);
-    if (pending.size() >= BufferSize)
+    if (pending.size() >= BufferSize) {
         flush();
+    }
 }
 
 void CZipStorage::PatchAt(std::uint64_t offset, const std::string& bytes) {
@@ -160,8 +172,9 @@ void CZipStorage::PatchAt(std::uint64_t offset, const std::string& bytes) {
         pending.replace(static_cast<std::size_t>(offset - flushed), bytes.size(), bytes);
         return;
     }
-    if (offset + bytes.size() > flushed)
+    if (offset + bytes.size() > flushed) {
         flush();
+    }
     std::size_t done = 0;
     writeAll(offset, bytes.data(), bytes.size(), done);
 }
@@ -172,22 +185,25 @@ void CZipStorage::Rewind(std::uint64_t offset) {
         return;
     }
     pending.clear();
-    if (ftruncate(fresh.Descriptor(), static_cast<off_t>(offset)) != 0)
+    if (ftruncate(fresh.Descriptor(), static_cast<off_t>(offset)) != 0) {
         raiseWrite(path);
+    }
     flushed = offset;
 }
 
 void CZipStorage::Commit() {
     flush();
-    if (fsync(fresh.Descriptor()) != 0 || !fresh.Commit())
+    if (fsync(fresh.Descriptor()) != 0 || !fresh.Commit()) {
         raiseWrite(path);
+    }
     Discard();
 }
 
 void CZipStorage::Discard() {
     fresh.Discard();
-    if (readHandle >= 0)
+    if (readHandle >= 0) {
         close(readHandle);
+    }
     readHandle = -1;
     size = 0;
     flushed = 0;

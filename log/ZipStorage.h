@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The file of an archive: reads at any place, and appends through a buffer to a file beside it, which takes
 // the archive's place in one step. So the archive on disk is always whole, whatever happens to the process.

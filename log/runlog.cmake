@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The text of the run log and its archive, without the record or a host: the module writes them, the front
 # joins and mends them.
 add_library(tnl_runlog STATIC HostLogArchive.cpp RunLogText.cpp)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # PackSupportBundle and SupportInfoText need no host; what asks the record and the host lies in files of its own.
 add_library(tnl_support STATIC MapiSession.cpp SupportInfo.cpp CollectSupportInfo.cpp SupportBundle.cpp
             BuildSupportBundle.cpp)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Sourced by ./tarnel, ./check and bench/: installs what is missing and builds. A fresh clone on a bare
 # machine has no compiler and perhaps no git, so this uses nothing beyond Debian's essential packages, and
 # it says nothing on standard output, which belongs to the program that is built.

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Draws the sample drawings, with nothing but Python's own library.
 
 usage: make-drawings.py [FOLDER]      (default: drawings/ beside this file)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/Base64.h"
 
 namespace {
@@ -5,14 +6,18 @@ namespace {
 constexpr qsizetype lineLength = 76;
 
 int valueOf(char16_t c) {
-    if (c >= u'A' && c <= u'Z')
+    if (c >= u'A' && c <= u'Z') {
         return c - u'A';
-    if (c >= u'a' && c <= u'z')
+    }
+    if (c >= u'a' && c <= u'z') {
         return c - u'a' + 26;
-    if (c >= u'0' && c <= u'9')
+    }
+    if (c >= u'0' && c <= u'9') {
         return c - u'0' + 52;
-    if (c == u'+')
+    }
+    if (c == u'+') {
         return 62;
+    }
     return c == u'/' ? 63 : -1;
 }
 
@@ -27,8 +32,9 @@ QString Base64Encode(const QByteArray& bytes) {
     QString out;
     out.reserve(text.size() + text.size() / lineLength * 2);
     for (qsizetype at = 0; at < text.size(); at += lineLength) {
-        if (at > 0)
+        if (at > 0) {
             out += u"\r\n";
+        }
         out += QStringView(text).sliced(at, std::min(lineLength, text.size() - at));
     }
     return out;
@@ -39,12 +45,14 @@ std::optional<QByteArray> Base64Decode(QStringView text) {
     unsigned bits = 0;
     int inGroup = 0;
     for (const QChar c : text) {
-        if (isSpace(c.unicode()))
+        if (isSpace(c.unicode())) {
             continue;
+        }
         const int value = valueOf(c.unicode());
         if (value < 0) {
-            if (c != u'=' || inGroup < 2)
+            if (c != u'=' || inGroup < 2) {
                 return std::nullopt;
+            }
             break;
         }
         bits = bits << 6 | static_cast<unsigned>(value);
@@ -53,9 +61,11 @@ std::optional<QByteArray> Base64Decode(QStringView text) {
             inGroup = 0;
         }
     }
-    if (inGroup >= 2)
+    if (inGroup >= 2) {
         out.append(char(bits >> (inGroup * 6 - 8)));
-    if (inGroup == 3)
+    }
+    if (inGroup == 3) {
         out.append(char(bits >> 2));
+    }
     return out;
 }

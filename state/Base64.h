@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Base64 as the state file holds it: standard alphabet, "=" padding, lines of 76 characters.
 #include <optional>

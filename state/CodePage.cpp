@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Conversion by code page. UTF-8 goes by hand, since every state file passes here several times per drawing;
 // pages of single bytes go by tables, and the others through ICU or the C library.
 #include "state/CodePage.h"
@@ -23,12 +24,15 @@ QByteArray encodeUtf8(QStringView text) {
         constexpr std::ptrdiff_t block = 16;
         while (end - from >= block) {
             char16_t all = 0;
-            for (std::ptrdiff_t i = 0; i < block; ++i)
+            for (std::ptrdiff_t i = 0; i < block; ++i) {
                 all |= from[i];
-            if (all >= 0x80)
+            }
+            if (all >= 0x80) {
                 break;
-            for (std::ptrdiff_t i = 0; i < block; ++i)
+            }
+            for (std::ptrdiff_t i = 0; i < block; ++i) {
                 to[i] = static_cast<unsigned char>(from[i]);
+            }
             from += block;
             to += block;
         }
@@ -38,10 +42,11 @@ QByteArray encodeUtf8(QStringView text) {
                 *to++ = static_cast<unsigned char>(c);
                 continue;
             }
-            if (QChar::isHighSurrogate(c) && from != end && QChar::isLowSurrogate(*from))
+            if (QChar::isHighSurrogate(c) && from != end && QChar::isLowSurrogate(*from)) {
                 c = QChar::surrogateToUcs4(static_cast<char16_t>(c), *from++);
-            else if (QChar::isSurrogate(c))
+            } else if (QChar::isSurrogate(c)) {
                 c = QChar::ReplacementCharacter;
+            }
             if (c < 0x800) {
                 *to++ = static_cast<unsigned char>(0xc0 | c >> 6);
             } else {
@@ -63,8 +68,9 @@ QByteArray encodeUtf8(QStringView text) {
 QString decodeUtf8(QByteArrayView bytes) {
     // A mark at the start would be taken away; here it is a character like any other.
     constexpr QByteArrayView mark = "\xEF\xBB\xBF";
-    if (bytes.startsWith(mark))
+    if (bytes.startsWith(mark)) {
         return QChar(QChar::ByteOrderMark) + QString::fromUtf8(bytes.sliced(mark.size()));
+    }
     return QString::fromUtf8(bytes);
 }
 
@@ -76,8 +82,9 @@ QString decodeUtf8(QByteArrayView bytes, char16_t unknown) {
         const qsizetype at = bytes.indexOf(genuine);
         text +=
             decodeUtf8(bytes.first(at < 0 ? bytes.size() : at)).replace(QChar::ReplacementCharacter, unknown);
-        if (at < 0)
+        if (at < 0) {
             return text;
+        }
         text += QChar(QChar::ReplacementCharacter);
         bytes = bytes.sliced(at + genuine.size());
     }
@@ -105,25 +112,32 @@ bool HasCodePage(int page) {
 }
 
 QString DecodeText(QByteArrayView bytes, int page, char16_t unknown) {
-    if (IsUtf8Page(page))
+    if (IsUtf8Page(page)) {
         return unknown == QChar::ReplacementCharacter ? decodeUtf8(bytes) : decodeUtf8(bytes, unknown);
-    if (IsJapaneseMailPage(page))
+    }
+    if (IsJapaneseMailPage(page)) {
         return DecodeJapaneseMail(bytes, unknown);
-    if (const SingleBytePage* single = SingleBytePage::Of(page))
+    }
+    if (const SingleBytePage* single = SingleBytePage::Of(page)) {
         return single->Decode(bytes, unknown);
-    if (IcuConverter icu(page); icu.IsOpen())
+    }
+    if (IcuConverter icu(page); icu.IsOpen()) {
         return icu.Decode(bytes, unknown);
-    if (HasLibraryPage(page))
+    }
+    if (HasLibraryPage(page)) {
         return DecodeByLibrary(bytes, page, unknown);
+    }
     QString ascii = QString::fromLatin1(bytes);
-    for (QChar& c : ascii)
+    for (QChar& c : ascii) {
         c = c.unicode() < 0x80 ? c : QChar(unknown);
+    }
     return ascii;
 }
 
 QByteArray EncodeText(QStringView text, int page, char substitute, bool* lossy) {
-    if (IsUtf8Page(page))
+    if (IsUtf8Page(page)) {
         return encodeUtf8(text);
+    }
     bool lost = false;
     QByteArray out;
     if (IsJapaneseMailPage(page)) {
@@ -133,8 +147,9 @@ QByteArray EncodeText(QStringView text, int page, char substitute, bool* lossy) 
     } else if (IcuConverter icu(page); icu.IsOpen()) {
         out = icu.Encode(text, substitute, lost);
         // ICU begins with the mark for ASCII, in which such a text begins anyway: a declaration stands first.
-        if (constexpr QByteArrayView ascii = "~}"; page == hzPage && out.startsWith(ascii))
+        if (constexpr QByteArrayView ascii = "~}"; page == hzPage && out.startsWith(ascii)) {
             out.remove(0, ascii.size());
+        }
     } else if (HasLibraryPage(page)) {
         out = EncodeByLibrary(text, page, substitute, lost);
     } else {
@@ -143,7 +158,8 @@ QByteArray EncodeText(QStringView text, int page, char substitute, bool* lossy) 
             out += c.unicode() < 0x80 ? static_cast<char>(c.unicode()) : substitute;
         }
     }
-    if (lossy != nullptr && lost && !CodePageNeedsNoDefault(page))
+    if (lossy != nullptr && lost && !CodePageNeedsNoDefault(page)) {
         *lossy = true;
+    }
     return out;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Code pages by number and by the names that documents use for them. The numbers are those of the system that
 // the first files came from, because names in files, and lists made there, mean exactly those pages.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Which files count as drawings, by their names alone. Case means nothing here: drawings come from systems
 // on which it does not, and "PLAN.DXF" is one of them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Where the elements of a markup text stand. Eight plain numbers per element in blocks of 65,536 records, so
 // that a log of any size needs neither one object per element nor one large block.
@@ -56,8 +57,9 @@ class PositionIndex {
     void Reset(std::uint32_t room);
     /// A new record, cleared.
     std::uint32_t Add() {
-        if (used == capacity)
+        if (used == capacity) {
             grow(used + used / 2 + 8);
+        }
         (*this)[used] = ElementPosition{};
         return used++;
     }

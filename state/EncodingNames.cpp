@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/CodePage.h"
 
 #include <algorithm>
@@ -105,16 +106,20 @@ constexpr std::array<NameRow, 365> nameRows = {{
 
 int EncodingToCodePage(QStringView name) {
     constexpr qsizetype nameLimit = 100;
-    if (name.isEmpty())
+    if (name.isEmpty()) {
         return LocalePage;
-    if (name.startsWith(u"UTF-32"))
+    }
+    if (name.startsWith(u"UTF-32")) {
         return Utf32Page;
-    if (name.size() >= nameLimit)
+    }
+    if (name.size() >= nameLimit) {
         return -1;
+    }
     std::string lowered;
     for (const QChar c : name) {
-        if (c.unicode() >= 128)
+        if (c.unicode() >= 128) {
             return -1;
+        }
         lowered += static_cast<char>(c >= u'A' && c <= u'Z' ? c.unicode() + 32 : c.unicode());
     }
     const auto row =

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/Entities.h"
 
 #include <algorithm>
@@ -79,15 +80,18 @@ char32_t numberCode(std::string_view digits) {
     char32_t code = 0;
     for (const char c : digits) {
         unsigned digit = 99;
-        if (c >= '0' && c <= '9')
+        if (c >= '0' && c <= '9') {
             digit = unsigned(c - '0');
-        else if (c >= 'a' && c <= 'f')
+        } else if (c >= 'a' && c <= 'f') {
             digit = unsigned(c - 'a') + 10;
-        if (digit >= base)
+        }
+        if (digit >= base) {
             return 0;
+        }
         code = code * base + digit;
-        if (code > 0x10ffff)
+        if (code > 0x10ffff) {
             return 0;
+        }
     }
     return code;
 }
@@ -118,8 +122,9 @@ void appendEscaped(MarkupBuffer& out, QStringView text, std::uint64_t specials) 
     const char16_t* units = text.utf16();
     qsizetype done = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        if (units[i] >= 64 || !(specials >> units[i] & 1))
+        if (units[i] >= 64 || !(specials >> units[i] & 1)) {
             continue;
+        }
         out.Append(text.sliced(done, i - done));
         out.Append(escapeOf(units[i]));
         done = i + 1;
@@ -147,8 +152,9 @@ void AppendEscapedAttribute(MarkupBuffer& out, QStringView value) {
 
 QString UnescapeMarkup(QStringView text) {
     qsizetype at = text.indexOf(u'&');
-    if (at < 0)
+    if (at < 0) {
         return text.toString();
+    }
     QString out;
     out.reserve(text.size());
     qsizetype done = 0;
@@ -159,8 +165,9 @@ QString UnescapeMarkup(QStringView text) {
         qsizetype end = at + 1;
         for (; end < text.size() && end <= at + longestName; ++end) {
             const char16_t c = text[end].unicode();
-            if (c == u';' || c >= 128)
+            if (c == u';' || c >= 128) {
                 break;
+            }
             name[length++] = static_cast<char>(c >= u'A' && c <= u'Z' ? c + 32 : c);
         }
         char32_t code = 0;
@@ -173,10 +180,11 @@ QString UnescapeMarkup(QStringView text) {
             continue;
         }
         out.append(text.sliced(done, at - done));
-        if (code > 0xffff)
+        if (code > 0xffff) {
             out.append(QChar::highSurrogate(code)).append(QChar::lowSurrogate(code));
-        else
+        } else {
             out.append(QChar(static_cast<char16_t>(code)));
+        }
         at = done = end + 1;
     }
     out.append(text.sliced(done));

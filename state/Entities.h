@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Escaping of markup text, and the character entities of HTML that a reader meets. Entity names are looked up
 // in small letters and the capital form of a pair wins ("&oslash;" gives U+00D8): files in use were written
@@ -16,10 +17,12 @@ class MarkupBuffer {
     MarkupBuffer& operator=(const MarkupBuffer&) = delete;
 
     void Append(QStringView text) {
-        if (text.isEmpty())
+        if (text.isEmpty()) {
             return;
-        if (size + text.size() > capacity)
+        }
+        if (size + text.size() > capacity) {
             grow(size + text.size());
+        }
         std::memcpy(units + size, text.utf16(), std::size_t(text.size()) * sizeof(char16_t));
         size += text.size();
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/FileName.h"
 
 namespace {
@@ -9,16 +10,19 @@ bool isLetter(QChar c) {
 }  // namespace
 
 bool IsWindowsPath(QStringView path) {
-    if (path.size() >= 3 && path[1] == u':' && path[2] == u'\\')
+    if (path.size() >= 3 && path[1] == u':' && path[2] == u'\\') {
         return isLetter(path[0]);
+    }
     return path.size() >= 2 && path[0] == u'\\' && path[1] == u'\\';
 }
 
 qsizetype NameOffset(QStringView path) {
     const bool windows = IsWindowsPath(path);
-    for (qsizetype i = path.size(); i > 0; --i)
-        if (path[i - 1] == u'/' || (windows && path[i - 1] == u'\\'))
+    for (qsizetype i = path.size(); i > 0; --i) {
+        if (path[i - 1] == u'/' || (windows && path[i - 1] == u'\\')) {
             return i;
+        }
+    }
     return 0;
 }
 
@@ -30,8 +34,9 @@ void CFileName::SetPath(const QString& newPath) {
     path = newPath;
     nameStart = NameOffset(path);
     extStart = path.lastIndexOf(u'.');
-    if (extStart < nameStart)
+    if (extStart < nameStart) {
         extStart = path.size();
+    }
 }
 
 void AppendPath(QString& out, QStringView directory, QStringView name) {
@@ -39,8 +44,9 @@ void AppendPath(QString& out, QStringView directory, QStringView name) {
     if (!directory.isEmpty()) {
         const bool windows = IsWindowsPath(directory);
         const QChar last = directory.back();
-        if (last != u'/' && !(windows && last == u'\\'))
+        if (last != u'/' && !(windows && last == u'\\')) {
             out.append(windows ? u'\\' : u'/');
+        }
     }
     out.append(name);
 }
@@ -54,7 +60,8 @@ QString JoinPath(QStringView directory, QStringView name) {
 
 QString TrimSeparators(const QString& directory) {
     qsizetype length = directory.size();
-    while (length > 0 && (directory[length - 1] == u'/' || directory[length - 1] == u'\\'))
+    while (length > 0 && (directory[length - 1] == u'/' || directory[length - 1] == u'\\')) {
         --length;
+    }
     return directory.first(length);
 }

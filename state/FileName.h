@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Splits and joins the paths of drawings. Paths come from this system ("/home/…") and, through lists made
 // elsewhere, from systems with drives and backslashes ("C:\work\a.dwg", "\\server\share\a.dwg"); the latter

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/GroupFile.h"
 
 #include "state/FileName.h"
@@ -59,8 +60,9 @@ bool loadScriptFile(CTarnelData& data, const QString& path, QString* message) {
         *message = group.Script + u": " + script.Fault;
         return false;
     }
-    if (!script.Note.isEmpty())
+    if (!script.Note.isEmpty()) {
         *message = group.Script + u": " + script.Note;
+    }
     data.LastScriptFile = group.Script;
     data.Script = script.Script;
     data.MaxTime = group.MaxTime;
@@ -68,8 +70,9 @@ bool loadScriptFile(CTarnelData& data, const QString& path, QString* message) {
     emptyQueue(data);
     for (const ScriptFileGroup::Entry& entry : group.Entries) {
         appendPath(data, entry.Path);
-        if (entry.OldStatus >= 0 && entry.OldStatus < int(statuses.size()))
+        if (entry.OldStatus >= 0 && entry.OldStatus < int(statuses.size())) {
             data.FileStatus.push_back(statuses[std::size_t(entry.OldStatus)]);
+        }
     }
     BuildFileOrder(data);
     return true;
@@ -80,10 +83,12 @@ bool loadScriptFile(CTarnelData& data, const QString& path, QString* message) {
 bool LoadGroupFile(const QString& path, QString* message) {
     CTarnelData& data = TarnelData();
     const QString extension = CFileName(path).GetExt().toLower();
-    if (extension == u".grp")
+    if (extension == u".grp") {
         return loadScriptFile(data, path, message);
-    if (extension != u".xml")
+    }
+    if (extension != u".xml") {
         return loadPlainList(data, path, message);
+    }
     if (!QFile(path).open(QIODevice::ReadOnly)) {
         *message = QStringLiteral("Could not open file.");
         return false;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A group file is a queue that the user keeps for later, perhaps with a script and options. One form is
 // written, that of the state file; two older ones are still read: a plain list of paths, and the script file

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/GroupList.h"
 
 #include "state/FileName.h"
@@ -16,13 +17,15 @@ class Lines {
   public:
     explicit Lines(QStringView text) : rest(text) {}
     bool Next(QString& line) {
-        if (rest.isEmpty())
+        if (rest.isEmpty()) {
             return false;
+        }
         const qsizetype end = rest.indexOf(u'\n');
         QStringView piece = rest.first(end < 0 ? rest.size() : end);
         rest = rest.sliced(end < 0 ? rest.size() : end + 1);
-        if (piece.endsWith(u'\r'))
+        if (piece.endsWith(u'\r')) {
             piece.chop(1);
+        }
         line = piece.toString();
         return true;
     }
@@ -35,12 +38,14 @@ class Lines {
 /// the others are.
 GroupListError readText(const QString& path, QString& text, QString* note) {
     QByteArray bytes;
-    if (ReadWholeFile(path, bytes) != 0)
+    if (ReadWholeFile(path, bytes) != 0) {
         return GroupListError::CannotOpen;
+    }
     const UserText read = DecodeUserText(bytes);
     text = read.Text;
-    if (note)
+    if (note) {
         *note = read.BadLine != 0 ? read.Fault() : read.Note();
+    }
     return GroupListError::None;
 }
 
@@ -50,8 +55,9 @@ GroupListError ReadPathList(const QString& path, const QString& folder, std::vec
                             QString* note) {
     QString text;
     const GroupListError error = readText(path, text, note);
-    if (error == GroupListError::None)
+    if (error == GroupListError::None) {
         *entries = PathsOfList(text, folder);
+    }
     return error;
 }
 
@@ -59,8 +65,9 @@ std::vector<QString> PathsOfList(QStringView text, const QString& folder) {
     std::vector<QString> entries;
     QString line;
     for (Lines lines(text); lines.Next(line);) {
-        if (!line.startsWith(u'@'))
+        if (!line.startsWith(u'@')) {
             entries.push_back(IsWindowsPath(line) ? line.toLower() : LocalPath(line, folder));
+        }
     }
     return entries;
 }
@@ -75,8 +82,9 @@ GroupListError ScriptFileGroupOfText(QStringView text, ScriptFileGroup* group) {
     constexpr qsizetype pathColumn = 6;
     Lines lines(text);
     QString line;
-    if (!lines.Next(line) || (line != u"Tarnel V2 Script File" && line != u"Tarnel V2.6.5 Script File"))
+    if (!lines.Next(line) || (line != u"Tarnel V2 Script File" && line != u"Tarnel V2.6.5 Script File")) {
         return GroupListError::NoScriptFile;
+    }
     lines.Next(group->Script);
     const auto number = [&lines] {
         QString text;
@@ -85,15 +93,17 @@ GroupListError ScriptFileGroupOfText(QStringView text, ScriptFileGroup* group) {
     group->MaxTime = number();
     group->AlarmTime = number();
     group->Entries.clear();
-    while (lines.Next(line))
+    while (lines.Next(line)) {
         group->Entries.push_back({line.sliced(std::min(pathColumn, line.size())), ParseNumber(line)});
+    }
     return GroupListError::None;
 }
 
 QString LocalPath(const QString& path, const QString& folder) {
     if (!path.contains(u'\\') || path.contains(u'/') || IsWindowsPath(path) ||
-        QFile::exists(folder.isEmpty() ? path : QDir(folder).filePath(path)))
+        QFile::exists(folder.isEmpty() ? path : QDir(folder).filePath(path))) {
         return path;
+    }
     QString local = path;
     return local.replace(u'\\', u'/');
 }

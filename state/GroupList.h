@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The two older forms of group files, read as plain values: a list of paths, and the script file of earlier
 // versions. Nothing here knows the record, so that other programs can read what users keep for a run.

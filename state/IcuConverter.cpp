@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/IcuConverter.h"
 
 #include "state/CodePage.h"
@@ -84,15 +85,18 @@ UConverter* openByName(const char* name) {
 }
 
 UConverter* open(int page) {
-    if (page <= 0)
+    if (page <= 0) {
         return openByName(LocaleEncoding().constData());
+    }
     const auto* row = std::find_if(icuNames.begin(), icuNames.end(),
                                    [page](const Converter& converter) { return converter.Page == page; });
-    if (row != icuNames.end())
+    if (row != icuNames.end()) {
         return openByName(row->Name);
+    }
     const std::string number = std::to_string(page);
-    if (page == 874 || page == 932 || page == 949 || page == 950 || (page >= 1250 && page <= 1258))
+    if (page == 874 || page == 932 || page == 949 || page == 950 || (page >= 1250 && page <= 1258)) {
         return openByName(("windows-" + number).c_str());
+    }
     return page < 1200 ? openByName(("ibm-" + number).c_str()) : nullptr;
 }
 
@@ -110,22 +114,26 @@ struct Substitution {
 /// Called by ICU for bytes that mean nothing. Its own way gives U+001A for some of them.
 void U_CALLCONV replaceBytes(const void* context, UConverterToUnicodeArgs* args, const char* units,
                              int32_t length, UConverterCallbackReason reason, UErrorCode* status) {
-    if (reason > UCNV_IRREGULAR)
+    if (reason > UCNV_IRREGULAR) {
         return;
+    }
     *status = U_ZERO_ERROR;
     const auto* decoding = static_cast<const Decoding*>(context);
     UChar character = decoding->Unknown;
-    for (const PagePlace& place : DifferingPlaces(decoding->Page))
-        if (length == 1 && place.Bytes == static_cast<unsigned char>(units[0]))
+    for (const PagePlace& place : DifferingPlaces(decoding->Page)) {
+        if (length == 1 && place.Bytes == static_cast<unsigned char>(units[0])) {
             character = place.Character;
+        }
+    }
     ucnv_cbToUWriteUChars(args, &character, 1, 0, status);
 }
 
 /// Called by ICU for each character that the page lacks.
 void U_CALLCONV substitute(const void* context, UConverterFromUnicodeArgs* args, const UChar*, int32_t,
                            UChar32 character, UConverterCallbackReason reason, UErrorCode* status) {
-    if (reason > UCNV_IRREGULAR)
+    if (reason > UCNV_IRREGULAR) {
         return;
+    }
     auto* substitution = static_cast<Substitution*>(const_cast<void*>(context));
     *status = U_ZERO_ERROR;
     for (const PagePlace& place : DifferingPlaces(substitution->Page)) {
@@ -143,28 +151,33 @@ void U_CALLCONV substitute(const void* context, UConverterFromUnicodeArgs* args,
 
 /// Each of the three in the place of the next.
 QChar rotated(QChar c, const std::array<char16_t, 3>& cycle) {
-    for (std::size_t i = 0; i < cycle.size(); ++i)
-        if (c == cycle[i])
+    for (std::size_t i = 0; i < cycle.size(); ++i) {
+        if (c == cycle[i]) {
             return cycle[(i + 1) % cycle.size()];
+        }
+    }
     return c;
 }
 
 }  // namespace
 
 IcuConverter::IcuConverter(int page) : page(page), converter(open(page)) {
-    if (IsOpen())
+    if (IsOpen()) {
         rotatesControls = ucnv_getMinCharSize(converter) == 1 && Decode("\x1a", 0) == u"\x1c";
+    }
 }
 
 IcuConverter::~IcuConverter() {
-    if (IsOpen())
+    if (IsOpen()) {
         ucnv_close(converter);
+    }
 }
 
 bool IcuConverter::Knows(const QByteArray& name) {
     UConverter* converter = openByName(name.constData());
-    if (converter != nullptr)
+    if (converter != nullptr) {
         ucnv_close(converter);
+    }
     return converter != nullptr;
 }
 
@@ -186,14 +199,17 @@ QString IcuConverter::Decode(QByteArrayView bytes, char16_t unknown) {
         UChar* target = start + used;
         ucnv_toUnicode(converter, &target, start + out.size(), &source, sourceEnd, nullptr, true, &status);
         used = target - start;
-        if (status != U_BUFFER_OVERFLOW_ERROR)
+        if (status != U_BUFFER_OVERFLOW_ERROR) {
             break;
+        }
         out.resize(out.size() * 2);
     }
     out.resize(used);
-    if (rotatesControls)
-        for (QChar& c : out)
+    if (rotatesControls) {
+        for (QChar& c : out) {
             c = rotated(c, {0x1c, 0x1a, 0x7f});
+        }
+    }
     return out;
 }
 
@@ -204,8 +220,9 @@ QByteArray IcuConverter::Encode(QStringView given, char substituteWith, bool& lo
     QString text;
     if (rotatesControls) {
         text = given.toString();
-        for (QChar& c : text)
+        for (QChar& c : text) {
             c = rotated(c, {0x7f, 0x1a, 0x1c});
+        }
         given = text;
     }
     QByteArray out(given.size() * 2 + 16, Qt::Uninitialized);
@@ -218,8 +235,9 @@ QByteArray IcuConverter::Encode(QStringView given, char substituteWith, bool& lo
         ucnv_fromUnicode(converter, &target, out.data() + out.size(), &source, sourceEnd, nullptr, true,
                          &status);
         used = target - out.data();
-        if (status != U_BUFFER_OVERFLOW_ERROR)
+        if (status != U_BUFFER_OVERFLOW_ERROR) {
             break;
+        }
         out.resize(out.size() * 2);
     }
     out.resize(used);

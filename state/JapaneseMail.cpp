@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/JapaneseMail.h"
 
 #include "state/IcuConverter.h"
@@ -48,8 +49,9 @@ const std::unordered_map<char16_t, int>& kanjiPlaces() {
             for (int column = 0x21; column <= 0x7e; ++column) {
                 const std::array<char, 2> bytes = shifted(row, column);
                 const QString text = icu.Decode({bytes.data(), 2}, 0);
-                if (text.size() == 1 && text[0].unicode() != 0)
+                if (text.size() == 1 && text[0].unicode() != 0) {
                     found.emplace(text[0].unicode(), row << 8 | column);
+                }
             }
         }
         return found;
@@ -66,8 +68,9 @@ QString widened(QStringView text) {
     QString out;
     for (qsizetype i = 0; i < text.size();) {
         qsizetype end = i;
-        while (end < text.size() && isNarrowKatakana(text[end]))
+        while (end < text.size() && isNarrowKatakana(text[end])) {
             ++end;
+        }
         if (end == i) {
             out += text[i++];
             continue;
@@ -84,18 +87,21 @@ class Writer {
     void Put(Set set, QByteArrayView bytes) {
         if (set != current) {
             // A shift leaves the set below it as it was, so that is made ASCII around one.
-            if (shifts && current == Set::Katakana)
+            if (shifts && current == Set::Katakana) {
                 out += shiftIn;
-            if (shifts && set == Set::Katakana && current == Set::Kanji)
+            }
+            if (shifts && set == Set::Katakana && current == Set::Kanji) {
                 out += "\x1b(B";
-            if (shifts && set == Set::Katakana)
+            }
+            if (shifts && set == Set::Katakana) {
                 out += shiftOut;
-            else if (set == Set::Kanji)
+            } else if (set == Set::Kanji) {
                 out += "\x1b$B";
-            else if (set == Set::Katakana)
+            } else if (set == Set::Katakana) {
                 out += "\x1b(I";
-            else if (!shifts || current == Set::Kanji)
+            } else if (!shifts || current == Set::Kanji) {
                 out += "\x1b(B";
+            }
             current = set;
         }
         out.append(bytes.data(), bytes.size());
@@ -128,9 +134,11 @@ QString DecodeJapaneseMail(QByteArrayView bytes, char16_t unknown) {
         const QByteArrayView rest = bytes.sliced(i + 1);
         if (byte == escape) {
             const Sequence* found = nullptr;
-            for (const Sequence& sequence : sequences)
-                if (found == nullptr && rest.startsWith(sequence.Bytes))
+            for (const Sequence& sequence : sequences) {
+                if (found == nullptr && rest.startsWith(sequence.Bytes)) {
                     found = &sequence;
+                }
+            }
             if (found != nullptr) {
                 set = found->Meaning;
                 i += 1 + found->Bytes.size();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The three pages of Japanese mail (50220, 50221, 50222): seven bits, with escapes between ASCII, kanji and
 // narrow katakana. Their characters are those of page 932, signs of the makers of PCs among them, which the

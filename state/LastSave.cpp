@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/LastSave.h"
 
 #include "engine/TarnelData.h"
@@ -35,19 +36,23 @@ void LastSave::Remember(const QString& newPath, const QString& newHead, const QB
     places.reserve(statuses.size());
     // Text of the file holds no "<" of its own: each of these is an entry of the queue.
     for (qsizetype at = bytes.indexOf(StatusHead); at >= 0;
-         at = bytes.indexOf(StatusHead, at + StatusHeadLength))
+         at = bytes.indexOf(StatusHead, at + StatusHeadLength)) {
         places.push_back(at + StatusHeadLength);
+    }
 }
 
 bool LastSave::Update(const QString& newPath, const QString& newHead, const CTarnelData& data) {
-    if (path != newPath || head != newHead || places.size() != data.FileNames.size() || !sameQueue(data))
+    if (path != newPath || head != newHead || places.size() != data.FileNames.size() || !sameQueue(data)) {
         return false;
+    }
     for (std::size_t i = 0; i < statuses.size(); ++i) {
         const std::uint32_t status = data.FileStatus[i];
-        if (status == statuses[i])
+        if (status == statuses[i]) {
             continue;
-        if (status > 9 || statuses[i] > 9)
+        }
+        if (status > 9 || statuses[i] > 9) {
             return false;
+        }
         bytes[places[i]] = static_cast<char>('0' + status);
         statuses[i] = status;
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Between two saves of a run only statuses change, while the queue may have ten thousand entries. So the last
 // save is remembered together with what it was made from: when nothing but statuses differs, its bytes are

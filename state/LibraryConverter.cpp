@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/LibraryConverter.h"
 
 #include "state/PageTables.h"
@@ -33,8 +34,9 @@ class LibraryConverter {
     LibraryConverter(const LibraryConverter&) = delete;
     LibraryConverter& operator=(const LibraryConverter&) = delete;
     ~LibraryConverter() {
-        if (IsOpen())
+        if (IsOpen()) {
             iconv_close(handle);
+        }
     }
     // The error value is the interface's own: a number for a pointer.
     bool IsOpen() const {
@@ -60,8 +62,9 @@ class LibraryConverter {
             const std::size_t passed = std::min(left, fallback(source, left, target, room));
             source += passed;
             left -= passed;
-            if (left == 0)
+            if (left == 0) {
                 break;
+            }
         }
         iconv(handle, nullptr, nullptr, &target, &room);
         out.resize(target - out.data());
@@ -74,8 +77,9 @@ class LibraryConverter {
 
 /// Puts what stands for bytes or a character that cannot be converted.
 void put(QByteArrayView piece, char*& target, std::size_t& room) {
-    if (room < std::size_t(piece.size()))
+    if (room < std::size_t(piece.size())) {
         return;
+    }
     std::memcpy(target, piece.data(), std::size_t(piece.size()));
     target += piece.size();
     room -= std::size_t(piece.size());
@@ -112,8 +116,9 @@ QByteArray EncodeByLibrary(QStringView text, int page, char substitute, bool& lo
     QString changed;
     if (page == johabPage) {
         changed = text.toString();
-        for (QChar& c : changed)
+        for (QChar& c : changed) {
             c = c == u'\\' ? QChar(u'\u20a9') : c == u'\u20a9' ? QChar(QChar::ReplacementCharacter) : c;
+        }
         text = changed;
     }
     LibraryConverter converter(nameOf(page), "UTF-16LE");

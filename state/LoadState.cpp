@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/Base64.h"
 #include "state/CodePage.h"
 #include "state/FileName.h"
@@ -22,30 +23,36 @@ class Reader {
 
     template <class T>
     void Number(QStringView name, T& field) {
-        if (document.FindChildElement(name))
+        if (document.FindChildElement(name)) {
             field = static_cast<T>(ParseNumber(document.GetChildText()));
+        }
     }
     void String(QStringView name, QString& field) {
-        if (document.FindChildElement(name))
+        if (document.FindChildElement(name)) {
             field = document.GetChildText();
+        }
     }
     void Narrow(QStringView name, QByteArray& field) {
-        if (document.FindChildElement(name))
+        if (document.FindChildElement(name)) {
             field = EncodeText(document.GetChildText(), LocalePage);
+        }
     }
     void Boolean(QStringView name, bool& field) {
-        if (document.FindChildElement(name))
+        if (document.FindChildElement(name)) {
             field = isTrue();
+        }
     }
     void ScriptModified(QStringView name, CTarnelData& data) {
-        if (document.FindChildElement(name))
+        if (document.FindChildElement(name)) {
             data.SetScriptModified(isTrue());
+        }
     }
     /// Goes into a child if there is one, lets the function read there, and comes out again.
     template <class Function>
     bool Inside(QStringView name, Function function) {
-        if (!document.FindChildElement(name))
+        if (!document.FindChildElement(name)) {
             return false;
+        }
         document.IntoElement();
         function();
         document.OutOfElement();
@@ -65,12 +72,14 @@ void loadPreviousDirectories(MarkupDocument& document, std::deque<QByteArray>& d
     while (document.FindChildElement(u"Directory")) {
         const QString text = document.GetChildText();
         QByteArray item;
-        if (document.GetChildAttribute(u"Type") == u"pidl")
+        if (document.GetChildAttribute(u"Type") == u"pidl") {
             item = Base64Decode(text).value_or(QByteArray());
-        else
+        } else {
             item = text.toUtf8();
-        if (!item.isEmpty())
+        }
+        if (!item.isEmpty()) {
             directories.push_back(item);
+        }
     }
 }
 
@@ -78,8 +87,9 @@ void loadOptions(MarkupDocument& document, CTarnelData& data, int full) {
     Reader reader(document);
     reader.Boolean(u"UseWatcher", data.UseWatcher);
     VisitOptions(data, reader);
-    if (full == 0)
+    if (full == 0) {
         return;
+    }
     reader.Boolean(u"TemporarilyLoadFromRegistry", data.TemporarilyLoadFromRegistry);
     reader.Inside(u"WindowState", [&] { VisitWindowState(data, reader); });
     reader.Inside(u"DebugWindowState", [&] { VisitRect(data.DebugWindow, reader); });
@@ -94,8 +104,9 @@ void loadQueue(MarkupDocument& document, CTarnelData& data) {
         const QString path = document.GetChildText();
         const qsizetype nameStart = NameOffset(path);
         // Neighbours mostly lie in one folder and then share its text.
-        if (directory != QStringView(path).first(nameStart))
+        if (directory != QStringView(path).first(nameStart)) {
             directory = path.first(nameStart);
+        }
         data.FileDirs.push_back(directory);
         data.FileNames.push_back(path.sliced(nameStart));
         data.FileStatus.push_back(
@@ -114,8 +125,9 @@ int LoadState(CTarnelData& data, const QString* path, int full) {
     const QString& file = path != nullptr ? *path : data.StateFile;
     QByteArray bytes;
     const int error = ReadWholeFile(file, bytes);
-    if (error != 0 && error != ENOENT)
+    if (error != 0 && error != ENOENT) {
         SetStateError(file, u"cannot be read: " + SystemMessage(error));
+    }
     TakeState(data, bytes, full);
     return 1;
 }
@@ -124,19 +136,23 @@ void TakeState(CTarnelData& data, const QByteArray& bytes, int full) {
     MarkupDocument document;
     QString report;
     std::uint32_t flags = 0;
-    if (!bytes.isEmpty())
+    if (!bytes.isEmpty()) {
         document.SetDocumentText(DecodeMarkup(bytes, report, flags));
+    }
     Reader reader(document);
     document.FindElement(u"TarnelRunner");
-    if (full == 0)
+    if (full == 0) {
         reader.Inside(u"Options", [&] { loadOptions(document, data, full); });
-    else if (!reader.Inside(u"Options", [&] { loadOptions(document, data, full); }))
+    } else if (!reader.Inside(u"Options", [&] { loadOptions(document, data, full); })) {
         data.PreviousDirectories.clear();
+    }
     if (full != 0) {
         data.SysVarsSaved = reader.Inside(u"SysVars", [&] {
-            for (std::size_t i = 0; i < data.SysVarNames.size(); ++i)
-                if (document.FindChildElement(data.SysVarNames[i]))
+            for (std::size_t i = 0; i < data.SysVarNames.size(); ++i) {
+                if (document.FindChildElement(data.SysVarNames[i])) {
                     data.SavedSysVars[i].AddShort(ParseNumber(document.GetChildText()));
+                }
+            }
         });
     }
 
@@ -146,7 +162,8 @@ void TakeState(CTarnelData& data, const QByteArray& bytes, int full) {
     reader.Inside(u"Files", [&] { loadQueue(document, data); });
     data.FileOrder.resize(data.FileNames.size());
     std::iota(data.FileOrder.begin(), data.FileOrder.end(), 0U);
-    if (data.SortIdx != 6)
+    if (data.SortIdx != 6) {
         std::stable_sort(data.FileOrder.begin(), data.FileOrder.end(),
                          [&](std::uint32_t a, std::uint32_t b) { return CompareEntries(data, a, b) < 0; });
+    }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/MarkupDocument.h"
 
 #include "state/Entities.h"
@@ -21,8 +22,9 @@ void MarkupDocument::Clear() {
 bool MarkupDocument::LoadFile(const QString& path) {
     result.clear();
     const bool read = ReadMarkupFile(path, text, result, flags);
-    if (!read)
+    if (!read) {
         text.clear();
+    }
     return parse() && read;
 }
 
@@ -41,14 +43,16 @@ QStringView MarkupDocument::nameOf(std::uint32_t i) const {
     const std::uint32_t end = positions[i].ContentStart() - 1;
     std::uint32_t at = start;
     const char16_t* units = reinterpret_cast<const char16_t*>(text.utf16());
-    while (at < end && !IsMarkupSpace(units[at]) && units[at] != u'/')
+    while (at < end && !IsMarkupSpace(units[at]) && units[at] != u'/') {
         ++at;
+    }
     return {units + start, at - start};
 }
 
 std::uint32_t MarkupDocument::nextNamed(std::uint32_t i, QStringView name) const {
-    while (i != 0 && !name.isEmpty() && !TokenMatches(nameOf(i), name, flags))
+    while (i != 0 && !name.isEmpty() && !TokenMatches(nameOf(i), name, flags)) {
         i = positions[i].NextSibling;
+    }
     return i;
 }
 
@@ -56,28 +60,32 @@ bool MarkupDocument::FindElement(QStringView name) {
     const std::uint32_t first =
         mainPos != 0 ? positions[mainPos].NextSibling : positions[parentPos].FirstChild;
     const std::uint32_t found = nextNamed(first, name);
-    if (found == 0)
+    if (found == 0) {
         return false;
+    }
     mainPos = found;
     childPos = 0;
     return true;
 }
 
 bool MarkupDocument::FindChildElement(QStringView name) {
-    if (mainPos == 0 && !FindElement())
+    if (mainPos == 0 && !FindElement()) {
         return false;
+    }
     const std::uint32_t first =
         childPos != 0 ? positions[childPos].NextSibling : positions[mainPos].FirstChild;
     const std::uint32_t found = nextNamed(first, name);
-    if (found == 0)
+    if (found == 0) {
         return false;
+    }
     childPos = found;
     return true;
 }
 
 bool MarkupDocument::IntoElement() {
-    if (mainPos == 0)
+    if (mainPos == 0) {
         return false;
+    }
     parentPos = mainPos;
     mainPos = childPos;
     childPos = 0;
@@ -85,8 +93,9 @@ bool MarkupDocument::IntoElement() {
 }
 
 bool MarkupDocument::OutOfElement() {
-    if (parentPos == 0)
+    if (parentPos == 0) {
         return false;
+    }
     childPos = mainPos;
     mainPos = parentPos;
     parentPos = positions[parentPos].Parent;
@@ -98,8 +107,9 @@ QString MarkupDocument::GetChildText() const {
 }
 
 QString MarkupDocument::GetChildAttribute(QStringView name) const {
-    if (childPos == 0)
+    if (childPos == 0) {
         return {};
+    }
     const ElementPosition& element = positions[childPos];
     return AttributeValue(QStringView(text).sliced(element.Start, element.StartTagLength()), name, flags);
 }
@@ -110,12 +120,14 @@ QStringView MarkupDocument::GetChildName() const {
 
 QString MarkupDocument::textOf(std::uint32_t i) const {
     const ElementPosition& element = positions[i];
-    if (element.FirstChild != 0 || element.IsEmptyElement())
+    if (element.FirstChild != 0 || element.IsEmptyElement()) {
         return {};
+    }
     const QStringView content =
         QStringView(text).sliced(element.ContentStart(), element.ContentEnd() - element.ContentStart());
-    if (!content.contains(u'<'))
+    if (!content.contains(u'<')) {
         return UnescapeMarkup(content);
+    }
     QString out;
     TextScanner scanner(content, flags);
     NodeToken token;
@@ -125,8 +137,9 @@ QString MarkupDocument::textOf(std::uint32_t i) const {
             out += UnescapeMarkup(piece);
         } else if (token.Type == TokenType::CDataSection) {
             const qsizetype start = piece.indexOf(u'[', 3) + 1;
-            if (start > 0 && start <= piece.size() - 3)
+            if (start > 0 && start <= piece.size() - 3) {
                 out += piece.sliced(start, piece.size() - 3 - start);
+            }
         }
     }
     return out;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one reader and writer of XML and of loose HTML. The document stays one text, exactly as it was read;
 // beside it lies an index of where each element starts and ends. Reading scans the text on demand, changing

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes of a document: each edits the text in place and moves the positions behind the change. Adding at
 // the end of a document touches only what encloses the new element, so that building one up is linear.
 #include "state/Entities.h"
@@ -19,10 +20,12 @@ void shiftTree(PositionIndex& positions, std::uint32_t top, std::uint32_t differ
             i = positions[i].FirstChild;
             continue;
         }
-        while (i != top && positions[i].NextSibling == 0)
+        while (i != top && positions[i].NextSibling == 0) {
             i = positions[i].Parent;
-        if (i == top)
+        }
+        if (i == top) {
             return;
+        }
         i = positions[i].NextSibling;
     }
 }
@@ -33,17 +36,20 @@ void MarkupDocument::splice(std::uint32_t offset, std::uint32_t removed, QString
     const qsizetype oldSize = text.size();
     const qsizetype newSize = oldSize - removed + insertion.size();
     if (newSize > oldSize) {
-        if (newSize > text.capacity())
+        if (newSize > text.capacity()) {
             text.reserve(std::max(newSize, text.capacity() * 2));
+        }
         text.resize(newSize);
     }
     auto* units = reinterpret_cast<char16_t*>(text.data());
     const std::size_t tail = static_cast<std::size_t>(oldSize - offset - removed);
     std::memmove(units + offset + insertion.size(), units + offset + removed, tail * sizeof(char16_t));
-    if (!insertion.isEmpty())
+    if (!insertion.isEmpty()) {
         std::memcpy(units + offset, insertion.utf16(), std::size_t(insertion.size()) * sizeof(char16_t));
-    if (newSize < oldSize)
+    }
+    if (newSize < oldSize) {
         text.resize(newSize);
+    }
 }
 
 /// Moves everything behind an element, and makes longer or shorter what encloses it. Differences are taken
@@ -51,8 +57,9 @@ void MarkupDocument::splice(std::uint32_t offset, std::uint32_t removed, QString
 void MarkupDocument::shift(std::uint32_t from, std::int64_t difference) {
     const auto d = static_cast<std::uint32_t>(difference);
     for (std::uint32_t i = from; i != 0;) {
-        for (std::uint32_t next = positions[i].NextSibling; next != 0; next = positions[next].NextSibling)
+        for (std::uint32_t next = positions[i].NextSibling; next != 0; next = positions[next].NextSibling) {
             shiftTree(positions, next, d);
+        }
         i = positions[i].Parent;
         positions[i].Length += d;
     }
@@ -69,8 +76,9 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
     std::uint32_t startTagLength = 0;
     std::uint32_t endTagLength = 0;
     const std::uint32_t head = positions[parent].FirstChild;
-    if (after == 0 && head != 0)
+    if (after == 0 && head != 0) {
         after = positions[head].PreviousSibling;
+    }
 
     std::uint32_t place = 0;
     std::uint32_t removed = 0;
@@ -84,8 +92,9 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
         const ElementPosition& element = positions[parent];
         place = element.ContentStart() - 1;
         if (element.IsEmptyElement() && (element.Level & ElementPosition::NoEndTag) == 0) {
-            while (text[place - 1] == u'/' || IsMarkupSpace(text[place - 1].unicode()))
+            while (text[place - 1] == u'/' || IsMarkupSpace(text[place - 1].unicode())) {
                 --place;
+            }
         }
         removed = element.ContentStart() - place;
     } else {
@@ -93,14 +102,17 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
     }
     if (!opensParent) {
         std::uint32_t next = place;
-        while (next < text.size() && IsMarkupSpace(text[next].unicode()))
+        while (next < text.size() && IsMarkupSpace(text[next].unicode())) {
             ++next;
-        if (next == text.size() || text[next] == u'<')
+        }
+        if (next == text.size() || text[next] == u'<') {
             place = next;
+        }
     }
 
-    if (opensParent)
+    if (opensParent) {
         added.Append(noLineBreaks ? QStringView(u">") : QStringView(u">\r\n"));
+    }
     const auto elementOffset = static_cast<std::uint32_t>(added.Size());
     if (value.isEmpty()) {
         appendTag(u"<", u"/>");
@@ -113,8 +125,9 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
         endTagLength = startTagLength + 1;
     }
     const std::uint32_t length = static_cast<std::uint32_t>(added.Size()) - elementOffset;
-    if (!noLineBreaks)
+    if (!noLineBreaks) {
         added.Append(u"\r\n");
+    }
     if (opensParent) {
         ElementPosition& element = positions[parent];
         const std::uint32_t newStartTag = place + 1 - element.Start;
@@ -154,23 +167,26 @@ std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, 
 }
 
 bool MarkupDocument::AddElement(QStringView name, QStringView value, bool noLineBreaks) {
-    if (name.isEmpty() || name.size() + 3 > ElementPosition::MaxEndTag)
+    if (name.isEmpty() || name.size() + 3 > ElementPosition::MaxEndTag) {
         return false;
+    }
     mainPos = insert(parentPos, mainPos, name, value, noLineBreaks);
     childPos = 0;
     return true;
 }
 
 bool MarkupDocument::AddChildElement(QStringView name, QStringView value) {
-    if (mainPos == 0 || name.isEmpty() || name.size() + 3 > ElementPosition::MaxEndTag)
+    if (mainPos == 0 || name.isEmpty() || name.size() + 3 > ElementPosition::MaxEndTag) {
         return false;
+    }
     childPos = insert(mainPos, childPos, name, value, false);
     return true;
 }
 
 bool MarkupDocument::setAttribute(std::uint32_t i, QStringView name, QStringView value) {
-    if (i == 0 || name.isEmpty())
+    if (i == 0 || name.isEmpty()) {
         return false;
+    }
     const std::uint32_t start = positions[i].Start;
     const std::uint32_t oldLength = positions[i].StartTagLength();
     const QStringView tag = QStringView(text).sliced(start, oldLength);
@@ -185,8 +201,9 @@ bool MarkupDocument::setAttribute(std::uint32_t i, QStringView name, QStringView
     } else if (span.Found) {
         changed.Append(u"=");
     } else {
-        if (span.HasValue && !span.Quoted && span.ValueStart == span.ValueEnd)
+        if (span.HasValue && !span.Quoted && span.ValueStart == span.ValueEnd) {
             changed.Append(u"\"\"");
+        }
         changed.Append(u" ");
         changed.Append(name);
         changed.Append(u"=");
@@ -198,27 +215,31 @@ bool MarkupDocument::setAttribute(std::uint32_t i, QStringView name, QStringView
     const bool wasEmpty =
         positions[i].IsEmptyElement() && (positions[i].Level & ElementPosition::NoEndTag) == 0;
     // A slash at the end of a tag that is not empty is a stray; behind a quote it would end the element.
-    if (!wasEmpty && place + removed + 2 == oldLength && tag[oldLength - 2] == u'/')
+    if (!wasEmpty && place + removed + 2 == oldLength && tag[oldLength - 2] == u'/') {
         ++removed;
+    }
 
     const std::int64_t difference = changed.Size() - std::int64_t{removed};
-    if (oldLength + difference > ElementPosition::MaxStartTag)
+    if (oldLength + difference > ElementPosition::MaxStartTag) {
         return false;
+    }
     if (span.Found || (span.HasValue && !span.Quoted)) {
         // Loose text may hold quotes and brackets that only made sense together with the old value.
         const QString whole = tag.first(place) + insertion + tag.sliced(place + removed);
         NodeToken token;
         if (TextScanner(whole, flags).Next(token) != TokenType::StartTag || token.Length != whole.size() ||
-            token.Empty != wasEmpty)
+            token.Empty != wasEmpty) {
             return false;
+        }
     }
     splice(start + place, removed, insertion);
 
     ElementPosition& element = positions[i];
     element.SetStartTagLength(oldLength + static_cast<std::uint32_t>(difference));
     element.Length += static_cast<std::uint32_t>(difference);
-    for (std::uint32_t child = element.FirstChild; child != 0; child = positions[child].NextSibling)
+    for (std::uint32_t child = element.FirstChild; child != 0; child = positions[child].NextSibling) {
         shiftTree(positions, child, static_cast<std::uint32_t>(difference));
+    }
     shift(i, difference);
     return true;
 }
@@ -240,15 +261,18 @@ bool MarkupDocument::SetChildAttribute(QStringView name, int value) {
 }
 
 bool MarkupDocument::RemoveChildElement() {
-    if (childPos == 0)
+    if (childPos == 0) {
         return false;
+    }
     const std::uint32_t gone = childPos;
     const ElementPosition element = positions[gone];
     std::uint32_t end = element.End();
-    while (end < text.size() && IsMarkupSpace(text[end].unicode()))
+    while (end < text.size() && IsMarkupSpace(text[end].unicode())) {
         ++end;
-    if (end == text.size() || text[end] != u'<')
+    }
+    if (end == text.size() || text[end] != u'<') {
         end = element.End();
+    }
     const std::uint32_t removed = end - element.Start;
     splice(element.Start, removed, {});
     shift(gone, -std::int64_t{removed});
@@ -256,15 +280,17 @@ bool MarkupDocument::RemoveChildElement() {
     const bool isFirst = positions[element.Parent].FirstChild == gone;
     if (isFirst) {
         positions[element.Parent].FirstChild = element.NextSibling;
-        if (element.NextSibling != 0)
+        if (element.NextSibling != 0) {
             positions[element.NextSibling].Level |= ElementPosition::FirstSibling;
+        }
     } else {
         positions[element.PreviousSibling].NextSibling = element.NextSibling;
     }
-    if (element.NextSibling != 0)
+    if (element.NextSibling != 0) {
         positions[element.NextSibling].PreviousSibling = element.PreviousSibling;
-    else if (!isFirst)
+    } else if (!isFirst) {
         positions[positions[element.Parent].FirstChild].PreviousSibling = element.PreviousSibling;
+    }
     childPos = isFirst ? 0 : element.PreviousSibling;
 
     // What is removed is not given out again before the next parse.
@@ -274,10 +300,12 @@ bool MarkupDocument::RemoveChildElement() {
             i = positions[i].FirstChild;
             continue;
         }
-        while (i != gone && positions[i].NextSibling == 0)
+        while (i != gone && positions[i].NextSibling == 0) {
             i = positions[i].Parent;
-        if (i == gone)
+        }
+        if (i == gone) {
             return true;
+        }
         i = positions[i].NextSibling;
     }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/MarkupFile.h"
 
 #include "state/CodePage.h"
@@ -49,8 +50,9 @@ bool lacksPage(const Text& text, QStringView encoding, QString& report) {
     const bool lacks =
         page != Utf32Page && !HasCodePage(page) &&
         std::any_of(text.begin(), text.end(), [](auto c) { return QChar(c).unicode() >= 0x80; });
-    if (lacks)
+    if (lacks) {
         AddReport(report, u"encoding_unavailable", {{u"encoding", encoding.toString()}});
+    }
     return lacks;
 }
 
@@ -61,16 +63,21 @@ bool looksLikeUtf8(QByteArrayView bytes) {
     const auto* end = at + bytes.size();
     while (at != end && *at != 0) {
         const unsigned char lead = *at++;
-        if (lead < 0x80)
+        if (lead < 0x80) {
             continue;
-        if ((lead & 0x38) == 0x38)
+        }
+        if ((lead & 0x38) == 0x38) {
             return false;
+        }
         int following = 1;
-        if (lead & 0x20)
+        if (lead & 0x20) {
             following = lead & 0x10 ? 3 : 2;
-        for (; following > 0; --following)
-            if (at == end || *at++ < 0x80)
+        }
+        for (; following > 0; --following) {
+            if (at == end || *at++ < 0x80) {
                 return false;
+            }
+        }
     }
     return true;
 }
@@ -87,12 +94,14 @@ QString decodeWide(QByteArrayView bytes, const ByteOrderMark& mark, QString& rep
     std::memcpy(text.data(), bytes.data(), std::size_t(text.size()) * 2);
     const qsizetype length = text.size();
     text.remove(QChar(u'\0'));
-    if (text.size() != length)
+    if (text.size() != length) {
         AddReport(report, u"nulls_removed", {{u"count", QString::number(length - text.size())}});
+    }
     addTransfer(report, u"read", mark.Encoding, text.size());
     if (mark.Flag == MarkupDocument::Utf16BigEndian) {
-        for (QChar& c : text)
+        for (QChar& c : text) {
             c = QChar(qbswap(c.unicode()));
+        }
         AddReport(report, u"endian_swap");
     }
     return text;
@@ -124,19 +133,22 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
         encoding = mark->Encoding.toString();
         bytes = bytes.sliced(mark->Bytes.size());
         AddReport(report, u"bom");
-        if (mark->UnitSize == 2)
+        if (mark->UnitSize == 2) {
             return decodeWide(bytes, *mark, report);
+        }
     } else {
         // Korean mail announces its second set ahead of everything, some writers of Chinese mail that they
         // begin with ASCII.
         constexpr std::array<QByteArrayView, 2> announcers = {"\x1b$)C", "~}"};
         QByteArrayView start = bytes;
-        for (const QByteArrayView announcer : announcers)
+        for (const QByteArrayView announcer : announcers) {
             start = start.startsWith(announcer) ? start.sliced(announcer.size()) : start;
+        }
         constexpr qsizetype sampleSize = 1024;
         encoding = DeclaredEncoding(DecodeText(start.first(std::min(start.size(), sampleSize)), Utf8Page));
-        if (encoding.isEmpty() && bytes.front() == '<')
+        if (encoding.isEmpty() && bytes.front() == '<') {
             encoding = QStringLiteral("UTF-8");
+        }
     }
 
     qsizetype removed = 0;
@@ -147,11 +159,13 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
         AddReport(report, u"nulls_removed", {{u"count", QString::number(removed)}});
     }
     const bool detect = encoding.isEmpty();
-    if (detect && looksLikeUtf8(bytes))
+    if (detect && looksLikeUtf8(bytes)) {
         encoding = QStringLiteral("UTF-8");
+    }
     addTransfer(report, u"read", encoding, bytes.size());
-    if (detect)
+    if (detect) {
         AddReport(report, u"utf8_detection");
+    }
 
     const int page = std::max(EncodingToCodePage(encoding), LocalePage);
     QString text;
@@ -170,8 +184,9 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
 }
 
 bool WriteMarkupFile(const QString& path, const QString& text, QString& report, std::uint32_t flags) {
-    if ((flags & markFlags) == 0 && lacksPage(text, DeclaredEncoding(text), report))
+    if ((flags & markFlags) == 0 && lacksPage(text, DeclaredEncoding(text), report)) {
         return false;
+    }
     const QByteArray bytes = EncodeMarkup(text, report, flags);
     if (const int error = WriteWholeFile(path, bytes)) {
         addFileError(report, error);
@@ -191,8 +206,9 @@ QByteArray EncodeMarkup(const QString& text, QString& report, std::uint32_t flag
         AddReport(report, u"bom");
     } else if (!text.isEmpty()) {
         encoding = DeclaredEncoding(text);
-        if (encoding.isEmpty())
+        if (encoding.isEmpty()) {
             encoding = QStringLiteral("UTF-8");
+        }
     }
     if (text.isEmpty()) {
         addTransfer(report, u"write", encoding, 0);
@@ -201,8 +217,9 @@ QByteArray EncodeMarkup(const QString& text, QString& report, std::uint32_t flag
     if (mark != marks.end() && mark->UnitSize == 2) {
         QString units = text;
         if (mark->Flag == MarkupDocument::Utf16BigEndian) {
-            for (QChar& c : units)
+            for (QChar& c : units) {
                 c = QChar(qbswap(c.unicode()));
+            }
             AddReport(report, u"endian_swap");
         }
         bytes.append(reinterpret_cast<const char*>(units.constData()), units.size() * 2);
@@ -222,8 +239,9 @@ QByteArray EncodeMarkup(const QString& text, QString& report, std::uint32_t flag
     }
     bytes = bytes.isEmpty() ? converted : bytes + converted;
     addTransfer(report, u"converted_from", u"UTF-16", text.size());
-    if (lossy)
+    if (lossy) {
         AddReport(report, u"conversion_loss");
+    }
     addTransfer(report, u"write", encoding, converted.size());
     return bytes;
 }
@@ -234,33 +252,41 @@ QString DeclaredEncoding(QStringView text) {
     bool inHtml = false;
     while (scanner.Next(token) != TokenType::EndOfText) {
         if (token.Type == TokenType::SyntaxError ||
-            (token.Type == TokenType::EndTag && scanner.NameIs(token, u"head")))
+            (token.Type == TokenType::EndTag && scanner.NameIs(token, u"head"))) {
             return {};
+        }
         if (token.Type == TokenType::ProcessingInstruction && token.Offset == 0 &&
-            scanner.NameIs(token, u"xml"))
+            scanner.NameIs(token, u"xml")) {
             return AttributeValue(scanner.Text(token), u"encoding", MarkupDocument::IgnoreCase);
-        if (token.Type != TokenType::StartTag)
+        }
+        if (token.Type != TokenType::StartTag) {
             continue;
+        }
         if (!inHtml) {
-            if (!scanner.NameIs(token, u"html"))
+            if (!scanner.NameIs(token, u"html")) {
                 return {};
+            }
             inHtml = true;
             continue;
         }
-        if (!scanner.NameIs(token, u"meta"))
+        if (!scanner.NameIs(token, u"meta")) {
             continue;
+        }
         const QStringView tag = scanner.Text(token);
         const QString kind = AttributeValue(tag, u"http-equiv", MarkupDocument::IgnoreCase);
-        if (kind.compare(u"Content-Type", Qt::CaseInsensitive) != 0)
+        if (kind.compare(u"Content-Type", Qt::CaseInsensitive) != 0) {
             continue;
+        }
         const QString content = AttributeValue(tag, u"content", MarkupDocument::IgnoreCase);
         TextScanner words(content, MarkupDocument::IgnoreCase);
         for (QStringView word = words.NextWord(); !word.isEmpty(); word = words.NextWord()) {
-            if (word.compare(u"charset", Qt::CaseInsensitive) != 0)
+            if (word.compare(u"charset", Qt::CaseInsensitive) != 0) {
                 continue;
+            }
             const qsizetype behind = word.end() - QStringView(content).begin();
-            if (QStringView(content).sliced(behind).trimmed().startsWith(u'='))
+            if (QStringView(content).sliced(behind).trimmed().startsWith(u'=')) {
                 return words.NextWord().toString();
+            }
         }
         return {};
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The way of markup text in and out of files. A file's encoding goes by its mark, then by what it declares,
 // then by its bytes; what is written keeps what the document declares, and is UTF-8 otherwise.

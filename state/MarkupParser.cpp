@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/MarkupParser.h"
 
 #include "state/MarkupDocument.h"
@@ -37,8 +38,9 @@ class Parser {
                     break;
                 case TokenType::SyntaxError:
                     markStray();
-                    if (report.size() < 1000)
+                    if (report.size() < 1000) {
                         report += token.Report;
+                    }
                     break;
                 case TokenType::EndOfText:
                     return finish();
@@ -54,12 +56,14 @@ class Parser {
     }
 
     bool sameName(const OpenTag& open, const NodeToken& token) const {
-        if (open.NameLength != token.NameLength)
+        if (open.NameLength != token.NameLength) {
             return false;
+        }
         const QStringView a = name(open.NameOffset, open.NameLength);
         const QStringView b = name(token.NameOffset, token.NameLength);
-        if (flags & MarkupDocument::IgnoreCase)
+        if (flags & MarkupDocument::IgnoreCase) {
             return TokenMatches(a, b, flags);
+        }
         return std::u16string_view(a.utf16(), std::size_t(a.size())) ==
                std::u16string_view(b.utf16(), std::size_t(b.size()));
     }
@@ -67,8 +71,9 @@ class Parser {
     /// Counts of the open names by a coarse hash: an end tag whose name cannot be open is known at once, so
     /// that a log of nothing but lone end tags does not search the whole stack for each.
     std::uint32_t& openCount(std::uint32_t offset, std::uint32_t length) {
-        if (length == 0)
+        if (length == 0) {
             return openCounts[0];
+        }
         const unsigned first = text[offset].unicode() | 0x20u;
         const unsigned last = text[offset + length - 1].unicode() | 0x20u;
         return openCounts[(first * 31 + last * 7 + length) & 255];
@@ -104,10 +109,12 @@ class Parser {
     void endTag(const NodeToken& token) {
         std::size_t depth = stack.size();
         if (depth > 0 && !sameName(stack[depth - 1], token)) {
-            if (openCount(token.NameOffset, token.NameLength) == 0)
+            if (openCount(token.NameOffset, token.NameLength) == 0) {
                 depth = 0;
-            while (depth > 0 && !sameName(stack[depth - 1], token))
+            }
+            while (depth > 0 && !sameName(stack[depth - 1], token)) {
                 --depth;
+            }
         }
         if (depth == 0) {
             markStray();
@@ -127,8 +134,9 @@ class Parser {
     /// Gives up on the open elements above a depth of the stack: each keeps its start tag alone, and what was
     /// inside of it follows it.
     void closeAbove(std::size_t depth, std::uint32_t endOffset) {
-        if (stack.size() == depth)
+        if (stack.size() == depth) {
             return;
+        }
         for (std::size_t i = stack.size(); i > depth; --i) {
             const OpenTag& open = stack[i - 1];
             ElementPosition& element = positions[open.Position];
@@ -145,15 +153,17 @@ class Parser {
         for (std::size_t i = depth; i < stack.size(); ++i) {
             ElementPosition& element = positions[stack[i].Position];
             const std::uint32_t first = element.FirstChild;
-            if (first == 0)
+            if (first == 0) {
                 continue;
+            }
             element.FirstChild = 0;
             element.NextSibling = first;
             positions[head].PreviousSibling = positions[first].PreviousSibling;
             positions[first].PreviousSibling = stack[i].Position;
             positions[first].Level &= ~std::uint32_t{ElementPosition::FirstSibling};
-            for (std::uint32_t child = first; child != 0; child = positions[child].NextSibling)
+            for (std::uint32_t child = first; child != 0; child = positions[child].NextSibling) {
                 positions[child].Parent = parent;
+            }
         }
         stack.resize(depth);
         mark(parent, ElementPosition::IllFormed | ElementPosition::HoldsStray);
@@ -169,21 +179,25 @@ class Parser {
     /// Sets marks on an element and all that enclose it.
     void mark(std::uint32_t i, std::uint32_t marks) {
         for (;; i = positions[i].Parent) {
-            if ((positions[i].Level & marks) == marks)
+            if ((positions[i].Level & marks) == marks) {
                 return;
+            }
             positions[i].Level |= marks;
-            if (i == 0)
+            if (i == 0) {
                 return;
+            }
         }
     }
 
     bool finish() {
-        if (!stack.empty())
+        if (!stack.empty()) {
             closeAbove(0, static_cast<std::uint32_t>(text.size()));
+        }
         const std::uint32_t root = positions[0].FirstChild;
         if (root == 0) {
-            if (!text.isEmpty())
+            if (!text.isEmpty()) {
                 AddReport(report, u"no_root_element");
+            }
             return false;
         }
         if (positions[root].NextSibling != 0) {

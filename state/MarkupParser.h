@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Builds the position index of a text in one pass over its tokens with a stack of open tags.
 #include "state/ElementPosition.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Pages, and single places of pages, that the conversion libraries lack or have from another maker. The
 // values are those of the system that the page numbers come from.

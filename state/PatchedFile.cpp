@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/PatchedFile.h"
 
 #include "state/WholeFile.h"
@@ -35,10 +36,11 @@ void remember(const QString& path, const QByteArray& bytes) {
     Written written{path, bytes, {}};
     std::string target;
     if (files::Follow(QFile::encodeName(path).toStdString(), files::Trust::Own, &target) == 0 &&
-        ::lstat(target.c_str(), &written.status) == 0)
+        ::lstat(target.c_str(), &written.status) == 0) {
         last = std::move(written);
-    else
+    } else {
         last.reset();
+    }
 }
 
 /// Begin and end of what differs in two texts of one length, equal when nothing does. Compared by pages, as
@@ -50,55 +52,68 @@ std::pair<qsizetype, qsizetype> changedPart(const QByteArray& before, const QByt
         return std::memcmp(before.constData() + page, after.constData() + page, length) != 0;
     };
     qsizetype start = 0;
-    while (start < size && !differs(start))
+    while (start < size && !differs(start)) {
         start += PageSize;
-    if (start >= size)
+    }
+    if (start >= size) {
         return {0, 0};
+    }
     qsizetype lastPage = (size - 1) / PageSize * PageSize;
-    while (!differs(lastPage))
+    while (!differs(lastPage)) {
         lastPage -= PageSize;
+    }
     qsizetype end = std::min(lastPage + PageSize, size);
-    while (before[start] == after[start])
+    while (before[start] == after[start]) {
         ++start;
-    while (before[end - 1] == after[end - 1])
+    }
+    while (before[end - 1] == after[end - 1]) {
         --end;
+    }
     return {start, end};
 }
 
 /// True when the file now holds the bytes.
 bool patch(const QString& path, const QByteArray& bytes) {
-    if (!last || last->path != path || last->bytes.size() != bytes.size())
+    if (!last || last->path != path || last->bytes.size() != bytes.size()) {
         return false;
+    }
     const auto [start, end] = changedPart(last->bytes, bytes);
-    if (end > start && start / PageSize != (end - 1) / PageSize)
+    if (end > start && start / PageSize != (end - 1) / PageSize) {
         return false;
+    }
     std::string target;
-    if (files::Follow(QFile::encodeName(path).toStdString(), files::Trust::Own, &target) != 0)
+    if (files::Follow(QFile::encodeName(path).toStdString(), files::Trust::Own, &target) != 0) {
         return false;
+    }
     const int file = ::open(target.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (file < 0)
+    if (file < 0) {
         return false;
+    }
     struct stat status {};
     bool done = ::fstat(file, &status) == 0 && sameVersion(status, last->status);
-    if (done && end > start)
+    if (done && end > start) {
         done = ::pwrite(file, bytes.constData() + start, static_cast<std::size_t>(end - start), start) ==
                    end - start &&
                ::fstat(file, &last->status) == 0;
+    }
     ::close(file);
-    if (done)
+    if (done) {
         last->bytes = bytes;
+    }
     return done;
 }
 
 }  // namespace
 
 int WritePatchedFile(const QString& path, const QByteArray& bytes) {
-    if (patch(path, bytes))
+    if (patch(path, bytes)) {
         return 0;
+    }
     const int error = WriteWholeFile(path, bytes);
-    if (error == 0)
+    if (error == 0) {
         remember(path, bytes);
-    else
+    } else {
         last.reset();
+    }
     return error;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A run saves its state several times per drawing, and nearly always one digit of it is new. Writing the
 // whole file beside and renaming it costs the file system a flush of the new file each time, more than all

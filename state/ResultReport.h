@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What was wrong with a text, or happened to a file, told as a string of XML elements one after another.
 // Nothing in the system acts on it; it is there to be shown when a file behaves strangely. So it stops

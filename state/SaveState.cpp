@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/StateFile.h"
 
 #include "state/Base64.h"
@@ -42,18 +43,21 @@ class Writer {
 
 void saveOptions(MarkupDocument& document, CTarnelData& data, int full) {
     Writer writer(document);
-    if (!data.UseWatcher)
+    if (!data.UseWatcher) {
         writer.Boolean(u"UseWatcher", false);
+    }
     VisitOptions(data, writer);
-    if (full == 0)
+    if (full == 0) {
         return;
+    }
     writer.Boolean(u"TemporarilyLoadFromRegistry", data.TemporarilyLoadFromRegistry);
     writer.Inside(u"WindowState", [&] { VisitWindowState(data, writer); });
     writer.Inside(u"DebugWindowState", [&] { VisitRect(data.DebugWindow, writer); });
     writer.Inside(u"PreviousDirectories", [&] {
         for (const QByteArray& item : data.PreviousDirectories) {
-            if (item.isEmpty())
+            if (item.isEmpty()) {
                 continue;
+            }
             const QString lines = u"\r\n" + Base64Encode(item) + u"\r\n";
             document.AddChildElement(u"Directory", lines);
             document.SetChildAttribute(u"Type", u"pidl");
@@ -76,8 +80,9 @@ void saveFiles(MarkupDocument& document, const CTarnelData& data) {
 
 /// A save always answers 1; what went wrong is told apart.
 int finish(const QString& file, int error) {
-    if (error != 0)
+    if (error != 0) {
         SetStateError(file, u"cannot be written: " + SystemMessage(error));
+    }
     return 1;
 }
 
@@ -100,9 +105,11 @@ int SaveState(CTarnelData& data, const QString* target, int full) {
     writer.Inside(u"Options", [&] { saveOptions(document, data, full); });
     if (full != 0 && data.SysVarsSaved) {
         writer.Inside(u"SysVars", [&] {
-            for (std::size_t i = 0; i < data.SysVarNames.size(); ++i)
-                if (!data.SavedSysVars[i].IsEmpty())
+            for (std::size_t i = 0; i < data.SysVarNames.size(); ++i) {
+                if (!data.SavedSysVars[i].IsEmpty()) {
                     writer.Number(data.SysVarNames[i], data.SavedSysVars[i].Integer(0));
+                }
+            }
         });
     }
     static LastSave last;
@@ -111,8 +118,9 @@ int SaveState(CTarnelData& data, const QString* target, int full) {
         saveFiles(document, data);
         QString report;
         const QByteArray bytes = EncodeMarkup(document.GetDocumentText(), report, 0);
-        if (full == 0)
+        if (full == 0) {
             return finish(file, WriteWholeFile(file, bytes));
+        }
         last.Remember(file, head, bytes, data);
     }
     return finish(file, WritePatchedFile(file, last.Bytes()));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/ScriptText.h"
 
 #include "state/CodePage.h"
@@ -8,11 +9,13 @@ ScriptText DecodeScript(QByteArrayView bytes) {
     const UserText text = DecodeUserText(bytes);
     result.Note = text.Note();
     result.Fault = text.Fault();
-    if (const qsizetype zero = text.Text.indexOf(QChar(u'\0')); result.Fault.isEmpty() && zero >= 0)
+    if (const qsizetype zero = text.Text.indexOf(QChar(u'\0')); result.Fault.isEmpty() && zero >= 0) {
         result.Fault = QStringLiteral("line %1 holds a NUL, so this is no script")
                            .arg(QStringView(text.Text).first(zero).count(u'\n') + 1);
-    if (!result.Fault.isEmpty())
+    }
+    if (!result.Fault.isEmpty()) {
         return result;
+    }
     bool lossy = false;
     result.Script = EncodeText(text.Text, LocalePage, '?', &lossy);
     if (lossy) {
@@ -25,8 +28,9 @@ ScriptText DecodeScript(QByteArrayView bytes) {
 
 QString TakeDescription(QByteArray& script) {
     constexpr QByteArrayView head = ";DESCRIPTION:";
-    if (!script.startsWith(head))
+    if (!script.startsWith(head)) {
         return {};
+    }
     const qsizetype end = script.indexOf('\n');
     const QByteArray line = script.mid(head.size(), end < 0 ? -1 : end - head.size());
     script.remove(0, end < 0 ? script.size() : end + 1);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A script as the record and the state file hold it: in the locale's encoding, since the host reads narrow
 // text. A script goes into hundreds of drawings, so one that cannot be read as it was meant is refused

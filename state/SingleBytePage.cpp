@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/SingleBytePage.h"
 
 #include "state/IcuConverter.h"
@@ -11,16 +12,18 @@ const SingleBytePage* SingleBytePage::Of(int page) {
     static std::map<int, std::unique_ptr<SingleBytePage>> pages;
     const std::lock_guard<std::mutex> lock(guard);
     auto found = pages.find(page);
-    if (found == pages.end())
+    if (found == pages.end()) {
         found = pages.emplace(page, make(page)).first;
+    }
     return found->second.get();
 }
 
 std::unique_ptr<SingleBytePage> SingleBytePage::make(int page) {
     if (UpperHalf(page) == nullptr) {
         const IcuConverter icu(page);
-        if (!icu.IsOpen() || !icu.IsSingleByte())
+        if (!icu.IsOpen() || !icu.IsSingleByte()) {
             return nullptr;
+        }
     }
     return std::unique_ptr<SingleBytePage>(new SingleBytePage(page));
 }
@@ -37,12 +40,15 @@ SingleBytePage::SingleBytePage(int page) : page(page) {
             characters[i] = text.size() == 1 ? text[0].unicode() : u'\0';
         }
     }
-    for (const PagePlace& place : DifferingPlaces(page))
+    for (const PagePlace& place : DifferingPlaces(page)) {
         characters[place.Bytes] = place.Character;
+    }
     // The first place of a character counts, which is that of ASCII.
-    for (std::size_t i = 0; i < characters.size(); ++i)
-        if (i == 0 || characters[i] != 0)
+    for (std::size_t i = 0; i < characters.size(); ++i) {
+        if (i == 0 || characters[i] != 0) {
             bytes.emplace(characters[i], static_cast<char>(i));
+        }
+    }
 }
 
 QString SingleBytePage::Decode(QByteArrayView text, char16_t unknown) const {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Pages on which each byte is a character: a table for one way and a search for the other, made once.
 #include <array>

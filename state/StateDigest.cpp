@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/StateDigest.h"
 
 #include "engine/TarnelData.h"
@@ -14,8 +15,9 @@ void add(QCryptographicHash& hash, QStringView text) {
 }
 
 void addQueue(QCryptographicHash& hash, const CTarnelData& data) {
-    for (std::size_t i = 0; i < data.FileNames.size(); ++i)
+    for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
         add(hash, EntryPath(data, i));
+    }
 }
 
 }  // namespace
@@ -37,7 +39,8 @@ QByteArray RunDigest(const CTarnelData& data) {
     addQueue(hash, data);
     add(hash, DecodeText(data.Script, LocalePage));
     for (const std::uint32_t value : {data.MaxTime, data.AlarmTime, std::uint32_t(data.ProcessReadOnly),
-                                      std::uint32_t(data.SortIdx), std::uint32_t(data.SortReverse)})
+                                      std::uint32_t(data.SortIdx), std::uint32_t(data.SortReverse)}) {
         add(hash, QString::number(value));
+    }
     return hash.result().toHex();
 }

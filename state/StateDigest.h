@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Tells one run's state from another's. The statuses do not count: they are what a run changes.
 #include <QByteArray>

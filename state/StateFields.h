@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The fields of the options in the order of the file. The reader only goes forward, so the order is part of
 // the format; reader and writer walk this one list and cannot differ.

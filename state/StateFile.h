@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The memory of the system between runs and across the death of the host: one XML file per user that holds
 // the record's options, script, geometry, history and queue. It is written before every step that could go

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Text files by lines, for the lists that users keep and the scripts that the host reads. The host reads
 // narrow text, so that is what is written unless asked otherwise, and a character that the encoding lacks

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/TextConverter.h"
 
 #include "state/CodePage.h"
@@ -17,12 +18,13 @@ QString fromUtf32(const TextConverter& converter) {
     const auto* units = static_cast<const char32_t*>(converter.Source);
     for (qsizetype i = 0; i < converter.SourceLength; ++i) {
         const char32_t c = units[i];
-        if (c > QChar::LastValidCodePoint)
+        if (c > QChar::LastValidCodePoint) {
             out += u'?';
-        else if (c > 0xffff)
+        } else if (c > 0xffff) {
             out.append(QChar::highSurrogate(c)).append(QChar::lowSurrogate(c));
-        else
+        } else {
             out += QChar(static_cast<char16_t>(c));
+        }
     }
     return out;
 }
@@ -46,8 +48,9 @@ std::vector<char32_t> toUtf32(QStringView text) {
 
 qsizetype deliver(const TextConverter& converter, void* target, const void* units, qsizetype count,
                   std::size_t unitSize) {
-    if (target == nullptr)
+    if (target == nullptr) {
         return count;
+    }
     count = std::min(count, converter.TargetCapacity);
     std::memcpy(target, units, std::size_t(count) * unitSize);
     return count;
@@ -56,19 +59,22 @@ qsizetype deliver(const TextConverter& converter, void* target, const void* unit
 }  // namespace
 
 qsizetype Convert(TextConverter& converter, void* target, const QString* targetEncoding) {
-    if (targetEncoding != nullptr)
+    if (targetEncoding != nullptr) {
         converter.TargetEncoding = *targetEncoding;
+    }
     const int from = pageOf(converter.SourceEncoding);
     const int to = pageOf(converter.TargetEncoding);
-    if (from == Utf32Page && to != Utf8Page && to != Utf16Page)
+    if (from == Utf32Page && to != Utf8Page && to != Utf16Page) {
         return 0;
+    }
 
     const auto cannotBeHad = [](int page) {
         return page != Utf16Page && page != Utf32Page && !HasCodePage(page);
     };
     converter.Unavailable = cannotBeHad(from) || cannotBeHad(to);
-    if (converter.Unavailable)
+    if (converter.Unavailable) {
         return 0;
+    }
 
     QString text;
     if (from == Utf32Page) {
@@ -81,8 +87,9 @@ qsizetype Convert(TextConverter& converter, void* target, const QString* targetE
             DecodeText({static_cast<const char*>(converter.Source), converter.SourceLength}, from, unknown);
     }
 
-    if (to == Utf16Page)
+    if (to == Utf16Page) {
         return deliver(converter, target, text.constData(), text.size(), sizeof(QChar));
+    }
     if (to == Utf32Page) {
         const std::vector<char32_t> units = toUtf32(text);
         return deliver(converter, target, units.data(), qsizetype(units.size()), sizeof(char32_t));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Converts between any two encodings by name. Narrow encodings meet in UTF-16, in which all text here lives;
 // UTF-32 is done by hand between UTF-16 and UTF-8.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Cuts a markup text into tokens. It never gives up: what cannot be a tag becomes a token of its own type
 // with a report, and the scan goes on behind it.

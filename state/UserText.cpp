@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/UserText.h"
 
 #include "state/CodePage.h"
@@ -11,11 +12,13 @@ namespace {
 
 /// UTF-16 without a mark: letters of most languages' scripts leave zeros in one half of the units.
 int unmarkedWidePage(QByteArrayView bytes) {
-    if (bytes.isEmpty() || bytes.size() % 2 != 0 || !bytes.contains('\0'))
+    if (bytes.isEmpty() || bytes.size() % 2 != 0 || !bytes.contains('\0')) {
         return LocalePage;
+    }
     std::array<qsizetype, 2> zeros = {0, 0};
-    for (qsizetype i = 0; i < bytes.size(); ++i)
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
         zeros[std::size_t(i % 2)] += bytes[i] == '\0' ? 1 : 0;
+    }
     return zeros[0] == 0 ? Utf16Page : zeros[1] == 0 ? Utf16Page + 1 : LocalePage;
 }
 
@@ -47,8 +50,9 @@ UserText decodeWide(QByteArrayView bytes, int page) {
     UserText result;
     result.Text = decoder(bytes);
     // Half a pair of surrogates passes the decoder.
-    if (decoder.hasError() || bytes.size() % 2 != 0 || !result.Text.isValidUtf16())
+    if (decoder.hasError() || bytes.size() % 2 != 0 || !result.Text.isValidUtf16()) {
         result.BadLine = std::max<qsizetype>(firstDamagedLine(result.Text), 1);
+    }
     return result;
 }
 
@@ -59,8 +63,9 @@ int WindowsPage() {
 }
 
 QString UserText::Note() const {
-    if (ForeignLine == 0)
+    if (ForeignLine == 0) {
         return {};
+    }
     return QStringLiteral("line %1 is not in %2; it and others like it are read as Windows code page %3")
         .arg(ForeignLine)
         .arg(QString::fromLatin1(LocaleEncoding()))
@@ -68,8 +73,9 @@ QString UserText::Note() const {
 }
 
 QString UserText::Fault() const {
-    if (BadLine == 0)
+    if (BadLine == 0) {
         return {};
+    }
     return QStringLiteral("line %1 is no text in UTF-16, in %2 or in Windows code page %3")
         .arg(BadLine)
         .arg(QString::fromLatin1(LocaleEncoding()))
@@ -78,10 +84,12 @@ QString UserText::Fault() const {
 
 UserText DecodeUserText(QByteArrayView bytes) {
     constexpr QByteArrayView narrowMark = "\xEF\xBB\xBF";
-    if (bytes.startsWith("\xFF\xFE"))
+    if (bytes.startsWith("\xFF\xFE")) {
         return decodeWide(bytes.sliced(2), Utf16Page);
-    if (bytes.startsWith("\xFE\xFF"))
+    }
+    if (bytes.startsWith("\xFE\xFF")) {
         return decodeWide(bytes.sliced(2), Utf16Page + 1);
+    }
     int page = LocalePage;
     if (bytes.startsWith(narrowMark)) {
         bytes = bytes.sliced(narrowMark.size());
@@ -90,8 +98,9 @@ UserText DecodeUserText(QByteArrayView bytes) {
         return decodeWide(bytes, wide);
     }
     UserText result;
-    if (decodes(bytes, page, result.Text))
+    if (decodes(bytes, page, result.Text)) {
         return result;
+    }
     result.Text.clear();
     QString line;
     for (qsizetype number = 1; !bytes.isEmpty(); ++number) {
@@ -99,10 +108,12 @@ UserText DecodeUserText(QByteArrayView bytes) {
         const QByteArrayView piece = bytes.first(end < 0 ? bytes.size() : end + 1);
         bytes = bytes.sliced(piece.size());
         if (!decodes(piece, page, line)) {
-            if (result.ForeignLine == 0)
+            if (result.ForeignLine == 0) {
                 result.ForeignLine = number;
-            if (!decodes(piece, WindowsPage(), line) && result.BadLine == 0)
+            }
+            if (!decodes(piece, WindowsPage(), line) && result.BadLine == 0) {
                 result.BadLine = number;
+            }
         }
         result.Text += line;
     }

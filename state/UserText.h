@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Text that users made with whatever editor they had: scripts, and lists of drawings. It is in the locale's
 // encoding, or begins with a mark; what is no text there was made on another system, in the Windows page of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/WholeFile.h"
 
 #include "state/FileName.h"
@@ -35,10 +36,12 @@ int writeAll(int fd, const QByteArray& bytes) {
     std::size_t left = std::size_t(bytes.size());
     while (left > 0) {
         const ssize_t written = ::write(fd, data, left);
-        if (written < 0 && errno == EINTR)
+        if (written < 0 && errno == EINTR) {
             continue;
-        if (written < 0)
+        }
+        if (written < 0) {
             return errno;
+        }
         data += written;
         left -= std::size_t(written);
     }
@@ -50,18 +53,21 @@ int writeAll(int fd, const QByteArray& bytes) {
 int writeInPlace(const QByteArray& path, const QByteArray& bytes) {
     const Descriptor file(files::OpenOwn(path.toStdString(), O_WRONLY));
     struct stat status {};
-    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0) {
         return errno;
+    }
     if (bytes.size() > status.st_size) {
         const int error = ::posix_fallocate(file.Get(), 0, bytes.size());
         if (error == ENOSPC || error == EFBIG || error == EDQUOT) {
-            if (::ftruncate(file.Get(), status.st_size) != 0)
+            if (::ftruncate(file.Get(), status.st_size) != 0) {
                 return errno;
+            }
             return error;
         }
     }
-    if (const int error = writeAll(file.Get(), bytes))
+    if (const int error = writeAll(file.Get(), bytes)) {
         return error;
+    }
     return ::ftruncate(file.Get(), bytes.size()) != 0 ? errno : 0;
 }
 
@@ -77,27 +83,33 @@ int ReadWholeFile(const QString& path, QByteArray& bytes) {
     // A pipe that somebody has put there must not make this wait for a writer.
     const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
-    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0) {
         return errno;
-    if (!S_ISREG(status.st_mode))
+    }
+    if (!S_ISREG(status.st_mode)) {
         return S_ISDIR(status.st_mode) ? EISDIR : ENXIO;
-    if (status.st_size > largest)
+    }
+    if (status.st_size > largest) {
         return EFBIG;
+    }
     qsizetype used = 0;
     bytes.resize(status.st_size + 1);
     for (;;) {
         const ssize_t got = ::read(file.Get(), bytes.data() + used, std::size_t(bytes.size() - used));
-        if (got < 0 && errno == EINTR)
+        if (got < 0 && errno == EINTR) {
             continue;
+        }
         if (got < 0 || used + got > largest) {
             bytes.clear();
             return got < 0 ? errno : EFBIG;
         }
-        if (got == 0)
+        if (got == 0) {
             break;
+        }
         used += got;
-        if (used == bytes.size())
+        if (used == bytes.size()) {
             bytes.resize(bytes.size() * 2);
+        }
     }
     bytes.resize(used);
     return 0;
@@ -106,13 +118,16 @@ int ReadWholeFile(const QString& path, QByteArray& bytes) {
 int WriteWholeFile(const QString& path, const QByteArray& bytes, bool synced) {
     const QByteArray name = QFile::encodeName(path);
     struct stat old {};
-    if (::stat(name.constData(), &old) == 0 && S_ISREG(old.st_mode) && ::access(name.constData(), W_OK) != 0)
+    if (::stat(name.constData(), &old) == 0 && S_ISREG(old.st_mode) &&
+        ::access(name.constData(), W_OK) != 0) {
         return errno;
+    }
     files::NewFile file;
     if (!file.Open(name.toStdString())) {
         const int error = errno;
-        if (error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG)
+        if (error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG) {
             return writeInPlace(name, bytes);
+        }
         return error;
     }
     const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
@@ -124,13 +139,15 @@ int SyncFile(const QString& path) {
     const QByteArray name = QFile::encodeName(path);
     const QByteArray folder = QFile::encodeName(CFileName(path).GetDirectory());
     const Descriptor file(::open(name.constData(), O_RDONLY | O_CLOEXEC));
-    if (!file.IsOpen() || ::fsync(file.Get()) != 0)
+    if (!file.IsOpen() || ::fsync(file.Get()) != 0) {
         return errno;
+    }
     const Descriptor directory(
         ::open(folder.isEmpty() ? "." : folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // Some file systems know no syncing of folders; the file itself is safe then.
-    if (directory.IsOpen() && ::fsync(directory.Get()) != 0 && errno != EINVAL && errno != EROFS)
+    if (directory.IsOpen() && ::fsync(directory.Get()) != 0 && errno != EINVAL && errno != EROFS) {
         return errno;
+    }
     return 0;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Files read and written in one go. A file is never written over: the new text is written beside it and takes
 // its place by a rename, so that a kill or a full disk leaves the old text or the new one, never a part.

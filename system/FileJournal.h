@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The names of what a process makes beside drawings and elsewhere, and means to take away again: temporaries,
 // lock markers, logs. Each is noted before it is made, so that after a kill at any moment whoever works on in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // New content for a file: it is written beside it and takes its place in one step. The file beside has one
 // fixed name and a lock, so that what a killed process has left is known by its name and taken away by the

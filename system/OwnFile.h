@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The files that a program keeps for itself (state, logs, settings, locks) may lie in a folder in which
 // others can make files too. Nothing here writes through a link that somebody else has put there, or into a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Removing a folder that a program has made, with what it has made in it: by name, and never through a link,
 // since anybody may have put something of his into it, or a link to something of his in its place.

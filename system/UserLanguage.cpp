@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "system/UserLanguage.h"
 
 #include <langinfo.h>
@@ -34,9 +35,11 @@ bool namesNoLanguage(const std::string& name) {
 }  // namespace
 
 std::string LocaleName() {
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"})
-        if (const char* value = std::getenv(variable); value != nullptr && *value != '\0')
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        if (const char* value = std::getenv(variable); value != nullptr && *value != '\0') {
             return value;
+        }
+    }
     return {};
 }
 
@@ -50,9 +53,11 @@ std::string LocaleCodeset() {
         codeset = name.substr(dot + 1, name.find('@') - dot - 1);
     }
     std::string compact;
-    for (const char c : codeset)
-        if (c != '-')
+    for (const char c : codeset) {
+        if (c != '-') {
             compact += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+        }
+    }
     return compact.empty() || compact == "UTF8" || compact.starts_with("ANSI_X3.4") ? "UTF-8" : codeset;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the user's locale says of text: the encoding that files are in here, and the page in which files from
 // other systems of users of this language most likely are.

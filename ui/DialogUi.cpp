@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/DialogUi.h"
 
 #include "acframe.h"
@@ -20,8 +21,9 @@ class FrameWatch : public QObject {
   public:
     using QObject::QObject;
     bool eventFilter(QObject* frame, QEvent* event) override {
-        if (event->type() != QEvent::Close)
+        if (event->type() != QEvent::Close) {
             return QObject::eventFilter(frame, event);
+        }
         event->ignore();
         QMetaObject::invokeMethod(
             qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
@@ -41,8 +43,9 @@ QWidget* DialogUi::owner() const {
 
 RunUi::Answer DialogUi::RunMainDialog() {
     InitHtmlResources();
-    if (QWidget* view = acedGetAcadDwgView())
+    if (QWidget* view = acedGetAcadDwgView()) {
         view->update();
+    }
     QApplication::setOverrideCursor(Qt::WaitCursor);
     TarnelDlg dialog(acedGetAcadFrame());
     QApplication::restoreOverrideCursor();
@@ -53,10 +56,12 @@ RunUi::Answer DialogUi::RunMainDialog() {
 
 RunUi::Answer DialogUi::Ask(const QString& caption, const QString& text, Buttons buttons) {
     QMessageBox::StandardButtons shown = QMessageBox::Ok;
-    if (buttons != OkOnly)
+    if (buttons != OkOnly) {
         shown = QMessageBox::Yes | QMessageBox::No;
-    if (buttons == YesNoCancel)
+    }
+    if (buttons == YesNoCancel) {
         shown |= QMessageBox::Cancel;
+    }
     QMessageBox box(QMessageBox::Warning, caption, text, shown, owner());
     switch (box.exec()) {
         case QMessageBox::Yes:
@@ -74,37 +79,43 @@ void DialogUi::OpenStatus(int fileCount) {
     delete status;
     status = new StatusDialog(acedGetAcadFrame(), fileCount);
     QObject::connect(status, &StatusDialog::CancelPressed, status, [] { CancelRun(); });
-    if (QMainWindow* frame = acedGetAcadFrame())
+    if (QMainWindow* frame = acedGetAcadFrame()) {
         frame->installEventFilter(new FrameWatch(status));
+    }
 }
 
 void DialogUi::ShowStatus() {
-    if (status.isNull())
+    if (status.isNull()) {
         return;
+    }
     status->show();
     status->activateWindow();
 }
 
 void DialogUi::ShowFile(const QString& path, int limit) {
-    if (!status.isNull())
+    if (!status.isNull()) {
         status->ShowFile(path, limit);
+    }
 }
 
 void DialogUi::StepFileTime() {
-    if (!status.isNull())
+    if (!status.isNull()) {
         status->StepFileTime();
+    }
 }
 
 void DialogUi::Alarm() {
     QApplication::beep();
-    if (!status.isNull())
+    if (!status.isNull()) {
         QApplication::alert(status);
+    }
     Flash(true);
 }
 
 void DialogUi::Flash(bool on) {
-    if (!status.isNull())
+    if (!status.isNull()) {
         status->Flash(on);
+    }
 }
 
 void DialogUi::ShowFileStatus(std::uint32_t /*entry*/, const QString& /*path*/, const QString& /*status*/) {}
@@ -118,6 +129,7 @@ void DialogUi::OpenStepThrough() {
 }
 
 void DialogUi::RefreshActiveWindow() {
-    if (QWidget* view = acedGetAcadDwgView())
+    if (QWidget* view = acedGetAcadDwgView()) {
         view->update();
+    }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // How a run reaches the user where the host has a frame: with dialogs over it.
 #include "engine/RunUi.h"

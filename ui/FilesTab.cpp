@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/FilesTab.h"
 
 #include "acdocman.h"
@@ -23,12 +24,14 @@ class QueueModel : public QAbstractTableModel {
     }
     int columnCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : 3; }
     QVariant data(const QModelIndex& index, int role) const override {
-        if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
+        if (role != Qt::DisplayRole && role != Qt::ToolTipRole) {
             return {};
+        }
         const CTarnelData& record = TarnelData();
         const std::uint32_t entry = record.FileOrder[static_cast<std::size_t>(index.row())];
-        if (role == Qt::ToolTipRole)
+        if (role == Qt::ToolTipRole) {
             return EntryPath(record, entry);
+        }
         switch (index.column()) {
             case 0:
                 return record.FileNames[entry];
@@ -39,8 +42,9 @@ class QueueModel : public QAbstractTableModel {
         }
     }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
-        if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
             return {};
+        }
         const QStringList titles = {tr("File"), tr("Folder"), tr("Status")};
         return titles.value(section);
     }
@@ -84,8 +88,9 @@ void FilesTab::OnRefresh() {
 void FilesTab::add(const QStringList& paths) {
     CTarnelData& data = TarnelData();
     QHash<QString, std::size_t> places;
-    for (std::size_t i = 0; i < data.FileNames.size(); ++i)
+    for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
         places.insert(EntryPath(data, i), i);
+    }
     for (const QString& path : paths) {
         if (const auto found = places.constFind(path); found != places.constEnd()) {
             SetEntryStatus(data, *found, ToDo);
@@ -109,27 +114,32 @@ void FilesTab::AddOpenDrawings() {
     for (; !walk->done(); walk->step()) {
         const QString path = FromHost(walk->document()->fileName());
         // A drawing that has never been saved has a title alone.
-        if (QFileInfo(path).isAbsolute())
+        if (QFileInfo(path).isAbsolute()) {
             paths << path;
+        }
     }
     add(paths);
 }
 
 std::vector<std::uint32_t> FilesTab::chosen() const {
     std::vector<std::uint32_t> entries;
-    for (const QModelIndex& row : ui->queue->selectionModel()->selectedRows())
+    for (const QModelIndex& row : ui->queue->selectionModel()->selectedRows()) {
         entries.push_back(TarnelData().FileOrder[static_cast<std::size_t>(row.row())]);
+    }
     return entries;
 }
 
 void FilesTab::SetToDo() {
     CTarnelData& data = TarnelData();
     const std::vector<std::uint32_t> entries = chosen();
-    for (const std::uint32_t entry : entries)
+    for (const std::uint32_t entry : entries) {
         SetEntryStatus(data, entry, ToDo);
-    if (entries.empty())
-        for (std::size_t i = 0; i < data.FileNames.size(); ++i)
+    }
+    if (entries.empty()) {
+        for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
             SetEntryStatus(data, i, ToDo);
+        }
+    }
     OnRefresh();
 }
 
@@ -140,8 +150,9 @@ void FilesTab::RemoveDrawings() {
     for (const std::uint32_t entry : entries) {
         data.FileNames.erase(entry);
         data.FileDirs.erase(entry);
-        if (entry < data.FileStatus.size())
+        if (entry < data.FileStatus.size()) {
             data.FileStatus.erase(entry);
+        }
     }
     BuildFileOrder(data);
     OnRefresh();

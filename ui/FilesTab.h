@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Page of the queue: the drawings of a run in the order they will be processed, with their statuses.
 #include "widgets/ResizableDialog.h"

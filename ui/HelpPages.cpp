@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/HelpPages.h"
 
 #include "engine/RunState.h"
@@ -27,8 +28,9 @@ void ShowHelp() {
     const QString target = folder + QStringLiteral("/tarnel-help.html");
     struct stat from {};
     if (::stat(QFile::encodeName(source).constData(), &from) != 0 ||
-        files::MakeFolder(QFile::encodeName(folder).toStdString()) != 0)
+        files::MakeFolder(QFile::encodeName(folder).toStdString()) != 0) {
         return;
+    }
     const QByteArray name = QFile::encodeName(target);
     struct stat to {};
     QByteArray text;

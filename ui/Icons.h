@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Pictures of buttons and tabs from the module's resources.
 #include <QIcon>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/LogTab.h"
 
 #include "engine/RunState.h"
@@ -91,8 +92,9 @@ LogTab::LogTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<
     connect(ui->log, &CHTMLayout::OnLinkClick, this, &LogTab::ShowHostLog);
     connect(ui->log, &CHTMLayout::OnXButton1, this, &LogTab::LoadRunLog);
     connect(ui->emailLog, &QPushButton::clicked, this, [this] {
-        if (EmailLog)
+        if (EmailLog) {
             EmailLog(this);
+        }
     });
     connect(ui->clearLog, &QPushButton::clicked, this, &LogTab::ClearLog);
     connect(ui->saveLog, &QPushButton::clicked, this, &LogTab::SaveLog);
@@ -123,19 +125,22 @@ void LogTab::ShowHostLog(const QString& link, int* handled) {
         return;
     }
     const QString prefix = QStringLiteral("logfile:");
-    if (!link.startsWith(prefix))
+    if (!link.startsWith(prefix)) {
         return;
+    }
     const QString rest = link.mid(prefix.size());
     const qsizetype colon = rest.indexOf(u':');
     const QString id = rest.left(colon);
     const QString name = colon < 0 ? QString() : rest.mid(colon + 1);
     try {
         CZipArchive archive;
-        if (!archive.Open(QFile::encodeName(archivePath()).toStdString(), CZipArchive::Existing))
+        if (!archive.Open(QFile::encodeName(archivePath()).toStdString(), CZipArchive::Existing)) {
             return;
+        }
         const int index = archive.FindFile(id.toStdString(), false);
-        if (index < 0)
+        if (index < 0) {
             return;
+        }
         const std::string text = archive.ReadWholeFile(index);
         archive.Close();
         ui->log->LoadHtml(
@@ -155,8 +160,9 @@ void LogTab::ClearLog() {
 void LogTab::SaveLog() {
     const QString path = QFileDialog::getSaveFileName(this, tr("Save Log"), QString(),
                                                       tr("Html Files (*.html);;All Files (*)"));
-    if (path.isEmpty())
+    if (path.isEmpty()) {
         return;
+    }
     const QString target = QFileInfo(path).suffix().isEmpty() ? path + QStringLiteral(".html") : path;
     // What the file held goes only once the copy is whole.
     QFile log(runLogPath());

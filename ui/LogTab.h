@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Page of the last run. The run log is not shown as it lies on disk: the names in it become links to the
 // host's log of each drawing, which comes out of the archive into the same view, with a way back.

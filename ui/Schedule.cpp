@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/Schedule.h"
 
 #include "ui_Schedule.h"
@@ -36,12 +37,14 @@ void Schedule::Tick() {
     std::tm local{};
     localtime_r(&seconds, &local);
     char text[128];
-    if (std::strftime(text, sizeof text, "%x %X", &local) > 0)
+    if (std::strftime(text, sizeof text, "%x %X", &local) > 0) {
         ui->now->setText(QStringLiteral("Current time: ") + QString::fromLocal8Bit(text));
+    }
     const QDateTime target(runDate, QTime(runTime.hour(), runTime.minute(), runTime.second()));
     if (waiting) {
-        if (target < now)
+        if (target < now) {
             accept();
+        }
         return;
     }
     readPickers();

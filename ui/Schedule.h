@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Waits for a moment that the user picks, with a tick every second, and then ends as if OK had been pressed.
 // A schedule does not survive the dialog.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ScriptChecks.h"
 
 #include "acutads.h"
@@ -19,34 +20,40 @@ bool RunScriptChecks(const std::function<bool(const ScriptQuestion&)>& ask) {
         !fits(script, QStringLiteral("*saveas*"))) {
         if (!ask({QStringLiteral("The script does not contain a QSAVE or SAVEAS command.\nAny changes made "
                                  "during the script will not be saved.\nDo you wish to continue?\n"),
-                  true}))
+                  true})) {
             return false;
+        }
     }
     if (data.WarnDialogCommand) {
         QStringList found;
         for (const QString& command : {QStringLiteral("preferences"), QStringLiteral("options")}) {
-            if (fits(script, QStringLiteral("*%1*").arg(command)))
+            if (fits(script, QStringLiteral("*%1*").arg(command))) {
                 found << command.toUpper();
+            }
         }
         if (!found.isEmpty() &&
             !ask({QStringLiteral("The following commands will a show a dialog that will stop the script.\n") +
                       found.join(u',') + QStringLiteral("\nDo you wish to continue?\n"),
-                  false}))
+                  false})) {
             return false;
+        }
     }
     if (data.WarnDialogCmdReplacement) {
         QString changes;
-        if (fits(script, QStringLiteral("*[~-]plot*")))
+        if (fits(script, QStringLiteral("*[~-]plot*"))) {
             changes += QStringLiteral("PLOT to -PLOT\n");
-        if (fits(script, QStringLiteral("*[~-]layer*")))
+        }
+        if (fits(script, QStringLiteral("*[~-]layer*"))) {
             changes += QStringLiteral("LAYER to -LAYER\n");
+        }
         if (!changes.isEmpty() &&
             !ask({QStringLiteral("There are commands present which will show a dialog which will stop the "
                                  "script.\nThese commands have equivalents which will work within a script."
                                  "\n\nChange:\n") +
                       changes + QStringLiteral("\nDo you wish to continue?\n"),
-                  false}))
+                  false})) {
             return false;
+        }
     }
     return true;
 }

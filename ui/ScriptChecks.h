@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The three checks that the main dialog makes of a script before a run: no save in it, a command that shows a
 // dialog, a command that has a form without one. Each is a question, asked only while its setting is on.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ScriptTab.h"
 
 #include "engine/TarnelData.h"
@@ -29,8 +30,9 @@ void ScriptTab::OnRefresh() {
 void ScriptTab::OnCollect() {
     CTarnelData& data = TarnelData();
     // What nobody has edited stays as it is, byte for byte.
-    if (!ui->script->document()->isModified())
+    if (!ui->script->document()->isModified()) {
         return;
+    }
     QString text = ui->script->toPlainText();
     const QByteArray script = text.replace(u'\n', QLatin1String("\r\n")).toLocal8Bit();
     if (script != data.Script) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Page of the script that a run executes on each drawing.
 #include "widgets/ResizableDialog.h"

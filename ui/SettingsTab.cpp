@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/SettingsTab.h"
 
 #include "engine/TarnelData.h"
@@ -56,8 +57,9 @@ void SettingsTab::OnRefresh() {
     FindFirst(root, QStringLiteral("[id=alarmtime]")).SetText(QString::number(data.AlarmTime));
     FindFirst(root, QStringLiteral("[id=maxtime]")).SetText(QString::number(data.MaxTime));
     FormValues values;
-    for (const CheckField& field : CheckFields)
+    for (const CheckField& field : CheckFields) {
         values.emplace(QString::fromUtf16(field.Name), FormValue(data.*field.Field));
+    }
     SetFormValues(root, values);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Page of the options of a run: an HTML form, whose values go to the record on CollectSignal and come from it
 // on RefreshSignal. Nothing reaches the record in between.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/StatusDialog.h"
 
 #include "ui_StatusDialog.h"
@@ -24,8 +25,9 @@ StatusDialog::StatusDialog(QWidget* parent, int fileCount)
     parts->ui.cancel->setAutoDefault(false);
     parts->ui.fileText->setFocus();
     connect(parts->ui.cancel, &QPushButton::clicked, this, &StatusDialog::CancelPressed);
-    if (parent != nullptr)
+    if (parent != nullptr) {
         move(parent->frameGeometry().center() - rect().center());
+    }
 }
 
 StatusDialog::~StatusDialog() = default;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The small window over the host's frame during a run: the drawing in work, the seconds of its time, the
 // drawings of the run, and Cancel. The time limits themselves belong to the engine, which tells this window.

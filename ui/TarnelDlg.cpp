@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/TarnelDlg.h"
 
 #include "engine/RunState.h"
@@ -101,8 +102,9 @@ void TarnelDlg::orderTabStops() {
         // The focus chain of a page is in order in itself.
         for (QWidget* next = page->nextInFocusChain(); next != nullptr && page->isAncestorOf(next);
              next = next->nextInFocusChain()) {
-            if (next->focusPolicy() != Qt::NoFocus)
+            if (next->focusPolicy() != Qt::NoFocus) {
                 last = next;
+            }
         }
     }
     for (QWidget* button : {ui->help, ui->schedule, ui->runScript, ui->close}) {
@@ -124,8 +126,9 @@ QRect insideScreen(QRect place) {
     const bool gone = screen == nullptr;
     const QRect available = (gone ? QGuiApplication::primaryScreen() : screen)->availableGeometry();
     place.setSize(place.size().boundedTo(available.size()));
-    if (gone)
+    if (gone) {
         place.moveCenter(available.center());
+    }
     place.moveRight(std::min(place.right(), available.right()));
     place.moveBottom(std::min(place.bottom(), available.bottom()));
     place.moveLeft(std::max(place.left(), available.left()));
@@ -139,16 +142,18 @@ void TarnelDlg::moveToStored() {
     const CTarnelData& data = TarnelData();
     const WindowRect& stored = data.MainWindow;
     QRect place(QPoint(), size());
-    if (stored.Right != 0)
+    if (stored.Right != 0) {
         place = QRect(QPoint(static_cast<int>(stored.Left), static_cast<int>(stored.Top)),
                       QPoint(static_cast<int>(stored.Right) - 1, static_cast<int>(stored.Bottom) - 1));
-    else if (const QWidget* frame = parentWidget())
+    } else if (const QWidget* frame = parentWidget()) {
         place.moveCenter(frame->window()->geometry().center());
-    else
+    } else {
         place.moveCenter(QGuiApplication::primaryScreen()->availableGeometry().center());
+    }
     setGeometry(insideScreen(place));
-    if (data.WasMaximized != 0)
+    if (data.WasMaximized != 0) {
         setWindowState(windowState() | Qt::WindowMaximized);
+    }
 }
 
 void TarnelDlg::keepGeometry() {
@@ -164,8 +169,9 @@ void TarnelDlg::keepGeometry() {
 bool TarnelDlg::hasToDo() const {
     const CTarnelData& data = TarnelData();
     for (std::size_t i = 0; i < data.FileNames.size(); ++i) {
-        if (EntryStatus(data, i) == ToDo)
+        if (EntryStatus(data, i) == ToDo) {
             return true;
+        }
     }
     return false;
 }
@@ -177,8 +183,9 @@ bool TarnelDlg::scriptMayRun() {
         box.setDefaultButton(question.YesIsDefault ? QMessageBox::Yes : QMessageBox::No);
         return box.exec() == QMessageBox::Yes;
     });
-    if (!may)
+    if (!may) {
         Q_EMIT TarnelData().Signals.RefreshSignal();
+    }
     return may;
 }
 
@@ -194,8 +201,9 @@ void TarnelDlg::OnOK() {
                            ui->runScript->mapToGlobal(edge), QMessageBox::Information, 10000);
         return;
     }
-    if (!Run().Scheduled && !scriptMayRun())
+    if (!Run().Scheduled && !scriptMayRun()) {
         return;
+    }
     keepGeometry();
     QDialog::accept();
 }
@@ -208,8 +216,9 @@ void TarnelDlg::OnCancel() {
 
 void TarnelDlg::onSchedule() {
     Schedule schedule(this);
-    if (schedule.exec() != QDialog::Accepted)
+    if (schedule.exec() != QDialog::Accepted) {
         return;
+    }
     Run().Scheduled = true;
     OnOK();
 }

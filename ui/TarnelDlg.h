@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The main dialog that the TARNEL command opens over the host's frame: five pages and four buttons. It never
 // starts a run itself: it ends with OK, and the command saves the state and sends the start to the host.

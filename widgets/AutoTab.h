@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Tab control of the main dialog: pages with a title, an icon and a letter that shows them, and any open
 // balloon closed before another page comes up.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/BalloonHelp.h"
 
 #include <QApplication>
@@ -38,8 +39,9 @@ CBalloonHelp* CBalloonHelp::Show(QWidget* parent, const QString& title, const QS
 
 void CBalloonHelp::CloseAll() {
     const QList<CBalloonHelp*> open = openBalloons();
-    for (CBalloonHelp* balloon : open)
+    for (CBalloonHelp* balloon : open) {
         delete balloon;
+    }
 }
 
 int CBalloonHelp::OpenCount() {
@@ -80,8 +82,9 @@ CBalloonHelp::CBalloonHelp(QWidget* parent, const QString& caption, const QStrin
     setMask(QRegion(outline().toFillPolygon().toPolygon()).united(QRegion(body.adjusted(3, 3, -3, -3))));
     openBalloons().append(this);
     connect(this, &QObject::destroyed, qApp, [this] { openBalloons().removeAll(this); });
-    if (life > 0)
+    if (life > 0) {
         QTimer::singleShot(life, this, &QObject::deleteLater);
+    }
     qApp->installEventFilter(this);
     show();
 }
@@ -118,7 +121,8 @@ void CBalloonHelp::mousePressEvent(QMouseEvent*) {
 }
 
 bool CBalloonHelp::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress && watched->isWindowType())
+    if (event->type() == QEvent::KeyPress && watched->isWindowType()) {
         deleteLater();
+    }
     return QWidget::eventFilter(watched, event);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A balloon that tells something at a control: title, text, icon, and a life after which it goes by itself. A
 // click on it, a key press, or the call that closes all balloons ends it earlier.

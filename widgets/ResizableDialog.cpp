@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/ResizableDialog.h"
 
 #include <QKeyEvent>
@@ -17,8 +18,9 @@ void CResizableDialog::SetPage() {
 
 void CResizableDialog::InitLayout() {
     layout.Attach(this);
-    if (page)
+    if (page) {
         return;
+    }
     // Narrower than this, what keeps to the left and what keeps to the right would meet.
     const QSize design = layout.DesignSize();
     setMinimumSize(design.width() * 17 / 20, design.height() * 3 / 5);
@@ -30,20 +32,23 @@ void CResizableDialog::InitLayout() {
 void CResizableDialog::resizeEvent(QResizeEvent* event) {
     QDialog::resizeEvent(event);
     layout.Arrange();
-    if (grip != nullptr)
+    if (grip != nullptr) {
         grip->move(rect().bottomRight() - grip->rect().bottomRight());
+    }
 }
 
 // Esc and Enter mean the dialog that the page stands in; a dialog's own answer to Esc would hide the page.
 void CResizableDialog::keyPressEvent(QKeyEvent* event) {
-    if (page)
+    if (page) {
         event->ignore();
-    else
+    } else {
         QDialog::keyPressEvent(event);
+    }
 }
 
 void CResizableDialog::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange && grip != nullptr)
+    if (event->type() == QEvent::WindowStateChange && grip != nullptr) {
         grip->setVisible(!isMaximized());
+    }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A dialog whose controls keep their anchors while it is resized. As a page of a tab control it is a plain
 // child without a frame or size grip.

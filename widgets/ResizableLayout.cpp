@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/ResizableLayout.h"
 
 #include <QFontMetricsF>
@@ -19,8 +20,9 @@ void CResizableLayout::Attach(QWidget* owner) {
     items.clear();
     designSize = FromDialogUnits(owner, QRect(QPoint(), owner->size())).size();
     for (QWidget* control : owner->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-        if (control->isWindow())
+        if (control->isWindow()) {
             continue;
+        }
         const QStringList numbers = control->property("anchors").toString().split(u',');
         Item item{control, FromDialogUnits(owner, control->geometry()), {}, {}};
         if (numbers.size() == 4) {
@@ -44,8 +46,9 @@ void CResizableLayout::AddAnchor(QWidget* control, QPoint topLeft, QPoint bottom
 }
 
 void CResizableLayout::Arrange() {
-    if (dialog == nullptr)
+    if (dialog == nullptr) {
         return;
+    }
     const QSize grown = dialog->size() - designSize;
     for (const Item& item : items) {
         QRect place = item.Design;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Keeps each control of a dialog at anchors given in per cent of the dialog's growth, so that a template
 // drawn once in dialog units serves every font, scaling and window size.

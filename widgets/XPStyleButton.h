@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Push button with a picture and a tool tip, drawn as the desktop's style draws buttons.
 #include <QPushButton>

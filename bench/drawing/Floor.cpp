@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The floor under every program that saves drawings: reads the bytes, writes them beside, syncs, renames, and
 // does nothing with them. Arguments: an output folder, then files and folders. Prints files, bytes and
 // seconds.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The store alone, in memory, beside memcpy over the same bytes. The bytes are those of librecad-data and the
 // large files of ../shared/drawings, where they are; a drawing made here otherwise.
 #include "drafthost/drawing/Drawing.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opens drawings, zooms to their extents and saves them, as a run does; to be read beside Floor and
 // zoom_save.py. Arguments: an output folder, then files and folders.
 #include "drafthost/drawing/View.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The same work as ZoomSave by ezdxf, in one process; it syncs nothing. Arguments: output folder, files, folders."""
 import os
 import sys

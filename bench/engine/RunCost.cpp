@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the module itself costs per drawing: a whole run over a host that opens, runs and saves nothing. The
 // state, the scripts, the trace and the run log go to a real disk; the host's logs are small real files that
 // end up in the archive. Arguments: the lengths of the queues.
@@ -44,8 +45,9 @@ struct Cost {
 
 void makeFile(const QString& path, const char* content) {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) < 0)
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) < 0) {
         std::abort();
+    }
 }
 
 /// Milliseconds of the start, of all drawings together, and of the end with the archive.
@@ -64,8 +66,9 @@ Cost measure(int count, bool dwg) {
     };
     for (int i = 0; i < count; ++i) {
         const QString path = dir.filePath(QStringLiteral("drawing-%1.%2").arg(i).arg(dwg ? "dwg" : "dxf"));
-        if (dwg)
+        if (dwg) {
             makeFile(path, "");
+        }
         AppendEntry(data, path);
         makeFile(logPath(i + 1), "Command: zoom\nCommand: qsave\n");
     }
@@ -79,12 +82,15 @@ Cost measure(int count, bool dwg) {
     host.OnCommand = [&](const QStringList& words) {
         // The calls are not looked at here, and keeping them would be measured too.
         host.Calls.clear();
-        if (words[0] == QLatin1String("._open") && opened++ == 0)
+        if (words[0] == QLatin1String("._open") && opened++ == 0) {
             cost.Start = static_cast<double>(clock.nsecsElapsed()) / 1e6;
-        if (words[0] == QLatin1String("._logfileon"))
+        }
+        if (words[0] == QLatin1String("._logfileon")) {
             host.Variables[QStringLiteral("LOGFILENAME")] = logPath(opened);
-        if (words[0] == QLatin1String("._logfileoff") && opened == count)
+        }
+        if (words[0] == QLatin1String("._logfileoff") && opened == count) {
             cost.Files = static_cast<double>(clock.nsecsElapsed()) / 1e6;
+        }
         return RTNORM;
     };
     clock.start();
@@ -103,10 +109,12 @@ int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     std::printf("%8s %6s %12s %16s %12s\n", "drawings", "kind", "start ms", "per drawing us", "end ms");
     std::vector<int> counts;
-    for (int i = 1; i < argc; ++i)
+    for (int i = 1; i < argc; ++i) {
         counts.push_back(std::atoi(argv[i]));
-    if (counts.empty())
+    }
+    if (counts.empty()) {
         counts = {100, 1000, 10000};
+    }
     for (const int count : counts) {
         for (const bool dwg : {false, true}) {
             const Cost cost = measure(count, dwg);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What programs that people run over drawings spend their time with: loops, calls, lists and strings.
 #include <benchmark/benchmark.h>
 

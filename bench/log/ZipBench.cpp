@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Packing the host logs of a run at level 9. The floor is zlib alone, over the same bytes in memory, with
 // neither CRC nor file; minizip, Debian's zip (process start included) and the archive here write a file.
 #include "log/ZipArchive.h"
@@ -33,8 +34,9 @@ std::string hostLog(unsigned seed) {
         text += prompts[random() % std::size(prompts)];
         text += "WALL-" + std::to_string(random() % 40) + " " + std::to_string(random() % 100000 / 100.0) +
                 "," + std::to_string(random() % 100000 / 100.0) + "\r\n";
-        if (random() % 30 == 0)
+        if (random() % 30 == 0) {
             text += "/srv/projects/" + std::to_string(random() % 9000) + "/plan.dxf saved.\r\n";
+        }
     }
     return text;
 }
@@ -42,8 +44,9 @@ std::string hostLog(unsigned seed) {
 const std::vector<std::string>& logs() {
     static const std::vector<std::string> texts = [] {
         std::vector<std::string> made;
-        for (unsigned i = 0; i < 100; ++i)
+        for (unsigned i = 0; i < 100; ++i) {
             made.push_back(hostLog(i));
+        }
         return made;
     }();
     return texts;
@@ -52,8 +55,9 @@ const std::vector<std::string>& logs() {
 struct Folder {
     Folder() {
         std::string pattern = (fs::temp_directory_path() / "tnlbench.XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
+        if (mkdtemp(pattern.data()) == nullptr) {
             std::abort();
+        }
         path = pattern;
     }
     ~Folder() { fs::remove_all(path); }
@@ -62,8 +66,9 @@ struct Folder {
 
 void report(benchmark::State& state, std::uintmax_t packed) {
     std::size_t bytes = 0;
-    for (const std::string& text : logs())
+    for (const std::string& text : logs()) {
         bytes += text.size();
+    }
     state.SetBytesProcessed(static_cast<std::int64_t>(bytes) * state.iterations());
     state.counters["packed"] = static_cast<double>(packed);
 }
@@ -95,8 +100,9 @@ void Archive(benchmark::State& state) {
     const std::string path = folder.path / "a.zip";
     for (auto _ : state) {
         CZipArchive archive;
-        if (!archive.Open(path, CZipArchive::Create))
+        if (!archive.Open(path, CZipArchive::Create)) {
             state.SkipWithError("cannot create the archive");
+        }
         for (std::size_t i = 0; i < logs().size(); ++i) {
             CFileHeader header;
             header.Name = std::to_string(i) + ".log";
@@ -121,20 +127,24 @@ void Minizip(benchmark::State& state) {
             zipWriteInFileInZip(archive, logs()[i].data(), static_cast<unsigned>(logs()[i].size()));
             zipCloseFileInZip(archive);
         }
-        if (zipClose(archive, nullptr) != ZIP_OK)
+        if (zipClose(archive, nullptr) != ZIP_OK) {
             state.SkipWithError("minizip failed");
+        }
     }
     report(state, fs::file_size(path));
 }
 
 void DebianZip(benchmark::State& state) {
     const Folder folder;
-    for (std::size_t i = 0; i < logs().size(); ++i)
+    for (std::size_t i = 0; i < logs().size(); ++i) {
         std::ofstream(folder.path / (std::to_string(i) + ".log"), std::ios::binary) << logs()[i];
+    }
     const std::string command = "cd '" + folder.path.string() + "' && rm -f a.zip && zip -q -9 a.zip *.log";
-    for (auto _ : state)
-        if (std::system(command.c_str()) != 0)
+    for (auto _ : state) {
+        if (std::system(command.c_str()) != 0) {
             state.SkipWithError("zip failed or is not installed");
+        }
+    }
     std::error_code error;
     report(state, fs::file_size(folder.path / "a.zip", error));
 }
@@ -154,8 +164,9 @@ void ReadBack(benchmark::State& state) {
     archive.Close();
     for (auto _ : state) {
         archive.Open(path, CZipArchive::Existing);
-        for (int i = 0; i < archive.Count(); ++i)
+        for (int i = 0; i < archive.Count(); ++i) {
             benchmark::DoNotOptimize(archive.ReadWholeFile(i));
+        }
         archive.Close();
     }
     report(state, fs::file_size(path));

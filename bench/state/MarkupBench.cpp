@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Parsing alone, from the bytes of a file in memory.
 #include "bench/state/StateSample.h"
 #include "state/MarkupDocument.h"
@@ -20,8 +21,9 @@ void ParseMarkupDocument(benchmark::State& state) {
         QString report;
         std::uint32_t flags = 0;
         MarkupDocument document;
-        if (!document.SetDocumentText(DecodeMarkup(bytes, report, flags)))
+        if (!document.SetDocumentText(DecodeMarkup(bytes, report, flags))) {
             state.SkipWithError("not well-formed");
+        }
     }
     count(state, bytes);
 }
@@ -30,8 +32,9 @@ void ParsePugixml(benchmark::State& state) {
     const QByteArray bytes = SampleState(state.range(0));
     for (auto _ : state) {
         pugi::xml_document document;
-        if (!document.load_buffer(bytes.constData(), std::size_t(bytes.size())))
+        if (!document.load_buffer(bytes.constData(), std::size_t(bytes.size()))) {
             state.SkipWithError("not well-formed");
+        }
     }
     count(state, bytes);
 }
@@ -40,8 +43,9 @@ void ParseLibxml2(benchmark::State& state) {
     const QByteArray bytes = SampleState(state.range(0));
     for (auto _ : state) {
         xmlDocPtr document = xmlReadMemory(bytes.constData(), int(bytes.size()), nullptr, nullptr, 0);
-        if (document == nullptr)
+        if (document == nullptr) {
             state.SkipWithError("not well-formed");
+        }
         xmlFreeDoc(document);
     }
     count(state, bytes);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole state files, from disk to the record and back. What another library would need for the same: load the
 // file, walk it into directories, names and statuses, build a document from them and save it.
 #include "bench/state/StateSample.h"
@@ -16,8 +17,9 @@ namespace {
 QString writeSample(const QTemporaryDir& folder, std::int64_t files) {
     const QString path = folder.filePath(QStringLiteral("TarnelRunner.xml"));
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(SampleState(files)) < 0)
+    if (!file.open(QIODevice::WriteOnly) || file.write(SampleState(files)) < 0) {
         qFatal("cannot write the sample");
+    }
     return path;
 }
 
@@ -28,24 +30,27 @@ void LoadAndSaveState(benchmark::State& state) {
         LoadState(nullptr, 1);
         SaveState(nullptr, 1);
     }
-    if (TarnelData().FileNames.size() != std::size_t(state.range(0)) || !LastStateError().isEmpty())
+    if (TarnelData().FileNames.size() != std::size_t(state.range(0)) || !LastStateError().isEmpty()) {
         state.SkipWithError("the queue is not what was saved");
+    }
     state.SetComplexityN(state.range(0));
 }
 
 void LoadStateAlone(benchmark::State& state) {
     const QTemporaryDir folder;
     TarnelData().StateFile = writeSample(folder, state.range(0));
-    for (auto _ : state)
+    for (auto _ : state) {
         LoadState(nullptr, 1);
+    }
 }
 
 void SaveStateAlone(benchmark::State& state) {
     const QTemporaryDir folder;
     TarnelData().StateFile = writeSample(folder, state.range(0));
     LoadState(nullptr, 1);
-    for (auto _ : state)
+    for (auto _ : state) {
         SaveState(nullptr, 1);
+    }
 }
 
 void LoadWalkSavePugixml(benchmark::State& state) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "bench/state/StateSample.h"
 
 QString SampleDirectory(std::int64_t i) {
@@ -16,8 +17,9 @@ QByteArray SampleState(std::int64_t files) {
         "<ScriptModified>0</ScriptModified>\r\n<LastScriptFile>/home/me/z.scr</LastScriptFile>\r\n"
         "<MaxTime>60</MaxTime>\r\n<AlarmTime>40</AlarmTime>\r\n<SortIdx>6</SortIdx>\r\n"
         "</Options>\r\n<Files>\r\n";
-    for (std::int64_t i = 0; i < files; ++i)
+    for (std::int64_t i = 0; i < files; ++i) {
         text += "<File Status=\"" + QByteArray::number(i % 7) + "\">" +
                 (SampleDirectory(i) + SampleName(i)).toUtf8() + "</File>\r\n";
+    }
     return text + "</Files>\r\n</TarnelRunner>\r\n";
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // State files of any size for measuring: the shape of a real one, with paths as a drawing office has them.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A log of many preformatted lines in the HTML view: loading, painting one screenful at each of many places,
 // and the memory it takes, beside the text browser of the window library on the same page. Argument: number
 // of lines (20000).
@@ -21,12 +22,13 @@ double median(std::vector<double> values) {
 
 QString page(int lines) {
     QString html = QStringLiteral("<html><body><font size=+2><b>sheet</b></font><hr /><pre>");
-    for (int i = 0; i < lines; ++i)
+    for (int i = 0; i < lines; ++i) {
         html += QStringLiteral(
                     "Command: _line Specify first point: %1,%2 Specify next point or [Undo]: @%3&lt;45\r\n")
                     .arg(i)
                     .arg(i * 7 % 1000)
                     .arg(i % 90);
+    }
     return html + QStringLiteral("</pre></body></html>");
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How long a user waits for the main dialog: from the command TARNEL to its first picture, off screen, with
 // an empty queue and a long one in turn. Arguments: length of the long queue (10000), rounds (21).
 #include "drafthost/api/ApiHost.h"
@@ -29,12 +30,14 @@ void writeState(const QString& path, int count) {
         "<TarnelRunner Version=\"3.0.0\" Build=\"0\">\r\n<Options>\r\n<Script>zoom "
         "e\r\nqsave\r\n</Script>\r\n"
         "</Options>\r\n<Files>\r\n";
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         state += "<File Status=\"1\">/srv/archive/project-" + QByteArray::number(i / 100) + "/sheet-" +
                  QByteArray::number(i) + ".dxf</File>\r\n";
+    }
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly)) {
         std::abort();
+    }
     file.write(state + "</Files>\r\n</TarnelRunner>\r\n");
 }
 
@@ -45,8 +48,9 @@ class FirstPicture : public QObject {
         if (event->type() == QEvent::Paint && watched->objectName() == u"TarnelDlg" && !seen) {
             seen = true;
             auto* dialog = static_cast<QDialog*>(watched);
-            if (page >= 0)
+            if (page >= 0) {
                 dialog->findChild<QTabWidget*>()->setCurrentIndex(page);
+            }
             // Behind all pictures that are due now.
             QTimer::singleShot(0, dialog, [this, dialog] {
                 milliseconds = double(clock.nsecsElapsed()) / 1e6;
@@ -100,8 +104,9 @@ int main(int argc, char** argv) {
         watch.milliseconds = -1;
         watch.clock.start();
         host.input().type("TARNEL\n");
-        while (watch.milliseconds < 0 || !host.input().isIdle())
+        while (watch.milliseconds < 0 || !host.input().isIdle()) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        }
         return watch.milliseconds;
     };
     std::printf("first opening, empty queue: %.1f ms\n", open(0));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one host that the functions of arx/ work on. They are plain functions without a host among their
 // arguments, so there has to be one place that knows it.

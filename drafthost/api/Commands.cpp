@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Commands, variables and symbols of the current document for modules.
 
 #include <cstdlib>

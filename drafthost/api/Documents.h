@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Documents as modules see them. The object of a document that has been closed stays a while, so that a
 // module that still holds it gets answers and not rubbish.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Modules, profiles and the registry file for modules.
 
 #include "acprofile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Questions that modules ask on the command line.
 
 #include "acedads.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Hands the host's notices on to the reactors of modules and to modules themselves.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Making and freeing chains of typed values. Memory is the C library's, as modules free strings with it.
 
 #include "resbuf.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Chains of typed values as modules use them, and the values of LISP that they stand for.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The tool bar that modules share, as the host's window offers it: two functions under the file name that
 // modules look for, as if a module of that name were loaded. A module of that name that is really loaded goes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text for the command line and patterns.
 
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The .bak file beside a drawing. It is off unless ISAVEBAK is 1: a run over thousands of drawings would

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Tells whether a stretch of code really changed the drawing. Commands are often asked for what is so already

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Colours and lineweights as users type them. Colour numbers, the seven names and true colours all occur in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The host's own commands, one coroutine each. They stand in one list so that the table of commands has one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Dates as drawings and system variables hold them: days and fractions of a day in local time. Local time and

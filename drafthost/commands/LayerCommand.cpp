@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/commands/Commands.h"
 #include "drafthost/commands/LayerOptions.h"
 

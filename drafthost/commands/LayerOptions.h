@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The options of -LAYER, one coroutine each, and what they share. The command itself only asks for the option

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/commands/LayerOptions.h"
 #include "drafthost/commands/LayerTable.h"
 #include "drafthost/commands/Questions.h"

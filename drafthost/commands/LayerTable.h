@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What layers hold and how it is written into the drawing. Names come as lists with wildcards; properties

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The current tab of a drawing. A file keeps only the contents of model space and of one layout in its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Questions that several commands ask in the same words: whether changes may be lost and whether a file may

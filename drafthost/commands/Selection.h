@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The "Select objects" question of commands. Without a picture there is nothing to point at, so objects are

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What reading or setting a system variable takes beyond the table of its value: the variables that the host

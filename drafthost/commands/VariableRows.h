@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The plain data behind the system variables: one row a variable, with its type, where its value lives and

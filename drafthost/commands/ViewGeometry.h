@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The view in three dimensions: a view's centre and height stand in the coordinates of the display, while

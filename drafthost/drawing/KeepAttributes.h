@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a file has beside its bytes and must not lose when a save puts a new file in its place: owner, group,
 // mode, access list and extended attributes.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // How much memory the host may take for itself. A drawing or a program that wants more is refused with one
 // line, instead of the whole machine being driven into its swap by one script.

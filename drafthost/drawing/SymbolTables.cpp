@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/drawing/SymbolTables.h"
 
 #include "drafthost/drawing/Header.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A command of the host is a coroutine that awaits its next input: CommandTask zoom(CommandContext& context).
 // So a command that has not been answered yet simply stays active, whoever feeds it, and a cancel destroys

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The commands that are active in one document: the one that was called, and at most one transparent command
 // above it. Runs each of them as far as its input goes and no further. Where input comes from, what names

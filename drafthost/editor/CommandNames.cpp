@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a word at the command prompt means.
 
 #include "drafthost/editor/Document.h"

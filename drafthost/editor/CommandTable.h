@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The host's own commands by name. Commands of modules are in ModuleCommands.h, those written in LISP are
 // functions named C:NAME in their document's world.

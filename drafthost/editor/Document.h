@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // One open document: the drawing, its LISP world, its command line and its log. A document that is closed
 // or replaced while its own LISP or command still runs is taken out of the host's list at once but stays

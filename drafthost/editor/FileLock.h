@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Keeps other hosts from a drawing that is open here: a lock on the file, which goes with the process
 // whatever happens, and a "<title>.dwk" beside it, which other programs can see without opening anything.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The application: documents, commands, variables, modules, and the stream of input that drives them. There
 // is one Host in a process. Everything runs on the main thread; what has to wait inside a call (a module

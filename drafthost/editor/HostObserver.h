@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the host tells those who watch it: the reactors of modules, the window, the tests. Every notice has
 // an empty default. Exactly one of ended, cancelled and failed follows each start of a command.

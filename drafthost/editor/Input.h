@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // One piece of input as a command gets it: text as typed, or a value that LISP or a module handed over.
 // Keyboard, queue, script, LISP and modules all end in this form, so that a command never knows who speaks.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Where input comes from and in which order. At the command prompt queued strings go first, then the running
 // script, then the keyboard; an active command is fed by the script before the others, or by the queue when

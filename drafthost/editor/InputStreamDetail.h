@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What both halves of the input stream need: working lines off (InputStream.cpp) and listening in the middle
 // of work (InputListen.cpp).

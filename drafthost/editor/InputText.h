@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Text on its way to the command line, cut into inputs as the prompt in force asks for them: what is a
 // blank at one prompt is part of the answer at the next, so nothing can be cut ahead of time.

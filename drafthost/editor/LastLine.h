@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The last line of the command line that holds something: what LASTPROMPT tells.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The text of one document's command line, kept in a file. Each piece of text is with the system when write()
 // returns: whoever packs the log, or looks at it after the host has died, finds all that was said. A write

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The loaded modules. A module is a shared library that exports acrxEntryPoint and acrxGetApiVersion and
 // hears of what happens through messages. It is never really unmapped: code of the window library may still

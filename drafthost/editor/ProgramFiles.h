@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Which files may run as programs: LISP, scripts and modules. Drawings come from others, with whatever lies
 // beside them, so that a program is never taken from the current folder or the drawing's by its mere name:

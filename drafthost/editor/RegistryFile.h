@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The host's registry: keys below a root, each with named values, kept in one text file. Other hosts of the
 // same user may write it at the same time, so a save takes the lock, reads what stands there and puts only

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the host tells the program that started it: JSON objects, one a line, on a socket of its own. The
 // command line is no place for that, since a script can print any line that it likes there. A socket and no

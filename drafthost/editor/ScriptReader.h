@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one script reader of the host. It belongs to the application and not to a document, so that a script
 // goes on in whatever drawing is current. A script that starts another one is replaced by it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The system variables: one table with type, range, default and place of each. The table's rows come from
 // the folder of the commands; here is what is the same for all of them. Values in the drawing's header are

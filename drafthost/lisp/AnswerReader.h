@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // How what people type at a prompt is read: numbers in the drawing's units, angles, points, keywords.
 // Commands, LISP and modules all read through this, so that an answer means the same whoever asks.

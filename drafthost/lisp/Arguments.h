@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Checks and fetches the arguments of built-in functions, each with the host's own error text.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Integers are 32 bit and wrap; one real among the arguments makes the result real, from there on.
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The built-in functions, a table per family. Each table stands at the end of its family's file.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Host commands from LISP.
 
 #include "drafthost/lisp/Arguments.h"

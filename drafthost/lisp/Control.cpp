@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Special forms: they get their arguments unevaluated.
 
 #include "drafthost/lisp/Arguments.h"

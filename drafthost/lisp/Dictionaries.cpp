@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Dictionaries of the drawing's objects.
 
 #include "drafthost/drawing/Objects.h"

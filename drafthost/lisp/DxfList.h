@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Records of the drawing as association lists of group codes, and back. The lists show the values as the
 // drawing has them; what a list does not change is never written.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Access to entities and other records by name.
 
 #include "drafthost/drawing/Blocks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Entity names and records: a name is made of its record's number, which stays the same while the drawing is
 // open, so drawings without handles have names for their entities too. All who hand names to LISP or get

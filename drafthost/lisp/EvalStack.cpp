@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/lisp/EvalStack.h"
 
 #include <sys/mman.h>
@@ -50,9 +51,7 @@ class SwitchNote {
     void leaving(const void* bottom, std::size_t size) {
         __sanitizer_start_switch_fiber(&fake_, bottom, size);
     }
-    void back() {
-        __sanitizer_finish_switch_fiber(fake_, nullptr, nullptr);
-    }
+    void back() { __sanitizer_finish_switch_fiber(fake_, nullptr, nullptr); }
     static void arrived(const void** bottom, std::size_t* size) {
         __sanitizer_finish_switch_fiber(nullptr, bottom, size);
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The stack that evaluations run on: large enough for programs that recurse twenty thousand deep, which the
 // stack of a thread is not, in any build. Its memory is only taken as it is used and given back afterwards.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Walks expressions of one world. Dynamic scope is shallow binding: a symbol's slot always holds its
 // current value, and what it hid is kept on one stack until the function that bound it is left, by

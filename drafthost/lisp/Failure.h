@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // How an evaluation is left early. Inside the evaluator these are thrown, because every built-in
 // function may fail at any depth; they never leave World.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Names of files and what the disk knows about them. A path may have either kind of separator; on the
 // disk it goes as it is.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Text of files that people made with whatever editor they had: scripts, LISP files and what these read.
 

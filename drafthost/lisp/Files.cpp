@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading and writing text files, and loading programs.
 
 #include "drafthost/lisp/Arguments.h"

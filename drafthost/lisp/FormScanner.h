@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Finds where an expression ends without reading it, so that a script or the command line can gather
 // lines until a "(" is closed. It takes the text in pieces and never looks at a byte twice.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The two kinds of functions that the evaluator runs itself: built-in ones and those written in LISP.
 

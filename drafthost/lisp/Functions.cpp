@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Functions over functions, symbols and types, and the ways out of a program.
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Variables, settings, files and modules of the host.
 
 #include "drafthost/lisp/Arguments.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a LISP world needs of its document and of the host around it. The world holds no Qt and no
 // event loop; wherever it has to wait or to be interrupted it calls into this interface and the host

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Functions that sort, filter and search lists by a function of the caller's.
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Keeps count of what values take, so that a list or a string without end is stopped at the host's memory
 // limit. Asking the system costs too much for each cell: it is done whenever values have grown by a good

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What crosses the border of a document's world: the blackboard, and functions shown to modules.
 
 #include "drafthost/lisp/Arguments.h"

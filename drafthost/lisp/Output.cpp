@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text to the command line or to a file.
 
 #include "drafthost/lisp/Arguments.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Shows values as text. Reals have six significant digits, as everywhere in the host's text.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Turns what arrives at a prompt of LISP into what the prompt asks for, within the bounds that (initget) set.
 

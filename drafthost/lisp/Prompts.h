@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Asks through the host until an answer fits; shared by the (getXXX) and the selection functions.
 

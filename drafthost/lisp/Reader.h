@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Reads expressions from text. Nesting is kept on a stack of the reader's own, so that no input can
 // exhaust the thread's.

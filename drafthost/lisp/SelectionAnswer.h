@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What an answer at "Select objects:" names, for the functions of LISP and the commands alike.
 

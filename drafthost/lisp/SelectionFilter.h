@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The filter lists of (ssget): pairs of group codes and values that an entity must have, joined by AND
 // unless (-4 . "<OR") and its like say otherwise. Read once, then asked for every entity.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A file that (open) gave. Lines are read with any of the usual line ends and written with "\n"; the
 // text is UTF-8 inside, whatever the file says at its start.

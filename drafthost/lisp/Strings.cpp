@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Strings are counted in characters, not bytes; plain ASCII text, nearly all there is, needs no decoding.
 
 #include <algorithm>

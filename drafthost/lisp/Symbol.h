@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A name of the LISP worlds. Names are interned once for the whole process and live as long as it
 // does, so that a value can cross from one document's world to another's (the blackboard does that)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Symbol tables, names and layouts.
 
 #include <algorithm>

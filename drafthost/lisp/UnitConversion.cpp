@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Units by dimension: a unit is a factor to the SI unit and the exponents of length, mass, time,
 // temperature and angle. Expressions multiply and divide units, so areas and speeds need no entries.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Distances and angles as text in the host's unit formats, both ways, and conversion between units of
 // measure. The prompts of the command line read their numbers through these too.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Steps through UTF-8 text by character. Bytes that are no UTF-8 count as one character each, so that
 // damaged text is carried along unchanged instead of being lost.

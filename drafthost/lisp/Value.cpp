@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/lisp/Value.h"
 
 #include "drafthost/lisp/Function.h"

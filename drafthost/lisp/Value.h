@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A LISP value: sixteen bytes, copied freely. Lists cannot be changed once built, so no cycle can
 // arise and counting references is enough; there is no collector and no pause. Lists of any length

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The host's wildcard patterns, used by (wcmatch), selection filters, lists of layer names and the
 // modules' matching calls alike:

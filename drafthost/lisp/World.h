@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The LISP world of one document: its symbols' values and everything that runs in it. Opening
 // another drawing makes another world. The world prints through its host but never reports an error

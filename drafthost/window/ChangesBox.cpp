@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/ChangesBox.h"
 
 #include "drafthost/editor/Document.h"
@@ -30,8 +31,9 @@ ChangesAnswer askChanges(QWidget* parent, Document& document) {
         default:
             return {};
     }
-    if (document.hasName() && !document.isReadOnly())
+    if (document.hasName() && !document.isReadOnly()) {
         return {ChangesAnswer::Save, {}};
+    }
     const QString path = askSavePath(parent, document);
     return path.isEmpty() ? ChangesAnswer{} : ChangesAnswer{ChangesAnswer::Save, path.toStdString()};
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What is to become of unsaved changes, asked in a box over the frame: save, discard, or leave all as it is.
 #include "drafthost/editor/Host.h"

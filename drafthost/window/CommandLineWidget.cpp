@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/CommandLineWidget.h"
 
 #include "drafthost/editor/Host.h"
@@ -46,8 +47,9 @@ void CommandLineWidget::append(const QString& text) {
 void CommandLineWidget::enter() {
     const QString text = line->text();
     line->clear();
-    if (!text.isEmpty() && (history.isEmpty() || history.last() != text))
+    if (!text.isEmpty() && (history.isEmpty() || history.last() != text)) {
         history << text;
+    }
     recalled = history.size();
     Q_EMIT typed(text);
 }
@@ -61,16 +63,19 @@ void CommandLineWidget::recall(int step) {
 void CommandLineWidget::complete() {
     const QString start =
         line->text().left(line->selectionStart() < 0 ? line->cursorPosition() : line->selectionStart());
-    if (start.isEmpty())
+    if (start.isEmpty()) {
         return;
+    }
     QStringList fits;
     for (const std::string& name : host.commands().names()) {
         const QString command = QString::fromStdString(name);
-        if (command.startsWith(start, Qt::CaseInsensitive))
+        if (command.startsWith(start, Qt::CaseInsensitive)) {
             fits << command;
+        }
     }
-    if (fits.isEmpty())
+    if (fits.isEmpty()) {
         return;
+    }
     fits.sort();
     const auto at = fits.indexOf(line->text().toUpper());
     const QString next = fits[(at + 1) % fits.size()];
@@ -83,8 +88,9 @@ bool CommandLineWidget::takeKey(const QKeyEvent& key) {
                        key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Escape;
     const bool types = !key.text().isEmpty() && key.text().front().isPrint() &&
                        (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
-    if (!edits && !types)
+    if (!edits && !types) {
         return false;
+    }
     line->setFocus();
     QKeyEvent copy(key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat());
     QCoreApplication::sendEvent(line, &copy);
@@ -98,8 +104,9 @@ void CommandLineWidget::keyPressEvent(QKeyEvent* event) {
 
 bool CommandLineWidget::eventFilter(QObject* watched, QEvent* event) {
     if (watched == output && event->type() == QEvent::KeyPress &&
-        takeKey(*static_cast<const QKeyEvent*>(event)))
+        takeKey(*static_cast<const QKeyEvent*>(event))) {
         return true;
+    }
     if (watched == line && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         switch (key->key()) {

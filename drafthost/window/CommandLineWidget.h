@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The command line of the window: what the host says, and a line to type in with history (up and down) and
 // completion of command names (Tab). Esc is a cancel, as at every command line.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/DisplayList.h"
 
 #include "drafthost/drawing/Blocks.h"
@@ -29,8 +30,9 @@ struct Style {
 };
 
 std::string upper(std::string text) {
-    for (char& c : text)
+    for (char& c : text) {
         c = char(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+    }
     return text;
 }
 
@@ -40,8 +42,9 @@ QString plainText(QString text) {
     QString plain;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];
-        if (c == u'{' || c == u'}')
+        if (c == u'{' || c == u'}') {
             continue;
+        }
         if (c == u'\\' && i + 1 < text.size()) {
             const QChar code = text[++i];
             if (code == u'\\' || code == u'{' || code == u'}') {
@@ -69,8 +72,9 @@ class Builder {
             Layer layer;
             const auto index = record.integerOr(62, 7);
             layer.color = indexedColor(int(std::abs(index)));
-            if (const auto rgb = record.find(420))
+            if (const auto rgb = record.find(420)) {
                 layer.color = QColor::fromRgb(QRgb(record.integer(*rgb)));
+            }
             layer.shown = index >= 0 && (record.integerOr(70, 0) & 1) == 0;
             layers.emplace(upper(record.textOr(2, "")), layer);
         }
@@ -79,13 +83,16 @@ class Builder {
     void add(RecordId entity, const Style& style, int depth) {
         const Record record = drawing.record(entity);
         std::string layerName = upper(record.textOr(8, "0"));
-        if (layerName == "0" && !style.layer.empty())
+        if (layerName == "0" && !style.layer.empty()) {
             layerName = style.layer;
+        }
         const auto layer = layers.find(layerName);
-        if (layer != layers.end() && !layer->second.shown)
+        if (layer != layers.end() && !layer->second.shown) {
             return;
-        if (record.integerOr(60, 0) != 0)
+        }
+        if (record.integerOr(60, 0) != 0) {
             return;
+        }
         const QColor color = colorOf(record, layer == layers.end() ? QColor() : layer->second.color, style);
         const std::string_view type = record.type();
         if (type == "INSERT") {
@@ -114,11 +121,13 @@ class Builder {
 
   private:
     static QColor colorOf(const Record& record, const QColor& byLayer, const Style& style) {
-        if (const auto rgb = record.find(420))
+        if (const auto rgb = record.find(420)) {
             return QColor::fromRgb(QRgb(record.integer(*rgb)));
+        }
         const auto index = record.integerOr(62, 256);
-        if (index == 0)
+        if (index == 0) {
             return style.byBlock;
+        }
         return index == 256 ? byLayer : indexedColor(int(std::abs(index)));
     }
 
@@ -126,8 +135,9 @@ class Builder {
         // Damaged drawings hold coordinates from which no picture can be made.
         const QRectF box = item.bounds.normalized();
         const auto sane = [](double value) { return std::isfinite(value) && std::abs(value) < 1e15; };
-        if (!sane(box.left()) || !sane(box.top()) || !sane(box.right()) || !sane(box.bottom()))
+        if (!sane(box.left()) || !sane(box.top()) || !sane(box.right()) || !sane(box.bottom())) {
             return;
+        }
         item.color = color;
         item.bounds = box;
         const QRectF grown = box.adjusted(0, 0, 1e-9, 1e-9);
@@ -141,15 +151,17 @@ class Builder {
         std::string whole;
         if (many) {
             for (std::size_t i = 0; i < record.xdata(); ++i) {
-                if (record.code(i) == 3)
+                if (record.code(i) == 3) {
                     whole += record.text(i);
+                }
             }
         }
         whole += record.textOr(1, "");
         item.text = plainText(QString::fromStdString(whole));
         const double height = record.realOr(40, 1);
-        if (item.text.isEmpty() || !(height > 0))
+        if (item.text.isEmpty() || !(height > 0)) {
             return;
+        }
         const bool aligned = !many && (record.integerOr(72, 0) != 0 || record.integerOr(73, 0) != 0);
         const Point at = aligned && record.find(11) ? record.pointOr(11, {}) : record.pointOr(10, {});
         double angle = record.realOr(50, 0);
@@ -207,21 +219,24 @@ class Builder {
         }
         for (RecordId id = drawing.next(entity); id != NoRecord && drawing.type(id) == "ATTRIB";
              id = drawing.next(id)) {
-            if ((drawing.record(id).integerOr(70, 0) & 1) == 0)
+            if ((drawing.record(id).integerOr(70, 0) & 1) == 0) {
                 add(id, style, depth);
+            }
         }
     }
 
     void addBlock(const std::string& name, const Style& style, int depth) {
         const Block* block = findBlock(drawing, name);
         if (block == nullptr || depth >= DeepestBlock || ++walked > MostBlocks ||
-            !open.insert(block->begin).second)
+            !open.insert(block->begin).second) {
             return;
+        }
         for (RecordId id = firstInBlock(drawing, *block); id != NoRecord && id != block->end;
              id = drawing.next(id)) {
             const std::string_view type = drawing.type(id);
-            if (type != "ATTDEF" && type != "ATTRIB" && type != "VERTEX" && type != "SEQEND")
+            if (type != "ATTDEF" && type != "ATTRIB" && type != "VERTEX" && type != "SEQEND") {
                 add(id, style, depth + 1);
+            }
         }
         open.erase(block->begin);
     }
@@ -240,8 +255,9 @@ DisplayList buildDisplayList(const Drawing& drawing, bool paper) {
     for (RecordId id = firstEntity(drawing); id != NoRecord; id = nextEntity(drawing, id, false)) {
         const Layout* layout = layoutOf(drawing, id);
         const bool onPaper = layout != nullptr ? !layout->model : drawing.record(id).integerOr(67, 0) == 1;
-        if (onPaper == paper)
+        if (onPaper == paper) {
             builder.add(id, {}, 0);
+        }
     }
     return std::move(builder.list);
 }

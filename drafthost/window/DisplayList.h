@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a drawing looks like, as paths in drawing units: made once from the entities of the current space and
 // then painted at any zoom. Of entities that this host does not draw nothing appears; they are not lost.

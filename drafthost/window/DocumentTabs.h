@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A tab for each open drawing, with a button that closes it and a star for one that has unsaved changes.
 #include <QTabBar>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/DrawingView.h"
 
 #include "drafthost/drawing/View.h"
@@ -19,8 +20,9 @@ DrawingView::DrawingView(QWidget* parent) : QWidget(parent) {
 }
 
 void DrawingView::show(Document* shownDocument) {
-    if (shownDocument != document)
+    if (shownDocument != document) {
         viewHeight = 0;
+    }
     document = shownDocument;
     refresh();
 }
@@ -41,8 +43,9 @@ void DrawingView::takeView() {
     const View view = currentView(document->drawing());
     const QPointF place(view.center.x, view.center.y);
     const bool set = std::exchange(follow, false);
-    if (!set && view.height == viewHeight && place == viewCenter)
+    if (!set && view.height == viewHeight && place == viewCenter) {
         return;
+    }
     const bool first = viewHeight == 0;
     viewHeight = view.height;
     viewCenter = place;
@@ -85,8 +88,9 @@ void DrawingView::paintEvent(QPaintEvent*) {
     const double capital = QFontMetricsF(font).capHeight();
     const QFontMetricsF metrics(font);
     for (const DisplayItem& item : shown.items) {
-        if (!seen.intersects(item.bounds.adjusted(-1e-9, -1e-9, 1e-9, 1e-9)))
+        if (!seen.intersects(item.bounds.adjusted(-1e-9, -1e-9, 1e-9, 1e-9))) {
             continue;
+        }
         const QColor color = item.color.isValid() ? item.color : QColor(Qt::white);
         if (item.dot) {
             painter.setPen(QPen(color, 3));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The window into a drawing: paints the display list, zooms with the wheel at the pointer, pans by dragging.
 // It follows the view that the drawing itself keeps (ZOOM) and changes it only on the screen.

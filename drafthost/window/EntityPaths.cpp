@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/EntityPaths.h"
 
 #include "drafthost/drawing/Blocks.h"
@@ -19,8 +20,9 @@ double degrees(double angle) {
 
 /// Angles in radians, counter-clockwise.
 void addArc(QPainterPath& path, const QPointF& center, double radius, double from, double to) {
-    if (to <= from)
+    if (to <= from) {
         to += 2 * std::numbers::pi;
+    }
     const int steps = std::max(2, int(std::ceil((to - from) / (std::numbers::pi / 32))));
     for (int i = 0; i <= steps; ++i) {
         const double angle = from + (to - from) * i / steps;
@@ -36,8 +38,9 @@ QPainterPath ellipse(const Record& record) {
     const QPointF minor(-major.y() * ratio, major.x() * ratio);
     const double from = record.realOr(41, 0);
     double to = record.realOr(42, 2 * std::numbers::pi);
-    if (to <= from)
+    if (to <= from) {
         to += 2 * std::numbers::pi;
+    }
     QPainterPath path;
     constexpr int steps = 64;
     for (int i = 0; i <= steps; ++i) {
@@ -69,12 +72,13 @@ QPainterPath spline(const Record& record) {
     std::vector<QPointF> fit;
     std::vector<double> knots;
     for (std::size_t i = 0; i < record.xdata(); ++i) {
-        if (record.code(i) == 10)
+        if (record.code(i) == 10) {
             control.push_back(flat(record.point(i)));
-        else if (record.code(i) == 11)
+        } else if (record.code(i) == 11) {
             fit.push_back(flat(record.point(i)));
-        else if (record.code(i) == 40)
+        } else if (record.code(i) == 40) {
             knots.push_back(record.real(i));
+        }
     }
     QPainterPath path;
     const int degree = int(record.integerOr(71, 3));
@@ -82,14 +86,16 @@ QPainterPath spline(const Record& record) {
                        knots.size() >= control.size() + std::size_t(degree) + 1;
     if (!whole) {
         const std::vector<QPointF>& through = fit.empty() ? control : fit;
-        for (std::size_t i = 0; i < through.size(); ++i)
+        for (std::size_t i = 0; i < through.size(); ++i) {
             i == 0 ? path.moveTo(through[i]) : path.lineTo(through[i]);
+        }
         return path;
     }
     path.moveTo(control.front());
     for (auto span = std::size_t(degree); span < control.size(); ++span) {
-        if (knots[span + 1] <= knots[span])
+        if (knots[span + 1] <= knots[span]) {
             continue;
+        }
         for (int step = 0; step <= 12; ++step) {
             const double t = knots[span] + (knots[span + 1] - knots[span]) * step / 12;
             const QPointF at = splinePoint(control, knots, degree, span, t);
@@ -106,20 +112,23 @@ struct Vertex {
 
 QPainterPath throughVertices(const std::vector<Vertex>& vertices, bool closed) {
     QPainterPath path;
-    for (std::size_t i = 0; i < vertices.size(); ++i)
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
         i == 0 ? path.moveTo(vertices[0].at) : bulgeTo(path, vertices[i].at, vertices[i - 1].bulge);
-    if (closed && vertices.size() > 1)
+    }
+    if (closed && vertices.size() > 1) {
         bulgeTo(path, vertices.front().at, vertices.back().bulge);
+    }
     return path;
 }
 
 QPainterPath lightPolyline(const Record& record) {
     std::vector<Vertex> vertices;
     for (std::size_t i = 0; i < record.xdata(); ++i) {
-        if (record.code(i) == 10)
+        if (record.code(i) == 10) {
             vertices.push_back({flat(record.point(i)), 0});
-        else if (record.code(i) == 42 && !vertices.empty())
+        } else if (record.code(i) == 42 && !vertices.empty()) {
             vertices.back().bulge = record.real(i);
+        }
     }
     return throughVertices(vertices, (record.integerOr(70, 0) & 1) != 0);
 }
@@ -138,19 +147,22 @@ QPainterPath oldPolyline(const Drawing& drawing, RecordId entity) {
             QPolygonF face;
             for (int code = 71; code <= 74; ++code) {
                 const auto number = std::size_t(std::abs(vertex.integerOr(code, 0)));
-                if (number >= 1 && number <= vertices.size())
+                if (number >= 1 && number <= vertices.size()) {
                     face << vertices[number - 1].at;
+                }
             }
             faces.addPolygon(face);
             faces.closeSubpath();
             continue;
         }
         // Control points of a fitted curve are not part of it.
-        if ((kind & 16) == 0)
+        if ((kind & 16) == 0) {
             vertices.push_back({flat(vertex.pointOr(10, {})), vertex.realOr(42, 0)});
+        }
     }
-    if ((flags & 64) != 0)
+    if ((flags & 64) != 0) {
         return faces;
+    }
     if ((flags & 16) != 0) {
         const auto columns = std::size_t(std::max<std::int64_t>(1, record.integerOr(72, 1)));
         for (std::size_t i = 0; i < vertices.size(); ++i) {
@@ -226,18 +238,24 @@ std::optional<QPainterPath> entityPath(const Drawing& drawing, RecordId entity) 
                arc ? degrees(record.realOr(51, 360)) : 2 * std::numbers::pi);
         return extrusionTransform(record).map(path);
     }
-    if (type == "ELLIPSE")
+    if (type == "ELLIPSE") {
         return ellipse(record);
-    if (type == "SPLINE")
+    }
+    if (type == "SPLINE") {
         return spline(record);
-    if (type == "LWPOLYLINE")
+    }
+    if (type == "LWPOLYLINE") {
         return extrusionTransform(record).map(lightPolyline(record));
-    if (type == "POLYLINE")
+    }
+    if (type == "POLYLINE") {
         return extrusionTransform(record).map(oldPolyline(drawing, entity));
-    if (type == "SOLID" || type == "TRACE")
+    }
+    if (type == "SOLID" || type == "TRACE") {
         return extrusionTransform(record).map(quad(record, true));
-    if (type == "3DFACE")
+    }
+    if (type == "3DFACE") {
         return quad(record, false);
+    }
     return std::nullopt;
 }
 

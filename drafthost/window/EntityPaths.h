@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Paths of single entities, in the coordinates of the entity itself. Geometry by the group codes of the
 // published DXF reference.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/FileMenu.h"
 
 #include "drafthost/drawing/Drawing.h"
@@ -35,8 +36,9 @@ FileMenu::FileMenu(Host& owner, QMainWindow& window, std::function<void(const QS
     menu->addAction(tr("&Open..."), QKeySequence::Open, this, [this] {
         const QString path = QFileDialog::getOpenFileName(&frame, tr("Open a drawing"), QString(),
                                                           tr("Drawings (*.dxf *.DXF *.dwg);;All files (*)"));
-        if (!path.isEmpty())
+        if (!path.isEmpty()) {
             openPath(path);
+        }
     });
     recentMenu = menu->addMenu(tr("Open &recent"));
     recentMenu->setObjectName(QStringLiteral("recent"));
@@ -58,34 +60,39 @@ FileMenu::~FileMenu() {
 /// A path stands between quotes on the command line, which knows no way to write a quote itself.
 bool FileMenu::canBeTyped(const QString& path) {
     const bool can = !path.contains(u'"') && !path.contains(u'\n');
-    if (!can)
+    if (!can) {
         frame.statusBar()->showMessage(tr("%1: the command line takes no such name.").arg(path), 10000);
+    }
     return can;
 }
 
 void FileMenu::openPath(const QString& path) {
     for (Document* document : host.documents()) {
-        if (document->path() == path.toStdString() && host.input().isIdle())
+        if (document->path() == path.toStdString() && host.input().isIdle()) {
             return host.activate(*document);
+        }
     }
-    if (canBeTyped(path))
+    if (canBeTyped(path)) {
         command(QStringLiteral("OPEN\n\"%1\"\n").arg(path));
+    }
 }
 
 void FileMenu::save() {
     const Document* document = host.current();
-    if (document == nullptr || (document->hasName() && !document->isReadOnly()))
+    if (document == nullptr || (document->hasName() && !document->isReadOnly())) {
         command(QStringLiteral("QSAVE\n"));
-    else
+    } else {
         saveAs();
+    }
 }
 
 void FileMenu::saveAs() {
     const Document* document = host.current();
     const QString path = document == nullptr ? QString() : askSavePath(&frame, *document);
     // The dialog runs the event loop, in which the drawing may have gone.
-    if (path.isEmpty() || host.current() != document || !canBeTyped(path))
+    if (path.isEmpty() || host.current() != document || !canBeTyped(path)) {
         return;
+    }
     // The dialog has asked already whether an old file may be replaced.
     const bool asks = QFileInfo::exists(path) && host.variables().integer("EXPERT", 0) < 2;
     command(QStringLiteral("SAVEAS\nDXF\n%1\n\"%2\"\n%3")
@@ -97,23 +104,27 @@ QStringList FileMenu::recent() const {
     QStringList paths;
     for (int i = 1; i <= RecentCount; ++i) {
         const auto path = host.registry().readString(UserRoot, recentKey(i));
-        if (path && !path->empty())
+        if (path && !path->empty()) {
             paths << QString::fromStdString(*path);
+        }
     }
     return paths;
 }
 
 void FileMenu::remember(const QString& path) {
     // A run opens thousands; only what a person opens is of interest to him later.
-    if (host.script().isRunning())
+    if (host.script().isRunning()) {
         return;
+    }
     QStringList paths = recent();
-    if (!paths.isEmpty() && paths.first() == path)
+    if (!paths.isEmpty() && paths.first() == path) {
         return;
+    }
     paths.removeAll(path);
     paths.prepend(path);
-    for (int i = 1; i <= std::min<int>(RecentCount, int(paths.size())); ++i)
+    for (int i = 1; i <= std::min<int>(RecentCount, int(paths.size())); ++i) {
         host.registry().write(UserRoot, recentKey(i), paths[i - 1].toStdString());
+    }
 }
 
 void FileMenu::fillRecent() {
@@ -131,13 +142,15 @@ void FileMenu::fillRecent() {
 }
 
 void FileMenu::documentOpened(Document& document) {
-    if (document.hasName())
+    if (document.hasName()) {
         remember(QString::fromStdString(document.path()));
+    }
 }
 
 void FileMenu::saveComplete(Document& document, std::string_view) {
-    if (document.hasName())
+    if (document.hasName()) {
         remember(QString::fromStdString(document.path()));
+    }
 }
 
 }  // namespace drafthost

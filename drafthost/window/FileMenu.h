@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The menu of files: new, open, the drawings of late, save, save as, close, quit. Each entry types the
 // command that a user would type; only paths are chosen in a dialog.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/FramePlace.h"
 
 #include "drafthost/editor/RegistryFile.h"
@@ -36,22 +37,26 @@ QRect placedInside(QRect place, const QRect& available) {
 void restorePlace(QMainWindow& frame, const RegistryFile& registry) {
     const bool known = frame.restoreGeometry(stored(registry, "Geometry"));
     frame.restoreState(stored(registry, "Panels"));
-    if (frame.isMaximized() || frame.isFullScreen())
+    if (frame.isMaximized() || frame.isFullScreen()) {
         return;
+    }
     const QScreen* screen = known ? QGuiApplication::screenAt(frame.geometry().center()) : nullptr;
-    if (screen == nullptr)
+    if (screen == nullptr) {
         screen = QGuiApplication::primaryScreen();
-    if (screen == nullptr)
+    }
+    if (screen == nullptr) {
         return;
+    }
     // Title bar and borders are not there yet and stand around what is placed here.
     constexpr int Border = 4;
     const int title = frame.style()->pixelMetric(QStyle::PM_TitleBarHeight) + Border;
     const QRect available = screen->availableGeometry().adjusted(Border, title, -Border, -Border);
     QRect place(QPoint(), known ? frame.size() : QSize(1000, 720));
-    if (known)
+    if (known) {
         place.moveTopLeft(frame.geometry().topLeft());
-    else
+    } else {
         place.moveCenter(available.center());
+    }
     frame.setGeometry(placedInside(place, available));
 }
 

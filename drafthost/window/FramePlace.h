@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Where the frame stands: it opens where it was closed, or in the middle, and always inside a screen that is
 // there. Kept in the host's registry, as the rest of what a user has set.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/DisplayList.h"
 
 namespace drafthost {
@@ -15,10 +16,12 @@ QColor indexedColor(int index) {
                                    QColor(),
                                    QColor(128, 128, 128),
                                    QColor(192, 192, 192)};
-    if (index < 1 || index > 255)
+    if (index < 1 || index > 255) {
         return {};
-    if (index < 10)
+    }
+    if (index < 10) {
         return named[index];
+    }
     if (index >= 250) {
         static constexpr int greys[] = {51, 91, 132, 173, 214, 255};
         const int grey = greys[index - 250];

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/MainFrame.h"
 
 #include "drafthost/editor/Document.h"
@@ -58,8 +59,9 @@ MainFrame::MainFrame(Host& owner)
     });
     connect(tabs, &QTabBar::tabBarClicked, this, &MainFrame::activateTab);
     connect(tabs, &QTabBar::tabCloseRequested, this, [this](int index) {
-        if (activateTab(index))
+        if (activateTab(index)) {
             command(QStringLiteral("CLOSE\n"));
+        }
     });
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this, &MainFrame::endSession, Qt::DirectConnection);
     host.setChangesBox([this](Document& document) { return askChanges(this, document); });
@@ -83,8 +85,9 @@ void MainFrame::command(const QString& text) {
         return;
     }
     const Document* document = host.current();
-    if (!host.input().isIdle() || (document != nullptr && !host.current()->commandLine().atPrompt()))
+    if (!host.input().isIdle() || (document != nullptr && !host.current()->commandLine().atPrompt())) {
         host.input().cancel();
+    }
     type(text);
 }
 
@@ -110,8 +113,9 @@ bool MainFrame::activateTab(int index) {
 
 // Typing goes to the command line from wherever the keyboard is.
 void MainFrame::keyPressEvent(QKeyEvent* event) {
-    if (!line->takeKey(*event))
+    if (!line->takeKey(*event)) {
         QMainWindow::keyPressEvent(event);
+    }
 }
 
 // Closing the window is QUIT, with what QUIT asks in a box.
@@ -132,8 +136,9 @@ void MainFrame::endSession(QSessionManager& manager) {
     const bool changed = std::any_of(open.begin(), open.end(),
                                      [](const Document* document) { return document->modified() != 0; });
     if (!changed || host.script().isRunning() || !host.input().isIdle() ||
-        host.variables().integer("SDI", 0) != 0 || !manager.allowsInteraction())
+        host.variables().integer("SDI", 0) != 0 || !manager.allowsInteraction()) {
         return;
+    }
     manager.release();
     manager.cancel();
     QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
@@ -153,8 +158,9 @@ void MainFrame::documentActivated(Document*) {
 }
 
 void MainFrame::commandEnded(std::string_view name) {
-    if (name == "ZOOM")
+    if (name == "ZOOM") {
         drawingView->followView();
+    }
     repaint.start(30);
 }
 

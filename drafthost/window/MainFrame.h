@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The host's frame: the drawing in the middle, the command line docked below, tabs for several documents,
 // menus and the buttons of modules. It only shows; everything that happens to drawings happens on the command

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/ModuleTools.h"
 
 #include <QAction>
@@ -31,8 +32,9 @@ void ModuleTools::add(const QString& text, const QString& label, const QString& 
 
 void ModuleTools::remove(const QString& text) {
     for (QAction* action : bar->actions()) {
-        if (action->data().toString() == text)
+        if (action->data().toString() == text) {
             delete action;
+        }
     }
     showWhatIsThere();
 }

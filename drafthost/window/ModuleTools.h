@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Commands that modules offer to the mouse: each stands in a tool bar and in the menu of modules. Both are
 // only there while a module has added something.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/window/SessionEnd.h"
 
 #include "drafthost/editor/Host.h"
@@ -25,8 +26,9 @@ void SessionEnd::end() {
     onBegin();
     // From the top down; one that will not be closed is left with its event loop all the same.
     while (QWidget* dialog = QApplication::activeModalWidget()) {
-        if (!dialog->close() || QApplication::activeModalWidget() == dialog)
+        if (!dialog->close() || QApplication::activeModalWidget() == dialog) {
             break;
+        }
     }
     host.input().terminate();
     QCoreApplication::exit(0);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The end of a host with windows that comes from outside: a signal, a logout, a module that asks the
 // application to quit. Nothing is asked any more. What a dialog shows is taken over as if it had been closed,

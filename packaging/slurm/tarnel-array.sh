@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 #SBATCH --job-name=tarnel
 #SBATCH --array=1-4
 #SBATCH --ntasks=1

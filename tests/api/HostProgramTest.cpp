@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The host as a program: its arguments, its input and output, its signals, and the modules that load with it.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A module for the tests: notes what the host tells it and hands the host's calls to LISP and to commands.
 
 #include <cstring>

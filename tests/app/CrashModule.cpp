@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A module whose one command ends the host with a segmentation fault, as a faulty module of somebody else
 // would.
 #include <csignal>

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A host that dies, hangs and dawdles on demand, for the tests of the program that watches over hosts.
 
 It takes the commands that a run sends, keeps a state file and tells the events of a run. What it does to a

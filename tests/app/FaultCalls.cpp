@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The calls of the system that fault-sweep counts and lets fail, as FaultPlan.h tells.
 #include <dirent.h>
 #include <dlfcn.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Makes one call of the system fail, for `fault-sweep`: loaded in front of the C library (LD_PRELOAD) it
 // counts what tarnel or drafthost do below one folder, each kind of call for itself, and lets the call with a

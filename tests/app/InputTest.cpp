@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What comes in from folders, pipes and other programs, and what of it is no drawing.
 #include "app/DrawingList.h"
 #include "app/InputFile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The front dies before each of its calls that change the disk: what is found afterwards is the run before or
 // the new one, whole, and going on with it gives the same as if nothing had happened.
 #include "tests/app/Program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs over shares of a list, as on several machines, and the one result that is made of them.
 #include "tests/app/Program.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Runs the built program as a user would, in a folder of its own.
 #include <gtest/gtest.h>

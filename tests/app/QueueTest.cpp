@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The queue from what the user names, and the events of a run.
 #include "app/DrawingList.h"
 #include "app/HostEvent.h"

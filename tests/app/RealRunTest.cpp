@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole runs of the real program over drawings: the samples under their scripts, names that need care,
 // drawings that cannot be read, scripts that go wrong.
 #include "tests/app/Program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A script cannot change, begin, cancel or leave the run that it is part of: the drawing ends as Error with
 // the cause, nothing behind the line runs, and the drawings behind it have their own script.
 #include "tests/app/Program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The run log and the archive of real runs: names that a page would take for markup, drawings that do not end
 // well, and disks that take nothing.
 #include "app/RunLogs.h"

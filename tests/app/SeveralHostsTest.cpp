@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs whose hosts die, one host or several, with the real programs: nothing is lost, nothing is done twice,
 // and one log and one archive tell of it all.
 #include "tests/app/Program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The front with a host that misbehaves on demand: what the user is told, what stands on disk, and how it
 // goes on.
 #include "tests/app/Program.h"

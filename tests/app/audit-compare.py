@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Audits drawings before and after a run with ezdxf, and tells what is wrong only afterwards.
 
 usage: audit-compare.py ORIGINALS SAVED...

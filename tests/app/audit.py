@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Exits with the number of drawings of a folder in which ezdxf's audit finds errors, and tells of each."""
 import os
 import sys

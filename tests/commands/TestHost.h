@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // A host with the real commands and variables, driven as a user, a script or a module drives it, and a folder

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a save keeps beside the drawing: names, owner, group, access list, attributes.
 #include "drafthost/drawing/FileBytes.h"
 #include "tests/drawing/Samples.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A host with a handful of commands made for the tests, whose text and notices are kept.
 

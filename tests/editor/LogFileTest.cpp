@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The log of a document: with the system at once, and honest about what it could not keep.
 #include "drafthost/editor/LogFile.h"
 

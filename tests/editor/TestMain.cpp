@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Tests that need an event loop.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dialogs and the status of a host without a window.
 #include "engine/ConsoleUi.h"
 #include "state/StateFile.h"
@@ -15,9 +16,11 @@ class ConsoleTest : public RunTest {
     }
     QStringList printedLines() const {
         QStringList lines;
-        for (const QString& line : host.Printed.split('\n'))
-            if (line.startsWith("Tarnel: "))
+        for (const QString& line : host.Printed.split('\n')) {
+            if (line.startsWith("Tarnel: ")) {
                 lines << line.mid(8);
+            }
+        }
         return lines;
     }
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The order of the queue and the choice of the next drawing.
 #include "engine/FilePicker.h"
 #include "engine/LockMarker.h"
@@ -18,8 +19,9 @@ QString order(CTarnelData& data, int sortIdx, int reverse) {
     data.SortReverse = reverse;
     BuildFileOrder(data);
     QString text;
-    for (const std::uint32_t entry : data.FileOrder)
+    for (const std::uint32_t entry : data.FileOrder) {
         text += QString::number(entry);
+    }
     return text;
 }
 
@@ -27,8 +29,9 @@ QString order(CTarnelData& data, int sortIdx, int reverse) {
 
 TEST_F(RunTest, QueueIsSortedByEachKeyBothWays) {
     CTarnelData& data = TarnelData();
-    for (const char* path : {"/b/One.dxf", "/A/two.dxf", "/a/one.dxf", "/C/Two.dxf"})
+    for (const char* path : {"/b/One.dxf", "/A/two.dxf", "/a/one.dxf", "/C/Two.dxf"}) {
         AppendEntry(data, QString::fromLatin1(path));
+    }
     data.FileStatus[0] = Error;
     data.FileStatus[3] = Done;
     EXPECT_EQ(order(data, 6, 0), "0123");
@@ -45,8 +48,9 @@ TEST_F(RunTest, QueueIsSortedByEachKeyBothWays) {
 
 TEST_F(RunTest, EntriesKeepTheirFolderWithoutSeparators) {
     CTarnelData& data = TarnelData();
-    for (const char* path : {"/w//a.dxf", "/root.dxf", "C:\\w\\b.dwg", "plain.dxf"})
+    for (const char* path : {"/w//a.dxf", "/root.dxf", "C:\\w\\b.dwg", "plain.dxf"}) {
         AppendEntry(data, QString::fromLatin1(path));
+    }
     EXPECT_EQ(data.FileDirs[0], "/w");
     EXPECT_EQ(EntryPath(data, 1), "/root.dxf");
     EXPECT_EQ(data.FileDirs[2], "C:\\w");
@@ -66,8 +70,9 @@ TEST_F(RunTest, DrawingsThatOthersHoldAreLockedOrReadOnly) {
     ASSERT_EQ(symlink(QFile::encodeName(inUse).constData(), QFile::encodeName(inUseToo).constData()), 0);
     const QString free = MakeFile("free.dwg");
     CTarnelData& data = TarnelData();
-    for (const QString& path : {readOnly, inUse, marked, inUseToo, free})
+    for (const QString& path : {readOnly, inUse, marked, inUseToo, free}) {
         AppendEntry(data, path);
+    }
     QString picked;
     MarkTrace();
     ASSERT_TRUE(GetNextFile(picked));
@@ -82,8 +87,9 @@ TEST_F(RunTest, DrawingsThatOthersHoldAreLockedOrReadOnly) {
     // Read-only processing takes them one by one, and the flag never leaks to the next.
     data.ProcessReadOnly = true;
     for (std::size_t i = 0; i < 5; ++i) {
-        for (std::size_t k = 0; k < 5; ++k)
+        for (std::size_t k = 0; k < 5; ++k) {
             data.FileStatus[k] = k < i ? Done : ToDo;
+        }
         ASSERT_TRUE(GetNextFile(picked));
         EXPECT_EQ(picked, EntryPath(data, i));
         EXPECT_EQ(data.OpenReadOnly, i < 4) << i;
@@ -101,8 +107,9 @@ TEST_F(RunTest, MarkersThatNobodyMeansHoldNothingUp) {
     };
     const QByteArray here = "drafthost\n" + QSysInfo::machineHostName().toUtf8() + '\n';
     const pid_t child = fork();
-    if (child == 0)
+    if (child == 0) {
         _exit(0);
+    }
     siginfo_t ended{};
     ASSERT_EQ(waitid(P_PID, id_t(child), &ended, WEXITED | WNOWAIT), 0);
     EXPECT_FALSE(mark(here + QByteArray::number(child) + "\n1\n")) << "killed, and not asked for yet";
@@ -136,8 +143,9 @@ TEST_F(RunTest, OnlyDrawingsThatAreEditedAreTested) {
     const QString standards = MakeFile("ro.DWS");
     chmod(QFile::encodeName(standards).constData(), 0444);
     CTarnelData& data = TarnelData();
-    for (const QString& path : {standards, Folder() + "/missing.dwt", Folder() + "/missing.dwg"})
+    for (const QString& path : {standards, Folder() + "/missing.dwt", Folder() + "/missing.dwg"}) {
         AppendEntry(data, path);
+    }
     QString picked;
     MarkTrace();
     data.OpenReadOnly = true;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The host's variables of a run, also over a crash.
 #include "engine/HostVariables.h"
 #include "rxregsvc.h"

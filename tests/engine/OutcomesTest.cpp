@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the drawings of a run end.
 #include "engine/CheckedArray.h"
 #include "engine/RunState.h"
@@ -83,8 +84,9 @@ TEST_F(RunTest, WhatAScriptSaysBehindItsEndLeavesTheNextFileAlone) {
     Command("TARNEL");
     host.RunInput(2);
     const auto again = [&] {
-        for (const QString& call : calls)
+        for (const QString& call : calls) {
             EXPECT_EQ(host.CallLisp(call), "T") << call.toStdString();
+        }
     };
     host.CallLisp("Tarnel_File_Next");
     again();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether the host will load the module at its next start.
 #include "engine/Restartable.h"
 #include "tests/engine/RunFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole runs: who calls whom in which order, and what is on disk at each step.
 #include "engine/RunState.h"
 #include "tests/engine/RunFixture.h"
@@ -9,10 +10,12 @@ namespace {
 /// The calls that make up a run, without reading variables and pumping.
 QStringList runCalls(const RecordingHost& host) {
     QStringList found;
-    for (const QString& call : host.Calls)
+    for (const QString& call : host.Calls) {
         if (!call.startsWith(QLatin1String("getvar")) && !call.startsWith(QLatin1String("registry")) &&
-            !call.startsWith(QLatin1String("findfile")) && call != QLatin1String("pump"))
+            !call.startsWith(QLatin1String("findfile")) && call != QLatin1String("pump")) {
             found << call;
+        }
+    }
     return found;
 }
 
@@ -140,8 +143,9 @@ TEST_F(RunTest, TraceTellsEachStepOfARun) {
 TEST_F(RunTest, ScriptTextStandsBetweenTheCallsOfTheModule) {
     QByteArray written;
     host.OnCommand = [&](const QStringList& words) {
-        if (words[0] == QLatin1String("._script"))
+        if (words[0] == QLatin1String("._script")) {
             written = Content(words[1].mid(1, words[1].size() - 2));
+        }
         return RTNORM;
     };
     const QByteArray head = "(TNL_Script_Start)\r\n(TNL_Script_SetVars)\r\n";
@@ -195,10 +199,12 @@ TEST_F(RunTest, SavingTheDrawingLetsTheUserFinishWhatQsaveAsks) {
     ui.QuestionAnswers = {RunUi::Yes};
     int asked = 0;
     host.OnCommand = [&](const QStringList& words) {
-        if (words[0] == QLatin1String("._qsave"))
+        if (words[0] == QLatin1String("._qsave")) {
             host.Variables["CMDNAMES"] = "QSAVE";
-        if (words[0] == QLatin1String("\\") && ++asked == 2)
+        }
+        if (words[0] == QLatin1String("\\") && ++asked == 2) {
             host.Variables["CMDNAMES"] = "";
+        }
         return RTNORM;
     };
     StartRun();

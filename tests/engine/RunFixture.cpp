@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/engine/RunFixture.h"
 
 #include "rxregsvc.h"
@@ -16,8 +17,9 @@ void RecordingUi::note(const QString& text) {
 
 RunUi::Answer RecordingUi::RunMainDialog() {
     note(QStringLiteral("dialog"));
-    if (DialogAnswers.empty())
+    if (DialogAnswers.empty()) {
         return Cancel;
+    }
     const Answer answer = DialogAnswers.front();
     DialogAnswers.pop_front();
     return answer;
@@ -25,8 +27,9 @@ RunUi::Answer RecordingUi::RunMainDialog() {
 
 RunUi::Answer RecordingUi::Ask(const QString& caption, const QString& text, Buttons buttons) {
     note(QStringLiteral("ask %1|%2|%3").arg(caption, text).arg(buttons));
-    if (QuestionAnswers.empty())
+    if (QuestionAnswers.empty()) {
         return Cancel;
+    }
     const Answer answer = QuestionAnswers.front();
     QuestionAnswers.pop_front();
     return answer;
@@ -78,8 +81,9 @@ QByteArray RunTest::Content(const QString& path) {
 
 void RunTest::SetQueue(const QStringList& paths, const QByteArray& script) {
     CTarnelData& data = TarnelData();
-    for (const QString& path : paths)
+    for (const QString& path : paths) {
         AppendEntry(data, path);
+    }
     data.Script = script;
     data.SortIdx = 6;
     ResolveStateFile();
@@ -91,8 +95,9 @@ QString RunTest::SavedStatuses() const {
     static const QRegularExpression attribute(QStringLiteral("<File Status=\"(\\d+)\""));
     const QString text = QString::fromUtf8(Content(DataPath(QStringLiteral("TarnelRunner.xml"))));
     QStringList found;
-    for (auto match = attribute.globalMatch(text); match.hasNext();)
+    for (auto match = attribute.globalMatch(text); match.hasNext();) {
         found << match.next().captured(1);
+    }
     return found.join(QLatin1Char(' '));
 }
 
@@ -113,8 +118,9 @@ void RunTest::MarkTrace() {
 QStringList RunTest::TraceLines() const {
     QStringList lines = QString::fromUtf8(Content(DataPath(QStringLiteral("TNLapp.log"))).mid(traceMark))
                             .split(QStringLiteral("\r\n"));
-    if (lines.last().isEmpty())
+    if (lines.last().isEmpty()) {
         lines.removeLast();
+    }
     return lines;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A module that was started in the recording host, with a data folder of its own and a user who answers from
 // a list.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a run leaves behind: the run log and the archive of the host's logs.
 #include "log/RunLog.h"
 #include "log/RunLogText.h"
@@ -120,8 +121,9 @@ TEST_F(RunLogTest, RefusedDrawingHasAnEntryWithALogOfItsOwn) {
     CZipArchive archive;
     ASSERT_TRUE(archive.Open(DataPath("TNLLog.zip").toStdString(), CZipArchive::Existing));
     for (const RunLogEntry& entry : log.Entries) {
-        if (entry.Kind != RunLogEntry::File)
+        if (entry.Kind != RunLogEntry::File) {
             continue;
+        }
         names << entry.Name;
         const int index = archive.FindFile(entry.Id.toStdString(), true);
         texts << (index < 0 ? QString() : QString::fromStdString(archive.ReadWholeFile(index)));
@@ -191,8 +193,9 @@ TEST_F(RunLogTest, FileThatTakesNoMoreIsReplacedByAWholeOne) {
     int replaced = 0;
     for (const QFileInfo& link : QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files)) {
         const int number = link.fileName().toInt();
-        if (number != readOnly && link.symLinkTarget() == path && dup2(readOnly, number) == number)
+        if (number != readOnly && link.symLinkTarget() == path && dup2(readOnly, number) == number) {
             ++replaced;
+        }
     }
     ASSERT_EQ(replaced, 1);
     RunLogLine("two");

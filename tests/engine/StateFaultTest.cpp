@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Disks that are full or broken, and state files that are no state.
 #include "engine/RunState.h"
 #include "state/StateDigest.h"

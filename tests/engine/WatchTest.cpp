@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The time limits of a drawing, in the order in which they come.
 #include "engine/Watch.h"
 #include "engine/WatchTimers.h"
@@ -14,8 +15,9 @@ bool waitFor(const RecordingHost& host, const QString& call) {
     QElapsedTimer patience;
     patience.start();
     while (host.CallsOf(call).isEmpty()) {
-        if (patience.hasExpired(10000))
+        if (patience.hasExpired(10000)) {
             return false;
+        }
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 100);
     }
     return true;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The LISP functions that set a run up.
 #include "state/StateFile.h"
 #include "tests/engine/RunFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shipped file: what it exports, and that it can come and go.
 #include "dbmain.h"
 #include "host/CmdLine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A module that offers the shared toolbar, as it lies beside ours in an office: tells each call on the
 // command line.
 

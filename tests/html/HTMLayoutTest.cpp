@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The HTML view off screen: loading, links, form controls, selection, and what broken pages do to it.
 #include "html/FormValue.h"
 #include "html/HTMLayout.h"
@@ -80,8 +81,9 @@ TEST_F(HTMLayoutTest, ScreenReadersGetTheTextAndTheLinks) {
     const auto links = [page] {
         std::vector<QAccessibleInterface*> all;
         for (int i = 0; i < page->childCount(); ++i) {
-            if (page->child(i)->role() == QAccessible::Link)
+            if (page->child(i)->role() == QAccessible::Link) {
                 all.push_back(page->child(i));
+            }
         }
         return all;
     };
@@ -268,8 +270,9 @@ TEST_F(HTMLayoutTest, ABehaviourOfASlotComesBeforeTheOwnOnes) {
     QStringList asked;
     QObject::connect(&view, &CHTMLayout::OnAttachBehavior, &view, [&](AttachBehaviorRequest& request) {
         asked << request.Name;
-        if (request.Element.Attribute(QStringLiteral("id")) == u"mine")
+        if (request.Element.Attribute(QStringLiteral("id")) == u"mine") {
             request.Behavior = &counter;
+        }
     });
     view.LoadHtml(QStringLiteral(
         "<html><style>.b{behavior:setfocus}#x{behavior:unknown}</style><body>"
@@ -302,8 +305,9 @@ TEST_F(HTMLayoutTest, ColoursOfLightPagesAreReadableOnADarkDesktop) {
     const QColor ground = picture.pixelColor(600, 400);
     EXPECT_EQ(ground, QColor(40, 40, 40));
     int lightest = 0;
-    for (int x = 0; x < 100; ++x)
+    for (int x = 0; x < 100; ++x) {
         lightest = std::max(lightest, picture.pixelColor(x, 25).lightness());
+    }
     EXPECT_GT(lightest, 170);
 }
 
@@ -374,8 +378,9 @@ TEST_F(HTMLayoutTest, AddressesOfData) {
 }
 
 TEST(HtmlSelectorTest, Forms) {
-    for (const char* bad : {"", ",", "[", "[=x]", "[a='x]", "a,", ".", "#"})
+    for (const char* bad : {"", ",", "[", "[=x]", "[a='x]", "a,", ".", "#"}) {
         EXPECT_TRUE(ParseHtmlSelector(QString::fromLatin1(bad)).empty()) << bad;
+    }
     const HtmlSelector selector = ParseHtmlSelector(QStringLiteral("div .x[a = \"1,2\"] p, #id"));
     ASSERT_EQ(selector.size(), 2U);
     ASSERT_EQ(selector[0].size(), 3U);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What people type at prompts, by the drawing's units.
 #include <gtest/gtest.h>
 #include <cmath>

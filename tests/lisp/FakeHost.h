@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A host without event loop: it records what LISP asks for and answers from queues.
 

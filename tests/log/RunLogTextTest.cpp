@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Lines of a run log, as they are written and read back.
 #include "log/RunLogText.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/TarnelData.h"
 #include "log/MapiSession.h"
 #include "log/SupportBundle.h"
@@ -45,8 +46,9 @@ std::vector<std::pair<std::string, std::string>> Entries(const QString& path) {
 // A host with one module besides the C library, which stands for a module that the loader knows.
 int AnswerArx(const resbuf* call, resbuf** out) {
     if (TextOf(call->resval.rstring) != QLatin1String("veval-str+") ||
-        TextOf(call->rbnext->resval.rstring) != QLatin1String("(arx)"))
+        TextOf(call->rbnext->resval.rstring) != QLatin1String("(arx)")) {
         return RTERROR;
+    }
     *out = acutBuildList(RTSTR, u"LIBC.SO.6", RTSTR, u"gone & lost.arx", RTNONE);
     return RTNORM;
 }

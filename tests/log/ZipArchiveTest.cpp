@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/log/ZipTestHelp.h"
 
 #include <sys/resource.h>
@@ -22,8 +23,9 @@ TEST_F(ZipArchive, GivesBackWhatWasWritten) {
         CFileHeader pieces;
         pieces.Name = "pieces";
         archive.OpenNewFile(pieces, 1);
-        for (std::size_t at = 0; at < noise.size(); at += 7777)
+        for (std::size_t at = 0; at < noise.size(); at += 7777) {
             archive.WriteNewFile(noise.data() + at, std::min<std::size_t>(7777, noise.size() - at));
+        }
         archive.Close();
         EXPECT_FALSE(archive.IsOpen());
     }
@@ -47,8 +49,9 @@ TEST_F(ZipArchive, GivesBackWhatWasWritten) {
     std::string content;
     char step[333];
     archive.OpenFile(archive.FindFile("noise", true));
-    while (const std::size_t done = archive.ReadFile(step, sizeof step))
+    while (const std::size_t done = archive.ReadFile(step, sizeof step)) {
         content.append(step, done);
+    }
     archive.CloseFile();
     EXPECT_EQ(content, noise);
     // An entry left early is no damage.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/log/ZipTestHelp.h"
 
 #include <functional>
@@ -26,14 +27,16 @@ void ExpectSoundOrRaised(const std::string& path, const std::string& what) {
 
 std::uint32_t Get(const std::string& bytes, std::size_t at, unsigned size) {
     std::uint32_t value = 0;
-    for (unsigned i = 0; i < size; ++i)
+    for (unsigned i = 0; i < size; ++i) {
         value |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[at + i])) << (8 * i);
+    }
     return value;
 }
 
 void Put(std::string& bytes, std::size_t at, std::uint32_t value, unsigned size) {
-    for (unsigned i = 0; i < size; ++i)
+    for (unsigned i = 0; i < size; ++i) {
         bytes[at + i] = static_cast<char>(value >> (8 * i));
+    }
 }
 
 }  // namespace
@@ -51,16 +54,18 @@ class ZipDamage : public ZipFolder {
     // Offset of the directory record of an entry.
     std::size_t Record(int index) const {
         std::size_t at = directory;
-        while (index-- > 0)
+        while (index-- > 0) {
             at += 46 + Get(bytes, at + 28, 2) + Get(bytes, at + 30, 2) + Get(bytes, at + 32, 2);
+        }
         return at;
     }
     int CauseOfReading(const std::string& damaged, int index) {
         WriteBytes(path, damaged);
         CZipArchive archive;
         return CauseOf([&] {
-            if (archive.Open(path, CZipArchive::Existing))
+            if (archive.Open(path, CZipArchive::Existing)) {
                 archive.ReadWholeFile(index);
+            }
         });
     }
 
@@ -88,13 +93,14 @@ TEST_F(ZipDamage, EveryCutIsSeen) {
 }
 
 TEST_F(ZipDamage, NoTurnedBitGivesWrongContent) {
-    for (std::size_t at = 0; at < bytes.size(); ++at)
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
         for (int bit = 0; bit < 8; ++bit) {
             std::string damaged = bytes;
             damaged[at] = static_cast<char>(damaged[at] ^ 1 << bit);
             WriteBytes(path, damaged);
             ExpectSoundOrRaised(path, "byte " + std::to_string(at) + " bit " + std::to_string(bit));
         }
+    }
 }
 
 TEST_F(ZipDamage, LiesOfTheDirectoryAreSeen) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/log/ZipTestHelp.h"
 
 #include <unistd.h>
@@ -8,8 +9,9 @@ TEST_F(ZipLimits, HoldsSixtyFiveThousandEntriesAndNotOneMore) {
     const std::string path = Path("many.zip");
     CZipArchive archive;
     ASSERT_TRUE(archive.Open(path, CZipArchive::Create));
-    for (int i = 0; i < 65535; ++i)
+    for (int i = 0; i < 65535; ++i) {
         AddEntry(archive, "e" + std::to_string(i), i % 1000 == 0 ? std::to_string(i) : "", 0);
+    }
     std::string message;
     EXPECT_EQ(CauseOf([&] { AddEntry(archive, "over", "x"); }, &message), CZipException::TooLarge);
     EXPECT_EQ(message, path + ": entry \"over\" is one too many: an archive holds 65,535");
@@ -82,8 +84,9 @@ TEST_F(ZipLimits, ReadsUpToFourGibAndRefusesToGrowBeyond) {
         static_cast<unsigned char>(bytes[end + 16]) | static_cast<unsigned char>(bytes[end + 17]) << 8;
     std::string tail = bytes.substr(directory);
     const std::uint32_t place = 0xFFFFFF80U;
-    for (unsigned i = 0; i < 4; ++i)
+    for (unsigned i = 0; i < 4; ++i) {
         tail[tail.size() - 6 + i] = static_cast<char>(place >> (8 * i));
+    }
     {
         std::ofstream file(path, std::ios::binary | std::ios::in);
         file.seekp(static_cast<std::streamoff>(place));

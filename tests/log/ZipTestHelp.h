@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A folder of its own for each case, and archives made in it.
 #include "log/ZipArchive.h"
@@ -38,16 +39,18 @@ inline void WriteBytes(const std::string& path, const std::string& bytes) {
 inline std::string RandomBytes(std::size_t count, unsigned seed) {
     std::mt19937 random(seed);
     std::string bytes(count, '\0');
-    for (char& c : bytes)
+    for (char& c : bytes) {
         c = static_cast<char>(random());
+    }
     return bytes;
 }
 
 /// Text as a host log has it.
 inline std::string LogText(int lines) {
     std::string text;
-    for (int i = 0; i < lines; ++i)
+    for (int i = 0; i < lines; ++i) {
         text += "Command: _.LINE Specify first point: " + std::to_string(i * 37 % 101) + ",0\r\n";
+    }
     return text;
 }
 
@@ -66,8 +69,9 @@ inline void AddEntry(CZipArchive& archive, const std::string& name, const std::s
 inline void MakeArchive(const std::string& path, const ZipEntries& entries) {
     CZipArchive archive;
     ASSERT_TRUE(archive.Open(path, CZipArchive::Create));
-    for (const auto& [name, content] : entries)
+    for (const auto& [name, content] : entries) {
         AddEntry(archive, name, content);
+    }
     archive.Close();
 }
 
@@ -90,8 +94,9 @@ int CauseOf(Action action, std::string* message = nullptr) {
     try {
         action();
     } catch (const CZipException& exception) {
-        if (message != nullptr)
+        if (message != nullptr) {
             *message = exception.what();
+        }
         return exception.Cause;
     }
     return -1;

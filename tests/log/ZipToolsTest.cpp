@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Archives between this and the tools that people have: theirs are read here, ours by them. A tool that the
 // machine does not have skips its case.
 #include "tests/log/ZipTestHelp.h"
@@ -35,13 +36,15 @@ bool Has(const char* program) {
 class ZipTools : public ZipFolder, public testing::WithParamInterface<Tool> {
   protected:
     void SetUp() override {
-        if (!Has(GetParam().Program))
+        if (!Has(GetParam().Program)) {
             GTEST_SKIP() << GetParam().Program << " is not installed";
+        }
         ZipFolder::SetUp();
     }
     void TearDown() override {
-        if (!folder.empty())
+        if (!folder.empty()) {
             ZipFolder::TearDown();
+        }
     }
 };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Commands, variables, prompts and LISP functions.
 #include "acedads.h"
 #include "tests/recording/RecordingHost.h"
@@ -12,8 +13,9 @@ RecordingHost& host() {
 /// The next prepared answer; false when the prompt is cancelled or nothing was prepared.
 bool nextAnswer(const ACHAR* prompt, QString& answer) {
     host().Note(QStringLiteral("prompt ") + TextOf(prompt));
-    if (host().Answers.empty())
+    if (host().Answers.empty()) {
         return false;
+    }
     answer = host().Answers.front();
     host().Answers.pop_front();
     return !answer.isNull();
@@ -25,10 +27,11 @@ int acedCommand(int type, ...) {
     va_list values;
     va_start(values, type);
     for (; type != RTNONE && type != 0; type = va_arg(values, int)) {
-        if (type == RTSTR)
+        if (type == RTSTR) {
             words << TextOf(va_arg(values, const ACHAR*));
-        else
+        } else {
             words << QString::number(va_arg(values, int));
+        }
     }
     va_end(values);
     return host().Command(words);
@@ -36,8 +39,9 @@ int acedCommand(int type, ...) {
 
 int acedCmd(const resbuf* chain) {
     QStringList words;
-    for (; chain; chain = chain->rbnext)
+    for (; chain; chain = chain->rbnext) {
         words << ValueText(chain);
+    }
     return host().Command(words);
 }
 
@@ -45,8 +49,9 @@ int acedGetVar(const ACHAR* name, resbuf* out) {
     const QString key = TextOf(name).toUpper();
     host().Note(QStringLiteral("getvar ") + TextOf(name));
     const auto found = host().Variables.constFind(key);
-    if (found == host().Variables.constEnd())
+    if (found == host().Variables.constEnd()) {
         return RTERROR;
+    }
     resbuf* value =
         found->userType() == QMetaType::QString
             ? acutBuildList(RTSTR, reinterpret_cast<const ACHAR*>(found->toString().utf16()), RTNONE)
@@ -61,8 +66,9 @@ int acedGetVar(const ACHAR* name, resbuf* out) {
 int acedSetVar(const ACHAR* name, const resbuf* value) {
     const QString key = TextOf(name).toUpper();
     host().Note(QStringLiteral("setvar %1 %2").arg(TextOf(name), ValueText(value)));
-    if (!host().Variables.contains(key) || host().ReadOnlyVariables.contains(key))
+    if (!host().Variables.contains(key) || host().ReadOnlyVariables.contains(key)) {
         return RTERROR;
+    }
     host().Variables[key] =
         value->restype == RTSTR ? QVariant(ValueText(value)) : QVariant(value->resval.rint);
     return RTNORM;
@@ -99,8 +105,9 @@ int acedUsrBrk() {
 int acedFindFile(const ACHAR* name, ACHAR* result, int size) {
     host().Note(QStringLiteral("findfile ") + TextOf(name));
     const auto found = host().Files.constFind(TextOf(name));
-    if (found == host().Files.constEnd())
+    if (found == host().Files.constEnd()) {
         return RTERROR;
+    }
     CopyOut(*found, result, size);
     return RTNORM;
 }
@@ -112,28 +119,33 @@ int acedInitGet(int bits, const ACHAR* keywords) {
 
 int acedGetKword(const ACHAR* prompt, ACHAR* result, int size) {
     QString answer;
-    if (!nextAnswer(prompt, answer))
+    if (!nextAnswer(prompt, answer)) {
         return RTCAN;
-    if (answer.isEmpty())
+    }
+    if (answer.isEmpty()) {
         return RTNONE;
+    }
     CopyOut(answer, result, size);
     return RTNORM;
 }
 
 int acedGetInt(const ACHAR* prompt, int* result) {
     QString answer;
-    if (!nextAnswer(prompt, answer))
+    if (!nextAnswer(prompt, answer)) {
         return RTCAN;
-    if (answer.isEmpty())
+    }
+    if (answer.isEmpty()) {
         return RTNONE;
+    }
     *result = answer.toInt();
     return RTNORM;
 }
 
 int acedGetString(int, const ACHAR* prompt, ACHAR* result, int size) {
     QString answer;
-    if (!nextAnswer(prompt, answer))
+    if (!nextAnswer(prompt, answer)) {
         return RTCAN;
+    }
     CopyOut(answer, result, size);
     return RTNORM;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/recording/RecordingHost.h"
 
 #include <QFile>
@@ -31,9 +32,11 @@ void RecordingHost::Reset() {
 
 QStringList RecordingHost::CallsOf(const QString& prefix) const {
     QStringList found;
-    for (const QString& call : Calls)
-        if (call.startsWith(prefix))
+    for (const QString& call : Calls) {
+        if (call.startsWith(prefix)) {
             found << call;
+        }
+    }
     return found;
 }
 
@@ -45,9 +48,10 @@ int RecordingHost::Command(const QStringList& words) {
         path.remove(QLatin1Char('"'));
         QFile file(path);
         script.clear();
-        if (file.open(QIODevice::ReadOnly))
+        if (file.open(QIODevice::ReadOnly)) {
             script =
                 QString::fromLocal8Bit(file.readAll()).remove(QLatin1Char('\r')).split(QLatin1Char('\n'));
+        }
     }
     return result;
 }
@@ -55,8 +59,9 @@ int RecordingHost::Command(const QStringList& words) {
 void RecordingHost::Send(const QString& text) {
     QString rest = text;
     // Cancels work at once, and the script that ran is broken off.
-    if (rest.contains(QChar(3)))
+    if (rest.contains(QChar(3))) {
         script.clear();
+    }
     rest.remove(QChar(3));
     Queued.push_back(rest);
 }
@@ -66,8 +71,9 @@ bool RecordingHost::nextLine(QString& line) {
         line = script.takeFirst();
         return true;
     }
-    if (Queued.empty())
+    if (Queued.empty()) {
         return false;
+    }
     line = Queued.front();
     Queued.pop_front();
     return true;
@@ -77,13 +83,15 @@ void RecordingHost::RunInput(int lines) {
     QString line;
     while (lines-- > 0 && nextLine(line)) {
         line = line.trimmed();
-        if (line.isEmpty())
+        if (line.isEmpty()) {
             continue;
+        }
         const QString name = line.mid(1, line.size() - 2).toUpper();
-        if (line.startsWith(QLatin1Char('(')) && Functions.contains(name))
+        if (line.startsWith(QLatin1Char('(')) && Functions.contains(name)) {
             callFromScript(name);
-        else
+        } else {
             Note(QStringLiteral("line ") + line);
+        }
     }
 }
 
@@ -99,8 +107,9 @@ void RecordingHost::callFromScript(const QString& name) {
 
 QString RecordingHost::CallLisp(const QString& name, const std::vector<LispValue>& arguments) {
     const auto found = Functions.constFind(name.toUpper());
-    if (found == Functions.constEnd())
+    if (found == Functions.constEnd()) {
         return QStringLiteral("no function");
+    }
     Note(QStringLiteral("lisp ") + name.toUpper());
     Arguments = arguments;
     Result = QStringLiteral("none");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A host for tests that has no drawings. It keeps every call in order as one line of text, answers from small
 // tables, and can be told to fail. It also plays the part of a host that a chain of scripts needs: it reads

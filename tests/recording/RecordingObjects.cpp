@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The host's objects: documents, editor, command stack, linker, profiles, registry and windows.
 #include "accmd.h"
 #include "acdocman.h"
@@ -82,8 +83,9 @@ class CommandStack final : public AcEdCommandStack {
                                  Adesk::Int32 flags, AcRxFunctionPtr function) override {
         const QString key = TextOf(group) + QLatin1Char('/') + TextOf(globalName);
         host().Note(QStringLiteral("addCommand %1 %2 %3").arg(key, TextOf(localName)).arg(flags));
-        if (host().Commands.contains(key))
+        if (host().Commands.contains(key)) {
             return Acad::eDuplicateKey;
+        }
         host().Commands[key] = function;
         return Acad::eOk;
     }
@@ -100,8 +102,9 @@ class Linker final : public AcRxDynamicLinker {
   public:
     bool loadModule(const ACHAR* file, bool printit, bool asCmd) override {
         host().Note(QStringLiteral("loadModule %1 %2%3").arg(TextOf(file)).arg(printit).arg(asCmd));
-        if (host().OnLoadModule)
+        if (host().OnLoadModule) {
             host().OnLoadModule(TextOf(file));
+        }
         return true;
     }
     bool unloadModule(const ACHAR* file, bool asCmd) override {
@@ -149,8 +152,9 @@ QString registryKey(const ACHAR* root, const ACHAR* path) {
 
 bool registryWrite(const ACHAR* root, const ACHAR* path, const QVariant& value) {
     host().Note(QStringLiteral("registry %1=%2").arg(registryKey(root, path), value.toString()));
-    if (host().RegistryWritable)
+    if (host().RegistryWritable) {
         host().Registry[registryKey(root, path)] = value;
+    }
     return host().RegistryWritable;
 }
 
@@ -178,8 +182,9 @@ AcRxDictionary* acrxSysRegistry() {
 
 bool acrxModulePath(const ACHAR* fileName, ACHAR* result, int size) {
     const auto found = host().Modules.constFind(TextOf(fileName));
-    if (found == host().Modules.constEnd())
+    if (found == host().Modules.constEnd()) {
         return false;
+    }
     CopyOut(*found, result, size);
     return true;
 }
@@ -200,16 +205,18 @@ AcDbHostApplicationServices* acdbHostApplicationServices() {
 
 bool acrxRegistryReadDword(const ACHAR* root, const ACHAR* path, unsigned int* value) {
     const auto found = host().Registry.constFind(registryKey(root, path));
-    if (found == host().Registry.constEnd() || found->userType() == QMetaType::QString)
+    if (found == host().Registry.constEnd() || found->userType() == QMetaType::QString) {
         return false;
+    }
     *value = found->toUInt();
     return true;
 }
 
 bool acrxRegistryReadString(const ACHAR* root, const ACHAR* path, ACHAR* value, int size) {
     const auto found = host().Registry.constFind(registryKey(root, path));
-    if (found == host().Registry.constEnd() || found->userType() != QMetaType::QString)
+    if (found == host().Registry.constEnd() || found->userType() != QMetaType::QString) {
         return false;
+    }
     CopyOut(found->toString(), value, size);
     return true;
 }
@@ -249,8 +256,9 @@ bool acutWcMatchEx(const ACHAR* text, const ACHAR* pattern, bool ignoreCase) {
         .replace(QLatin1String("\\[\\~"), QLatin1String("[^"))
         .replace(QLatin1String("\\]"), QLatin1String("]"));
     QRegularExpression::PatternOptions options = QRegularExpression::DotMatchesEverythingOption;
-    if (ignoreCase)
+    if (ignoreCase) {
         options |= QRegularExpression::CaseInsensitiveOption;
+    }
     return QRegularExpression(QRegularExpression::anchoredPattern(expression), options)
         .match(TextOf(text))
         .hasMatch();

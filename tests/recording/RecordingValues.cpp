@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Chains of values: made, filled and freed.
 #include "acutads.h"
 #include "tests/recording/RecordingHost.h"
@@ -58,8 +59,9 @@ resbuf* acutBuildList(int type, ...) {
 int acutRelRb(resbuf* chain) {
     while (chain) {
         resbuf* next = chain->rbnext;
-        if (chain->restype == RTSTR)
+        if (chain->restype == RTSTR) {
             std::free(chain->resval.rstring);
+        }
         std::free(chain);
         chain = next;
     }
@@ -67,8 +69,9 @@ int acutRelRb(resbuf* chain) {
 }
 
 QString ValueText(const resbuf* value) {
-    if (!value)
+    if (!value) {
         return QStringLiteral("nil");
+    }
     switch (value->restype) {
         case RTSTR:
             return TextOf(value->resval.rstring);
@@ -113,10 +116,11 @@ resbuf* acedGetArgs() {
         resbuf* node = value.Type == RTSTR
                            ? acutBuildList(RTSTR, reinterpret_cast<const ACHAR*>(value.Text.utf16()), RTNONE)
                            : acutNewRb(value.Type);
-        if (value.Type == RTSHORT)
+        if (value.Type == RTSHORT) {
             node->resval.rint = static_cast<short>(value.Number);
-        else if (value.Type == RTLONG)
+        } else if (value.Type == RTLONG) {
             node->resval.rlong = value.Number;
+        }
         *tail = node;
         tail = &node->rbnext;
     }
@@ -135,12 +139,13 @@ int acutPrintf(const ACHAR* format, ...) {
             continue;
         }
         const char kind = text[++at].toLatin1();
-        if (kind == 's')
+        if (kind == 's') {
             out += TextOf(va_arg(values, const ACHAR*));
-        else if (kind == 'd')
+        } else if (kind == 'd') {
             out += QString::number(va_arg(values, int));
-        else
+        } else {
             out += text[at];
+        }
     }
     va_end(values);
     RecordingHost& host = RecordingHost::Get();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Pages against tables that others keep: the codecs of Python, and here and there a row from the definition.
 #include "state/CodePage.h"
 #include "state/MarkupDocument.h"
@@ -32,8 +33,9 @@ std::map<QByteArray, QString> tableOf(const char* codec, bool pairs) {
     std::map<QByteArray, QString> table;
     std::array<char, 16> bytes{};
     unsigned character = 0;
-    while (out && std::fscanf(out.get(), "%15s %x", bytes.data(), &character) == 2)
+    while (out && std::fscanf(out.get(), "%15s %x", bytes.data(), &character) == 2) {
         table.emplace(QByteArray::fromHex(bytes.data()), QChar(static_cast<char16_t>(character)));
+    }
     return table;
 }
 
@@ -61,8 +63,9 @@ TEST(CodePageTable, PagesAreThoseOfOtherTablesBothWays) {
         const std::map<QByteArray, QString> table = tableOf(codec, pairs);
         ASSERT_GT(table.size(), 190U) << codec;
         std::map<QString, int> places;
-        for (const auto& [bytes, text] : table)
+        for (const auto& [bytes, text] : table) {
             ++places[text];
+        }
         for (const auto& [bytes, text] : table) {
             ASSERT_EQ(DecodeText(bytes, page), text) << page << " " << bytes.toHex().constData();
             bool lossy = false;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/CodePage.h"
 #include "state/MarkupDocument.h"
 #include "state/MarkupFile.h"
@@ -28,8 +29,9 @@ TEST(Encoding, NamesGivePages) {
         {QString(100, u'x'), -1},
         {QString::fromUtf8("ütf-8"), -1},
     };
-    for (const auto& [name, page] : cases)
+    for (const auto& [name, page] : cases) {
         EXPECT_EQ(EncodingToCodePage(name), page) << Plain(name);
+    }
 }
 
 TEST(Encoding, PagesGoThereAndBack) {

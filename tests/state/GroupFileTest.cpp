@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/GroupFile.h"
 
 #include "engine/TarnelData.h"
@@ -28,8 +29,9 @@ class GroupFile : public testing::Test {
     }
     static QStringList queue() {
         QStringList paths;
-        for (std::size_t i = 0; i < TarnelData().FileNames.size(); ++i)
+        for (std::size_t i = 0; i < TarnelData().FileNames.size(); ++i) {
             paths += TarnelData().FileDirs[i] + QLatin1Char('|') + TarnelData().FileNames[i];
+        }
         return paths;
     }
 

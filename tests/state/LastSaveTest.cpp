@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A save that only brings the last one up to date must give what a save from nothing gives.
 #include "engine/TarnelData.h"
 #include "state/StateFile.h"
@@ -14,8 +15,9 @@ class LastSaveTest : public testing::Test {
         ResetTarnelData();
         TarnelData().DataDir = dir.path();
         ResolveStateFile();
-        for (int i = 0; i < 300; ++i)
+        for (int i = 0; i < 300; ++i) {
             AppendEntry(TarnelData(), QStringLiteral("/work/<File Status=\"%1.dxf").arg(i));
+        }
         TarnelData().Script = "<File Status=\"0\">";
     }
     void TearDown() override { ResetTarnelData(); }

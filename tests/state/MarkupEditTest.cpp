@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/MarkupDocument.h"
 #include "tests/state/TestText.h"
 
@@ -70,8 +71,9 @@ TEST(MarkupEdit, LeavesTheRestOfATextAlone) {
 TEST(MarkupEdit, SlashesThatAreNoEndStayHarmless) {
     MarkupDocument document;
     ASSERT_TRUE(document.SetDocumentText(QStringLiteral("<r><a b/></a><a b=c/></a><a x==\">\"></a></r>")));
-    while (document.FindChildElement(u"a"))
+    while (document.FindChildElement(u"a")) {
         document.SetChildAttribute(u"n", 1);
+    }
     MarkupDocument again;
     EXPECT_TRUE(again.SetDocumentText(document.GetDocumentText())) << Plain(document.GetDocumentText());
     expectSameTree(document.Positions(), 0, again.Positions(), 0);
@@ -88,29 +90,31 @@ TEST(MarkupEdit, RandomEditsKeepTheIndexOfAFreshParse) {
         std::mt19937 random(seed);
         const auto pick = [&](const auto& from) { return from[random() % from.size()]; };
         MarkupDocument document;
-        if (seed % 2 == 0)
+        if (seed % 2 == 0) {
             document.AddElement(u"root");
-        else
+        } else {
             document.SetDocumentText(QStringLiteral(
                 "<?xml version='1.0'?>\n<root a=1>t<x1/> <bb></bb>\n<!--c--><a b=c>u</a></root>"));
+        }
         document.FindElement();
         for (int edit = 0; edit < editsPerRound; ++edit) {
             const QString before = document.GetDocumentText();
             const unsigned action = random() % 12;
-            if (action < 4)
+            if (action < 4) {
                 document.AddChildElement(pick(names), pick(values));
-            else if (action < 6)
+            } else if (action < 6) {
                 document.SetChildAttribute(pick(names), pick(values));
-            else if (action == 6)
+            } else if (action == 6) {
                 document.SetAttribute(pick(names), pick(values));
-            else if (action == 7)
+            } else if (action == 7) {
                 document.RemoveChildElement();
-            else if (action == 8)
+            } else if (action == 8) {
                 document.FindChildElement(pick(names));
-            else if (action == 9 && document.ChildPosition() != 0)
+            } else if (action == 9 && document.ChildPosition() != 0) {
                 document.IntoElement();
-            else if (document.OutOfElement() && action == 11)
+            } else if (document.OutOfElement() && action == 11) {
                 document.FindChildElement();
+            }
             MarkupDocument fresh;
             ASSERT_TRUE(fresh.SetDocumentText(document.GetDocumentText()))
                 << "seed " << seed << "\n"
@@ -136,8 +140,9 @@ TEST(MarkupEdit, GrowsPastOneSegmentOfPositions) {
     ASSERT_TRUE(fresh.SetDocumentText(document.GetDocumentText()));
     EXPECT_EQ(fresh.Positions().Used(), unsigned{count} + 2);
     int found = 0;
-    while (fresh.FindChildElement(u"e"))
+    while (fresh.FindChildElement(u"e")) {
         ASSERT_EQ(fresh.GetChildAttribute(u"n").toInt(), found++);
+    }
     EXPECT_EQ(found, count);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/Base64.h"
 #include "state/Entities.h"
 #include "state/MarkupDocument.h"
@@ -11,14 +12,17 @@ namespace {
 QString shape(const PositionIndex& positions, std::uint32_t parent, const QString& text) {
     QString out;
     for (std::uint32_t i = positions[parent].FirstChild; i != 0; i = positions[i].NextSibling) {
-        if (!out.isEmpty())
+        if (!out.isEmpty()) {
             out += u' ';
+        }
         qsizetype at = positions[i].Start + 1;
-        while (text[at].isLetterOrNumber())
+        while (text[at].isLetterOrNumber()) {
             out += text[at++];
+        }
         const QString inside = shape(positions, i, text);
-        if (!inside.isEmpty())
+        if (!inside.isEmpty()) {
             out += QLatin1Char('(') + inside + QLatin1Char(')');
+        }
     }
     return out;
 }
@@ -80,8 +84,9 @@ TEST(MarkupParse, IndexesAnyText) {
 
 TEST(MarkupParse, ReportEndsWhileReadingGoesOn) {
     QString text = QStringLiteral("<r>");
-    for (int i = 0; i < 5000; ++i)
+    for (int i = 0; i < 5000; ++i) {
         text += QStringLiteral("</lone>");
+    }
     MarkupDocument document;
     EXPECT_FALSE(document.SetDocumentText(text + QStringLiteral("<last/></r>")));
     EXPECT_GE(document.Result().size(), 1000);
@@ -146,8 +151,9 @@ TEST(MarkupParse, UnescapesEntities) {
          QStringLiteral("&nothing;&#0;&#12x;&#;&;&#x110000;&lt")},
         {QStringLiteral("&amp;lt;&&lt;"), QStringLiteral("&lt;&<")},
     };
-    for (const auto& [escaped, plain] : cases)
+    for (const auto& [escaped, plain] : cases) {
         EXPECT_EQ(Plain(UnescapeMarkup(escaped)), Plain(plain)) << Plain(escaped);
+    }
 }
 
 TEST(Base64, BreaksLinesAndChecksText) {

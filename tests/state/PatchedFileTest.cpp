@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Saves that write over a part of the file must never mistake another's file for their own.
 #include "state/PatchedFile.h"
 

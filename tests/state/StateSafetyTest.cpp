@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What must never be lost: the state on the disk, whatever happens to the process or the disk.
 #include "engine/TarnelData.h"
 #include "state/StateFile.h"
@@ -56,8 +57,9 @@ TEST_F(StateSafety, AKillLeavesOneWholeState) {
         ASSERT_GE(child, 0);
         if (child == 0) {
             for (std::uint32_t status = 1;; status = status % 6 + 1) {
-                for (std::uint32_t& each : TarnelData().FileStatus)
+                for (std::uint32_t& each : TarnelData().FileStatus) {
                     each = status;
+                }
                 SaveState(nullptr, 1);
             }
         }
@@ -67,8 +69,9 @@ TEST_F(StateSafety, AKillLeavesOneWholeState) {
         ASSERT_EQ(Plain(CheckStateFile(path)), "");
         LoadState(nullptr, 1);
         ASSERT_EQ(TarnelData().FileNames.size(), 3000U);
-        for (const std::uint32_t status : TarnelData().FileStatus)
+        for (const std::uint32_t status : TarnelData().FileStatus) {
             ASSERT_EQ(status, TarnelData().FileStatus[0]) << "two states in one file";
+        }
     }
     TarnelData().DataDir = folder.path();
     ResolveStateFile();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/StdioFileEx.h"
 #include "tests/state/TestText.h"
 
@@ -11,8 +12,9 @@ QStringList linesOf(const QString& path, std::uint32_t flags, int page) {
     EXPECT_TRUE(file.Open(path, flags));
     QStringList lines;
     QString line;
-    while (file.ReadString(line))
+    while (file.ReadString(line)) {
         lines += line;
+    }
     return lines;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Small helpers of these tests: files in a temporary folder, and texts that a failed test can print.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A folder of a test, and what another user does in it.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a picky user sees: nothing clipped, nothing overlapping, at every font and at the smallest size; and
 // the order in which the keyboard goes through a dialog.
 #include "tests/ui/UiFixture.h"
@@ -33,8 +34,9 @@ class LayoutTest : public UiFixture {
             const bool field = text || qobject_cast<const QDateTimeEdit*>(control) ||
                                qobject_cast<const QSpinBox*>(control) ||
                                qobject_cast<const QProgressBar*>(control);
-            if (!field || !control->isVisible())
+            if (!field || !control->isVisible()) {
                 continue;
+            }
             if (text) {
                 EXPECT_GE(control->width(), neededWidth(*control)) << name(control);
                 EXPECT_GE(control->height(), control->fontMetrics().height()) << name(control);
@@ -54,8 +56,9 @@ class LayoutTest : public UiFixture {
     }
     static int neededWidth(const QWidget& control) {
         const auto* button = qobject_cast<const QPushButton*>(&control);
-        if (button == nullptr)
+        if (button == nullptr) {
             return control.sizeHint().width();
+        }
         const int icon = button->icon().isNull() ? 0 : button->iconSize().width() + 4;
         return button->fontMetrics().horizontalAdvance(button->text()) + icon + 8;
     }
@@ -99,8 +102,9 @@ TEST_F(LayoutTest, TabGoesFromTitlesOverThePageToTheButtons) {
     for (int i = 0; i < 40 && (visited.isEmpty() || !QApplication::focusWidget()->inherits("QTabBar")); ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         QString here = QApplication::focusWidget()->objectName();
-        if (here.startsWith(QLatin1String("qt_spinbox")))
+        if (here.startsWith(QLatin1String("qt_spinbox"))) {
             here = QApplication::focusWidget()->parent()->objectName();
+        }
         visited << here;
     }
     visited.removeAll(QStringLiteral("view"));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main dialog by keys and mouse: pages, what it keeps, when a run may start.
 #include "tests/ui/UiFixture.h"
 #include "ui/ScriptChecks.h"
@@ -84,8 +85,9 @@ TEST_F(MainDialogTest, EnterAndEscReachTheDialogFromEveryPage) {
             dialog.findChild<QTreeView*>(QStringLiteral("queue"))->setFocus();
             dialog.ShowPage(page);
             // In the script Enter is a new line.
-            if (page == 2 && key == Qt::Key_Return)
+            if (page == 2 && key == Qt::Key_Return) {
                 continue;
+            }
             QTest::keyClick(QApplication::focusWidget(), key);
             EXPECT_FALSE(dialog.isVisible()) << page;
             EXPECT_EQ(dialog.result(), key == Qt::Key_Return ? QDialog::Accepted : QDialog::Rejected) << page;
@@ -171,10 +173,12 @@ TEST_F(MainDialogTest, EachQuestionAnsweredBothWays) {
         refreshed = 0;
         TarnelDlg dialog(nullptr);
         dialog.show();
-        for (int question = 1; question < noAt; ++question)
+        for (int question = 1; question < noAt; ++question) {
             answerNext(QMessageBox::Yes);
-        if (noAt <= 3)
+        }
+        if (noAt <= 3) {
             answerNext(QMessageBox::No);
+        }
         press(dialog, "runScript");
         EXPECT_EQ(questions.size(), std::min(noAt, 3));
         EXPECT_EQ(dialog.isVisible(), noAt <= 3) << noAt;
@@ -208,8 +212,9 @@ TEST_F(MainDialogTest, ScriptChecksMatchTheWholeText) {
             return true;
         });
         ASSERT_EQ(asked.size(), one.expected.size()) << one.script;
-        for (int i = 0; i < asked.size(); ++i)
+        for (int i = 0; i < asked.size(); ++i) {
             EXPECT_TRUE(asked[i].contains(one.expected[i])) << asked[i].toStdString();
+        }
     }
     TarnelData().Script = "options\nxplot";
     TarnelData().WarnNoSave = TarnelData().WarnDialogCommand = TarnelData().WarnDialogCmdReplacement = false;
@@ -259,8 +264,9 @@ TEST_F(MainDialogTest, EveryControlHasANameForScreenReaders) {
     for (const QWidget* control : dialog.findChildren<QWidget*>()) {
         if (control->focusPolicy() == Qt::NoFocus ||
             control->objectName().startsWith(QLatin1String("qt_spin")) ||
-            qobject_cast<const CAutoTab*>(control))
+            qobject_cast<const CAutoTab*>(control)) {
             continue;
+        }
         const auto* button = qobject_cast<const QAbstractButton*>(control);
         const bool named =
             !control->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty());

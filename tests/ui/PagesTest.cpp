@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The log page over a real run log and archive, and the links of the start page.
 #include "html/HTMLayout.h"
 #include "log/ZipArchive.h"
@@ -24,8 +25,9 @@ class LogTabTest : public UiFixture {
             "<html><body><span>1: <font color=blue>Batch started</font></span><br />\r\n"
             "<span>2: Processing file: <span id=\"_l_a.log\">C:\\d\\a & b.dwg</span></span><br />\r\n"
             "<span>3: Processing file: <span id=\"_l_gone.log\">/d/gone.dwg</span></span><br />\r\n");
-        if (closed)
+        if (closed) {
             log.write("<span>4: <font color=blue>Batch completed</font></span><br />\r\n</body></html>");
+        }
         log.close();
         CZipArchive archive;
         ASSERT_TRUE(
@@ -142,12 +144,14 @@ class Browser : public QObject {
     Q_OBJECT
   public:
     Browser() {
-        for (const char* scheme : {"file", "http"})
+        for (const char* scheme : {"file", "http"}) {
             QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), this, "open");
+        }
     }
     ~Browser() override {
-        for (const char* scheme : {"file", "http"})
+        for (const char* scheme : {"file", "http"}) {
             QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
+        }
     }
     Q_SLOT void open(const QUrl& url) { opened << url; }
     QList<QUrl> opened;
@@ -219,8 +223,9 @@ TEST_F(UiFixture, LinksOfTheStartPage) {
     auto* view = tab.findChild<CHTMLayout*>();
     {
         Browser browser;
-        for (const HtmlElement& link : Select(view->GetRoot(), QStringLiteral("a[href]")))
+        for (const HtmlElement& link : Select(view->GetRoot(), QStringLiteral("a[href]"))) {
             QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, link.Box().center());
+        }
         EXPECT_EQ(browser.opened.size(), 3) << "only what is outside goes to the browser";
     }
     EXPECT_TRUE(view->GetRoot().Text().contains(QStringLiteral("Welcome to the")));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The status window of a run and the schedule with a clock of the test's own.
 #include "tests/ui/UiFixture.h"
 #include "ui/Schedule.h"
@@ -23,14 +24,16 @@ TEST_F(UiFixture, StatusWindowShowsTheRun) {
     EXPECT_EQ(batch->text(), QStringLiteral("1 of 3"));
     EXPECT_EQ(seconds->text(), QStringLiteral("0 of 2 s"));
     EXPECT_EQ(dialog.findChild<QPlainTextEdit*>()->toPlainText(), QStringLiteral("/d/a.dwg"));
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         dialog.StepFileTime();
+    }
     EXPECT_EQ(seconds->value(), 2) << "the bar stops at full";
     dialog.ShowFile(QStringLiteral("/d/b.dwg"), 60);
     EXPECT_EQ(seconds->value(), 0);
     EXPECT_EQ(seconds->maximum(), 60);
-    for (const QProgressBar* bar : {batch, seconds})
+    for (const QProgressBar* bar : {batch, seconds}) {
         EXPECT_TRUE(bar->isTextVisible());
+    }
     // A folder of any length leaves the name in sight.
     auto* text = dialog.findChild<QPlainTextEdit*>();
     dialog.ShowFile(QStringLiteral("/d/") + QString(900, u'w') + QStringLiteral("/name.dxf"), 0);
@@ -98,10 +101,11 @@ TEST_F(UiFixture, ScheduleCutShortAndCancelled) {
         auto* go = dialog.findChild<QPushButton*>(QStringLiteral("go"));
         QTest::mouseClick(go, Qt::LeftButton);
         EXPECT_TRUE(dialog.isVisible());
-        if (cut)
+        if (cut) {
             QTest::mouseClick(go, Qt::LeftButton);
-        else
+        } else {
             QTest::keyClick(&dialog, Qt::Key_Escape);
+        }
         EXPECT_EQ(dialog.result(), cut ? QDialog::Accepted : QDialog::Rejected);
     }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Takes the pictures of the manual: every page and dialog off screen, into a folder. It also serves to look
 // at other fonts, scalings (QT_SCALE_FACTOR), colours and longer texts than the ones that are at hand.
 //   take-pictures FOLDER [--dark] [--font PER_CENT] [--long]
@@ -47,31 +48,37 @@ QPalette darkPalette() {
     dark.setColor(QPalette::Highlight, QColor(58, 110, 190));
     dark.setColor(QPalette::HighlightedText, Qt::white);
     dark.setColor(QPalette::Link, QColor(110, 170, 255));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         dark.setColor(QPalette::Disabled, role, QColor(125, 128, 134));
+    }
     return dark;
 }
 
 /// Texts as long as the German ones, which are about a third longer than the English.
 void lengthen(QWidget& window) {
-    if (!longTexts)
+    if (!longTexts) {
         return;
+    }
     const auto longer = [](const QString& text) {
         return text + QStringLiteral("e en und").left(std::max<qsizetype>(2, text.size() / 3));
     };
-    for (auto* button : window.findChildren<QPushButton*>())
+    for (auto* button : window.findChildren<QPushButton*>()) {
         button->setText(longer(button->text()));
-    for (auto* label : window.findChildren<QLabel*>())
+    }
+    for (auto* label : window.findChildren<QLabel*>()) {
         label->setText(longer(label->text()));
+    }
     if (auto* tab = window.findChild<CAutoTab*>()) {
-        for (int i = 0; i < tab->count(); ++i)
+        for (int i = 0; i < tab->count(); ++i) {
             tab->setTabText(i, longer(tab->tabText(i)));
+        }
     }
 }
 
 void settle() {
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         QCoreApplication::processEvents();
+    }
 }
 
 /// The window as it stands on the screen; balloons over it are painted in.
@@ -79,8 +86,9 @@ void take(QWidget& window, const QString& name) {
     settle();
     QPixmap picture = window.grab();
     for (QWidget* other : QApplication::topLevelWidgets()) {
-        if (qobject_cast<CBalloonHelp*>(other) == nullptr || !other->isVisible())
+        if (qobject_cast<CBalloonHelp*>(other) == nullptr || !other->isVisible()) {
             continue;
+        }
         QPixmap wider = picture;
         QPainter painter(&wider);
         painter.drawPixmap(other->pos() - window.mapToGlobal(QPoint()), other->grab());
@@ -88,8 +96,9 @@ void take(QWidget& window, const QString& name) {
         picture = wider;
     }
     const QString path = folder + u'/' + name + suffix + QStringLiteral(".png");
-    if (!picture.save(path))
+    if (!picture.save(path)) {
         std::fprintf(stderr, "%s: cannot be written\n", qPrintable(path));
+    }
 }
 
 void fillRecord(const QString& data) {
@@ -111,8 +120,9 @@ void fillRecord(const QString& data) {
 
 void writeLog() {
     QFile log(DataFile(QStringLiteral("tnl log.html")));
-    if (!log.open(QIODevice::WriteOnly))
+    if (!log.open(QIODevice::WriteOnly)) {
         return;
+    }
     log.write("<html><body><span>3/14/2031 22:00:00: <font color=blue>Batch started</font></span><br />\r\n");
     for (const char* name : {"ground-floor.dxf", "first-floor.dxf", "roof.dxf"}) {
         log.write(QByteArrayLiteral("<span>3/14/2031 22:00:01: Processing file: <span id=\"_srv_") + name +
@@ -167,8 +177,9 @@ void takePages() {
     dialog.ShowPage(0);
     take(dialog, QStringLiteral("start-large"));
     dialog.resize(900, 520);
-    for (std::uint32_t& status : TarnelData().FileStatus)
+    for (std::uint32_t& status : TarnelData().FileStatus) {
         status = Done;
+    }
     dialog.ShowPage(1);
     dialog.OnOK();
     take(dialog, QStringLiteral("balloon"));
@@ -178,10 +189,12 @@ void takeDialogs() {
     StatusDialog status(nullptr, 6);
     lengthen(status);
     status.show();
-    for (const char* path : {"/srv/plans/a.dxf", "/srv/plans/b.dxf", "/srv/plans/survey/levels.dxf"})
+    for (const char* path : {"/srv/plans/a.dxf", "/srv/plans/b.dxf", "/srv/plans/survey/levels.dxf"}) {
         status.ShowFile(QString::fromLatin1(path), 60);
-    for (int i = 0; i < 21; ++i)
+    }
+    for (int i = 0; i < 21; ++i) {
         status.StepFileTime();
+    }
     take(status, QStringLiteral("status"));
     status.ShowFile(
         QStringLiteral("/srv/plans/customers/north/a rather long name of a project/drawings/second "

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A clean record in a folder of its own, and what the tests of dialogs need again and again.
 #include "engine/RunState.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Anchors, tab pages and balloons off screen.
 #include "widgets/AutoTab.h"
 #include "widgets/BalloonHelp.h"
@@ -13,8 +14,9 @@ namespace {
 QWidget* control(QWidget* parent, const QRect& units, const char* anchors) {
     auto* made = new QWidget(parent);
     made->setGeometry(units);
-    if (anchors != nullptr)
+    if (anchors != nullptr) {
         made->setProperty("anchors", QString::fromLatin1(anchors));
+    }
     return made;
 }
 
@@ -48,8 +50,9 @@ TEST(ResizableDialogTest, AnchorsFollowTheDialogAtEveryFont) {
 
 TEST(AutoTabTest, PagesWrapAndCloseBalloons) {
     CAutoTab tab;
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         tab.AddTab(QString::number(i), new QWidget, {});
+    }
     tab.show();
     tab.SetActive(4);
     tab.SetActive(9);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `tarnel desk` as a program: what it says where there is no display, and how it ends.
 #include <gtest/gtest.h>
 #include <csignal>
@@ -20,8 +21,9 @@ class DeskTest : public testing::Test {
                                    QStringLiteral("XDG_DATA_HOME=") + folder.path()};
         // The sanitizers are set up through the environment.
         for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
-            if (qEnvironmentVariableIsSet(name))
+            if (qEnvironmentVariableIsSet(name)) {
                 environment << QString::fromLatin1(name) + u'=' + qEnvironmentVariable(name);
+            }
         }
         desk.setEnvironment(environment + settings);
         desk.start(program, arguments);
@@ -39,8 +41,9 @@ class DeskTest : public testing::Test {
     }
     QByteArray state() const { return content(QStringLiteral("Ovrix/TarnelRunner.xml")); }
     bool until(const std::function<bool()>& condition) {
-        for (int i = 0; i < 400 && !condition(); ++i)
+        for (int i = 0; i < 400 && !condition(); ++i) {
             desk.waitForFinished(25);
+        }
         return condition();
     }
     /// A run over two drawings that has come to its first script.
@@ -108,8 +111,9 @@ TEST_F(DeskTest, EndsInOrderWhenItIsTold) {
         QFile file(trace);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     };
-    for (int i = 0; i < 300 && !traced().contains("Check Watch"); ++i)
+    for (int i = 0; i < 300 && !traced().contains("Check Watch"); ++i) {
         desk.waitForFinished(50);
+    }
     ASSERT_EQ(desk.state(), QProcess::Running) << desk.readAllStandardError().toStdString();
     desk.terminate();
     ASSERT_TRUE(desk.waitForFinished());
@@ -178,10 +182,11 @@ TEST_F(DeskTest, ARunEndsWithTheWindow) {
             }
             QElapsedTimer clock;
             clock.start();
-            if (way.startsWith("SIGTERM"))
+            if (way.startsWith("SIGTERM")) {
                 desk.terminate();
-            else
+            } else {
                 write(QStringLiteral("do"), way);
+            }
             ASSERT_TRUE(desk.waitForFinished(10000));
             EXPECT_LT(clock.elapsed(), GoneWithin);
             EXPECT_EQ(desk.exitStatus(), QProcess::NormalExit);
@@ -192,8 +197,9 @@ TEST_F(DeskTest, ARunEndsWithTheWindow) {
             EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("Ovrix/script1.scr"))));
             EXPECT_TRUE(content(QStringLiteral("Ovrix/TNLapp.log")).endsWith("Done"))
                 << "the module was unloaded";
-            for (const QString& name : {QStringLiteral("a.dxf"), QStringLiteral("b.dxf")})
+            for (const QString& name : {QStringLiteral("a.dxf"), QStringLiteral("b.dxf")}) {
                 QFile::remove(folder.filePath(name));
+            }
         }
     }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shipped module in the host with its frame, driven only by what a user sees: the command, the buttons of
 // the dialog, the status window.
 #include "drafthost/api/ApiHost.h"
@@ -82,24 +83,28 @@ class DialogRunTest : public testing::Test {
         QTimer::singleShot(1, &watch, [this] { look(); });
         if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
             if (dialog->objectName() == u"TarnelDlg") {
-                if (auto act = std::exchange(onDialog, {}))
+                if (auto act = std::exchange(onDialog, {})) {
                     act(*dialog);
+                }
             } else if (dialog->objectName() == u"Schedule") {
-                if (auto act = onSchedule)
+                if (auto act = onSchedule) {
                     act(*dialog);
+                }
             } else if (auto* box = qobject_cast<QMessageBox*>(dialog)) {
                 questions << box->text();
-                if (QAbstractButton* button = box->button(answer))
+                if (QAbstractButton* button = box->button(answer)) {
                     button->click();
-                else
+                } else {
                     box->reject();
+                }
             }
         }
         for (QWidget* window : QApplication::topLevelWidgets()) {
             if (window->objectName() == u"StatusDialog" && window->isVisible()) {
                 ++statusSeen;
-                if (onStatus)
+                if (onStatus) {
                     onStatus(*window);
+                }
             }
         }
     }
@@ -246,8 +251,9 @@ TEST_F(DialogRunTest, CancelInTheMiddleLeavesTheRest) {
     EXPECT_GE(countOf("0"), 1) << "what has not been begun stays to do";
     EXPECT_EQ(countOf("6"), 1);
     EXPECT_EQ(countOf("0") + countOf("1") + countOf("6"), drawings);
-    for (QWidget* window : QApplication::topLevelWidgets())
+    for (QWidget* window : QApplication::topLevelWidgets()) {
         EXPECT_FALSE(window->objectName() == u"StatusDialog" && window->isVisible());
+    }
 }
 
 TEST_F(DialogRunTest, EmailLogPacksTheBundleAndOpensTheDraft) {
@@ -278,8 +284,9 @@ TEST_F(DialogRunTest, EmailLogPacksTheBundleAndOpensTheDraft) {
     qputenv("PATH", path);
     EXPECT_EQ(questions.size(), 1) << questions.join(u'|').toStdString();
     const QByteArray archive = content(folder.filePath(QStringLiteral("Ovrix/TNLLog.zip")));
-    for (const char* name : {"info.xml", "TarnelRunner.xml", "TNL Log.html", "TNLapp.log"})
+    for (const char* name : {"info.xml", "TarnelRunner.xml", "TNL Log.html", "TNLapp.log"}) {
         EXPECT_TRUE(archive.contains(name)) << name;
+    }
     const QByteArray arguments = content(sent);
     EXPECT_TRUE(arguments.contains("--subject\nTNL Support\n")) << arguments.toStdString();
     EXPECT_TRUE(arguments.contains("TNLLog.zip\n")) << arguments.toStdString();
@@ -319,8 +326,9 @@ TEST_F(DialogRunTest, OpensAHundredTimesAndUnloads) {
         host.input().type("TARNEL\n");
         return until([&] { return left && !QApplication::activeModalWidget() && host.input().isIdle(); });
     };
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         ASSERT_TRUE(open(i % 5)) << i;
+    }
     EXPECT_EQ(countOf("0"), drawings) << "nothing but looking has happened";
     EXPECT_EQ(host.modules().unload("tnl3-19-64", false), lisp::ModuleStatus::Done);
     EXPECT_TRUE(frame->findChildren<QDialog*>().isEmpty());

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is painted of a drawing: shapes, blocks in blocks, layers that are off, damaged coordinates.
 #include "drafthost/window/DisplayList.h"
 #include "tests/drawing/Samples.h"

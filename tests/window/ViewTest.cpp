@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window by mouse and keys: wheel and drag over a drawing, history, completion and Esc.
 #include "drafthost/api/ApiHost.h"
 #include "drafthost/editor/Document.h"
@@ -70,16 +71,18 @@ class WindowTest : public testing::Test {
     }
     void trigger(const QString& text) {
         for (QAction* action : frame->findChildren<QAction*>()) {
-            if (action->text() == text)
+            if (action->text() == text) {
                 return action->trigger();
+            }
         }
         ADD_FAILURE() << text.toStdString() << " is in no menu";
     }
     void answerNext(QMessageBox::StandardButton button) {
         QTimer::singleShot(5, frame.get(), [this, button] {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (box == nullptr)
+            if (box == nullptr) {
                 return answerNext(button);
+            }
             ++questions;
             box->button(button)->click();
         });
@@ -89,8 +92,9 @@ class WindowTest : public testing::Test {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
         dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
-        if (QFile::exists(path))
+        if (QFile::exists(path)) {
             answerNext(QMessageBox::Yes);
+        }
         dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
     }
 
@@ -309,8 +313,9 @@ TEST_F(WindowTest, SaveAsAndTheFilesOfLate) {
     ASSERT_NE(recent, nullptr);
     Q_EMIT qobject_cast<QMenu*>(recent->parent())->aboutToShow();
     QStringList names;
-    for (const QAction* action : recent->actions())
+    for (const QAction* action : recent->actions()) {
         names << action->text().section(u' ', 1).section(QStringLiteral("  - "), 0, 0);
+    }
     EXPECT_EQ(names, (QStringList{QStringLiteral("old.dxf"), QStringLiteral("a.dxf"),
                                   QStringLiteral("with blank.dxf")}));
     trigger(QStringLiteral("&Close"));
