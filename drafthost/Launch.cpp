@@ -13,13 +13,13 @@
 #include <QSocketNotifier>
 #include <string_view>
 
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/editor/FileLock.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
 #include "drafthost/editor/ReportChannel.h"
 #include "drafthost/editor/ScriptReader.h"
-#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/Startup.h"
 #include "system/FileJournal.h"
 #include "system/FileLimit.h"
@@ -157,7 +157,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
         }
         *value = argv[i];
         if (value == &report) {
-            arguments.report = lisp::readInteger(report).value_or(-1);
+            arguments.report = automation::readInteger(report).value_or(-1);
             if (!isSocket(arguments.report)) {
                 std::fprintf(stderr, "%s: --report-fd %s: no socket\n", program.c_str(), argv[i]);
                 return std::nullopt;

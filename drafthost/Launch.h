@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/base/MemoryLimit.h"
 
 class QCoreApplication;
 

@@ -3,11 +3,11 @@
 
 #include <filesystem>
 
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/RegistryFile.h"
-#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/FileText.h"
 
 namespace drafthost {
@@ -53,7 +53,7 @@ void loadSuite(Host& host) {
     const RegistryFile& registry = host.registry();
     const std::string key = RegistryFile::profileKey(registry.profile()) + "\\Dialogs\\Appload\\Startup\\";
     const int count =
-        lisp::readInteger(registry.readString(UserRoot, key + "NumStartup").value_or("0")).value_or(0);
+        automation::readInteger(registry.readString(UserRoot, key + "NumStartup").value_or("0")).value_or(0);
     for (int i = 1; i <= count; ++i) {
         auto module = registry.readString(UserRoot, key + std::to_string(i) + "Startup");
         if (!module) {

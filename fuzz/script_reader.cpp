@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/editor/InputText.h"
-#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/FileText.h"
 
 using namespace drafthost;
@@ -42,17 +42,17 @@ std::vector<std::string> cut(InputText& text, std::string_view coming, std::size
 }
 
 void readAnswer(const std::string& text) {
-    lisp::ReadingRules rules;
+    automation::ReadingRules rules;
     rules.lengthUnits = 4;
     rules.lastPoint = {1, 2, 3};
-    lisp::readInteger(text);
-    lisp::readNumber(text);
-    lisp::readNumber(text, rules);
-    lisp::readAngle(text, rules);
-    if (auto point = lisp::readPoint(text, rules)) {
+    automation::readInteger(text);
+    automation::readNumber(text);
+    automation::readNumber(text, rules);
+    automation::readAngle(text, rules);
+    if (auto point = automation::readPoint(text, rules)) {
         require((*point)[0] == (*point)[0]);
     }
-    if (auto keyword = lisp::matchKeyword(text, "All eXit LType 3P ?")) {
+    if (auto keyword = automation::matchKeyword(text, "All eXit LType 3P ?")) {
         require(!keyword->empty());
     }
 }

@@ -16,15 +16,15 @@ class Linker : public AcRxDynamicLinker {
   public:
     bool loadModule(const ACHAR* file, bool printit, bool asCmd) override {
         const std::string name = toUtf8(file);
-        lisp::ModuleStatus status = apiHost().modules().load(name, printit);
-        if (status == lisp::ModuleStatus::AlreadyLoaded && !asCmd) {
+        automation::ModuleStatus status = apiHost().modules().load(name, printit);
+        if (status == automation::ModuleStatus::AlreadyLoaded && !asCmd) {
             apiHost().modules().addReference(name);
             return true;
         }
-        return status == lisp::ModuleStatus::Done;
+        return status == automation::ModuleStatus::Done;
     }
     bool unloadModule(const ACHAR* file, bool) override {
-        return apiHost().modules().unload(toUtf8(file), false) == lisp::ModuleStatus::Done;
+        return apiHost().modules().unload(toUtf8(file), false) == automation::ModuleStatus::Done;
     }
     bool lockApplication(void* appId) override { return apiHost().modules().setLocked(appId, true); }
     bool unlockApplication(void* appId) override { return apiHost().modules().setLocked(appId, false); }

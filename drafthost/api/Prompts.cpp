@@ -3,8 +3,8 @@
 
 #include "acedads.h"
 #include "drafthost/api/ApiHost.h"
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/editor/InputStream.h"
-#include "drafthost/lisp/AnswerReader.h"
 
 using namespace drafthost;
 
@@ -59,7 +59,7 @@ int acedInitGet(int bits, const ACHAR* keywords) {
 int acedGetKword(const ACHAR* prompt, ACHAR* result, int size) {
     return askUntil(
         InputKind::Word, prompt, [&](const Input& input, const NextPrompt& rules, std::string& complaint) {
-            auto keyword = lisp::matchKeyword(input.text, rules.keywords);
+            auto keyword = automation::matchKeyword(input.text, rules.keywords);
             if (!keyword) {
                 complaint = "\"" + input.text + "\" is not one of the options " + rules.keywords + ".";
                 return 0;
@@ -71,7 +71,7 @@ int acedGetKword(const ACHAR* prompt, ACHAR* result, int size) {
 int acedGetInt(const ACHAR* prompt, int* result) {
     return askUntil(InputKind::Word, prompt,
                     [&](const Input& input, const NextPrompt&, std::string& complaint) {
-                        auto number = lisp::readInteger(input.text);
+                        auto number = automation::readInteger(input.text);
                         if (!number) {
                             complaint = "An integer is needed here, not \"" + input.text + "\".";
                             return 0;

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "drafthost/api/ApiHost.h"
+#include "drafthost/automation/PickSet.h"
 #include "drafthost/lisp/Printer.h"
 
 namespace drafthost {
@@ -17,7 +18,7 @@ std::vector<lisp::Value>& handedSets() {
     return sets;
 }
 
-lisp::Value pickSetOf(Adesk::IntPtr number) {
+lisp::Value handedSet(Adesk::IntPtr number) {
     auto& sets = handedSets();
     return number > 0 && std::size_t(number) <= sets.size() ? sets[std::size_t(number) - 1] : lisp::Value();
 }
@@ -50,7 +51,7 @@ std::optional<lisp::Value> valueOf(const resbuf& node) {
         case RTENAME:
             return lisp::Value::ename(lisp::EntityName(node.resval.rlname[0]));
         case RTPICKS:
-            return pickSetOf(node.resval.rlname[0]);
+            return handedSet(node.resval.rlname[0]);
         default:
             return std::nullopt;
     }
@@ -196,12 +197,11 @@ void ChainWriter::writeAtom(const lisp::Value& value) {
         case lisp::Type::Ename:
             node(RTENAME)->resval.rlname[0] = Adesk::IntPtr(value.toEname());
             break;
-        case lisp::Type::PickSet:
-            handedSets().push_back(value);
-            node(RTPICKS)->resval.rlname[0] = Adesk::IntPtr(handedSets().size());
-            break;
         default:
-            if (value.same(lisp::Value::truth())) {
+            if (automation::pickSetOf(value) != nullptr) {
+                handedSets().push_back(value);
+                node(RTPICKS)->resval.rlname[0] = Adesk::IntPtr(handedSets().size());
+            } else if (value.same(lisp::Value::truth())) {
                 node(RTT);
             } else {
                 node(RTSTR)->resval.rstring = duplicate(lisp::prin1(value));
@@ -256,7 +256,7 @@ void store(const VariableValue& value, resbuf& out) {
         default:
             out.restype = RT3DPOINT;
             for (int i = 0; i < 3; ++i) {
-                out.resval.rpoint[i] = std::get<Point3>(value)[std::size_t(i)];
+                out.resval.rpoint[i] = std::get<Point>(value)[std::size_t(i)];
             }
             break;
     }
@@ -277,7 +277,7 @@ std::optional<VariableValue> variableValueOf(const resbuf& node) {
         case RTPOINT:
             return Point2{node.resval.rpoint[0], node.resval.rpoint[1]};
         case RT3DPOINT:
-            return Point3{node.resval.rpoint[0], node.resval.rpoint[1], node.resval.rpoint[2]};
+            return Point{node.resval.rpoint[0], node.resval.rpoint[1], node.resval.rpoint[2]};
         default:
             return std::nullopt;
     }

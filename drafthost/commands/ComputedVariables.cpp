@@ -46,10 +46,6 @@ std::chrono::system_clock::time_point now() {
     return std::chrono::system_clock::now();
 }
 
-Point3 toArray(const Point& point) {
-    return {point.x, point.y, point.z};
-}
-
 // --- program ---
 
 VariableValue supportFolders(Host& host, Document*) {
@@ -186,15 +182,15 @@ Extents knownExtents(Document& document) {
 }
 
 VariableValue extentsMinimum(Host&, Document* document) {
-    return document ? toArray(knownExtents(*document).min) : Point3{1e20, 1e20, 1e20};
+    return document ? knownExtents(*document).min : Point{1e20, 1e20, 1e20};
 }
 
 VariableValue extentsMaximum(Host&, Document* document) {
-    return document ? toArray(knownExtents(*document).max) : Point3{-1e20, -1e20, -1e20};
+    return document ? knownExtents(*document).max : Point{-1e20, -1e20, -1e20};
 }
 
 VariableValue viewCenter(Host&, Document* document) {
-    return document ? toArray(viewCenterInUcs(document->drawing())) : Point3{};
+    return document ? viewCenterInUcs(document->drawing()) : Point{};
 }
 
 VariableValue viewSize(Host&, Document* document) {
@@ -202,7 +198,7 @@ VariableValue viewSize(Host&, Document* document) {
 }
 
 VariableValue viewDirection(Host&, Document* document) {
-    return document ? toArray(viewPlane(document->drawing()).direction) : Point3{0, 0, 1};
+    return document ? viewPlane(document->drawing()).direction : Point{0, 0, 1};
 }
 
 VariableValue viewTwist(Host&, Document* document) {

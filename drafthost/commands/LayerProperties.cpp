@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/commands/LayerOptions.h"
 #include "drafthost/commands/LayerTable.h"
 #include "drafthost/commands/Questions.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/editor/Document.h"
-#include "drafthost/lisp/AnswerReader.h"
 
 namespace drafthost::commands {
 
@@ -143,7 +143,7 @@ Task<bool> lineweightLayers(CommandContext& context) {
         std::optional<int> weight;
         if (answer.isKeyword("Default")) {
             weight = -3;
-        } else if (auto millimetres = lisp::readNumber(answer.text)) {
+        } else if (auto millimetres = automation::readNumber(answer.text)) {
             weight = nearestLineweight(*millimetres);
         }
         if (!weight) {

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 
+#include "drafthost/automation/DxfList.h"
+#include "drafthost/automation/SelectionAnswer.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/View.h"
 #include "drafthost/editor/Document.h"
-#include "drafthost/lisp/DxfList.h"
-#include "drafthost/lisp/SelectionAnswer.h"
-#include "drafthost/lisp/World.h"
+#include "drafthost/editor/DocumentLisp.h"
 
 namespace drafthost::commands {
 
@@ -32,10 +32,10 @@ std::vector<RecordId> allEntities(const Drawing& drawing) {
     return result;
 }
 
-std::vector<RecordId> fromNames(const Drawing& drawing, const std::vector<lisp::EntityName>& names) {
+std::vector<RecordId> fromNames(const Drawing& drawing, const std::vector<automation::EntityName>& names) {
     std::vector<RecordId> result;
-    for (lisp::EntityName name : names) {
-        if (auto record = lisp::aliveRecord(drawing, name)) {
+    for (automation::EntityName name : names) {
+        if (auto record = automation::aliveRecord(drawing, name)) {
             result.push_back(*record);
         }
     }
@@ -49,8 +49,8 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
     const Drawing& drawing = document.drawing();
     std::vector<RecordId> selected;
     for (;;) {
-        auto answer =
-            co_await context.input("Select objects", {.keywords = lisp::kSelectionWords, .bareText = true});
+        auto answer = co_await context.input("Select objects",
+                                             {.keywords = automation::kSelectionWords, .bareText = true});
         if (answer.isEnter()) {
             break;
         }
@@ -63,22 +63,22 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
                 found.push_back(last);
             }
         } else if (answer.isKeyword("Previous")) {
-            found = fromNames(drawing, document.world().previousSelection());
+            found = fromNames(drawing, document.lisp().session().previousSelection);
             if (found.empty()) {
                 context.complain("There is no previous selection set.");
                 continue;
             }
         } else if (answer.isKeyword()) {
-            context.complain(lisp::needsPicking(answer.keyword));
+            context.complain(automation::needsPicking(answer.keyword));
             continue;
         } else {
             const lisp::Value given = answer.value.isNil() ? lisp::Value::string(answer.text) : answer.value;
-            if (const auto names = lisp::namedObjects(drawing, given)) {
+            if (const auto names = automation::namedObjects(drawing, given)) {
                 found = fromNames(drawing, *names);
             }
         }
         if (found.empty()) {
-            context.complain(lisp::namesNothing(answer.text));
+            context.complain(automation::namesNothing(answer.text));
             continue;
         }
         size_t before = selected.size();
@@ -92,12 +92,12 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
                           std::to_string(selected.size()) + " total");
     }
     if (!selected.empty()) {
-        std::vector<lisp::EntityName> names;
+        std::vector<automation::EntityName> names;
         names.reserve(selected.size());
         for (RecordId record : selected) {
-            names.push_back(lisp::nameOf(record));
+            names.push_back(automation::nameOf(record));
         }
-        document.world().setPreviousSelection(std::move(names));
+        document.lisp().session().previousSelection = std::move(names);
     }
     co_return selected;
 }

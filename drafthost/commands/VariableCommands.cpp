@@ -59,7 +59,7 @@ std::optional<VariableValue> exactValue(const lisp::Value& value) {
                         [](const lisp::Value& item) { return item.isNumber(); })) {
             return items.size() == 2
                        ? VariableValue(Point2{items[0].toDouble(), items[1].toDouble()})
-                       : VariableValue(Point3{items[0].toDouble(), items[1].toDouble(), items[2].toDouble()});
+                       : VariableValue(Point{items[0].toDouble(), items[1].toDouble(), items[2].toDouble()});
         }
     }
     return std::nullopt;

@@ -80,7 +80,7 @@ VariableValue fromHeader(const VariableRow& row, const HeaderVariable& variable)
         case RowKind::Point2:
             return Point2{variable.point.x, variable.point.y};
         default:
-            return Point3{variable.point.x, variable.point.y, variable.point.z};
+            return variable.point;
     }
 }
 
@@ -181,7 +181,7 @@ VariableValue rowValue(const VariableRow& row, std::string_view text) {
         case RowKind::Point2:
             return Point2{numbers[0], numbers[1]};
         default:
-            return Point3{numbers[0], numbers[1], numbers[2]};
+            return Point{numbers[0], numbers[1], numbers[2]};
     }
 }
 
@@ -212,8 +212,8 @@ void storeHeaderValue(const VariableRow& row, Document& document, const Variable
     int code = found ? found->code : headerCode(row);
     if (auto flat = std::get_if<Point2>(&value)) {
         setHeaderPoint(drawing, name, {(*flat)[0], (*flat)[1], 0}, 2);
-    } else if (auto point = std::get_if<Point3>(&value)) {
-        setHeaderPoint(drawing, name, {(*point)[0], (*point)[1], (*point)[2]}, found ? found->reals : 3);
+    } else if (auto point = std::get_if<Point>(&value)) {
+        setHeaderPoint(drawing, name, *point, found ? found->reals : 3);
     } else {
         setHeader(drawing, name, code, toHeader(row, value, code));
     }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/commands/ChangeWatch.h"
 #include "drafthost/commands/Commands.h"
 #include "drafthost/commands/Selection.h"
@@ -12,7 +13,6 @@
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/DocumentLisp.h"
 #include "drafthost/editor/Host.h"
-#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/Arguments.h"
 
 namespace drafthost::commands {
@@ -22,10 +22,6 @@ namespace {
 /// Views kept for ZOOM Previous.
 constexpr size_t viewStackDepth = 10;
 constexpr double screenMargin = 1.05;
-
-Point toPoint(const lisp::Point& point) {
-    return {point[0], point[1], point[2]};
-}
 
 bool sameView(const View& a, const View& b) {
     return a.center == b.center && a.height == b.height && a.aspect == b.aspect;
@@ -126,7 +122,7 @@ struct Scale {
 };
 
 /// Reads n, nX or nXP with n over 0.
-std::optional<Scale> readScale(std::string_view text, const lisp::ReadingRules& rules) {
+std::optional<Scale> readScale(std::string_view text, const automation::ReadingRules& rules) {
     Scale scale;
     auto endsWith = [&](std::string_view tail) {
         return text.size() > tail.size() &&
@@ -139,7 +135,7 @@ std::optional<Scale> readScale(std::string_view text, const lisp::ReadingRules& 
         scale.kind = ScaleKind::View;
         text.remove_suffix(1);
     }
-    auto factor = lisp::readNumber(text, rules);
+    auto factor = automation::readNumber(text, rules);
     if (!factor || !(*factor > 0)) {
         return std::nullopt;
     }
@@ -172,8 +168,8 @@ void zoomToScale(CommandContext& context, const Scale& scale) {
     changeView(context.document(), view);
 }
 
-lisp::ReadingRules rulesOf(CommandContext& context) {
-    return lisp::readingRules(context.document().lisp());
+automation::ReadingRules rulesOf(CommandContext& context) {
+    return automation::readingRules(context.document().lisp());
 }
 
 std::optional<Scale> scaleOf(CommandContext& context, const Answer& answer) {
@@ -203,7 +199,7 @@ CommandTask zoomCenter(CommandContext& context) {
         View view = currentView(document.drawing());
         auto answer =
             co_await context.input("Enter magnification or height <" + formatReal(view.height, 4) + ">");
-        view.center = displayFromUcs(document.drawing(), toPoint(center.point));
+        view.center = displayFromUcs(document.drawing(), center.point);
         view.center.z = 0;
         if (answer.isEnter()) {
             changeView(document, view);
@@ -230,7 +226,7 @@ CommandTask zoomCenter(CommandContext& context) {
 CommandTask zoomWindow(CommandContext& context) {
     auto first = co_await context.point("Specify first corner", {.noEmpty = true});
     auto second = co_await context.point("Specify opposite corner", {.noEmpty = true});
-    zoomToWindow(context, toPoint(first.point), toPoint(second.point));
+    zoomToWindow(context, first.point, second.point);
 }
 
 CommandTask zoomObject(CommandContext& context) {
@@ -303,11 +299,11 @@ CommandTask zoomCommand(CommandContext& context) {
             co_await zoomObject(context);
         } else if (auto scale = scaleOf(context, answer)) {
             zoomToScale(context, *scale);
-        } else if (auto corner = answer.value.isNil() ? lisp::readPoint(answer.text, rulesOf(context))
+        } else if (auto corner = answer.value.isNil() ? automation::readPoint(answer.text, rulesOf(context))
                                                       : lisp::toPoint(answer.value)) {
             auto second =
                 co_await context.point("Specify opposite corner", {.noEmpty = true, .base = *corner});
-            zoomToWindow(context, toPoint(*corner), toPoint(second.point));
+            zoomToWindow(context, *corner, second.point);
         } else {
             context.complain(
                 "\"" + answer.text +

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/drawing/FileBytes.h"
-#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/base/MemoryLimit.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

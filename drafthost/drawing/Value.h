@@ -6,6 +6,8 @@
 #include <string_view>
 #include <variant>
 
+#include "drafthost/base/Point.h"
+
 namespace drafthost {
 
 // What a tag may hold is told by its group code alone, in both forms of the file: the table here decides how
@@ -31,13 +33,6 @@ bool isTextKind(ValueKind kind);
 
 /// A value as others see it: UTF-8 text, a real, or a whole number.
 using Value = std::variant<std::string, double, std::int64_t>;
-
-struct Point {
-    double x = 0;
-    double y = 0;
-    double z = 0;
-    bool operator==(const Point&) const = default;
-};
 
 /// Shortest decimal text that reads back as the same double; always with a point or an exponent.
 /// `decimals` below 16 rounds to that many digits after the point instead.

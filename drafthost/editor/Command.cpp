@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/DocumentLisp.h"
 #include "drafthost/editor/Host.h"
-#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/Arguments.h"
 #include "drafthost/lisp/Printer.h"
 
@@ -16,13 +16,13 @@ namespace {
 
 constexpr const char* LastPoint = "LASTPOINT";
 
-lisp::Point lastPoint(Document& document) {
+Point lastPoint(Document& document) {
     auto found = document.variables().find(LastPoint);
     if (found == document.variables().end()) {
-        return lisp::Point{};
+        return Point{};
     }
-    const Point3* point = std::get_if<Point3>(&found->second);
-    return point ? *point : lisp::Point{};
+    const Point* point = std::get_if<Point>(&found->second);
+    return point ? *point : Point{};
 }
 
 std::string quoted(const Input& input) {
@@ -37,8 +37,8 @@ Input Input::fromValue(const lisp::Value& value) {
     }
     Input input{lisp::prin1(value), value, true};
     if (auto point = lisp::toPoint(value)) {
-        input.text = lisp::formatReal((*point)[0]) + "," + lisp::formatReal((*point)[1]) + "," +
-                     lisp::formatReal((*point)[2]);
+        input.text =
+            lisp::formatReal(point->x) + "," + lisp::formatReal(point->y) + "," + lisp::formatReal(point->z);
     }
     return input;
 }
@@ -103,7 +103,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
         answer_.text = input.text.substr(1, input.text.size() - 2);
     }
     if (!input.isValue && type_ != Type::Text) {
-        if (auto keyword = lisp::matchKeyword(input.text, keywords_)) {
+        if (auto keyword = automation::matchKeyword(input.text, keywords_)) {
             answer_.kind = Answer::Kind::Keyword;
             answer_.keyword = *keyword;
             return true;
@@ -113,7 +113,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
     if (input.isValue && input.value.isNumber()) {
         number = input.value.toDouble();
     }
-    lisp::ReadingRules rules = lisp::readingRules(context_.document().lisp());
+    automation::ReadingRules rules = automation::readingRules(context_.document().lisp());
     rules.lastPoint = options_.base ? *options_.base : lastPoint(context_.document());
     auto point = input.isValue ? lisp::toPoint(input.value) : std::nullopt;
     const std::string options = keywords_.empty() ? "" : " or one of the options " + keywords_;
@@ -135,7 +135,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
             return false;
         case Type::Integer: {
             if (!number && !input.isValue) {
-                auto typed = lisp::readInteger(input.text);
+                auto typed = automation::readInteger(input.text);
                 number = typed ? std::optional<double>(*typed) : std::nullopt;
             }
             const bool isInteger =
@@ -152,18 +152,18 @@ bool Ask::take(const Input& given, std::string& complaint) {
         case Type::Distance:
         case Type::Angle:
             if (!number && !input.isValue) {
-                number = type_ == Type::Angle ? lisp::readAngle(input.text, rules)
-                                              : lisp::readNumber(input.text, rules);
+                number = type_ == Type::Angle ? automation::readAngle(input.text, rules)
+                                              : automation::readNumber(input.text, rules);
             } else if (number && type_ == Type::Angle) {
-                number = lisp::angleOf(*number, rules);
+                number = automation::angleOf(*number, rules);
             }
             if (!number && type_ != Type::Real && options_.base) {
                 if (!point && !input.isValue) {
-                    point = lisp::readPoint(input.text, rules);
+                    point = automation::readPoint(input.text, rules);
                 }
                 if (point) {
-                    double dx = (*point)[0] - (*options_.base)[0];
-                    double dy = (*point)[1] - (*options_.base)[1];
+                    double dx = point->x - options_.base->x;
+                    double dy = point->y - options_.base->y;
                     number = type_ == Type::Distance ? std::hypot(dx, dy) : std::atan2(dy, dx);
                 }
             }
@@ -175,7 +175,7 @@ bool Ask::take(const Input& given, std::string& complaint) {
             return withinBounds(*number, complaint);
         case Type::Point:
             if (!point && !input.isValue) {
-                point = lisp::readPoint(input.text, rules);
+                point = automation::readPoint(input.text, rules);
             }
             if (!point) {
                 complaint = "A point" + options + " is needed here, not " + quoted(input) + ".";

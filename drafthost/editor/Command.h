@@ -28,9 +28,9 @@ struct Answer {
     std::string text;     ///< word, text, fileName, input; the raw text of all others
     std::string keyword;  ///< as the list of keywords writes it, for example "Center"
     int integer = 0;
-    double real = 0;      ///< real, distance (drawing units), angle (radians)
-    lisp::Point point{};  ///< point
-    lisp::Value value;    ///< input: what was handed over as a value, nil for text
+    double real = 0;    ///< real, distance (drawing units), angle (radians)
+    Point point{};      ///< point
+    lisp::Value value;  ///< input: what was handed over as a value, nil for text
 
     /// Nothing was given and the prompt has no default.
     bool isEnter() const { return kind == Kind::Enter; }
@@ -54,7 +54,7 @@ struct AskOptions {
     std::optional<double> minimum{};
     std::optional<double> maximum{};
     /// A distance or angle may also be given as a point, measured from here; "@" starts from here too.
-    std::optional<lisp::Point> base{};
+    std::optional<Point> base{};
     /// Does not show the keywords; the text tells them already.
     bool bareText = false;
 };

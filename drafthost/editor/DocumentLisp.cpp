@@ -35,14 +35,14 @@ std::vector<Input> toInputs(std::span<const lisp::Value> values) {
     return inputs;
 }
 
-lisp::CommandStatus statusOf(Outcome outcome) {
+automation::CommandStatus statusOf(Outcome outcome) {
     switch (outcome) {
         case Outcome::Ok:
-            return lisp::CommandStatus::Done;
+            return automation::CommandStatus::Done;
         case Outcome::Cancelled:
-            return lisp::CommandStatus::Cancelled;
+            return automation::CommandStatus::Cancelled;
         default:
-            return lisp::CommandStatus::Rejected;
+            return automation::CommandStatus::Rejected;
     }
 }
 
@@ -75,7 +75,7 @@ lisp::Value toLisp(const VariableValue& value) {
         case 3:
             return lisp::Value::point2d(std::get<Point2>(value)[0], std::get<Point2>(value)[1]);
         default:
-            return lisp::Value::point(std::get<Point3>(value));
+            return lisp::Value::point(std::get<Point>(value));
     }
 }
 
@@ -91,15 +91,15 @@ std::optional<VariableValue> fromLisp(const lisp::Value& value) {
     }
     if (auto point = lisp::toPoint(value)) {
         if (value.items().size() == 2) {
-            return Point2{(*point)[0], (*point)[1]};
+            return Point2{point->x, point->y};
         }
-        return Point3(*point);
+        return *point;
     }
     return std::nullopt;
 }
 
 DocumentLisp::DocumentLisp(Host& host, Document& document)
-    : host_(host), document_(document), world_(*this) {}
+    : host_(host), document_(document), session_(*this) {}
 DocumentLisp::~DocumentLisp() = default;
 
 std::string DocumentLisp::shown(const lisp::Value& value) {
@@ -112,7 +112,7 @@ lisp::EvalResult DocumentLisp::run(std::string_view text, std::string_view first
     lisp::EvalResult result;
     {
         Evaluation evaluation(host_.input());
-        result = world_.evaluate(text);
+        result = world().evaluate(text);
     }
     const bool cancelled = result.status == lisp::EvalResult::Status::Cancelled;
     if (host_.report() && result.status == lisp::EvalResult::Status::Error) {
@@ -139,14 +139,14 @@ void DocumentLisp::startUp() {
         }
     };
     if (!file.empty()) {
-        tell(world_.loadFile(file));
+        tell(world().loadFile(file));
     }
-    if (world_.hasFunction("S::STARTUP")) {
-        tell(world_.call("S::STARTUP", {}));
+    if (world().hasFunction("S::STARTUP")) {
+        tell(world().call("S::STARTUP", {}));
     }
 }
 
-lisp::CommandStatus DocumentLisp::command(std::span<const lisp::Value> answers) {
+automation::CommandStatus DocumentLisp::command(std::span<const lisp::Value> answers) {
     const Outcome outcome = host_.input().speak(toInputs(answers), InputSource::Lisp);
     if (outcome == Outcome::Rejected || outcome == Outcome::Failed) {
         host_.input().refused();
@@ -154,7 +154,7 @@ lisp::CommandStatus DocumentLisp::command(std::span<const lisp::Value> answers) 
     return statusOf(outcome);
 }
 
-lisp::CommandStatus DocumentLisp::commandS(std::span<const lisp::Value> answers) {
+automation::CommandStatus DocumentLisp::commandS(std::span<const lisp::Value> answers) {
     CommandLine& line = document_.commandLine();
     const std::size_t depth = line.depth();
     if (host_.report()) {
@@ -165,7 +165,7 @@ lisp::CommandStatus DocumentLisp::commandS(std::span<const lisp::Value> answers)
     if (line.depth() > depth) {
         while (line.depth() > depth && line.cancel()) {
         }
-        return lisp::CommandStatus::Rejected;
+        return automation::CommandStatus::Rejected;
     }
     return statusOf(outcome);
 }
@@ -189,17 +189,17 @@ void DocumentLisp::alert(std::string_view text) {
     host_.printLine(text);
 }
 
-lisp::PromptAnswer DocumentLisp::ask(const lisp::PromptRequest& request) {
+automation::PromptAnswer DocumentLisp::ask(const automation::PromptRequest& request) {
     lastHeard_ =
         host_.input().listen(request.allowBlanks ? InputKind::Line : InputKind::Word, request.message);
     if (lastHeard_.cancelled) {
-        return lisp::PromptAnswer::cancelled();
+        return automation::PromptAnswer::cancelled();
     }
-    return lastHeard_.input.isValue ? lisp::PromptAnswer::fromValue(lastHeard_.input.value)
-                                    : lisp::PromptAnswer::fromText(lastHeard_.input.text);
+    return lastHeard_.input.isValue ? automation::PromptAnswer::fromValue(lastHeard_.input.value)
+                                    : automation::PromptAnswer::fromText(lastHeard_.input.text);
 }
 
-bool DocumentLisp::askAgain(const lisp::PromptRequest&, std::string_view reason) {
+bool DocumentLisp::askAgain(const automation::PromptRequest&, std::string_view reason) {
     host_.input().refuse(lastHeard_, reason);
     return true;
 }
@@ -223,11 +223,11 @@ bool DocumentLisp::callModuleFunction(const lisp::Exsubr& function, std::span<co
     return host_.modules().call(function.module, function.code, args, result);
 }
 
-lisp::ModuleStatus DocumentLisp::loadModule(std::string_view name) {
+automation::ModuleStatus DocumentLisp::loadModule(std::string_view name) {
     return host_.modules().load(name, false);
 }
 
-lisp::ModuleStatus DocumentLisp::unloadModule(std::string_view name) {
+automation::ModuleStatus DocumentLisp::unloadModule(std::string_view name) {
     return host_.modules().unload(name, false);
 }
 

@@ -6,19 +6,20 @@
 #include <string>
 #include <string_view>
 
+#include "drafthost/automation/LispHost.h"
+#include "drafthost/automation/Session.h"
 #include "drafthost/editor/InputStream.h"
 #include "drafthost/editor/SystemVariables.h"
-#include "drafthost/lisp/LispHost.h"
-#include "drafthost/lisp/World.h"
 
 namespace drafthost {
 
-class DocumentLisp : public lisp::LispHost {
+class DocumentLisp : public automation::LispHost {
   public:
     DocumentLisp(Host& host, Document& document);
     ~DocumentLisp() override;
 
-    lisp::World& world() { return world_; }
+    lisp::World& world() { return session_.world(); }
+    automation::Session& session() { return session_; }
     /// Evaluates the text, gives the notices for it (firstLine is what they carry) and prints the error if
     /// there is one.
     lisp::EvalResult run(std::string_view text, std::string_view firstLine);
@@ -28,20 +29,20 @@ class DocumentLisp : public lisp::LispHost {
     /// As the command line shows a value; nothing for the null symbol.
     static std::string shown(const lisp::Value& value);
 
-    lisp::CommandStatus command(std::span<const lisp::Value> answers) override;
-    lisp::CommandStatus commandS(std::span<const lisp::Value> answers) override;
+    automation::CommandStatus command(std::span<const lisp::Value> answers) override;
+    automation::CommandStatus commandS(std::span<const lisp::Value> answers) override;
     std::optional<lisp::Value> getVar(std::string_view name) override;
     bool setVar(std::string_view name, const lisp::Value& value) override;
     void print(std::string_view text) override;
     void alert(std::string_view text) override;
-    lisp::PromptAnswer ask(const lisp::PromptRequest& request) override;
-    bool askAgain(const lisp::PromptRequest& request, std::string_view reason) override;
+    automation::PromptAnswer ask(const automation::PromptRequest& request) override;
+    bool askAgain(const automation::PromptRequest& request, std::string_view reason) override;
     std::optional<std::string> askFile(std::string_view title, std::string_view preset,
                                        std::string_view extension, int flags) override;
     bool callModuleFunction(const lisp::Exsubr& function, std::span<const lisp::Value> args,
                             lisp::Value& result) override;
-    lisp::ModuleStatus loadModule(std::string_view name) override;
-    lisp::ModuleStatus unloadModule(std::string_view name) override;
+    automation::ModuleStatus loadModule(std::string_view name) override;
+    automation::ModuleStatus unloadModule(std::string_view name) override;
     std::vector<std::string> loadedModules() override;
     std::optional<std::string> findFile(std::string_view name) override;
     std::optional<std::string> findTrustedFile(std::string_view name) override;
@@ -61,7 +62,7 @@ class DocumentLisp : public lisp::LispHost {
   private:
     Host& host_;
     Document& document_;
-    lisp::World world_;
+    automation::Session session_;
     Heard lastHeard_;
 };
 

@@ -14,7 +14,7 @@
 
 namespace drafthost {
 
-using lisp::ModuleStatus;
+using automation::ModuleStatus;
 
 struct ModuleTable::Module {
     std::string path;

@@ -13,7 +13,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "drafthost/lisp/LispHost.h"
+#include "drafthost/automation/LispHost.h"
 #include "rxregsvc.h"
 
 namespace drafthost {
@@ -39,9 +39,9 @@ class ModuleTable {
 
     /// Loads by name or path; ".arx" is added to a name without extension. Tells in one line when that does
     /// not go, and with verbose also what was done. A module that is loaded already is not loaded again.
-    lisp::ModuleStatus load(std::string_view name, bool verbose, Chosen chosen = Chosen::ByProgram);
+    automation::ModuleStatus load(std::string_view name, bool verbose, Chosen chosen = Chosen::ByProgram);
     /// Unloads by name or path; refused while it is locked.
-    lisp::ModuleStatus unload(std::string_view name, bool verbose);
+    automation::ModuleStatus unload(std::string_view name, bool verbose);
     /// The second load of a module that asks for it: counts its users.
     void addReference(std::string_view name);
     /// Unloads all, the last one first.

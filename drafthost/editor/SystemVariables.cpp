@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drafthost/automation/AnswerReader.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
 #include "drafthost/editor/RegistryFile.h"
-#include "drafthost/lisp/AnswerReader.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/Symbol.h"
 
@@ -34,7 +34,7 @@ std::optional<VariableValue> headerValue(const Drawing& drawing, const VariableE
         case 3:
             return Point2{variable->point.x, variable->point.y};
         default:
-            return Point3{variable->point.x, variable->point.y, variable->point.z};
+            return variable->point;
     }
 }
 
@@ -68,11 +68,9 @@ void setHeaderValue(Drawing& drawing, const VariableEntry& entry, const Variable
             setHeaderPoint(drawing, entry.header, {point[0], point[1], 0}, 2);
             break;
         }
-        default: {
-            const Point3& point = std::get<Point3>(value);
-            setHeaderPoint(drawing, entry.header, {point[0], point[1], point[2]}, 3);
+        default:
+            setHeaderPoint(drawing, entry.header, std::get<Point>(value), 3);
             break;
-        }
     }
 }
 
@@ -84,13 +82,13 @@ std::optional<VariableValue> convert(const VariableValue& value, const VariableV
     if (std::holds_alternative<double>(like) && std::holds_alternative<int>(value)) {
         return double(std::get<int>(value));
     }
-    if (std::holds_alternative<Point3>(like) && std::holds_alternative<Point2>(value)) {
+    if (std::holds_alternative<Point>(like) && std::holds_alternative<Point2>(value)) {
         const Point2& point = std::get<Point2>(value);
-        return Point3{point[0], point[1], 0};
+        return Point{point[0], point[1], 0};
     }
-    if (std::holds_alternative<Point2>(like) && std::holds_alternative<Point3>(value)) {
-        const Point3& point = std::get<Point3>(value);
-        return Point2{point[0], point[1]};
+    if (std::holds_alternative<Point2>(like) && std::holds_alternative<Point>(value)) {
+        const Point& point = std::get<Point>(value);
+        return Point2{point.x, point.y};
     }
     return std::nullopt;
 }
@@ -148,18 +146,18 @@ std::string stored(const VariableValue& value) {
 std::optional<VariableValue> readText(std::string_view text, const VariableValue& like) {
     switch (like.index()) {
         case 0: {
-            auto value = lisp::readInteger(text);
+            auto value = automation::readInteger(text);
             return value ? std::optional<VariableValue>(*value) : std::nullopt;
         }
         case 1: {
-            auto value = lisp::readNumber(text);
+            auto value = automation::readNumber(text);
             return value ? std::optional<VariableValue>(*value) : std::nullopt;
         }
         case 2:
             return std::string(text);
         default: {
-            auto value = lisp::readPoint(text);
-            return value ? convert(Point3(*value), like) : std::nullopt;
+            auto value = automation::readPoint(text);
+            return value ? convert(*value, like) : std::nullopt;
         }
     }
 }
@@ -343,8 +341,8 @@ std::string toText(const VariableValue& value) {
             return shown(point[0]) + "," + shown(point[1]);
         }
         default: {
-            const Point3& point = std::get<Point3>(value);
-            return shown(point[0]) + "," + shown(point[1]) + "," + shown(point[2]);
+            const Point& point = std::get<Point>(value);
+            return shown(point.x) + "," + shown(point.y) + "," + shown(point.z);
         }
     }
 }

@@ -13,15 +13,16 @@
 #include <variant>
 #include <vector>
 
+#include "drafthost/base/Point.h"
+
 namespace drafthost {
 
 class Document;
 class Host;
 
 using Point2 = std::array<double, 2>;
-using Point3 = std::array<double, 3>;
 /// The alternative is the type: 16-bit integer, real, string, 2D point, 3D point.
-using VariableValue = std::variant<int, double, std::string, Point2, Point3>;
+using VariableValue = std::variant<int, double, std::string, Point2, Point>;
 
 enum class VariableStorage {
     Computed,  ///< get (and set) do all

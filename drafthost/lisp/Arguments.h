@@ -49,12 +49,6 @@ inline EntityName enameArg(const Value& v) {
     }
     return v.toEname();
 }
-inline PickSet& pickSetArg(const Value& v) {
-    if (!v.isPickSet()) {
-        failType("lselsetp", v);
-    }
-    return v.toPickSet();
-}
 /// The argument with that index, nil when it was left out.
 inline const Value& optional(Args args, std::size_t i) {
     static const Value kNil;

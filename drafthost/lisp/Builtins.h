@@ -17,16 +17,9 @@ std::span<const Subr> listSearchFunctions();
 std::span<const Subr> stringFunctions();
 std::span<const Subr> conversionFunctions();
 std::span<const Subr> outputFunctions();
-std::span<const Subr> promptFunctions();
 std::span<const Subr> fileFunctions();
 std::span<const Subr> fileSystemFunctions();
 std::span<const Subr> geometryFunctions();
-std::span<const Subr> commandFunctions();
-std::span<const Subr> hostFunctions();
 std::span<const Subr> namespaceFunctions();
-std::span<const Subr> tableFunctions();
-std::span<const Subr> dictionaryFunctions();
-std::span<const Subr> entityFunctions();
-std::span<const Subr> selectionFunctions();
 
 }  // namespace drafthost::lisp

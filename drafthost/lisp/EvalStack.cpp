@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <new>
 
-#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/base/MemoryLimit.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/common_interface_defs.h>

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/lisp/Evaluator.h"
 
-#include <utility>
-
 #include <algorithm>
 #include <array>
 #include <new>
 #include <numbers>
 
-#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/base/MemoryLimit.h"
 #include "drafthost/lisp/Builtins.h"
 #include "drafthost/lisp/EvalStack.h"
 #include "drafthost/lisp/Printer.h"
@@ -61,23 +59,24 @@ const Symbol* lambdaSymbol() {
 
 }  // namespace
 
-Evaluator::Evaluator(LispHost& h) : host(h), stepsLeft_(kStepsPerPulse) {
+Evaluator::Evaluator(WorldHost& h) : host(h), stepsLeft_(kStepsPerPulse) {
     for (const auto family :
-         {arithmeticFunctions, compareFunctions,    controlFunctions, functionFunctions,
-          listFunctions,       listSearchFunctions, stringFunctions,  conversionFunctions,
-          outputFunctions,     promptFunctions,     fileFunctions,    fileSystemFunctions,
-          geometryFunctions,   commandFunctions,    hostFunctions,    namespaceFunctions,
-          tableFunctions,      dictionaryFunctions, entityFunctions,  selectionFunctions}) {
-        for (const Subr& s : family()) {
-            set(Symbol::intern(s.name), Value::subr(&s));
-        }
+         {arithmeticFunctions, compareFunctions, controlFunctions, functionFunctions, listFunctions,
+          listSearchFunctions, stringFunctions, conversionFunctions, outputFunctions, fileFunctions,
+          fileSystemFunctions, geometryFunctions, namespaceFunctions}) {
+        define(family());
     }
     set(Symbol::intern("T"), Value::truth());
     set(Symbol::intern("PI"), Value::real(std::numbers::pi));
-    set(Symbol::intern("PAUSE"), Value::string("\\"));
 }
 
 Evaluator::~Evaluator() = default;
+
+void Evaluator::define(std::span<const Subr> functions) {
+    for (const Subr& s : functions) {
+        set(Symbol::intern(s.name), Value::subr(&s));
+    }
+}
 
 std::vector<const Symbol*> Evaluator::boundSymbols() const {
     std::vector<const Symbol*> result;
@@ -137,16 +136,13 @@ void Evaluator::checkStack() const {
     }
 }
 
-Evaluator::Entry::Entry(Evaluator& e)
-    : evaluator_(e), quietDepth_(e.quietDepth), commandDepth_(e.commandDepth) {
+Evaluator::Entry::Entry(Evaluator& e) : evaluator_(e), quietDepth_(e.quietDepth) {
     e.quietDepth = 0;
-    e.commandDepth = 0;
     ++e.entries_;
 }
 
 Evaluator::Entry::~Entry() {
     evaluator_.quietDepth = quietDepth_;
-    evaluator_.commandDepth = commandDepth_;
     --evaluator_.entries_;
 }
 
@@ -162,7 +158,7 @@ void Evaluator::reportFailure(Failure& failure) {
     }
     failure.handled = true;
     ++quietDepth;
-    const int commands = std::exchange(commandDepth, 0);
+    ++handlers_;
     try {
         Value text = Value::string(failure.text);
         apply(handler, Args(&text, 1));
@@ -170,7 +166,7 @@ void Evaluator::reportFailure(Failure& failure) {
         second.seen = true;
         failure = std::move(second);
     }
-    commandDepth = commands;
+    --handlers_;
     --quietDepth;
 }
 

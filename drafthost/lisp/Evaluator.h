@@ -6,37 +6,24 @@
 // counting, so that it holds in any build; close to its end the evaluation fails like any other.
 
 #include <chrono>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "drafthost/lisp/Failure.h"
 #include "drafthost/lisp/Function.h"
-#include "drafthost/lisp/LispHost.h"
+#include "drafthost/lisp/WorldHost.h"
 
 namespace drafthost::lisp {
 
-/// What (initget) left for the next prompt.
-struct InitGet {
-    int bits = 0;
-    std::vector<std::string> keywords;
-};
-
-/// Where (tblnext) stands: the last record given and how many were given with it.
-struct TableCursor {
-    EntityName last = 0;
-    std::size_t index = 0;
-};
-
 class Evaluator {
   public:
-    explicit Evaluator(LispHost& host);
+    explicit Evaluator(WorldHost& host);
     ~Evaluator();
     Evaluator(const Evaluator&) = delete;
     Evaluator& operator=(const Evaluator&) = delete;
 
-    LispHost& host;
+    WorldHost& host;
 
     Value eval(const Value& form);
     /// Evaluates each form of a list; the value is that of the last.
@@ -54,6 +41,8 @@ class Evaluator {
 
     const Value& get(const Symbol* s) { return slot(s); }
     void set(const Symbol* s, Value v) { slot(s).swap(v); }
+    /// Binds the functions of a table, which must outlive the evaluator.
+    void define(std::span<const Subr> functions);
     /// The symbols that are bound to something.
     std::vector<const Symbol*> boundSymbols() const;
 
@@ -99,22 +88,17 @@ class Evaluator {
       private:
         Evaluator& evaluator_;
         int quietDepth_;
-        int commandDepth_;
     };
     bool running() const { return entries_ > 0; }
+    /// Which entry from outside, or call of *error* within one, is at work: each has its own number while it
+    /// lasts. What holds for the code of one does not hold for that of another.
+    int level() const { return entries_ + handlers_; }
     /// Calls the user's *error*, where there is one and nothing catches the failure further out.
     void reportFailure(Failure& failure);
 
     // State of the functions that need some.
-    InitGet initGet;
-    int quietDepth = 0;    ///< inside vl-catch-all-apply or *error*: failures call no *error*
-    int commandDepth = 0;  ///< the arguments of (command) are being evaluated
-    std::map<std::string, TableCursor> tableCursors;
-    std::map<EntityName, std::size_t> dictionaryCursors;       ///< entries given by (dictnext)
-    std::map<EntityName, std::vector<std::uint32_t>> deleted;  ///< records that (entdel) can give back
-    std::set<std::string> exposed;                             ///< given to vl-acad-defun
-    std::vector<EntityName> previousSelection;
-    std::vector<EntityName> pickFirst;
+    int quietDepth = 0;             ///< inside vl-catch-all-apply or *error*: failures call no *error*
+    std::set<std::string> exposed;  ///< given to vl-acad-defun
 
   private:
     friend class Binding;
@@ -136,6 +120,7 @@ class Evaluator {
     std::vector<std::pair<const Symbol*, Value>> hidden_;
     int stepsLeft_;
     int entries_ = 0;
+    int handlers_ = 0;
     std::chrono::steady_clock::time_point lastPulse_;
 };
 

@@ -6,7 +6,6 @@
 #include "drafthost/lisp/Evaluator.h"
 #include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/Printer.h"
-#include "drafthost/lisp/Prompts.h"
 #include "drafthost/lisp/Stream.h"
 #include "drafthost/lisp/Utf8.h"
 
@@ -54,7 +53,7 @@ Value closeFile(Evaluator&, Args args) {
 
 Value readLine(Evaluator& e, Args args) {
     if (!optional(args, 0)) {
-        return askUser(e, {.kind = PromptKind::String, .allowBlanks = true});
+        return e.host.readLine(e);
     }
     auto line = readerArg(args[0]).readLine();
     return line ? Value::string(std::move(*line)) : Value();
@@ -62,7 +61,7 @@ Value readLine(Evaluator& e, Args args) {
 
 Value readCharacter(Evaluator& e, Args args) {
     if (!optional(args, 0)) {
-        const Value line = askUser(e, {.kind = PromptKind::String, .allowBlanks = true});
+        const Value line = e.host.readLine(e);
         std::size_t pos = 0;
         const std::string& text = stringArg(line);
         return Value::integer(text.empty() ? '\n' : static_cast<std::int32_t>(nextCharacter(text, pos)));

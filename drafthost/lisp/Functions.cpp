@@ -105,8 +105,8 @@ Value typeOf(Evaluator&, Args args) {
             return Value::symbol("USUBR");
         case Type::Exsubr:
             return Value::symbol("EXSUBR");
-        case Type::PickSet:
-            return Value::symbol("PICKSET");
+        case Type::Foreign:
+            return Value::symbol(args[0].toForeign().typeName());
         case Type::File:
             return Value::symbol("FILE");
         case Type::Error:

@@ -110,19 +110,15 @@ Axes axesOf(Point z) {
     if (length == 0) {
         return {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     }
-    for (double& c : z) {
-        c /= length;
-    }
+    z = {z.x / length, z.y / length, z.z / length};
     const auto cross = [](const Point& a, const Point& b) {
         return Point{a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
     };
-    Point x =
+    const Point x =
         std::fabs(z[0]) < 1.0 / 64 && std::fabs(z[1]) < 1.0 / 64 ? cross({0, 1, 0}, z) : cross({0, 0, 1}, z);
     const double size = std::hypot(x[0], x[1], x[2]);
-    for (double& c : x) {
-        c /= size;
-    }
-    return {x, cross(z, x), z};
+    const Point unit{x.x / size, x.y / size, x.z / size};
+    return {unit, cross(z, unit), z};
 }
 
 Value transform(Evaluator&, Args args) {

@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/base/MemoryLimit.h"
 
 namespace drafthost::lisp {
 namespace {

@@ -37,14 +37,9 @@ Value hide(Evaluator& e, Args args) {
     return Value::boolean(e.exposed.erase(symbolArg(args[0])->name()) != 0);
 }
 
-// All that this would load is there from the start.
-Value loadExtensions(Evaluator&, Args) {
-    return Value::nullSymbol();
-}
-
 constexpr Subr kFunctions[] = {
     {"VL-BB-SET", 2, 2, setOnBoard}, {"VL-BB-REF", 1, 1, getFromBoard}, {"VL-PROPAGATE", 1, 1, propagate},
-    {"VL-ACAD-DEFUN", 1, 1, expose}, {"VL-ACAD-UNDEFUN", 1, 1, hide},   {"VL-LOAD-COM", 0, 0, loadExtensions},
+    {"VL-ACAD-DEFUN", 1, 1, expose}, {"VL-ACAD-UNDEFUN", 1, 1, hide},
 };
 
 }  // namespace

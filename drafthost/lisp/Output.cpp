@@ -68,19 +68,10 @@ Value switchScreen(Evaluator&, Args) {
     return {};
 }
 
-Value redraw(Evaluator& e, Args args) {
-    if (!args.empty() && args[0]) {
-        enameArg(args[0]);
-    }
-    e.host.refreshView();
-    return {};
-}
-
 constexpr Subr kFunctions[] = {
     {"PRINC", 0, 2, printRaw},       {"PRIN1", 0, 2, printReadable},   {"PRINT", 0, 2, printLine},
     {"PROMPT", 1, 1, prompt},        {"TERPRI", 0, 0, newLine},        {"ALERT", 1, 1, alert},
     {"TEXTSCR", 0, 0, switchScreen}, {"GRAPHSCR", 0, 0, switchScreen}, {"TEXTPAGE", 0, 0, switchScreen},
-    {"REDRAW", 0, 2, redraw},
 };
 
 }  // namespace

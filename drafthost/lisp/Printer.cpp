@@ -87,8 +87,8 @@ void appendAtom(std::string& out, const Value& v, bool quote) {
             out += "#<EXRXSUBR @" + hex(reinterpret_cast<std::uintptr_t>(&v.toExsubr())) + " " +
                    v.toExsubr().name + ">";
             break;
-        case Type::PickSet:
-            out += "<Selection set: " + hex(v.toPickSet().number) + ">";
+        case Type::Foreign:
+            out += v.toForeign().shown();
             break;
         case Type::File:
             out += "#<file \"" + v.toStream().path + "\">";

@@ -44,10 +44,6 @@ Value Value::point2d(double x, double y) {
     return list({real(x), real(y)});
 }
 
-Value Value::pickSet(const std::vector<EntityName>& members) {
-    return adopt(new PickSet(members));
-}
-
 Value Value::exsubr(std::string name, std::uint64_t module, int code) {
     return adopt(new Exsubr(std::move(name), module, code));
 }
@@ -148,8 +144,8 @@ void Value::destroy(Counted* object) {
             case Type::Exsubr:
                 delete static_cast<Exsubr*>(dead);
                 break;
-            case Type::PickSet:
-                delete static_cast<PickSet*>(dead);
+            case Type::Foreign:
+                delete static_cast<Foreign*>(dead);
                 break;
             case Type::File:
                 delete static_cast<Stream*>(dead);
@@ -159,37 +155,6 @@ void Value::destroy(Counted* object) {
                 break;
         }
     }
-}
-
-namespace {
-std::uint32_t nextSetNumber() {
-    static std::uint32_t number = 0;
-    return ++number;
-}
-}  // namespace
-
-PickSet::PickSet(const std::vector<EntityName>& members) : Counted(Type::PickSet), number(nextSetNumber()) {
-    order_.reserve(members.size());
-    index_.reserve(members.size());
-    for (const EntityName e : members) {
-        add(e);
-    }
-}
-
-bool PickSet::add(EntityName e) {
-    if (!index_.insert(e).second) {
-        return false;
-    }
-    order_.push_back(e);
-    return true;
-}
-
-bool PickSet::remove(EntityName e) {
-    if (index_.erase(e) == 0) {
-        return false;
-    }
-    std::erase(order_, e);
-    return true;
 }
 
 void ListBuilder::add(Value v) {

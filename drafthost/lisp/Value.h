@@ -4,14 +4,13 @@
 // arise and counting references is enough; there is no collector and no pause. Lists of any length
 // and depth are freed without recursion. Values belong to the main thread.
 
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
+#include "drafthost/base/Point.h"
 #include "drafthost/lisp/Memory.h"
 #include "drafthost/lisp/Symbol.h"
 
@@ -19,7 +18,6 @@ namespace drafthost::lisp {
 
 /// Names an entity or another object of the drawing within its document; 0 names none.
 using EntityName = std::uint64_t;
-using Point = std::array<double, 3>;
 
 enum class Type : std::uint8_t {
     Nil,
@@ -33,7 +31,7 @@ enum class Type : std::uint8_t {
     Cons,
     Usubr,
     Exsubr,
-    PickSet,
+    Foreign,
     File,
     Error,
 };
@@ -62,7 +60,7 @@ struct Counted {
 struct StringObject;
 struct Cons;
 struct Exsubr;
-struct PickSet;
+struct Foreign;
 struct ErrorObject;
 
 class Value {
@@ -98,7 +96,6 @@ class Value {
     }
     static Value point(const Point& p);        ///< a list of three reals
     static Value point2d(double x, double y);  ///< a list of two reals
-    static Value pickSet(const std::vector<EntityName>& members);
     static Value exsubr(std::string name, std::uint64_t module, int code);
     static Value error(std::string text);
     /// Takes over a counted object that was made with new.
@@ -115,7 +112,7 @@ class Value {
     bool isCons() const { return type_ == Type::Cons; }
     bool isList() const { return isNil() || isCons(); }
     bool isEname() const { return type_ == Type::Ename; }
-    bool isPickSet() const { return type_ == Type::PickSet; }
+    bool isForeign() const { return type_ == Type::Foreign; }
     bool isError() const { return type_ == Type::Error; }
     bool isFunction() const { return type_ == Type::Subr || type_ == Type::Usubr || type_ == Type::Exsubr; }
     bool isNullSymbol() const;
@@ -133,7 +130,7 @@ class Value {
     const Value& cdr() const;  ///< nil of nil
     Usubr& toUsubr() const;
     const Exsubr& toExsubr() const;
-    PickSet& toPickSet() const;
+    Foreign& toForeign() const;
     Stream& toStream() const;
     const std::string& errorText() const;
 
@@ -198,18 +195,15 @@ struct Exsubr : Counted {
         : Counted(Type::Exsubr), name(std::move(n)), module(m), code(c) {}
 };
 
-/// A selection set: shared by all values that hold it, each member once, in order of selection.
-struct PickSet : Counted {
-    explicit PickSet(const std::vector<EntityName>& members);
-    const std::vector<EntityName>& members() const { return order_; }
-    bool contains(EntityName e) const { return index_.contains(e); }
-    bool add(EntityName e);
-    bool remove(EntityName e);
-    const std::uint32_t number;  ///< shown when the set is printed
-
-  private:
-    std::vector<EntityName> order_;
-    std::unordered_set<EntityName> index_;
+/// An object that programs carry about while the language knows nothing of it: a selection set, say. What
+/// its holders can do with it is a matter of the functions that take it.
+struct Foreign : Counted {
+    Foreign() : Counted(Type::Foreign) {}
+    virtual ~Foreign() = default;
+    /// The name that (type) gives.
+    virtual const char* typeName() const = 0;
+    /// The object as it is printed.
+    virtual std::string shown() const = 0;
 };
 
 struct ErrorObject : Counted {
@@ -276,8 +270,8 @@ inline const std::string& Value::toString() const {
 inline const Exsubr& Value::toExsubr() const {
     return *static_cast<Exsubr*>(data_.object);
 }
-inline PickSet& Value::toPickSet() const {
-    return *static_cast<PickSet*>(data_.object);
+inline Foreign& Value::toForeign() const {
+    return *static_cast<Foreign*>(data_.object);
 }
 inline const std::string& Value::errorText() const {
     return static_cast<ErrorObject*>(data_.object)->text;

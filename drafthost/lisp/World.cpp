@@ -4,7 +4,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/base/MemoryLimit.h"
 #include "drafthost/lisp/EvalStack.h"
 #include "drafthost/lisp/Evaluator.h"
 #include "drafthost/lisp/FileText.h"
@@ -55,7 +55,7 @@ EvalResult guarded(Evaluator& evaluator, const Work& work) {
 
 }  // namespace
 
-World::World(LispHost& host) : evaluator_(std::make_unique<Evaluator>(host)) {
+World::World(WorldHost& host) : evaluator_(std::make_unique<Evaluator>(host)) {
     worlds().push_back(evaluator_.get());
 }
 
@@ -100,6 +100,10 @@ void World::set(std::string_view symbol, Value value) {
     evaluator_->set(Symbol::intern(symbol), std::move(value));
 }
 
+void World::define(std::span<const Subr> functions) {
+    evaluator_->define(functions);
+}
+
 bool World::hasFunction(std::string_view name) const {
     const Value& bound = evaluator_->get(Symbol::intern(name));
     return bound.isFunction() || (bound.isCons() && bound.car().isList());
@@ -129,22 +133,6 @@ void World::undefineModule(std::uint64_t module) {
     for (const Symbol* symbol : evaluator_->boundSymbols()) {
         undefineModuleFunction(symbol->name(), module);
     }
-}
-
-const std::vector<EntityName>& World::previousSelection() const {
-    return evaluator_->previousSelection;
-}
-
-void World::setPreviousSelection(std::vector<EntityName> entities) {
-    evaluator_->previousSelection = std::move(entities);
-}
-
-const std::vector<EntityName>& World::pickFirst() const {
-    return evaluator_->pickFirst;
-}
-
-void World::setPickFirst(std::vector<EntityName> entities) {
-    evaluator_->pickFirst = std::move(entities);
 }
 
 }  // namespace drafthost::lisp

@@ -10,8 +10,9 @@
 #include <string>
 #include <string_view>
 
-#include "drafthost/lisp/LispHost.h"
+#include "drafthost/lisp/Function.h"
 #include "drafthost/lisp/Value.h"
+#include "drafthost/lisp/WorldHost.h"
 
 namespace drafthost::lisp {
 
@@ -35,7 +36,7 @@ struct EvalResult {
 
 class World {
   public:
-    explicit World(LispHost& host);
+    explicit World(WorldHost& host);
     ~World();
     World(const World&) = delete;
     World& operator=(const World&) = delete;
@@ -55,6 +56,8 @@ class World {
     /// Value of a symbol, nil when unbound.
     Value get(std::string_view symbol) const;
     void set(std::string_view symbol, Value value);
+    /// Adds the functions of a table, which must outlive the world.
+    void define(std::span<const Subr> functions);
     /// Whether the symbol is bound to something callable.
     bool hasFunction(std::string_view name) const;
     /// Whether modules may call it: named "C:…", defined by a module, or given to vl-acad-defun.
@@ -66,13 +69,6 @@ class World {
     void undefineModuleFunction(std::string_view name, std::uint64_t module);
     /// Unbinds all functions of a module that goes.
     void undefineModule(std::uint64_t module);
-
-    /// The last selection set made, for "Previous"; entities may have been erased since.
-    const std::vector<EntityName>& previousSelection() const;
-    void setPreviousSelection(std::vector<EntityName> entities);
-    /// Objects selected before a command starts ("implied"); empty when none.
-    const std::vector<EntityName>& pickFirst() const;
-    void setPickFirst(std::vector<EntityName> entities);
 
     Evaluator& evaluator() { return *evaluator_; }
 

@@ -11,7 +11,7 @@
 namespace drafthost::test {
 namespace {
 
-using lisp::ModuleStatus;
+using automation::ModuleStatus;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;

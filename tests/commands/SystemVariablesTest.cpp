@@ -48,7 +48,7 @@ TEST_F(Variables, HeaderValuesAreReadAndWrittenWhereTheyStand) {
     EXPECT_EQ(set("CECOLOR", std::string("red")), VariableStatus::Ok);
     EXPECT_EQ(set("clayer", std::string("walls")), VariableStatus::Ok);
     EXPECT_EQ(set("ANGBASE", std::acos(-1.0) / 2), VariableStatus::Ok);
-    EXPECT_EQ(set("INSBASE", Point3{1, 2, 3}), VariableStatus::Ok);
+    EXPECT_EQ(set("INSBASE", Point{1, 2, 3}), VariableStatus::Ok);
     EXPECT_EQ(integer("DBMOD"), 4);
     EXPECT_EQ(text("CLAYER"), "Walls") << "the table's way to write the name";
     type("qsave\n");
@@ -141,20 +141,20 @@ TEST_F(Variables, TheCurrentTabMovesTheContentsOfLayouts) {
     EXPECT_EQ(text("CTAB"), "Sheet");
     EXPECT_EQ(integer("CVPORT"), 1);
     type("regen\n");
-    EXPECT_EQ(std::get<Point3>(variable("EXTMAX"))[0], 55.0);
+    EXPECT_EQ(std::get<Point>(variable("EXTMAX"))[0], 55.0);
     EXPECT_EQ(set("CTAB", std::string("detail")), VariableStatus::Ok) << reason;
     EXPECT_EQ(text("CTAB"), "Detail");
     type("regen\n");
-    EXPECT_EQ(std::get<Point3>(variable("EXTMAX"))[0], 77.0);
+    EXPECT_EQ(std::get<Point>(variable("EXTMAX"))[0], 77.0);
     type("qsave\n");
     open(path("plan.dxf"));
     EXPECT_EQ(text("CTAB"), "Detail") << "stays so in the file";
     EXPECT_EQ(set("CTAB", std::string("Sheet")), VariableStatus::Ok) << reason;
     type("regen\n");
-    EXPECT_EQ(std::get<Point3>(variable("EXTMAX"))[0], 55.0);
+    EXPECT_EQ(std::get<Point>(variable("EXTMAX"))[0], 55.0);
     EXPECT_EQ(set("CTAB", std::string("MODEL")), VariableStatus::Ok);
     type("regen\n");
-    EXPECT_EQ(std::get<Point3>(variable("EXTMAX")), (Point3{30, 20, 0}));
+    EXPECT_EQ(std::get<Point>(variable("EXTMAX")), (Point{30, 20, 0}));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ class Zoom : public TestHost {
   protected:
     Zoom() { open(write("plan.dxf", drawing2000())); }
     void expectView(double x, double y, double height) {
-        Point3 center = std::get<Point3>(variable("VIEWCTR"));
+        Point center = std::get<Point>(variable("VIEWCTR"));
         EXPECT_NEAR(center[0], x, 1e-9) << output;
         EXPECT_NEAR(center[1], y, 1e-9) << output;
         EXPECT_NEAR(std::get<double>(variable("VIEWSIZE")), height, 1e-9) << output;
@@ -46,7 +46,7 @@ TEST_F(Zoom, APointMeansTheSameToACommandAndToLisp) {
         "0.0)))\n";
     for (const std::string answer : {"1'2,6", "@3,4", "@2<50", "1'<50d", "*1-1/2,2", "#3,4", "@"}) {
         type(rules + "zoom c " + answer + " 10\n");
-        const Point3 ofCommand = std::get<Point3>(variable("VIEWCTR"));
+        const Point ofCommand = std::get<Point>(variable("VIEWCTR"));
         type(rules + "(setq p (getpoint))\n" + answer + "\n(setvar \"VIEWCTR\" p)\n");
         output.clear();
         type("(< (distance p '(" + std::to_string(ofCommand[0]) + " " + std::to_string(ofCommand[1]) +
@@ -59,10 +59,10 @@ TEST_F(Zoom, APointMeansTheSameToACommandAndToLisp) {
 }
 
 TEST_F(Zoom, ExtentsAllAndObjectsComeFromTheEntities) {
-    EXPECT_EQ(std::get<Point3>(variable("EXTMAX")), (Point3{2, 2, 0})) << "as the file says";
+    EXPECT_EQ(std::get<Point>(variable("EXTMAX")), (Point{2, 2, 0})) << "as the file says";
     type("zoom e\n");
-    EXPECT_EQ(std::get<Point3>(variable("EXTMIN")), (Point3{0, 0, 0}));
-    EXPECT_EQ(std::get<Point3>(variable("EXTMAX")), (Point3{30, 20, 0}));
+    EXPECT_EQ(std::get<Point>(variable("EXTMIN")), (Point{0, 0, 0}));
+    EXPECT_EQ(std::get<Point>(variable("EXTMAX")), (Point{30, 20, 0}));
     expectView(15, 10, 20);
     type("zoom all\n");
     expectView(20, 15, 30);
@@ -98,12 +98,12 @@ TEST_F(Zoom, WhatCannotBeShownIsRefusedAndTheViewStays) {
 TEST_F(Zoom, ALayoutAndAnOldDrawingHaveTheirViewsToo) {
     open(write("old.dxf", drawingR12()));
     type("zoom e\n");
-    EXPECT_EQ(std::get<Point3>(variable("EXTMIN")), (Point3{1, 2, 0}));
+    EXPECT_EQ(std::get<Point>(variable("EXTMIN")), (Point{1, 2, 0}));
     type("qsave\n");
     EXPECT_NE(read(path("old.dxf")).find("$EXTMAX\n 10\n5.0\n 20\n4.0\n"), std::string::npos);
     host.newDocument();
     type("zoom e\n");
-    EXPECT_EQ(std::get<Point3>(variable("EXTMIN"))[0], 1e20) << "an empty drawing has no extents";
+    EXPECT_EQ(std::get<Point>(variable("EXTMIN"))[0], 1e20) << "an empty drawing has no extents";
     EXPECT_LT(std::get<double>(variable("VIEWSIZE")), 1e6);
 }
 

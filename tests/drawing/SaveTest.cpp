@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "drafthost/base/MemoryLimit.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Header.h"
-#include "drafthost/drawing/MemoryLimit.h"
 #include "tests/drawing/Samples.h"
 
 #include <fcntl.h>

@@ -39,7 +39,7 @@ CommandTask numberCommand(CommandContext& context) {
 
 CommandTask pointCommand(CommandContext& context) {
     Answer answer = co_await context.point("Point");
-    for (double coordinate : answer.point) {
+    for (const double coordinate : {answer.point.x, answer.point.y, answer.point.z}) {
         notes().push_back(lisp::formatReal(coordinate));
     }
 }

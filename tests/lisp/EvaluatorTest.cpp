@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "drafthost/drawing/MemoryLimit.h"
+#include "drafthost/base/MemoryLimit.h"
 #include "tests/lisp/FakeHost.h"
 
 namespace drafthost::lisp {
@@ -257,33 +257,6 @@ TEST_F(Lisp, DepthIsLimitedAndFreeingIsNot) {
     EXPECT_EQ(run(world, std::string(200000, '\'') + "a"), run(world, std::string(200000, '\'') + "A"));
 }
 
-TEST_F(Lisp, CommandSendsItsArgumentsOneByOne) {
-    EXPECT_EQ(run(world, "(command \"LINE\" '(1 2) (car '(5)) \"\")"), "nil");
-    EXPECT_EQ(run(world, "(command)"), "nil");
-    EXPECT_EQ(run(world, "(command \"CIRCLE\" (/ 1 0))"), "; error: divide by zero");
-    EXPECT_EQ(run(world, "(vl-cmdf \"ERASE\" (/ 1 0))"), "; error: divide by zero");
-    EXPECT_EQ(run(world, "(vl-cmdf \"ERASE\" \"ALL\" \"\")"), "T");
-    EXPECT_EQ(withoutAddress(run(world, "(command-s \"QSAVE\" car)")),
-              "; error: invalid AutoCAD command: #<SUBR @");
-    EXPECT_EQ(run(world, "(command-s nil)"), "; error: invalid AutoCAD command: nil");
-    EXPECT_EQ(run(world, "(command \"LINE\" (getpoint))"), "; error: AutoCAD rejected function");
-    EXPECT_THAT(host.commands, ElementsAre("\"LINE\"", "(1 2)", "5", "\"\"", "ESC", "\"CIRCLE\"",
-                                           "\"ERASE\" \"ALL\" \"\"", "\"LINE\""));
-    host.commandStatus = CommandStatus::Rejected;
-    EXPECT_EQ(run(world, "(vl-cmdf \"FOO\")"), "nil");
-    host.commandStatus = CommandStatus::Cancelled;
-    EXPECT_EQ(world.evaluate("(command \"FOO\")").status, EvalResult::Status::Cancelled);
-}
-
-TEST_F(Lisp, UnwindsSilentlyWhenTheDrawingIsLeft) {
-    host.onCommand = [&] { host.gone = true; };
-    run(world, "(defun *error* (m) (setq told m))");
-    EXPECT_EQ(run(world, "(vl-catch-all-apply '(lambda () (command \"OPEN\" \"b\"))) (setq after t)"),
-              "; gone");
-    EXPECT_FALSE(world.get("AFTER"));
-    EXPECT_FALSE(world.get("TOLD"));
-}
-
 TEST_F(Lisp, CallsFunctionsOfModules) {
     host.onModule = [](const Exsubr& f, std::span<const Value> args, Value& result) {
         result = Value::integer(f.code * 100 + static_cast<int>(args.size()));
@@ -306,23 +279,6 @@ TEST_F(Lisp, CallsFunctionsOfModules) {
     EXPECT_TRUE(world.isExposed("PLAIN2"));
     const Value two[] = {Value::integer(1), Value::integer(2)};
     EXPECT_EQ(prin1(world.call("+", two).value), "3");
-}
-
-TEST_F(Lisp, CanBeEnteredAgainFromAHostCall) {
-    host.onCommand = [&] { EXPECT_EQ(run(world, "(getpoint)"), "; error: Function cancelled"); };
-    EXPECT_EQ(run(world, "(vl-catch-all-apply 'vl-cmdf '(\"X\"))"), "T");
-}
-
-TEST_F(Lisp, VariablesAreReadAndRefused) {
-    host.variables["CLAYER"] = Value::string("0");
-    host.variables["CMDECHO"] = Value::integer(1);
-    check({
-        {"(getvar 'clayer)", "\"0\""},
-        {"(getvar \"nothing\")", "nil"},
-        {"(setvar \"CmdEcho\" 0)", "0"},
-        {"(getvar \"CMDECHO\")", "0"},
-        {"(setvar \"CLAYER\" 5)", "; error: AutoCAD variable setting rejected: \"CLAYER\" 5"},
-    });
 }
 
 TEST(LispWorlds, ShareTheBlackboardOnly) {

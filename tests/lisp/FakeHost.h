@@ -1,103 +1,53 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// A host without event loop: it records what LISP asks for and answers from queues.
+// The least that the language can run in: it collects what is printed and answers from queues.
 
 #include <deque>
 #include <functional>
 #include <map>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "drafthost/lisp/LispHost.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/World.h"
 
 namespace drafthost::lisp {
 
-class FakeHost : public LispHost {
+class FakeHost : public WorldHost {
   public:
-    std::vector<std::string> commands;  ///< every call, its answers joined by a blank
     std::map<std::string, Value, std::less<>> variables;
     std::string printed;
-    std::deque<PromptAnswer> answers;
-    std::vector<PromptRequest> asked;
-    std::vector<std::string> refusals;
-    bool retry = false;
-    CommandStatus commandStatus = CommandStatus::Done;
-    std::function<void()> onCommand;
+    std::deque<std::string> lines;  ///< what the user types
     std::function<bool(const Exsubr&, std::span<const Value>, Value&)> onModule;
     std::map<std::string, std::string, std::less<>> files;
-    Drawing* currentDrawing = nullptr;
-    int changes = 0;
     bool cancelPending = false;
     bool gone = false;
 
-    CommandStatus command(std::span<const Value> tokens) override {
-        std::string line;
-        for (const Value& v : tokens) {
-            line += (line.empty() ? "" : " ") + prin1(v);
+    void print(std::string_view text) override { printed += text; }
+    void alert(std::string_view text) override { print(std::string(text) + "\n"); }
+    Value readLine(Evaluator&) override {
+        if (lines.empty()) {
+            return {};
         }
-        commands.push_back(tokens.empty() ? "ESC" : line);
-        if (onCommand) {
-            onCommand();
-        }
-        return commandStatus;
+        Value line = Value::string(lines.front());
+        lines.pop_front();
+        return line;
     }
-    CommandStatus commandS(std::span<const Value> tokens) override { return command(tokens); }
     std::optional<Value> getVar(std::string_view name) override {
         const auto found = variables.find(upperCase(name));
         return found == variables.end() ? std::nullopt : std::optional(found->second);
     }
-    bool setVar(std::string_view name, const Value& value) override {
-        const auto found = variables.find(upperCase(name));
-        if (found == variables.end() || found->second.type() != value.type()) {
-            return false;
+    std::optional<std::string> programToLoad(std::string_view name) override {
+        for (const std::string& file : {std::string(name) + ".lsp", std::string(name)}) {
+            if (const auto found = files.find(file); found != files.end()) {
+                return found->second;
+            }
         }
-        found->second = value;
-        return true;
-    }
-    void print(std::string_view text) override { printed += text; }
-    PromptAnswer ask(const PromptRequest& request) override {
-        asked.push_back(request);
-        if (answers.empty()) {
-            return PromptAnswer::cancelled();
-        }
-        PromptAnswer answer = answers.front();
-        answers.pop_front();
-        return answer;
-    }
-    bool askAgain(const PromptRequest&, std::string_view reason) override {
-        refusals.emplace_back(reason);
-        return retry;
-    }
-    std::optional<std::string> askFile(std::string_view, std::string_view, std::string_view, int) override {
         return std::nullopt;
     }
     bool callModuleFunction(const Exsubr& function, std::span<const Value> args, Value& result) override {
         return onModule && onModule(function, args, result);
     }
-    ModuleStatus loadModule(std::string_view) override { return ModuleStatus::AlreadyLoaded; }
-    ModuleStatus unloadModule(std::string_view) override { return ModuleStatus::NotLoaded; }
-    std::vector<std::string> loadedModules() override { return {"one.arx"}; }
-    std::optional<std::string> findFile(std::string_view name) override {
-        const auto found = files.find(name);
-        return found == files.end() ? std::nullopt : std::optional(found->second);
-    }
-    std::optional<std::string> findTrustedFile(std::string_view name) override { return findFile(name); }
-    std::optional<std::string> programToLoad(std::string_view name) override {
-        auto longer = findFile(std::string(name) + ".lsp");
-        return longer ? longer : findFile(name);
-    }
-    std::optional<std::string> environment(std::string_view) override { return std::nullopt; }
-    void setEnvironment(std::string_view, std::string_view) override {}
-    std::optional<std::string> configValue(std::string_view) override { return std::nullopt; }
-    bool setConfigValue(std::string_view, std::string_view) override { return false; }
-    std::string versionText() override { return "test"; }
-    std::optional<std::string> commandName(std::string_view) override { return std::nullopt; }
-    bool startProgram(std::string_view, std::string_view) override { return false; }
-    Drawing* drawing() override { return currentDrawing; }
-    void drawingChanged(bool) override { ++changes; }
     bool checkInterrupt() override { return std::exchange(cancelPending, false); }
     bool documentGone() override { return gone; }
 };

@@ -129,43 +129,6 @@ TEST_F(LispLibrary, ComputesWithPoints) {
     });
 }
 
-TEST_F(LispLibrary, PromptsTakeWhatInitgetAllows) {
-    const auto answer = [&](std::initializer_list<const char*> texts) {
-        host.answers.clear();
-        host.refusals.clear();
-        for (const char* text : texts) {
-            host.answers.push_back(PromptAnswer::fromText(text));
-        }
-    };
-    host.retry = true;
-    answer({"0", "-1", "", "40000", "7"});
-    EXPECT_EQ(run(world, "(initget 7) (getint \"n: \")"), "7");
-    EXPECT_EQ(host.refusals.size(), 4U);
-    EXPECT_EQ(host.asked.back().message, "n: ");
-
-    host.variables["LASTPOINT"] = Value::point({0, 0, 0});
-    answer({"1,2", "@1,1", "@2<90", "3,4"});
-    EXPECT_EQ(run(world, "(list (getpoint) (getpoint) (equal (getpoint) '(2 5 0) 1e-9) (getdist '(0 0)))"),
-              "((1.0 2.0 0.0) (2.0 3.0 0.0) T 5.0)");
-
-    answer({"l", "LT", "x", ""});
-    EXPECT_EQ(run(world, "(initget \"LType eXit\") (getkword)"), "\"LType\"");
-    EXPECT_EQ(host.refusals.size(), 1U);
-    EXPECT_EQ(run(world, "(initget \"LType eXit\") (getreal)"), "\"eXit\"");
-    EXPECT_EQ(run(world, "(getkword)"), "nil");
-
-    answer({"_Y", "J"});
-    EXPECT_EQ(run(world, R"((list (progn (initget "Ja Nein _Yes No") (getkword))
-                                  (progn (initget "Ja Nein _Yes No") (getkword))))"),
-              R"(("Yes" "Yes"))");
-
-    host.retry = false;
-    answer({"abc"});
-    EXPECT_EQ(world.evaluate("(getreal)").status, EvalResult::Status::Cancelled);
-    EXPECT_EQ(run(world, "(vl-catch-all-error-message (vl-catch-all-apply 'getpoint))"),
-              "\"Function cancelled\"");
-}
-
 TEST_F(LispLibrary, ReadsAndWritesFiles) {
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() / ("lisp_files_" + std::to_string(::getpid()));
@@ -198,8 +161,9 @@ TEST_F(LispLibrary, ReadsAndWritesFiles) {
         {R"((load "prog"))", "6"},
         {R"((load "nothing"))", R"(; error: LOAD failed: "nothing")"},
         {R"((load "nothing" "sorry"))", R"("sorry")"},
-        {R"((arxload "one.arx" nil))", "nil"},
     });
+    host.lines = {"typed line", "xy"};
+    check({{R"((list (read-line) (read-char)))", R"(("typed line" 120))"}});
     std::filesystem::remove_all(folder);
 }
 

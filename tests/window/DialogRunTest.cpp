@@ -330,7 +330,7 @@ TEST_F(DialogRunTest, OpensAHundredTimesAndUnloads) {
         ASSERT_TRUE(open(i % 5)) << i;
     }
     EXPECT_EQ(countOf("0"), drawings) << "nothing but looking has happened";
-    EXPECT_EQ(host.modules().unload("tnl3-19-64", false), lisp::ModuleStatus::Done);
+    EXPECT_EQ(host.modules().unload("tnl3-19-64", false), automation::ModuleStatus::Done);
     EXPECT_TRUE(frame->findChildren<QDialog*>().isEmpty());
     output.clear();
     host.input().type("TARNEL\n");

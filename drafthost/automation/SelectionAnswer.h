@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+// What an answer at "Select objects:" names, for the functions of LISP and the commands alike.
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drafthost/automation/EntityNames.h"
+#include "drafthost/automation/Lisp.h"
+#include "drafthost/drawing/Drawing.h"
+
+namespace drafthost::automation {
+
+/// The words that are understood there, whether or not whoever asks can do what they say.
+inline constexpr std::string_view kSelectionWords =
+    "ALL Last Previous Window Crossing WPolygon CPolygon Fence";
+
+/// The objects of an answer that is none of the words: an entity name, alone or with the point where it was
+/// picked, a selection set, or the handle of an entity. Nothing when it is none of these.
+std::optional<std::vector<EntityName>> namedObjects(const Drawing& drawing, const Value& answer);
+
+/// Why a word is refused that needs a pointer.
+std::string needsPicking(std::string_view word);
+/// Why an answer is refused that names nothing.
+std::string namesNothing(std::string_view answer);
+
+}  // namespace drafthost::automation
