@@ -3,8 +3,8 @@
 
 #include "app/DataFolder.h"
 #include "app/FolderUse.h"
-#include "log/SupportBundle.h"
-#include "log/SupportInfo.h"
+#include "support/SupportBundle.h"
+#include "support/SupportInfo.h"
 
 #include <cstdio>
 #include <filesystem>

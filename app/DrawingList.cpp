@@ -5,11 +5,11 @@
 #include "app/NameText.h"
 #include "app/QueueEntry.h"
 #include "app/RunRecord.h"
-#include "engine/TarnelData.h"
+#include "engine/record/FileName.h"
+#include "engine/record/TarnelData.h"
 #include "state/DrawingName.h"
-#include "state/FileName.h"
 #include "state/GroupList.h"
-#include "state/UserText.h"
+#include "text/UserText.h"
 
 #include <fnmatch.h>
 #include <strings.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/HostProcess.h"
 
-#include "state/CodePage.h"
 #include "system/UserLanguage.h"
+#include "text/CodePage.h"
 
 #include <fcntl.h>
 #include <langinfo.h>

@@ -2,9 +2,9 @@
 #include "app/InstallCommand.h"
 
 #include "app/DataFolder.h"
-#include "state/ScriptText.h"
-#include "state/WholeFile.h"
 #include "system/OwnFile.h"
+#include "text/ScriptText.h"
+#include "text/WholeFile.h"
 
 #include <QFile>
 

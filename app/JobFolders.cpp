@@ -6,7 +6,7 @@
 #include "app/NameText.h"
 #include "app/RunLogs.h"
 #include "app/RunRecord.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 #include "system/OwnFile.h"
 #include "system/OwnFolder.h"
 

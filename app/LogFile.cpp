@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/LogFile.h"
 
-#include "state/WholeFile.h"
 #include "system/NewFile.h"
 #include "system/OwnFile.h"
+#include "text/WholeFile.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -3,8 +3,8 @@
 
 #include "app/LogFile.h"
 #include "log/HostLogArchive.h"
-#include "log/ZipArchive.h"
 #include "system/OwnFile.h"
+#include "zip/ZipArchive.h"
 
 #include <unistd.h>
 #include <cerrno>

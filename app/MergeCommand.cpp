@@ -10,7 +10,7 @@
 #include "app/RunLogs.h"
 #include "app/RunRecord.h"
 #include "app/RunReport.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,7 +3,7 @@
 
 #include "app/LogFile.h"
 #include "app/LogParts.h"
-#include "log/ZipArchive.h"
+#include "zip/ZipArchive.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/QueueEntry.h"
 
-#include "engine/TarnelData.h"
-#include "state/FileName.h"
+#include "engine/record/FileName.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 
 #include "app/QueueEntry.h"
 #include "app/RunRecord.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 
 #include <utility>
 

@@ -7,8 +7,8 @@
 #include "app/NameText.h"
 #include "app/NoDrawing.h"
 #include "app/RunRecord.h"
-#include "state/ScriptText.h"
 #include "state/StateDigest.h"
+#include "text/ScriptText.h"
 
 #include <filesystem>
 

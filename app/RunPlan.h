@@ -8,7 +8,7 @@
 #include "app/RunDescription.h"
 #include "app/RunJournal.h"
 #include "app/RunOptions.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 
 #include <string>
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RunRecord.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "state/StateDigest.h"
 #include "state/StateFile.h"
-#include "state/WholeFile.h"
+#include "text/WholeFile.h"
 
 bool ReadRecord(const std::string& file, CTarnelData* record, std::string* error, RecordForm form) {
     const QString path = QString::fromStdString(file);

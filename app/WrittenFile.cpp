@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/WrittenFile.h"
 
-#include "state/WholeFile.h"
 #include "system/OwnFile.h"
+#include "text/WholeFile.h"
 
 namespace {
 

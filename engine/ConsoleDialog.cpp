@@ -4,12 +4,13 @@
 #include "acdocman.h"
 #include "acedads.h"
 #include "engine/ConsoleUi.h"
-#include "engine/HostText.h"
 #include "engine/HostVariables.h"
+#include "engine/record/FileName.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/HostText.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
 #include "engine/ScriptChain.h"
-#include "engine/TarnelData.h"
-#include "state/FileName.h"
 
 #include <QFileInfo>
 #include <QStringList>

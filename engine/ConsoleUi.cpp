@@ -3,11 +3,11 @@
 
 #include "acedads.h"
 #include "engine/ConsoleDialog.h"
-#include "engine/HostText.h"
 #include "engine/HostVariables.h"
-#include "engine/ResBuf.h"
+#include "engine/record/HostText.h"
+#include "engine/record/ResBuf.h"
+#include "engine/record/TarnelData.h"
 #include "engine/ScriptChain.h"
-#include "engine/TarnelData.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

@@ -5,7 +5,7 @@
 // where a program listens, by events alone. Both are told in docs/headless.md and other programs read them,
 // so their form is part of the interface.
 #include "engine/ConsoleDialog.h"
-#include "engine/Report.h"
+#include "engine/report/Report.h"
 #include "engine/RunUi.h"
 
 class ConsoleUi : public RunUi {

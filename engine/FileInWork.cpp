@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/FileInWork.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 
 #include <algorithm>
 #include <iterator>

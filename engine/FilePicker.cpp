@@ -3,8 +3,9 @@
 
 #include "engine/HostVariables.h"
 #include "engine/LockMarker.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunUi.h"
-#include "engine/TarnelData.h"
 #include "log/Trace.h"
 #include "state/DrawingName.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the chains of values exchange with the host: variables, arguments, symbols. It stands apart from the
 // values, which programs without a host use too.
-#include "engine/ResBuf.h"
+#include "engine/record/ResBuf.h"
 
 #include "acedads.h"
 #include "acutads.h"
-#include "engine/HostText.h"
+#include "engine/record/HostText.h"
 
 int ResBuf::GetVar(const QString& name) {
     Clear();

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/HostVariables.h"
 
+#include "engine/record/FileName.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
-#include "engine/TarnelData.h"
 #include "log/Trace.h"
-#include "state/FileName.h"
 #include "state/StateFile.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/LockMarker.h"
 
-#include "state/FileName.h"
-#include "state/WholeFile.h"
+#include "engine/record/FileName.h"
+#include "text/WholeFile.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -2,7 +2,7 @@
 #include "engine/RegistryValue.h"
 
 #include "dbmain.h"
-#include "engine/HostText.h"
+#include "engine/record/HostText.h"
 
 #include <array>
 

@@ -4,12 +4,12 @@
 #include "acedads.h"
 #include "acprofile.h"
 #include "dbmain.h"
-#include "engine/HostText.h"
+#include "engine/record/HostText.h"
+#include "engine/record/ResBuf.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RegistryValue.h"
-#include "engine/ResBuf.h"
-#include "engine/TarnelData.h"
 #include "log/Trace.h"
-#include "state/StdioFileEx.h"
+#include "text/StdioFileEx.h"
 
 #include <array>
 #include <cstdlib>

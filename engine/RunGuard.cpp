@@ -2,11 +2,11 @@
 #include "engine/RunGuard.h"
 
 #include "acedads.h"
-#include "engine/HostText.h"
 #include "engine/HostVariables.h"
-#include "engine/ResBuf.h"
+#include "engine/record/HostText.h"
+#include "engine/record/ResBuf.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
-#include "engine/TarnelData.h"
 
 bool RefusesCommand() {
     if (!IsHostOfOneRun() || !TarnelData().BatchRunning) {

@@ -4,17 +4,18 @@
 #include "acdocman.h"
 #include "engine/FileInWork.h"
 #include "engine/FileStamp.h"
-#include "engine/Report.h"
+#include "engine/record/FileName.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
+#include "engine/report/Report.h"
 #include "engine/RunUi.h"
 #include "engine/ScriptChain.h"
-#include "engine/TarnelData.h"
 #include "engine/Watch.h"
 #include "log/RunLog.h"
 #include "log/Trace.h"
-#include "state/FileName.h"
 #include "state/StateDigest.h"
 #include "state/StateFile.h"
-#include "state/WholeFile.h"
+#include "text/WholeFile.h"
 
 #include <QFile>
 #include <QThread>
@@ -166,10 +167,6 @@ void RefuseRun(const QString& cause) {
 
 bool IsHostOfOneRun() {
     return !wantedRun().isEmpty();
-}
-
-QString DataFile(const QString& name) {
-    return JoinPath(TarnelData().DataDir, name);
 }
 
 void SetCurrentFileStatus(FileStatusValue status) {

@@ -2,6 +2,8 @@
 #pragma once
 // What a run keeps outside the record: decisions that live from the start of a run to its end and are never
 // written to the state file. One struct, so that a module that is loaded again starts from known values.
+#include "engine/record/TarnelData.h"
+
 #include <QString>
 
 struct RunState {
@@ -14,10 +16,6 @@ struct RunState {
     /// Full paths, taken just before unloading.
     QString QrmModulePath;
     QString ZenbrixModulePath;
-    /// The file in work as the run log names it.
-    QString CurrentFileText;
-    /// The file in work has its entry in the run log.
-    bool FileIsLogged = false;
     /// The time limit of the file in work is over.
     bool TimeIsOver = false;
     /// The file in work was picked when the script of the one before had settled that, and its own script
@@ -55,5 +53,5 @@ void RefuseRun(const QString& cause);
 /// This host was started by a program for one run.
 bool IsHostOfOneRun();
 
-/// A file of the data folder.
-QString DataFile(const QString& name);
+/// Sets the status of the file in work and saves the state at once; nothing without one.
+void SetCurrentFileStatus(FileStatusValue status);

@@ -3,15 +3,15 @@
 
 #include "acedads.h"
 #include "engine/FileStamp.h"
-#include "engine/HostText.h"
-#include "engine/Report.h"
+#include "engine/record/HostText.h"
+#include "engine/record/TarnelData.h"
+#include "engine/report/Report.h"
 #include "engine/RunState.h"
-#include "engine/TarnelData.h"
 #include "log/Trace.h"
-#include "state/CodePage.h"
-#include "state/ScriptText.h"
-#include "state/StdioFileEx.h"
-#include "state/WholeFile.h"
+#include "text/CodePage.h"
+#include "text/ScriptText.h"
+#include "text/StdioFileEx.h"
+#include "text/WholeFile.h"
 
 #include <QFile>
 

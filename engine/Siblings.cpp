@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Siblings.h"
 
-#include "engine/HostText.h"
-#include "engine/ResBuf.h"
+#include "engine/record/HostText.h"
+#include "engine/record/ResBuf.h"
 #include "engine/RunState.h"
 #include "rxregsvc.h"
 

@@ -3,9 +3,9 @@
 
 #include "acdocman.h"
 #include "acframe.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
 #include "engine/RunUi.h"
-#include "engine/TarnelData.h"
 #include "engine/WatchTimers.h"
 #include "log/RunLog.h"
 #include "log/Trace.h"
@@ -22,7 +22,6 @@ bool StartWatch() {
     const CTarnelData& data = TarnelData();
     acDocManagerPtr()->pushResourceHandle();
     OpenRunLog();
-    Run().CurrentFileText.clear();
     const auto waiting = std::count(data.FileStatus.begin(), data.FileStatus.end(), ToDo);
     Trace("Create status window\n");
     timers = std::make_unique<WatchTimers>();
@@ -45,8 +44,7 @@ void WatchNewFile(const QString& path) {
         timers->Start(data.AlarmTime, data.MaxTime);
     }
     acedPumpMessage();
-    Run().CurrentFileText = path;
-    Run().FileIsLogged = false;
+    BeginFileInRunLog(path);
 }
 
 void CloseWatch() {

@@ -2,7 +2,7 @@
 #include "engine/WatchTimers.h"
 
 #include "acdocman.h"
-#include "engine/HostText.h"
+#include "engine/record/HostText.h"
 #include "engine/RunState.h"
 #include "engine/RunUi.h"
 #include "engine/Watch.h"

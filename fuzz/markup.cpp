@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a markup file: the index must lie inside of the text and hang together, edits must keep it so,
 // and what an edit leaves must read the same again.
-#include "state/MarkupDocument.h"
-#include "state/MarkupFile.h"
+#include "text/MarkupDocument.h"
+#include "text/MarkupFile.h"
 
 #include <cstdint>
 #include <cstdlib>

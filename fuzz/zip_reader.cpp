@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The archive reader over any bytes: it may refuse, it must not read, write or allocate beyond them.
-#include "log/ZipArchive.h"
+#include "zip/ZipArchive.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -5,7 +5,7 @@
 #include "dbmain.h"
 #include "engine/Batch.h"
 #include "engine/HostVariables.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 #include "log/Trace.h"
 
 #include <ctime>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/InstallScript.h"
 
+#include "engine/record/TarnelData.h"
 #include "engine/RegistryValue.h"
 #include "engine/Restartable.h"
-#include "engine/TarnelData.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include "acedads.h"
 #include "engine/Batch.h"
-#include "engine/HostText.h"
 #include "engine/Outcomes.h"
+#include "engine/record/HostText.h"
 #include "engine/RunGuard.h"
 #include "host/LispSettings.h"
 

@@ -6,13 +6,14 @@
 #include "engine/Batch.h"
 #include "engine/ConsoleUi.h"
 #include "engine/FileInWork.h"
-#include "engine/HostText.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/HostText.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
 #include "engine/ScriptChain.h"
-#include "engine/TarnelData.h"
 #include "log/Trace.h"
-#include "state/CodePage.h"
 #include "state/StateFile.h"
+#include "text/CodePage.h"
 
 namespace {
 

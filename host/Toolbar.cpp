@@ -2,8 +2,8 @@
 #include "host/Toolbar.h"
 
 #include "achar.h"
-#include "engine/HostText.h"
-#include "engine/TarnelData.h"
+#include "engine/record/HostText.h"
+#include "engine/record/TarnelData.h"
 #include "html/HtmlResources.h"
 #include "log/Trace.h"
 #include "rxregsvc.h"

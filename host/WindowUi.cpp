@@ -3,8 +3,8 @@
 
 #include "acframe.h"
 #include "html/HtmlResources.h"
-#include "log/MapiSession.h"
-#include "log/SupportBundle.h"
+#include "support/MapiSession.h"
+#include "support/SupportBundle.h"
 #include "ui/DialogUi.h"
 #include "ui/Icons.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/HostLogArchive.h"
 
-#include "log/ZipArchive.h"
+#include "zip/ZipArchive.h"
 
 #include <QFile>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/NarrowFile.h"
 
-#include "state/CodePage.h"
 #include "system/OwnFile.h"
+#include "text/CodePage.h"
 
 #include <fcntl.h>
 #include <unistd.h>

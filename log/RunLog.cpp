@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/RunLog.h"
 
-#include "engine/Report.h"
-#include "engine/RunState.h"
+#include "engine/record/TarnelData.h"
+#include "engine/report/Report.h"
 #include "log/NarrowFile.h"
 #include "log/RunLogText.h"
 #include "log/Trace.h"
-#include "log/ZipException.h"
-#include "state/WholeFile.h"
+#include "text/WholeFile.h"
+#include "zip/ZipException.h"
 
 #include <QFile>
 #include <QStringList>
@@ -25,6 +25,10 @@ std::string unwritten;
 /// A failure was told, and none is told again before something could be written.
 bool isToldBroken = false;
 QStringList HostLogList;
+/// The drawing in work as the log names it.
+QString fileInWork;
+/// The drawing in work has its entry.
+bool isFileLogged = false;
 /// How many drawings have a log of ours, since the host had none.
 int unopenedCount = 0;
 
@@ -109,6 +113,7 @@ void OpenRunLog() {
         isOpen = true;
         isToldBroken = false;
     }
+    fileInWork.clear();
     write(RunLogHead);
     RunLogLine(BatchStartedHtml());
 }
@@ -119,20 +124,25 @@ void RunLogLine(const QString& html) {
     }
 }
 
+void BeginFileInRunLog(const QString& path) {
+    fileInWork = path;
+    isFileLogged = false;
+}
+
 void WatchNewLogFile(const QString& hostLogPath) {
     if (!isOpen) {
         return;
     }
     HostLogList.append(hostLogPath);
-    RunLogLine(ProcessingHtml(HostLogId(hostLogPath), Run().CurrentFileText));
-    Run().FileIsLogged = true;
+    RunLogLine(ProcessingHtml(HostLogId(hostLogPath), fileInWork));
+    isFileLogged = true;
 }
 
 void LogUnopenedFile(const QString& said) {
-    if (!isOpen || Run().FileIsLogged || Run().CurrentFileText.isEmpty()) {
+    if (!isOpen || isFileLogged || fileInWork.isEmpty()) {
         return;
     }
-    QString text = Run().CurrentFileText + QStringLiteral("\r\nThe drawing was not opened.\r\n");
+    QString text = fileInWork + QStringLiteral("\r\nThe drawing was not opened.\r\n");
     if (!said.isEmpty()) {
         text += said + QStringLiteral("\r\n");
     }
@@ -169,5 +179,7 @@ void ResetRunLog() {
     RunLogStream.Close();
     unwritten.clear();
     HostLogList.clear();
+    fileInWork.clear();
+    isFileLogged = false;
     isOpen = false;
 }

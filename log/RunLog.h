@@ -12,6 +12,8 @@
 void OpenRunLog();
 /// One line with the time. Nothing while no log is open.
 void RunLogLine(const QString& html);
+/// The drawing in work is this one from here on.
+void BeginFileInRunLog(const QString& path);
 /// The drawing in work has begun, with the host's log of it.
 void WatchNewLogFile(const QString& hostLogPath);
 /// The drawing in work ends without having been opened: unless it has its line, it gets one, with a log of

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/RunLogText.h"
 
-#include "state/CodePage.h"
-#include "state/Entities.h"
+#include "text/CodePage.h"
+#include "text/Entities.h"
 
 #include <QList>
 

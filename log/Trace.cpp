@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/Trace.h"
 
-#include "engine/Report.h"
-#include "engine/RunState.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
+#include "engine/report/Report.h"
 #include "log/NarrowFile.h"
-#include "state/CodePage.h"
+#include "text/CodePage.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -48,8 +48,8 @@ up_to_date() {
     [ -e "$1" ] || return 1
     local parts=()
     local part
-    for part in CMakeLists.txt CMakePresets.json system arx drafthost state engine log host app ui script html \
-        widgets res; do
+    for part in CMakeLists.txt CMakePresets.json system arx drafthost text zip state engine log support host app \
+        ui html widgets res; do
         if [ -e "$root/$part" ]; then parts+=("$root/$part"); fi
     done
     [ -z "$(find "${parts[@]}" -newer "$1" -print -quit)" ]

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/DrawingName.h"
 
-#include "state/FileName.h"
+#include "engine/record/FileName.h"
 
 #include <algorithm>
 #include <array>

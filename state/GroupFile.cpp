@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/GroupFile.h"
 
-#include "state/FileName.h"
+#include "engine/record/FileName.h"
 #include "state/GroupList.h"
-#include "state/ScriptText.h"
 #include "state/StateFile.h"
-#include "state/WholeFile.h"
+#include "text/ScriptText.h"
+#include "text/WholeFile.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 
 #include <array>
 #include <QFile>

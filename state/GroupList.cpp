@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/GroupList.h"
 
-#include "state/FileName.h"
-#include "state/NumberText.h"
-#include "state/UserText.h"
-#include "state/WholeFile.h"
+#include "engine/record/FileName.h"
+#include "text/NumberText.h"
+#include "text/UserText.h"
+#include "text/WholeFile.h"
 
 #include <algorithm>
 #include <QDir>

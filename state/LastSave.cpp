@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/LastSave.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 // Between two saves of a run only statuses change, while the queue may have ten thousand entries. So the last
 // save is remembered together with what it was made from: when nothing but statuses differs, its bytes are
 // brought up to date by a digit or two instead of being made again.
-#include "engine/CheckedArray.h"
+#include "engine/record/CheckedArray.h"
 
 #include <cstdint>
 #include <QByteArray>

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/record/FileQueue.h"
 #include "state/StateFile.h"
 
-#include "state/Base64.h"
-#include "state/CodePage.h"
-#include "state/FileName.h"
+#include "engine/record/FileName.h"
 #include "state/LastSave.h"
-#include "state/MarkupDocument.h"
-#include "state/MarkupFile.h"
-#include "state/PatchedFile.h"
 #include "state/StateFields.h"
 #include "state/StateFileError.h"
-#include "state/WholeFile.h"
+#include "text/Base64.h"
+#include "text/CodePage.h"
+#include "text/MarkupDocument.h"
+#include "text/MarkupFile.h"
+#include "text/PatchedFile.h"
+#include "text/WholeFile.h"
 
 namespace {
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/StateDigest.h"
 
-#include "engine/TarnelData.h"
-#include "state/CodePage.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
+#include "text/CodePage.h"
 
 #include <QCryptographicHash>
 

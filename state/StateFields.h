@@ -2,7 +2,7 @@
 #pragma once
 // The fields of the options in the order of the file. The reader only goes forward, so the order is part of
 // the format; reader and writer walk this one list and cannot differ.
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 
 /// Calls the visitor with each element's name and the record's field, in the file's order.
 template <class Visitor>

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/StateFile.h"
 
-#include "state/CodePage.h"
-#include "state/FileName.h"
-#include "state/MarkupDocument.h"
-#include "state/MarkupFile.h"
+#include "engine/record/FileName.h"
 #include "state/StateFileError.h"
-#include "state/WholeFile.h"
 #include "system/OwnFile.h"
+#include "text/CodePage.h"
+#include "text/MarkupDocument.h"
+#include "text/MarkupFile.h"
+#include "text/WholeFile.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 
 #include <fcntl.h>
 #include <cerrno>

@@ -2,8 +2,9 @@
 #include "ui/FilesTab.h"
 
 #include "acdocman.h"
-#include "engine/HostText.h"
-#include "engine/TarnelData.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/HostText.h"
+#include "engine/record/TarnelData.h"
 #include "ui_FilesTab.h"
 
 #include <algorithm>

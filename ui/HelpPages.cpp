@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/HelpPages.h"
 
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
-#include "engine/TarnelData.h"
-#include "state/WholeFile.h"
 #include "system/OwnFile.h"
+#include "text/WholeFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -3,10 +3,10 @@
 
 #include "engine/RunState.h"
 #include "html/HTMLayout.h"
-#include "log/ZipArchive.h"
-#include "state/MarkupDocument.h"
+#include "text/MarkupDocument.h"
 #include "ui/Icons.h"
 #include "ui_LogTab.h"
+#include "zip/ZipArchive.h"
 
 #include <QFile>
 #include <QFileDialog>

@@ -2,8 +2,8 @@
 #include "ui/ScriptChecks.h"
 
 #include "acutads.h"
-#include "engine/HostText.h"
-#include "engine/TarnelData.h"
+#include "engine/record/HostText.h"
+#include "engine/record/TarnelData.h"
 
 namespace {
 

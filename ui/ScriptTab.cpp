@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ScriptTab.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 #include "ui_ScriptTab.h"
 
 #include <QFontDatabase>

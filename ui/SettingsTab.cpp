@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/SettingsTab.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 #include "html/FormValue.h"
 #include "html/HTMLayout.h"
 #include "log/Trace.h"

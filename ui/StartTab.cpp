@@ -2,7 +2,7 @@
 #include "ui/StartTab.h"
 
 #include "acedads.h"
-#include "engine/HostText.h"
+#include "engine/record/HostText.h"
 #include "html/HTMLayout.h"
 #include "ui_StartTab.h"
 

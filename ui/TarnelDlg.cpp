@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/TarnelDlg.h"
 
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
-#include "engine/TarnelData.h"
 #include "log/Trace.h"
 #include "ui/FilesTab.h"
 #include "ui/HelpPages.h"

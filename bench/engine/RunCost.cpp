@@ -2,8 +2,9 @@
 // What the module itself costs per drawing: a whole run over a host that opens, runs and saves nothing. The
 // state, the scripts, the trace and the run log go to a real disk; the host's logs are small real files that
 // end up in the archive. Arguments: the lengths of the queues.
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunUi.h"
-#include "engine/TarnelData.h"
 #include "rxregsvc.h"
 #include "state/StateFile.h"
 #include "tests/recording/RecordingHost.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Parsing alone, from the bytes of a file in memory.
 #include "bench/state/StateSample.h"
-#include "state/MarkupDocument.h"
-#include "state/MarkupFile.h"
+#include "text/MarkupDocument.h"
+#include "text/MarkupFile.h"
 
 #include <benchmark/benchmark.h>
 #include <libxml/parser.h>

@@ -2,7 +2,7 @@
 // Whole state files, from disk to the record and back. What another library would need for the same: load the
 // file, walk it into directories, names and statuses, build a document from them and save it.
 #include "bench/state/StateSample.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 #include "state/StateFile.h"
 
 #include <benchmark/benchmark.h>

@@ -5,7 +5,7 @@
 
 #include "app/QueueEntry.h"
 #include "app/RunRecord.h"
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

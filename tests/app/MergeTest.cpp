@@ -4,8 +4,8 @@
 
 #include "app/QueueEntry.h"
 #include "app/RunRecord.h"
-#include "engine/TarnelData.h"
-#include "log/ZipArchive.h"
+#include "engine/record/TarnelData.h"
+#include "zip/ZipArchive.h"
 
 #include <gmock/gmock.h>
 #include <csignal>

@@ -2,8 +2,8 @@
 // The run log and the archive of real runs: names that a page would take for markup, drawings that do not end
 // well, and disks that take nothing.
 #include "app/RunLogs.h"
-#include "log/ZipArchive.h"
 #include "tests/app/Program.h"
+#include "zip/ZipArchive.h"
 
 #include <gmock/gmock.h>
 #include <csignal>

@@ -4,7 +4,7 @@
 #include "tests/app/Program.h"
 
 #include "app/JobSplit.h"
-#include "log/ZipArchive.h"
+#include "zip/ZipArchive.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>

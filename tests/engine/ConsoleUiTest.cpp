@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The dialogs and the status of a host without a window.
 #include "engine/ConsoleUi.h"
+#include "engine/record/FileQueue.h"
 #include "state/StateFile.h"
 #include "tests/engine/RunFixture.h"
 

@@ -2,6 +2,8 @@
 // The order of the queue and the choice of the next drawing.
 #include "engine/FilePicker.h"
 #include "engine/LockMarker.h"
+#include "engine/record/FileQueue.h"
+#include "engine/RunState.h"
 #include "tests/engine/RunFixture.h"
 
 #include <fcntl.h>

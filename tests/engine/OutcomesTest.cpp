@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How the drawings of a run end.
-#include "engine/CheckedArray.h"
+#include "engine/record/CheckedArray.h"
+#include "engine/record/FileQueue.h"
 #include "engine/RunState.h"
 #include "state/StateFile.h"
 #include "tests/engine/RunFixture.h"

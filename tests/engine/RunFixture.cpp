@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/engine/RunFixture.h"
+#include "engine/record/FileQueue.h"
 
 #include "rxregsvc.h"
 #include "state/StateFile.h"

@@ -2,8 +2,8 @@
 #pragma once
 // A module that was started in the recording host, with a data folder of its own and a user who answers from
 // a list.
+#include "engine/record/TarnelData.h"
 #include "engine/RunUi.h"
-#include "engine/TarnelData.h"
 #include "tests/recording/RecordingHost.h"
 
 #include <QTemporaryDir>

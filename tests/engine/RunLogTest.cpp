@@ -2,9 +2,9 @@
 // What a run leaves behind: the run log and the archive of the host's logs.
 #include "log/RunLog.h"
 #include "log/RunLogText.h"
-#include "log/ZipArchive.h"
 #include "state/StateFile.h"
 #include "tests/engine/RunFixture.h"
+#include "zip/ZipArchive.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/GroupFile.h"
 
-#include "engine/TarnelData.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "state/StateFile.h"
-#include "tests/state/TestText.h"
+#include "tests/text/TestText.h"
 
 #include <QStringList>
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A save that only brings the last one up to date must give what a save from nothing gives.
-#include "engine/TarnelData.h"
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "state/StateFile.h"
 
 #include <gtest/gtest.h>

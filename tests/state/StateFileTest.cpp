@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "state/StateFile.h"
 
-#include "engine/TarnelData.h"
-#include "tests/state/TestText.h"
+#include "engine/record/TarnelData.h"
+#include "tests/text/TestText.h"
 
 #include <QDir>
 #include <vector>

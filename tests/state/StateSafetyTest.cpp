@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What must never be lost: the state on the disk, whatever happens to the process or the disk.
-#include "engine/TarnelData.h"
+#include "engine/record/TarnelData.h"
 #include "state/StateFile.h"
-#include "state/WholeFile.h"
-#include "tests/state/TestText.h"
+#include "tests/text/TestText.h"
+#include "text/WholeFile.h"
 
 #include <sys/resource.h>
 #include <sys/stat.h>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The log page over a real run log and archive, and the links of the start page.
 #include "html/HTMLayout.h"
-#include "log/ZipArchive.h"
 #include "tests/ui/UiFixture.h"
 #include "ui/HelpPages.h"
 #include "ui/LogTab.h"
 #include "ui/StartTab.h"
+#include "zip/ZipArchive.h"
 
 #include <QDesktopServices>
 #include <QDir>

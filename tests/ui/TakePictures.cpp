@@ -2,17 +2,18 @@
 // Takes the pictures of the manual: every page and dialog off screen, into a folder. It also serves to look
 // at other fonts, scalings (QT_SCALE_FACTOR), colours and longer texts than the ones that are at hand.
 //   take-pictures FOLDER [--dark] [--font PER_CENT] [--long]
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
-#include "engine/TarnelData.h"
 #include "html/HTMLayout.h"
 #include "html/HtmlResources.h"
-#include "log/ZipArchive.h"
 #include "ui/LogTab.h"
 #include "ui/Schedule.h"
 #include "ui/StatusDialog.h"
 #include "ui/TarnelDlg.h"
 #include "widgets/AutoTab.h"
 #include "widgets/BalloonHelp.h"
+#include "zip/ZipArchive.h"
 
 #include <cstdio>
 #include <QApplication>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A clean record in a folder of its own, and what the tests of dialogs need again and again.
+#include "engine/record/FileQueue.h"
+#include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
-#include "engine/TarnelData.h"
 #include "tests/recording/RecordingHost.h"
 
 #include <gtest/gtest.h>

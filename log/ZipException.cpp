@@ -1,5 +1,0 @@
-// SPDX-License-Identifier: GPL-3.0-or-later
-#include "log/ZipException.h"
-
-CZipException::CZipException(CauseKind cause, const std::string& file, const std::string& text)
-    : std::runtime_error(file + ": " + text), Cause(cause), File(file) {}
