@@ -45,7 +45,8 @@ Value search(Evaluator& e, Args args) {
         return {};
     }
     if (optional(args, 2)) {
-        sessionOf(e).dictionaryCursors[args[0].toEname()] = *index;
+        // The walk goes on behind what was found.
+        sessionOf(e).dictionaryCursors[args[0].toEname()] = *index + 1;
     }
     return entryList(drawing, entries[*index]);
 }

@@ -22,6 +22,7 @@ Value getFromBoard(Evaluator&, Args args) {
 Value propagate(Evaluator& e, Args args) {
     const Symbol* symbol = symbolArg(args[0]);
     Value value = e.get(symbol);
+    propagated()[symbol] = value;
     for (Evaluator* other : worlds()) {
         other->set(symbol, value);
     }

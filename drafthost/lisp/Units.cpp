@@ -16,8 +16,15 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 
 std::string fixedText(double value, int precision) {
+    const int decimals = std::clamp(precision, 0, 16);
+    // What lies in the middle between two texts goes away from zero; printf would take the even one.
+    const double scale = std::pow(10.0, decimals);
+    const double scaled = value * scale;
+    if (std::fma(value, scale, -scaled) == 0 && std::fabs(scaled - std::trunc(scaled)) == 0.5) {
+        value = std::nextafter(value, std::copysign(HUGE_VAL, value));
+    }
     char buffer[400];
-    std::snprintf(buffer, sizeof buffer, "%.*f", std::clamp(precision, 0, 16), value);
+    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
     // A value that rounds to nothing has no sign.
     const std::string_view text = buffer;
     return std::string(text.starts_with('-') && text.find_first_of("123456789") == std::string_view::npos

@@ -57,6 +57,9 @@ EvalResult guarded(Evaluator& evaluator, const Work& work) {
 
 World::World(WorldHost& host) : evaluator_(std::make_unique<Evaluator>(host)) {
     worlds().push_back(evaluator_.get());
+    for (const auto& [symbol, value] : propagated()) {
+        evaluator_->set(symbol, value);
+    }
 }
 
 World::~World() {
