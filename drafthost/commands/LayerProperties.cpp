@@ -94,9 +94,7 @@ Task<bool> colorLayers(CommandContext& context) {
     co_return co_await forLayers(context, "Enter name list of layer(s) for color " + colorText(*color), true,
                                  [color = *color, off](Drawing& drawing, RecordId layer) {
                                      setLayerColor(drawing, layer, color);
-                                     if (off) {
-                                         setLayerOff(drawing, layer, true);
-                                     }
+                                     setLayerOff(drawing, layer, off);
                                  });
 }
 
