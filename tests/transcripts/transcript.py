@@ -26,11 +26,14 @@ class Step:
 
     def prompt(self):
         """The question that the next answer stands behind; None at the command prompt."""
-        return self.said[-1] if self.said and self.said[-1].endswith(":") and self.value is None else None
+        if not self.said or self.value is not None:
+            return None
+        # After "..." it may be any question, or none.
+        return "...:" if self.said[-1] == "..." else self.said[-1] if self.said[-1].endswith(":") else None
 
     def shown(self):
         """All lines that the host must show, the question that waits left out."""
-        return self.said[:-1] if self.prompt() else self.said + ([self.value] if self.value else [])
+        return self.said[:-1] if self.prompt() and self.said[-1] != "..." else self.said + ([self.value] if self.value else [])
 
 
 class Fault(Exception):
@@ -186,11 +189,11 @@ def compare(anchors, lines, filled):
     places = []
     start = 0
     for step, anchor in anchors:
-        # A question without a text leaves the answer alone on its line.
-        found = next((at for at in range(start, len(lines))
-                      if fits(anchor, lines[at]) or lines[at] == anchor.removeprefix("Command: ")), None)
+        # A question without a text leaves the answer alone on its line; quotes round an answer are taken off.
+        shapes = (anchor, anchor.removeprefix("Command: "), re.sub('"(.*)"$', r"\1", anchor))
+        found = next((at for at in range(start, len(lines)) if any(fits(shape, lines[at]) for shape in shapes)), None)
         if found is None:
-            faults.append("line %d: the host never came to\n    %s\nbut said\n    %s" %
+            faults.append("line %s: the host never came to\n    %s\nbut said\n    %s" %
                           (step.line, anchor, "\n    ".join(lines[start:start + 12])))
             break
         places.append(found)
@@ -203,7 +206,7 @@ def compare(anchors, lines, filled):
             continue
         expected = [filled(line) for line in step.shown()]
         if not all_fit(expected, actual):
-            faults.append("line %d: %s\n  expected\n    %s\n  but the host said\n    %s" %
+            faults.append("line %s: %s\n  expected\n    %s\n  but the host said\n    %s" %
                           (step.line, step.text, "\n    ".join(expected), "\n    ".join(actual)))
     return faults
 
@@ -224,10 +227,10 @@ def check(folder, step):
                 names.update(doc=doc, header=doc.header, layers=doc.layers, msp=doc.modelspace())
                 errors = [error.message for error in doc.audit().errors]
                 if errors:
-                    return ["line %d: %s: the audit finds %s" % (step.line, name, errors)]
+                    return ["line %s: %s: the audit finds %s" % (step.line, name, errors)]
         value = repr(eval(expression, {"ezdxf": ezdxf}, names))
     except Exception as error:  # whatever it is, it is told as the result
         value = repr(error)
     if not fits(step.value or "", value):
-        return ["line %d: %s\n  expected\n    %s\n  but it is\n    %s" % (step.line, step.text, step.value, value)]
+        return ["line %s: %s\n  expected\n    %s\n  but it is\n    %s" % (step.line, step.text, step.value, value)]
     return []
