@@ -15,6 +15,7 @@
 
 #include "drafthost/automation/AnswerReader.h"
 #include "drafthost/drawing/FileBytes.h"
+#include "drafthost/editor/CommandTable.h"
 #include "drafthost/editor/FileLock.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
@@ -42,6 +43,7 @@ constexpr const char* Options =
     "  --keep-going       a script goes on behind a line that was refused\n"
     "  --deny COMMAND     scripts may not use this command\n"
     "  --report-fd N      tell what happens on the socket N, in place of standard output\n"
+    "  --commands         print the names of all commands, short names with what they stand for\n"
     "  --version, --help\n";
 constexpr const char* HeadlessEnd =
     "One drawing at most. Commands are read from standard input; QUIT or the end of the input ends the "
@@ -73,6 +75,17 @@ void onSignal(int number) {
     // A full pipe already holds enough to wake the reader.
     [[maybe_unused]] const ssize_t count = ::write(signalPair[1], &byte, 1);
     errno = before;
+}
+
+void printCommands() {
+    CommandTable table;
+    registerCommands(table);
+    for (const std::string& name : table.names()) {
+        std::printf("%s\n", name.c_str());
+    }
+    for (const auto& [alias, name] : table.aliases()) {
+        std::printf("%s %s\n", alias.c_str(), name.c_str());
+    }
 }
 
 bool isSocket(int descriptor) {
@@ -110,6 +123,10 @@ std::optional<Arguments> readArguments(int argc, char** argv, const std::string&
         }
         if (word == "--version") {
             std::printf("%s " DRAFTHOST_VERSION "\n", program.c_str());
+            std::exit(0);
+        }
+        if (word == "--commands") {
+            printCommands();
             std::exit(0);
         }
         if (word == "--headless" && !framed) {

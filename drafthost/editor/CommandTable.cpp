@@ -38,4 +38,8 @@ std::vector<std::string> CommandTable::names() const {
     return names;
 }
 
+std::map<std::string, std::string> CommandTable::aliases() const {
+    return {aliases_.begin(), aliases_.end()};
+}
+
 }  // namespace drafthost

@@ -3,6 +3,7 @@
 // The host's own commands by name. Commands of modules are in ModuleCommands.h, those written in LISP are
 // functions named C:NAME in their document's world.
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -40,6 +41,8 @@ class CommandTable {
     /// The entry an alias stands for; null when it is none.
     const CommandEntry* findAlias(std::string_view alias) const;
     std::vector<std::string> names() const;
+    /// The short names, each with the name it stands for.
+    std::map<std::string, std::string> aliases() const;
 
   private:
     std::unordered_map<std::string, CommandEntry> entries_;

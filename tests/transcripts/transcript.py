@@ -167,15 +167,17 @@ def play(host, steps, before=""):
                 shutil.copy(os.path.join(SAMPLES, name), os.path.join(folder, target or name))
                 text = '(command "OPEN" "%s")' % (target or name)
                 session.send(text + "\n" + before)
-                anchors.append((step, "Command: " + text))
+                anchors.append((step, ["Command: " + text]))
             elif step.kind in ("input", "expression"):
                 if text == "^C":
                     session.wait_for(asked)
                     session.send("\x03")
-                    anchors.append((step, asked))
+                    anchors.append((step, [asked]))
                 else:
                     session.send(text + "\n")
-                    anchors.append((step, (asked + " " + text).rstrip()))
+                    # Quotes round an answer are taken off; a question without a text leaves it alone on its line.
+                    bare = text[1:-1] if re.fullmatch('"[^"]*"', text) else text
+                    anchors.append((step, [asked + " " + text, asked + " " + bare] + [text] * (asked == "Command:")))
                 asked = filled(step.prompt() or "Command:")
         lines = session.finish()
         faults = compare(anchors, lines, filled)
@@ -188,13 +190,11 @@ def compare(anchors, lines, filled):
     faults = []
     places = []
     start = 0
-    for step, anchor in anchors:
-        # A question without a text leaves the answer alone on its line; quotes round an answer are taken off.
-        shapes = (anchor, anchor.removeprefix("Command: "), re.sub('"(.*)"$', r"\1", anchor))
+    for step, shapes in anchors:
         found = next((at for at in range(start, len(lines)) if any(fits(shape, lines[at]) for shape in shapes)), None)
         if found is None:
             faults.append("line %s: the host never came to\n    %s\nbut said\n    %s" %
-                          (step.line, anchor, "\n    ".join(lines[start:start + 12])))
+                          (step.line, shapes[0], "\n    ".join(lines[start:start + 12])))
             break
         places.append(found)
         start = found + 1
