@@ -133,3 +133,14 @@ TEST_F(ConsoleTest, QuestionsNobodyCanAnswerChangeNothing) {
     EXPECT_EQ(CurrentUi().Ask("Tarnel", "Save?", RunUi::YesNoCancel), RunUi::Cancel);
     EXPECT_EQ(CurrentUi().Ask("Tarnel", "Close?", RunUi::YesNo), RunUi::No);
 }
+
+TEST_F(ConsoleTest, AlarmIsALineThatNamesTheDrawing) {
+    const QString slow = MakeFile("slow.dxf");
+    SetQueue({MakeFile("quick.dxf"), slow});
+    CurrentUi().OpenStatus(2);
+    TarnelData().CurrentFile = 1;
+    CurrentUi().ShowFile(slow, 60);
+    host.Printed.clear();
+    CurrentUi().Alarm();
+    EXPECT_EQ(printedLines(), QStringList{"alarm: " + slow});
+}

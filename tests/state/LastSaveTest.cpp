@@ -4,7 +4,11 @@
 #include "engine/record/TarnelData.h"
 #include "state/StateFile.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -67,4 +71,44 @@ TEST_F(LastSaveTest, EqualsASaveFromNothingAfterEachKindOfChange) {
     data.FileDirs.erase(0);
     data.FileStatus.erase(0);
     expectFreshSave();
+}
+
+TEST_F(LastSaveTest, StatusIsWrittenOverTheOldOneWhereItStands) {
+    CTarnelData& data = TarnelData();
+    SaveState(nullptr, 1);
+    // Kept open: a file that takes this one's place cannot have its number.
+    QFile file(data.StateFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const auto isStillNamed = [&] {
+        struct stat opened {};
+        struct stat named {};
+        return ::fstat(file.handle(), &opened) == 0 &&
+               ::stat(QFile::encodeName(data.StateFile).constData(), &named) == 0 &&
+               opened.st_ino == named.st_ino;
+    };
+    data.FileStatus[150] = Error;
+    SaveState(nullptr, 1);
+    EXPECT_TRUE(isStillNamed());
+    EXPECT_EQ(content(data.StateFile).count("Status=\"5\""), 1);
+    data.Script = "longer than before";
+    SaveState(nullptr, 1);
+    EXPECT_FALSE(isStillNamed());
+}
+
+TEST_F(LastSaveTest, HalfWrittenStateIsTakenAwayUnlessSomebodyWritesIt) {
+    const QString half = TarnelData().StateFile + QStringLiteral(".new");
+    const auto make = [&] {
+        QFile file(half);
+        return file.open(QIODevice::WriteOnly) && file.write("half") == 4;
+    };
+    ASSERT_TRUE(make());
+    ResolveStateFile();
+    EXPECT_FALSE(QFile::exists(half));
+
+    ASSERT_TRUE(make());
+    const int writer = ::open(QFile::encodeName(half).constData(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(::flock(writer, LOCK_EX | LOCK_NB), 0);
+    ResolveStateFile();
+    EXPECT_TRUE(QFile::exists(half));
+    ::close(writer);
 }
