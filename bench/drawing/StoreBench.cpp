@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The store alone, in memory, beside memcpy over the same bytes. The bytes are those of librecad-data and the
-// large files of ../shared/drawings, where they are; a drawing made here otherwise.
+// large files of the folder that TARNEL_DRAWINGS names, when it is set; a drawing made here otherwise.
 #include "drafthost/drawing/Drawing.h"
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/drawing/View.h"
@@ -17,7 +17,7 @@ using drafthost::Drawing;
 
 constexpr std::uintmax_t largeSize = 1000000;
 
-std::vector<std::string> load(const char* folder, bool large) {
+std::vector<std::string> load(const std::filesystem::path& folder, bool large) {
     std::vector<std::string> files;
     std::error_code none;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, none)) {
@@ -43,7 +43,8 @@ std::vector<std::string> load(const char* folder, bool large) {
 const std::vector<std::string>& inputs(int which) {
     static const std::vector<std::string> library = load("/usr/share/librecad", false);
     const char* folder = std::getenv("TARNEL_DRAWINGS");
-    static const std::vector<std::string> large = load(folder != nullptr ? folder : DRAWINGS_FOLDER, true);
+    static const std::vector<std::string> large =
+        load(folder != nullptr ? std::filesystem::path(folder) / "dxf" : "/nonexistent", true);
     return which == 0 ? library : large;
 }
 

@@ -77,12 +77,6 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
-/// Folder of real drawings, when it is there; $TARNEL_DRAWINGS says another place.
-inline std::filesystem::path realDrawings() {
-    const char* folder = std::getenv("TARNEL_DRAWINGS");
-    return folder != nullptr ? folder : DRAWINGS_FOLDER;
-}
-
 inline std::vector<std::filesystem::path> drawingsUnder(const std::filesystem::path& folder) {
     std::vector<std::filesystem::path> files;
     std::error_code none;
@@ -93,6 +87,13 @@ inline std::vector<std::filesystem::path> drawingsUnder(const std::filesystem::p
         }
     }
     return files;
+}
+
+/// Those of one kind ("dxf", "damaged") in the folder that $TARNEL_DRAWINGS names; none when it is not set.
+inline std::vector<std::filesystem::path> drawingsOfOthers(const char* kind) {
+    const char* folder = std::getenv("TARNEL_DRAWINGS");
+    return folder != nullptr ? drawingsUnder(std::filesystem::path(folder) / kind)
+                             : std::vector<std::filesystem::path>();
 }
 
 }  // namespace drafthost
