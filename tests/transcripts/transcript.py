@@ -137,9 +137,10 @@ class Session:
         lines = self.text().rstrip("\n").split("\n")
         if lines[-1] == "Command: ":
             lines.pop()
-        # A prompt that was shown and is shown again with its answer counts once.
+        # A prompt that was shown and is shown again with its answer counts once, and the one that waits for the rest of
+        # an expression does not count: where a block of the input ends is chance.
         return [line for line, after in zip(lines, lines[1:] + [""])
-                if not (line.endswith(": ") and after.startswith(line))]
+                if not (line.endswith(": ") and after.startswith(line)) and not re.fullmatch(r'[("]+_> ', line)]
 
 
 def play(host, steps, before=""):
