@@ -29,6 +29,22 @@ std::string quoted(const Input& input) {
     return "\"" + input.text + "\"";
 }
 
+/// A name without the quotes around it. They come whole from code, which feeds the text of an answer; where
+/// input is typed, they have held the name together and are gone.
+std::string withoutQuotes(const std::string& name) {
+    return name.size() >= 2 && name.starts_with('"') && name.ends_with('"') ? name.substr(1, name.size() - 2)
+                                                                            : name;
+}
+
+/// The number that an answer is which came as a value.
+std::optional<double> numberOf(const Input& input) {
+    return input.isValue && input.value.isNumber() ? std::optional(input.value.toDouble()) : std::nullopt;
+}
+
+std::optional<Point> pointOf(const Input& input, const automation::ReadingRules& rules) {
+    return input.isValue ? lisp::toPoint(input.value) : automation::readPoint(input.text, rules);
+}
+
 }  // namespace
 
 Input Input::fromValue(const lisp::Value& value) {
@@ -95,97 +111,99 @@ bool Ask::take(const Input& given, std::string& complaint) {
         complaint = "nil is no answer.";
         return false;
     }
-    answer_.kind = Answer::Kind::Value;
-    answer_.text = input.text;
-    // Quotes around a name may come whole from code, which feeds the text of an answer and not typed input.
-    if (type_ == Type::FileName && input.text.size() >= 2 && input.text.front() == '"' &&
-        input.text.back() == '"') {
-        answer_.text = input.text.substr(1, input.text.size() - 2);
-    }
     if (!input.isValue && type_ != Type::Text) {
         if (auto keyword = automation::matchKeyword(input.text, keywords_)) {
             answer_.kind = Answer::Kind::Keyword;
+            answer_.text = input.text;
             answer_.keyword = *keyword;
             return true;
         }
     }
-    std::optional<double> number;
-    if (input.isValue && input.value.isNumber()) {
-        number = input.value.toDouble();
-    }
-    automation::ReadingRules rules = automation::readingRules(context_.document().lisp());
-    rules.lastPoint = options_.base ? *options_.base : lastPoint(context_.document());
-    auto point = input.isValue ? lisp::toPoint(input.value) : std::nullopt;
-    const std::string options = keywords_.empty() ? "" : " or one of the options " + keywords_;
+    answer_.kind = Answer::Kind::Value;
+    answer_.text = type_ == Type::FileName ? withoutQuotes(input.text) : input.text;
     switch (type_) {
         case Type::Input:
             answer_.value = input.isValue ? input.value : lisp::Value();
             return true;
         case Type::Word:
         case Type::Text:
-            return true;
         case Type::FileName:
-            // From a program the quotes come with the text, while the keyboard's have been taken off before.
-            if (answer_.text.size() >= 2 && answer_.text.starts_with('"') && answer_.text.ends_with('"')) {
-                answer_.text = answer_.text.substr(1, answer_.text.size() - 2);
-            }
             return true;
         case Type::Keyword:
             complaint = quoted(input) + " is not one of the options " + keywords_ + ".";
             return false;
-        case Type::Integer: {
-            if (!number && !input.isValue) {
-                auto typed = automation::readInteger(input.text);
-                number = typed ? std::optional<double>(*typed) : std::nullopt;
-            }
-            const bool isInteger =
-                number && *number == std::floor(*number) && std::abs(*number) < 2147483648.0;
-            if (!isInteger) {
-                complaint = "An integer" + options + " is needed here, not " + quoted(input) + ".";
-                return false;
-            }
-            answer_.integer = int(*number);
-            answer_.real = *number;
-            return withinBounds(*number, complaint);
-        }
+        case Type::Integer:
+            return takeInteger(input, complaint);
         case Type::Real:
         case Type::Distance:
         case Type::Angle:
-            if (!number && !input.isValue) {
-                number = type_ == Type::Angle ? automation::readAngle(input.text, rules)
-                                              : automation::readNumber(input.text, rules);
-            } else if (number && type_ == Type::Angle) {
-                number = automation::angleOf(*number, rules);
-            }
-            if (!number && type_ != Type::Real && options_.base) {
-                if (!point && !input.isValue) {
-                    point = automation::readPoint(input.text, rules);
-                }
-                if (point) {
-                    double dx = point->x - options_.base->x;
-                    double dy = point->y - options_.base->y;
-                    number = type_ == Type::Distance ? std::hypot(dx, dy) : std::atan2(dy, dx);
-                }
-            }
-            if (!number) {
-                complaint = "A number" + options + " is needed here, not " + quoted(input) + ".";
-                return false;
-            }
-            answer_.real = *number;
-            return withinBounds(*number, complaint);
+            return takeNumber(input, complaint);
         case Type::Point:
-            if (!point && !input.isValue) {
-                point = automation::readPoint(input.text, rules);
-            }
-            if (!point) {
-                complaint = "A point" + options + " is needed here, not " + quoted(input) + ".";
-                return false;
-            }
-            answer_.point = *point;
-            context_.document().variables()[LastPoint] = *point;
-            return true;
+            return takePoint(input, complaint);
     }
     return true;
+}
+
+bool Ask::takeInteger(const Input& input, std::string& complaint) {
+    constexpr double Beyond = 2147483648.0;
+    std::optional<double> number = numberOf(input);
+    if (!input.isValue) {
+        const auto typed = automation::readInteger(input.text);
+        number = typed ? std::optional<double>(*typed) : std::nullopt;
+    }
+    if (!number || *number != std::floor(*number) || std::abs(*number) >= Beyond) {
+        complaint = needed("An integer", input);
+        return false;
+    }
+    answer_.integer = int(*number);
+    answer_.real = *number;
+    return withinBounds(*number, complaint);
+}
+
+bool Ask::takeNumber(const Input& input, std::string& complaint) {
+    const automation::ReadingRules rules = readingRules();
+    std::optional<double> number = numberOf(input);
+    if (!input.isValue) {
+        number = type_ == Type::Angle ? automation::readAngle(input.text, rules)
+                                      : automation::readNumber(input.text, rules);
+    } else if (number && type_ == Type::Angle) {
+        number = automation::angleOf(*number, rules);
+    }
+    if (!number && type_ != Type::Real && options_.base) {
+        if (const auto point = pointOf(input, rules)) {
+            const double dx = point->x - options_.base->x;
+            const double dy = point->y - options_.base->y;
+            number = type_ == Type::Distance ? std::hypot(dx, dy) : std::atan2(dy, dx);
+        }
+    }
+    if (!number) {
+        complaint = needed("A number", input);
+        return false;
+    }
+    answer_.real = *number;
+    return withinBounds(*number, complaint);
+}
+
+bool Ask::takePoint(const Input& input, std::string& complaint) {
+    const auto point = pointOf(input, readingRules());
+    if (!point) {
+        complaint = needed("A point", input);
+        return false;
+    }
+    answer_.point = *point;
+    context_.document().variables()[LastPoint] = *point;
+    return true;
+}
+
+automation::ReadingRules Ask::readingRules() const {
+    automation::ReadingRules rules = automation::readingRules(context_.document().lisp());
+    rules.lastPoint = options_.base ? *options_.base : lastPoint(context_.document());
+    return rules;
+}
+
+std::string Ask::needed(std::string_view what, const Input& input) const {
+    return std::string(what) + (keywords_.empty() ? "" : " or one of the options " + keywords_) +
+           " is needed here, not " + quoted(input) + ".";
 }
 
 bool Ask::withinBounds(double number, std::string& complaint) const {

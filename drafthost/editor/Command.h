@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "drafthost/automation/AnswerReader.h"
+#include "drafthost/base/Point.h"
 #include "drafthost/editor/Input.h"
 #include "drafthost/lisp/Value.h"
 
@@ -86,7 +88,13 @@ class Ask {
     std::coroutine_handle<> waiting() const { return waiting_; }
 
   private:
+    bool takeInteger(const Input& input, std::string& complaint);
+    bool takeNumber(const Input& input, std::string& complaint);
+    bool takePoint(const Input& input, std::string& complaint);
     bool withinBounds(double number, std::string& complaint) const;
+    automation::ReadingRules readingRules() const;
+    /// What is needed instead of the input, with the options that there are.
+    std::string needed(std::string_view what, const Input& input) const;
 
     CommandContext& context_;
     Type type_;
