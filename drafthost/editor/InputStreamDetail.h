@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// What both halves of the input stream need: working lines off (InputStream.cpp) and listening in the middle
-// of work (InputListen.cpp).
+// What the parts of the input stream need that have work on the stack: working lines off (InputStream.cpp)
+// and listening in the middle of work (InputListen.cpp). Text comes in through InputFetch.cpp.
 
 #include <array>
 #include <string>
