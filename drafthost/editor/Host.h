@@ -170,6 +170,7 @@ class Host {
     void releaseClosed();
 
   private:
+    static std::string absolute(const std::string& path);
     OpenResult take(std::unique_ptr<Document> document);
     Document* openFile(const std::string& path) const;
     void detach(Document& document);
