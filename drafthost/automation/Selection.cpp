@@ -13,8 +13,6 @@
 #include "drafthost/automation/Session.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Extents.h"
-#include "drafthost/drawing/SymbolTables.h"
-#include "drafthost/drawing/View.h"
 #include "drafthost/lisp/Printer.h"
 
 namespace drafthost::automation {
@@ -22,41 +20,8 @@ namespace {
 
 using Names = std::vector<EntityName>;
 
-bool isFrozen(const Drawing& drawing, RecordId id) {
-    const RecordId layer = findEntry(drawing, Table::Layer, drawing.record(id).textOr(8, "0"));
-    return layer != NoRecord && (drawing.record(layer).integerOr(70, 0) & 1) != 0;
-}
-
-bool isInCurrentSpace(const Drawing& drawing, RecordId id) {
-    const Layout* layout = layoutOf(drawing, id);
-    return layout != nullptr && layout->model == modelIsCurrent(drawing);
-}
-
-template <typename Accepts>
-Names gather(const Drawing& drawing, Accepts accepts) {
-    Names result;
-    for (RecordId id = firstEntity(drawing); id != NoRecord; id = nextEntity(drawing, id, false)) {
-        if (accepts(id)) {
-            result.push_back(nameOf(id));
-        }
-    }
-    return result;
-}
-
 Names everything(const Drawing& drawing) {
-    return gather(drawing, [](RecordId) { return true; });
-}
-
-Names selectable(const Drawing& drawing) {
-    return gather(drawing, [&](RecordId id) {
-        return isInCurrentSpace(drawing, id) && !isFrozen(drawing, id) && !isLocked(drawing, id);
-    });
-}
-
-Names lastVisible(const Drawing& drawing) {
-    Names all =
-        gather(drawing, [&](RecordId id) { return isInCurrentSpace(drawing, id) && !isFrozen(drawing, id); });
-    return all.empty() ? Names() : Names{all.back()};
+    return entitiesThat(drawing, [](RecordId) { return true; });
 }
 
 /// Entities of the current space by their boxes: wholly inside, or touched by the window as well.
@@ -69,8 +34,8 @@ Names inWindow(const Drawing& drawing, const std::vector<Point>& corners, bool c
             high[k] = std::max(high[k], p[k]);
         }
     }
-    return gather(drawing, [&](RecordId id) {
-        if (!isInCurrentSpace(drawing, id) || isFrozen(drawing, id)) {
+    return entitiesThat(drawing, [&](RecordId id) {
+        if (!isVisibleHere(drawing, id)) {
             return false;
         }
         const Extents box = computeExtents(drawing, std::vector<RecordId>{id});
@@ -105,7 +70,7 @@ std::optional<Names> answered(Evaluator& e, const Drawing& drawing, const Value&
     const std::string text = answer.isString() ? answer.toString() : lisp::prin1(answer);
     const std::string word = matchKeyword(text, kSelectionWords).value_or("");
     if (word == "ALL") {
-        return selectable(drawing);
+        return allSelectable(drawing);
     }
     if (word == "Last") {
         return lastVisible(drawing);
@@ -194,7 +159,7 @@ Names select(Evaluator& e, const Drawing& drawing, const std::string* given, con
         return everything(drawing);
     }
     if (mode == "A") {
-        return selectable(drawing);
+        return allSelectable(drawing);
     }
     if (mode == "L") {
         return lastVisible(drawing);

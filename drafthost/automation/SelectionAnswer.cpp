@@ -2,8 +2,11 @@
 #include "drafthost/automation/SelectionAnswer.h"
 
 #include "drafthost/automation/DxfList.h"
+#include "drafthost/automation/EntityEdit.h"
 #include "drafthost/automation/PickSet.h"
 #include "drafthost/drawing/Blocks.h"
+#include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/View.h"
 
 namespace drafthost::automation {
 namespace {
@@ -13,7 +16,41 @@ std::vector<EntityName> alive(const Drawing& drawing, std::vector<EntityName> na
     return names;
 }
 
+/// Model space, or the layout that is the active paper space; other layouts are elsewhere.
+bool isInCurrentSpace(const Drawing& drawing, RecordId id) {
+    const Layout* layout = layoutOf(drawing, id);
+    return layout != nullptr && (modelIsCurrent(drawing) ? layout->model : isActivePaper(*layout));
+}
+
 }  // namespace
+
+std::vector<EntityName> entitiesThat(const Drawing& drawing, const std::function<bool(RecordId)>& accepts) {
+    std::vector<EntityName> result;
+    for (RecordId id = firstEntity(drawing); id != NoRecord; id = nextEntity(drawing, id, false)) {
+        if (accepts(id)) {
+            result.push_back(nameOf(id));
+        }
+    }
+    return result;
+}
+
+bool isVisibleHere(const Drawing& drawing, RecordId id) {
+    if (!isInCurrentSpace(drawing, id)) {
+        return false;
+    }
+    const RecordId layer = findEntry(drawing, Table::Layer, drawing.record(id).textOr(8, "0"));
+    return layer == NoRecord || (drawing.record(layer).integerOr(70, 0) & 1) == 0;
+}
+
+std::vector<EntityName> allSelectable(const Drawing& drawing) {
+    return entitiesThat(drawing,
+                        [&](RecordId id) { return isVisibleHere(drawing, id) && !isLocked(drawing, id); });
+}
+
+std::vector<EntityName> lastVisible(const Drawing& drawing) {
+    const auto all = entitiesThat(drawing, [&](RecordId id) { return isVisibleHere(drawing, id); });
+    return all.empty() ? all : std::vector<EntityName>{all.back()};
+}
 
 std::optional<std::vector<EntityName>> namedObjects(const Drawing& drawing, const Value& answer) {
     if (answer.isEname()) {

@@ -2,6 +2,7 @@
 #pragma once
 // What an answer at "Select objects:" names, for the functions of LISP and the commands alike.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,15 @@ namespace drafthost::automation {
 /// The words that are understood there, whether or not whoever asks can do what they say.
 inline constexpr std::string_view kSelectionWords =
     "ALL Last Previous Window Crossing WPolygon CPolygon Fence";
+
+/// Names of the entities of all layouts that are accepted, as they come in the drawing.
+std::vector<EntityName> entitiesThat(const Drawing& drawing, const std::function<bool(RecordId)>& accepts);
+/// Whether the entity lies in the current space on a layer that is not frozen; the layer may be off.
+bool isVisibleHere(const Drawing& drawing, RecordId id);
+/// What ALL means: everything that is visible here, except on locked layers.
+std::vector<EntityName> allSelectable(const Drawing& drawing);
+/// What Last means: the newest entity that is visible here; none or one.
+std::vector<EntityName> lastVisible(const Drawing& drawing);
 
 /// The objects of an answer that is none of the words: an entity name, alone or with the point where it was
 /// picked, a selection set, or the handle of an entity. Nothing when it is none of these.

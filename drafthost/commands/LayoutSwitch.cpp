@@ -12,11 +12,6 @@ namespace drafthost::commands {
 
 namespace {
 
-bool isActivePaper(const Layout& layout) {
-    std::string block = foldCase(layout.blockName);
-    return !layout.model && (block == foldCase("*Paper_Space") || block == foldCase("$PAPER_SPACE"));
-}
-
 const Layout* activePaperLayout(const Drawing& drawing) {
     for (const Layout& layout : layouts(drawing)) {
         if (isActivePaper(layout)) {

@@ -5,32 +5,13 @@
 
 #include "drafthost/automation/DxfList.h"
 #include "drafthost/automation/SelectionAnswer.h"
-#include "drafthost/drawing/Blocks.h"
-#include "drafthost/drawing/View.h"
+#include "drafthost/drawing/Drawing.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/DocumentLisp.h"
 
 namespace drafthost::commands {
 
 namespace {
-
-/// Whether the entity belongs to the space that is current.
-bool inCurrentSpace(const Drawing& drawing, RecordId entity) {
-    const Layout* layout = layoutOf(drawing, entity);
-    bool model = modelIsCurrent(drawing);
-    return layout && layout->model == model && (model || drawing.record(entity).integerOr(67, 0) == 1);
-}
-
-std::vector<RecordId> allEntities(const Drawing& drawing) {
-    std::vector<RecordId> result;
-    for (RecordId entity = firstEntity(drawing); entity != NoRecord;
-         entity = nextEntity(drawing, entity, false)) {
-        if (inCurrentSpace(drawing, entity)) {
-            result.push_back(entity);
-        }
-    }
-    return result;
-}
 
 std::vector<RecordId> fromNames(const Drawing& drawing, const std::vector<automation::EntityName>& names) {
     std::vector<RecordId> result;
@@ -56,12 +37,9 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
         }
         std::vector<RecordId> found;
         if (answer.isKeyword("ALL")) {
-            found = allEntities(drawing);
+            found = fromNames(drawing, automation::allSelectable(drawing));
         } else if (answer.isKeyword("Last")) {
-            RecordId last = lastEntity(drawing);
-            if (last != NoRecord) {
-                found.push_back(last);
-            }
+            found = fromNames(drawing, automation::lastVisible(drawing));
         } else if (answer.isKeyword("Previous")) {
             found = fromNames(drawing, document.lisp().session().previousSelection);
             if (found.empty()) {

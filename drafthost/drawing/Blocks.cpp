@@ -174,6 +174,11 @@ bool isSubEntity(const Drawing& drawing, RecordId record) {
     return type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
 }
 
+bool isActivePaper(const Layout& layout) {
+    const std::string block = foldCase(layout.blockName);
+    return !layout.model && (block == foldCase("*Paper_Space") || block == foldCase("$PAPER_SPACE"));
+}
+
 const Layout* layoutOf(const Drawing& drawing, RecordId entity) {
     const std::vector<Layout>& all = layouts(drawing);
     const Structure& structure = drawing.structure();

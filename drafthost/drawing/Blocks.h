@@ -50,6 +50,9 @@ bool isSubEntity(const Drawing& drawing, RecordId record);
 /// The layout that an entity is drawn on, nullptr inside other blocks.
 const Layout* layoutOf(const Drawing& drawing, RecordId entity);
 
+/// Whether the layout is the one of the active paper space, which CTAB names outside model space.
+bool isActivePaper(const Layout& layout);
+
 /// A new entity at the end of the current space (`paper`: active paper space), with layer, handle, owner and
 /// the AcDbEntity marker where the version has them; its own tags are the caller's.
 RecordId addEntity(Drawing& drawing, std::string_view type, std::string_view layer, bool paper);

@@ -82,6 +82,29 @@ TEST_F(Zoom, ExtentsAllAndObjectsComeFromTheEntities) {
     EXPECT_NE(saved.find(" 12\n15.0\n 22\n10.0\n"), std::string::npos);
 }
 
+TEST_F(Zoom, AllMeansTheSameToACommandAndToLisp) {
+    const std::string show =
+        "(progn (setq i -1 h nil) (repeat (sslength s) (setq h (cons (cdr (assoc 5 (entget (ssname s (setq i "
+        "(1+ i)))))) h))) (print h))\n";
+    const auto expectBoth = [&](const std::string& handles) {
+        output.clear();
+        type("(setq s (ssget \"A\"))\n" + show);
+        EXPECT_NE(output.find(handles), std::string::npos) << output;
+        output.clear();
+        type("zoom o all\n\n(setq s (ssget \"P\"))\n" + show);
+        EXPECT_NE(output.find(handles), std::string::npos) << output;
+    };
+    expectBoth("(\"41\" \"40\")");
+    type("-layer lock Walls\n\n");
+    expectBoth("(\"41\")");
+    type("-layer unlock Walls freeze Walls\n\n");
+    expectBoth("(\"41\")");
+    type("-layer thaw Walls off Walls\n\n\n");
+    expectBoth("(\"41\" \"40\")");
+    type("(setvar \"TILEMODE\" 0)\n");
+    expectBoth("(\"65\")");
+}
+
 TEST_F(Zoom, WhatCannotBeShownIsRefusedAndTheViewStays) {
     for (const char* line : {"zoom d\n", "zoom p\n", "zoom 2xp\n", "zoom\n\n", "zoom 1,1 1,1\n"}) {
         type(line);
