@@ -38,14 +38,16 @@ bool MakeRoomForState(const DataFolder& folder, std::string* error) {
 }
 
 bool MakeRoomForDescription(const DataFolder& folder, std::string* error) {
-    std::optional<RunDescription> description;
-    std::string cause;
-    if (ReadDescription(folder.Path(), &description, &cause)) {
-        return true;
-    }
     const std::string file = DescriptionFile(folder.Path());
     std::string text;
-    return ReadFile(file, &text, error) && KeepDamaged(file, cause, error);
+    if (!std::filesystem::exists(file)) {
+        return true;
+    }
+    if (!ReadFile(file, &text, error)) {
+        return false;
+    }
+    const std::optional<RunDescription> description = ParseDescription(text);
+    return description || KeepDamaged(file, DamagedDescription(file), error);
 }
 
 }  // namespace

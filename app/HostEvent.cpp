@@ -2,6 +2,7 @@
 #include "app/HostEvent.h"
 
 #include <nlohmann/json.hpp>
+#include <QByteArray>
 #include <string_view>
 #include <unordered_map>
 
@@ -14,7 +15,7 @@ std::optional<Kind> KindOf(const std::string& name) {
         {"text", Kind::Talk},          {"prompt", Kind::Prompt},   {"run-started", Kind::RunStarted},
         {"file", Kind::File},          {"status", Kind::Status},   {"alarm", Kind::Alarm},
         {"run-ended", Kind::RunEnded}, {"message", Kind::Message}, {"refused", Kind::Refused},
-        {"unsaved", Kind::Unsaved},    {"saved", Kind::Saved}};
+        {"unsaved", Kind::Unsaved},    {"saved", Kind::Saved},     {"log", Kind::Log}};
     const auto found = kinds.find(name);
     return found == kinds.end() ? std::nullopt : std::optional(found->second);
 }
@@ -64,6 +65,12 @@ std::optional<HostEvent> ReadEvent(const std::string& line) {
     }
     if (*kind == Kind::Status && !StatusFromWord(TextOf(object, "status"), &event.Status)) {
         return std::nullopt;
+    }
+    if (*kind == Kind::Log) {
+        const std::string rest = TextOf(object, "rest");
+        event.Rest = {event.Text, CountOf(object, "written", 0),
+                      QByteArray::fromBase64(QByteArray::fromStdString(rest)).toStdString(),
+                      object.value("whole", nlohmann::json(false)) == true, TextOf(object, "cause")};
     }
     event.Changed = object.value("changed", nlohmann::json(false)) == true;
     return event;

@@ -2,6 +2,7 @@
 #pragma once
 // What the host and the module tell of a run: JSON objects on a socket of their own (docs/headless.md tells
 // them). Nothing that a script prints can be taken for one of them, since such a line comes inside a "text".
+#include "app/LogRests.h"
 #include "app/QueueEntry.h"
 
 #include <cstddef>
@@ -29,6 +30,8 @@ struct HostEvent {
         Unsaved,
         /// A drawing was written.
         Saved,
+        /// The host could not write a log of its own to the end.
+        Log,
     };
 
     Kind What = Kind::Talk;
@@ -47,6 +50,8 @@ struct HostEvent {
     std::vector<std::string> Scripts = {};
     /// Of Status: the drawing had unsaved changes then.
     bool Changed = false;
+    /// Of Log.
+    LogRest Rest = {};
 };
 
 /// Reads one line; nothing when it is none of the events that are known here.

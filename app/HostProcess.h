@@ -97,7 +97,7 @@ class HostProcess {
     pid_t child = -1;
     int input = -1;
     std::string pending;
-    /// A path has 4,096 bytes at most, of which JSON may make six each.
-    LineReader report{1 << 16};
+    /// The longest event is the rest of a log, of which the host keeps 1 MB.
+    LineReader report{1 << 21};
     LineReader output{1000};
 };

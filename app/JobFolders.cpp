@@ -126,7 +126,8 @@ bool IsOwnName(const std::string& below) {
     const std::string_view in = std::string_view(below).substr(0, slash == std::string::npos ? 0 : slash);
     return in == "Ovrix" ? std::any_of(files.begin(), files.end(),
                                        [name](std::string_view file) { return name.starts_with(file); })
-                         : in == "Ovrix/logs/drafthost" && name.ends_with(".log");
+                         : in == "Ovrix/logs/drafthost" &&
+                               (name.ends_with(".log") || name.ends_with(std::string(".log") + kCutLog));
 }
 
 }  // namespace

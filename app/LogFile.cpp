@@ -4,10 +4,12 @@
 #include "system/NewFile.h"
 #include "system/OwnFile.h"
 #include "text/WholeFile.h"
+#include "zip/ZipArchive.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <QFile>
 
 bool ReadLog(const std::string& path, RunLogContent* log, std::string* error) {
@@ -18,6 +20,28 @@ bool ReadLog(const std::string& path, RunLogContent* log, std::string* error) {
     }
     *log = ReadRunLog(bytes);
     return true;
+}
+
+bool ReadPackedNames(const std::string& file, PackedLogNames* names, std::string* error) {
+    if (!std::filesystem::exists(file)) {
+        return true;
+    }
+    try {
+        CZipArchive archive;
+        if (!archive.Open(file, CZipArchive::Existing)) {
+            *error = file + ": cannot be read: " + std::strerror(errno);
+            return false;
+        }
+        for (int i = 0; i < archive.Count(); ++i) {
+            CFileHeader header;
+            archive.GetFileInfo(header, i);
+            names->emplace(header.Name, header.UncompSize > 0);
+        }
+        return true;
+    } catch (const CZipException& failure) {
+        *error = failure.what();
+        return false;
+    }
 }
 
 bool WriteLog(const std::string& path, const QByteArray& bytes, std::string* error) {

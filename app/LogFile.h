@@ -5,9 +5,15 @@
 #include "log/RunLogText.h"
 
 #include <string>
+#include <unordered_map>
 
 /// False with one line.
 bool ReadLog(const std::string& path, RunLogContent* log, std::string* error);
+/// The logs in an archive, and whether there is anything in them.
+using PackedLogNames = std::unordered_map<std::string, bool>;
+/// No archive is an empty one. False with one line.
+bool ReadPackedNames(const std::string& file, PackedLogNames* names, std::string* error);
+
 /// Writes beside the file and puts that in its place. False with one line, and the old file left.
 bool WriteLog(const std::string& path, const QByteArray& bytes, std::string* error);
 

@@ -32,7 +32,9 @@ QStringList LinkedLogs(const std::string& folder, const std::unordered_set<std::
     for (fs::directory_iterator walk(folder, failure), end; !failure && walk != end;
          walk.increment(failure)) {
         const QString path = QFile::decodeName(walk->path().c_str());
-        if (links.contains(HostLogId(path).toStdString())) {
+        const bool isCut = path.endsWith(QLatin1String(kCutLog));
+        const QString whole = isCut ? path.chopped(qsizetype(std::strlen(kCutLog))) : path;
+        if (links.contains(HostLogId(whole).toStdString())) {
             logs += path;
         }
     }

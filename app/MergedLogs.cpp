@@ -92,6 +92,18 @@ QString TextOf(const Line& line) {
     return RunLogLineText(line.Entry.Time, line.Entry.Html);
 }
 
+/// A log that lacks text has another name in the archive, and its drawing's entry then leads there.
+void LinkCutLogs(RunLogContent* log, const PackedLogNames& packed) {
+    for (RunLogEntry& entry : log->Entries) {
+        const QString cut = entry.Id + QLatin1String(kCutLog);
+        if (!entry.Id.isEmpty() && !packed.contains(entry.Id.toStdString()) &&
+            packed.contains(cut.toStdString())) {
+            entry.Id = cut;
+            entry.Html = ProcessingHtml(cut, entry.Name);
+        }
+    }
+}
+
 /// Also tells each part which of its entries the text links to.
 bool MergedText(std::vector<Part>* parts, const std::vector<std::string>& drawings, QString* text,
                 std::string* error) {
@@ -100,9 +112,11 @@ bool MergedText(std::vector<Part>* parts, const std::vector<std::string>& drawin
     std::vector<Line> ends;
     for (Part& part : *parts) {
         RunLogContent log;
-        if (!ReadLog(part.Files.Log, &log, error)) {
+        PackedLogNames packed;
+        if (!ReadLog(part.Files.Log, &log, error) || !ReadPackedNames(part.Files.Archive, &packed, error)) {
             return false;
         }
+        LinkCutLogs(&log, packed);
         std::time_t time = 0;
         for (RunLogEntry& entry : log.Entries) {
             time = TimeOf(entry, time);

@@ -16,6 +16,7 @@
 #include "app/RunReport.h"
 
 #include <unistd.h>
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -117,9 +118,16 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
     }
     CTarnelData saved;
     const bool ended = outcome == RunMonitor::Outcome::Ended;
-    bool together = BringTogether(folder, description, *ledger, &error);
+    const auto writeLogRests = [&] {
+        return std::all_of(monitors.begin(), monitors.end(),
+                           [&](const auto& monitor) { return monitor->WriteLogRests(&error); });
+    };
+    bool together = writeLogRests() && BringTogether(folder, description, *ledger, &error);
     if (!together) {
         progress->Note(error + "; it is tried again");
+        if (!writeLogRests()) {
+            breakOff(error);
+        }
         together = BringTogether(folder, description, *ledger, &error);
     }
     const std::vector<std::string> worked = WorkedOn(*ledger, [](const DrawingRecord&) { return true; });

@@ -63,6 +63,18 @@ RunDescription NewDescription() {
     return description;
 }
 
+std::optional<RunDescription> ParseDescription(const std::string& text) {
+    try {
+        return FromJson(Json::parse(text));
+    } catch (const Json::exception&) {
+        return std::nullopt;
+    }
+}
+
+std::string DamagedDescription(const std::string& file) {
+    return file + ": does not hold the description of a run (cut off or damaged)";
+}
+
 bool ReadDescription(const std::string& folder, std::optional<RunDescription>* description,
                      std::string* error) {
     description->reset();
@@ -74,13 +86,11 @@ bool ReadDescription(const std::string& folder, std::optional<RunDescription>* d
     if (!ReadFile(file, &text, error)) {
         return false;
     }
-    try {
-        *description = FromJson(Json::parse(text));
-    } catch (const Json::exception&) {
-        *error = file + ": does not hold the description of a run (cut off or damaged)";
-        return false;
+    *description = ParseDescription(text);
+    if (!*description) {
+        *error = DamagedDescription(file);
     }
-    return true;
+    return description->has_value();
 }
 
 bool WriteDescription(const std::string& folder, const RunDescription& description, std::string* error) {

@@ -58,6 +58,10 @@ RunDescription NewDescription();
 
 /// Where it stands in a folder.
 std::string DescriptionFile(const std::string& folder);
+/// Nothing when the text is no description.
+std::optional<RunDescription> ParseDescription(const std::string& text);
+/// One line that says so.
+std::string DamagedDescription(const std::string& file);
 /// Nothing when the folder has none, which is no error: the window and earlier versions write none. False
 /// with one line when there is one that cannot be read.
 bool ReadDescription(const std::string& folder, std::optional<RunDescription>* description,

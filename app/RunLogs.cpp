@@ -1,41 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RunLogs.h"
 
-#include "zip/ZipArchive.h"
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <QFile>
 #include <unordered_map>
 
 namespace {
-
-/// The logs in an archive, and whether there is anything in them.
-using PackedLogNames = std::unordered_map<std::string, bool>;
-
-bool ReadArchive(const std::string& file, PackedLogNames* names, std::string* error) {
-    if (!std::filesystem::exists(file)) {
-        return true;
-    }
-    try {
-        CZipArchive archive;
-        if (!archive.Open(file, CZipArchive::Existing)) {
-            *error = file + ": cannot be read: " + std::strerror(errno);
-            return false;
-        }
-        for (int i = 0; i < archive.Count(); ++i) {
-            CFileHeader header;
-            archive.GetFileInfo(header, i);
-            names->emplace(header.Name, header.UncompSize > 0);
-        }
-        return true;
-    } catch (const CZipException& failure) {
-        *error = failure.what();
-        return false;
-    }
-}
 
 std::vector<std::string> MissingIn(const RunLogContent& log, const std::vector<std::string>& drawings) {
     std::unordered_map<std::string, int> told;
@@ -69,6 +39,11 @@ bool CheckEntries(const LogPart& files, const RunLogContent& log, const PackedLo
             *error = files.Archive + ": the log of " + drawing + " is missing";
             return false;
         }
+        if (entry.Id.endsWith(QLatin1String(kCutLog))) {
+            *error =
+                files.Archive + ": the log of " + drawing + " is not whole: its end could not be written";
+            return false;
+        }
         isTold[drawing] = found->second;
     }
     for (const auto& [drawing, told] : isTold) {
@@ -98,7 +73,7 @@ bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawin
     if (drawings.empty() && !std::filesystem::exists(files.Log)) {
         return true;
     }
-    if (!ReadLog(files.Log, &log, error) || !ReadArchive(files.Archive, &packed, error)) {
+    if (!ReadLog(files.Log, &log, error) || !ReadPackedNames(files.Archive, &packed, error)) {
         return false;
     }
     if (!log.IsWhole) {
@@ -121,7 +96,7 @@ bool CheckKeptLogs(const std::string& folder, const std::vector<DrawingRecord>& 
     RunLogContent log;
     PackedLogNames packed;
     return drawings.empty() ||
-           (ReadLog(files.Log, &log, error) && ReadArchive(files.Archive, &packed, error) &&
+           (ReadLog(files.Log, &log, error) && ReadPackedNames(files.Archive, &packed, error) &&
             CheckEntries(files, log, packed, drawings, error));
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RunMonitor.h"
 
+#include "app/LogParts.h"
 #include "app/QueueEntry.h"
 #include "app/RunRecord.h"
 #include "engine/record/TarnelData.h"
+#include "system/OwnFile.h"
 
 #include <utility>
 
@@ -44,7 +46,10 @@ bool AboutScript(const std::string& complaint) {
 }  // namespace
 
 RunMonitor::RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* progress)
-    : settings(std::move(settings)), ledger(ledger), progress(progress) {
+    : settings(std::move(settings)),
+      ledger(ledger),
+      progress(progress),
+      logRests(HostLogFolder(files::FolderOf(this->settings.State))) {
     Launch();
 }
 
@@ -102,6 +107,9 @@ void RunMonitor::Step() {
 void RunMonitor::HostEnded() {
     const HostEnd end = host->Wait();
     host.reset();
+    std::string ignored;
+    // What does not go now is tried again at the end of the run.
+    logRests.Write(&ignored);
     if (end.LostLog) {
         logLoss = logFault.empty() ? "a log of the host is not whole: it could not be written" : logFault;
     }
@@ -226,6 +234,9 @@ void RunMonitor::Hear(const HostEvent& event) {
             break;
         case Kind::Alarm:
             progress->Alarm(event.Text);
+            break;
+        case Kind::Log:
+            logRests.Take(event.Rest);
             break;
         case Kind::RunEnded:
             if (phase == Phase::Running) {

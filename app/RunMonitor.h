@@ -6,6 +6,7 @@
 // work in short steps and never waits, so that one loop can watch over several hosts.
 #include "app/HostEvent.h"
 #include "app/HostProcess.h"
+#include "app/LogRests.h"
 #include "app/Progress.h"
 #include "app/RunLedger.h"
 #include "app/Signals.h"
@@ -53,6 +54,8 @@ class RunMonitor {
     const std::string& Complaint() const { return complaint; }
     /// One line when a host that ended in order has lost text of its logs; empty otherwise.
     const std::string& LogLoss() const { return logLoss; }
+    /// Tries to write what the host could not write of its logs. False with one line.
+    bool WriteLogRests(std::string* error) { return logRests.Write(error); }
 
     /// Adds what there is to poll for.
     void AddDescriptors(std::vector<pollfd>* watched) const;
@@ -104,6 +107,7 @@ class RunMonitor {
     /// The last thing that the host said of a log that it could not write.
     std::string logFault;
     std::string logLoss;
+    LogRests logRests;
 };
 
 /// Works the queues of all monitors off. When one breaks off, so do the others. The worst outcome of all;

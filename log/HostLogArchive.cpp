@@ -28,7 +28,7 @@ QString packLog(CZipArchive& archive, const QString& path, const std::string& na
     };
     const std::unique_ptr<std::FILE, Closer> log(std::fopen(file.c_str(), "rbe"));
     if (!log) {
-        return errno == ENOENT ? QString() : failure();
+        return failure();
     }
     CFileHeader header;
     header.Name = name;
@@ -82,6 +82,10 @@ PackedLogs PackHostLogs(const QString& path, const QStringList& logs, bool anew)
     PackedLogs result;
     for (const QString& log : logs) {
         const std::string name = HostLogId(log).toStdString();
+        // One that is not there may still be put there, and is then nobody's to delete.
+        if (!names.contains(name) && !QFile::exists(log)) {
+            continue;
+        }
         const QString failure = names.insert(name).second ? packLog(archive, log, name) : QString();
         if (failure.isEmpty()) {
             result.Packed += log;

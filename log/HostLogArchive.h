@@ -9,9 +9,9 @@
 QString HostLogId(const QString& hostLogPath);
 
 struct PackedLogs {
-    /// The logs that need not be kept any more: they are in the archive, whole, or not there at all.
+    /// The logs that need not be kept any more: they are in the archive, whole.
     QStringList Packed;
-    /// One line for each of the others.
+    /// One line for each of the others that there are.
     QStringList Failures;
 };
 

@@ -110,8 +110,8 @@ void Document::startLog() {
 }
 
 void Document::stopLog() {
-    if (!log_.stop()) {
-        host_.tellLostLog(log_.takeError());
+    if (const auto rest = log_.stop()) {
+        host_.giveAway(*rest);
     }
 }
 

@@ -102,9 +102,11 @@ void Host::handOut() {
     }
 }
 
-void Host::tellLostLog(const std::string& cause) {
-    lostLog_ = true;
-    printLine(cause);
+void Host::giveAway(const LogRest& rest) {
+    if (!report_ || !report_->logRest(rest)) {
+        lostLog_ = true;
+        printLine("The log " + rest.path + " is not whole: " + rest.cause);
+    }
 }
 
 std::string Host::nextLogName(const std::string& drawing) {

@@ -29,6 +29,7 @@ class ProgramFiles;
 class RegistryFile;
 class ReportChannel;
 class ScriptReader;
+struct LogRest;
 
 /// What a text of the command line is to somebody who wants to know how the work goes.
 enum class Said {
@@ -160,8 +161,9 @@ class Host {
     /// Width to height of what the window shows of a drawing; nothing without one.
     std::optional<double> screenAspect() const { return screenAspect_; }
     void setScreenAspect(std::optional<double> aspect) { screenAspect_ = aspect; }
-    /// Tells that a log has lost text, on the command line and at the end by the exit status.
-    void tellLostLog(const std::string& cause);
+    /// What of a log cannot be written goes to the program that started this one; without it the loss is told
+    /// on the command line and at the end by the exit status.
+    void giveAway(const LogRest& rest);
     bool lostLog() const { return lostLog_; }
     /// File name for the next log of a drawing, new in this session.
     std::string nextLogName(const std::string& drawing);

@@ -2,9 +2,12 @@
 #include "drafthost/editor/LogFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>
+#include <cstdio>
 #include <ctime>
+#include <utility>
 
 #include "system/FileJournal.h"
 #include "system/OwnFile.h"
@@ -14,13 +17,25 @@ namespace drafthost {
 namespace {
 /// What is kept for a disk that takes nothing, at most.
 constexpr std::size_t MostPending = 1 << 20;
+constexpr std::string_view CutLine = "\n[ Log cut: what follows could not be written ]\n";
+
+std::string asideName(const std::string& path) {
+    return path + ".cut";
+}
 }  // namespace
 
 void LogFile::start(std::string path) {
     stop();
     path_ = std::move(path);
     on_ = true;
-    broken_ = false;
+    broken_ = aside_ = cut_ = taken_ = false;
+    written_ = 0;
+    struct stat info {};
+    // A log that was taken up again after a fault.
+    if (::access(path_.c_str(), F_OK) != 0 && ::stat(asideName(path_).c_str(), &info) == 0) {
+        aside_ = cut_ = true;
+        written_ = std::size_t(info.st_size);
+    }
     char time[64];
     const std::time_t now = std::time(nullptr);
     std::tm local{};
@@ -29,46 +44,65 @@ void LogFile::start(std::string path) {
     write(time);
 }
 
-bool LogFile::stop() {
+std::optional<LogRest> LogFile::stop() {
     if (!on_) {
-        return true;
+        return std::nullopt;
     }
-    if (lineOpen_) {
-        write("\n");
-    }
+    write(lineOpen_ ? "\n" : "");
     if (fd_ >= 0) {
         ::close(fd_);
         fd_ = -1;
     }
-    const bool whole = pending_.empty();
-    if (!whole) {
-        error_ = "The log " + path_ + " is not whole: " + cause_;
-    }
-    pending_.clear();
     on_ = false;
-    return whole;
+    std::string text = std::exchange(pending_, {});
+    if (taken_ || (text.empty() && !cut_)) {
+        return std::nullopt;
+    }
+    return LogRest{path_, written_, std::move(text), !cut_, cause_};
 }
 
-int LogFile::open() const {
+int LogFile::open() {
+    const std::string path = aside_ ? asideName(path_) : path_;
     // A log that no journal names would stay for ever.
-    if (::access(path_.c_str(), F_OK) != 0 && !files::Journal().NoteLog(path_)) {
+    if (::access(path.c_str(), F_OK) != 0 && !files::Journal().NoteLog(path)) {
         return -1;
     }
-    if (const int code = files::MakeFolder(files::FolderOf(path_))) {
+    if (const int code = files::MakeFolder(files::FolderOf(path))) {
         errno = code;
         return -1;
     }
-    return files::OpenOwn(path_, O_WRONLY | O_APPEND);
+    const int file = files::OpenOwn(path, O_WRONLY | O_APPEND);
+    struct stat info {};
+    if (file >= 0 && ::fstat(file, &info) == 0) {
+        written_ = std::size_t(info.st_size);
+    }
+    return file;
+}
+
+void LogFile::keep(std::string_view text) {
+    if (cut_ && !pending_.empty()) {
+        return;
+    }
+    const std::size_t room = MostPending - pending_.size();
+    pending_ += text.substr(0, room);
+    if (text.size() > room) {
+        cut_ = true;
+        pending_ += CutLine;
+    }
 }
 
 void LogFile::write(std::string_view text) {
-    if (!on_ || text.empty()) {
+    if (!on_ || (text.empty() && pending_.empty())) {
         return;
     }
-    lineOpen_ = text.back() != '\n';
-    if (pending_.size() < MostPending) {
-        pending_ += text;
+    if (!text.empty()) {
+        lineOpen_ = text.back() != '\n';
     }
+    keep(text);
+    writeKept();
+}
+
+void LogFile::writeKept() {
     if (fd_ < 0) {
         fd_ = open();
     }
@@ -88,13 +122,36 @@ void LogFile::write(std::string_view text) {
         error_ = "The log " + path_ + " cannot be written: " + cause_;
     }
     broken_ = failed;
+    written_ += done;
     pending_.erase(0, done);
+    if (failed) {
+        setAside();
+    } else {
+        putBack();
+    }
+}
+
+void LogFile::setAside() {
+    if (fd_ < 0 || aside_ || taken_) {
+        return;
+    }
+    const std::string aside = asideName(path_);
+    // Without the note it is only a kill that leaves it.
+    files::Journal().NoteLog(aside);
+    aside_ = std::rename(path_.c_str(), aside.c_str()) == 0;
+    taken_ = !aside_ && errno == ENOENT;
+}
+
+/// A log with a gap stays aside.
+void LogFile::putBack() {
+    if (aside_ && !cut_ && std::rename(asideName(path_).c_str(), path_.c_str()) == 0) {
+        aside_ = false;
+        files::Journal().Gone(asideName(path_));
+    }
 }
 
 std::string LogFile::takeError() {
-    std::string error;
-    error.swap(error_);
-    return error;
+    return std::exchange(error_, {});
 }
 
 }  // namespace drafthost

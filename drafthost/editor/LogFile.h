@@ -3,11 +3,28 @@
 // The text of one document's command line, kept in a file. Each piece of text is with the system when write()
 // returns: whoever packs the log, or looks at it after the host has died, finds all that was said. A write
 // costs a quarter of a microsecond, so no buffer is worth the text that it would lose.
+//
+// A file that lacks text is not the log: while the disk takes nothing it stands aside as "<path>.cut", so
+// that nobody takes it for the whole.
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace drafthost {
+
+/// What a log could never bring to the disk.
+struct LogRest {
+    std::string path;
+    /// So many bytes of the log stand in "<path>.cut", or at the path itself when they could not be moved.
+    std::size_t written = 0;
+    std::string text;
+    /// With what stands in the file this is all that was said.
+    bool whole = true;
+    /// Why it could not be written.
+    std::string cause;
+};
 
 class LogFile {
   public:
@@ -18,8 +35,8 @@ class LogFile {
 
     /// From now on text goes to the file, behind what is there.
     void start(std::string path);
-    /// False, with a line of cause, when text is lost since it could never be written.
-    bool stop();
+    /// Tries once more to write what is left, which comes back if that fails.
+    std::optional<LogRest> stop();
     bool isOn() const { return on_; }
     /// What cannot be written is tried again with the next text.
     void write(std::string_view text);
@@ -28,7 +45,11 @@ class LogFile {
 
   private:
     /// Makes the folder too, which may not have been there for a moment. -1 with errno.
-    int open() const;
+    int open();
+    void keep(std::string_view text);
+    void writeKept();
+    void setAside();
+    void putBack();
 
     bool on_ = false;
     int fd_ = -1;
@@ -36,8 +57,15 @@ class LogFile {
     std::string pending_;
     std::string error_;
     std::string cause_;
+    std::size_t written_ = 0;
     bool broken_ = false;
     bool lineOpen_ = false;
+    /// It stands under its other name.
+    bool aside_ = false;
+    /// Text was dropped.
+    bool cut_ = false;
+    /// Somebody has packed it.
+    bool taken_ = false;
 };
 
 }  // namespace drafthost

@@ -9,6 +9,8 @@
 #include <QJsonObject>
 #include <QString>
 
+#include "drafthost/editor/LogFile.h"
+
 namespace drafthost {
 namespace {
 
@@ -79,6 +81,19 @@ void ReportChannel::prompt(std::string_view text) {
 
 void ReportChannel::saved(std::string_view path) {
     send(eventOf("saved", "path", toText(path)));
+}
+
+bool ReportChannel::logRest(const LogRest& rest) {
+    flush();
+    QJsonObject event = eventOf("log", "path", toText(rest.path));
+    // Of a script's making: any bytes may stand there.
+    const QByteArray text = QByteArray::fromRawData(rest.text.data(), qsizetype(rest.text.size()));
+    event[QStringLiteral("rest")] = QString::fromLatin1(text.toBase64());
+    event[QStringLiteral("written")] = qint64(rest.written);
+    event[QStringLiteral("whole")] = rest.whole;
+    event[QStringLiteral("cause")] = toText(rest.cause);
+    send(event);
+    return descriptor_ >= 0;
 }
 
 void ReportChannel::because(std::string_view reason) {

@@ -13,6 +13,8 @@ class QJsonObject;
 
 namespace drafthost {
 
+struct LogRest;
+
 class ReportChannel {
   public:
     /// The descriptor stays the caller's. What the host starts does not inherit it.
@@ -29,6 +31,9 @@ class ReportChannel {
     void prompt(std::string_view text);
     /// A drawing was written: {"event":"saved","path":…}.
     void saved(std::string_view path);
+    /// The end of a log that cannot be written, for whoever still can:
+    /// {"event":"log","path":…,"written":…,"rest":base64,"whole":…,"cause":…}. False when nobody listens.
+    bool logRest(const LogRest& rest);
     /// Why something is refused, before it is said. What follows on the command line is not taken for it.
     void because(std::string_view reason);
     /// What was said so far is no reason any more: another input begins.

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The run log and the archive of real runs: names that a page would take for markup, drawings that do not end
 // well, and disks that take nothing.
+#include "app/LogRests.h"
 #include "app/RunLogs.h"
 #include "tests/app/Program.h"
 #include "zip/ZipArchive.h"
 
 #include <gmock/gmock.h>
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 #include <map>
 #include <QFile>
+#include <sstream>
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
@@ -213,6 +217,147 @@ TEST_F(RunLogs, OfDocumentsThatAScriptOpensBesidesNothingIsLeft) {
         const ProgramResult result =
             Run({"--script", script, "--jobs", jobs, Drawing("a.dxf"), Drawing("b.dxf")});
         EXPECT_EQ(result.Status, 0) << result.Out << result.Errors;
+        EXPECT_THAT(Logs().at(Folder / "a.dxf"), HasSubstr("this is a"));
+        EXPECT_FALSE(HostLogsAreLeft());
+    }
+}
+
+// Whatever keeps the host from writing its logs, the front has what it said.
+TEST_F(RunLogs, WhatTheHostCannotWriteOfItsLogsTheFrontWrites) {
+    const std::string script = Write("s.scr", std::string(kSay) + "(repeat 20 (princ \"\\nmore\"))\n");
+    const auto start = [&](const std::string& jobs) {
+        std::ofstream(Folder / "counts") << std::string(8192, '\0');
+        return Run(
+            {"--script", script, "--jobs", jobs, Drawing("a.dxf"), Drawing("b.dxf"), Drawing("c.dxf")});
+    };
+    const std::vector<std::string> common = {
+        "LD_PRELOAD=" FAULT_CALLS, "FAULT_PROGRAM=drafthost", "FAULT_ROOT=" + Data(),
+        "FAULT_COUNTS=" + (Folder / "counts").string(), "FAULT_LIST=" + (Folder / "list").string()};
+    Environment = common;
+    ASSERT_EQ(start("1").Status, 0);
+    const auto whole = Logs();
+    // Which writes go to logs, and which to the journal of their names.
+    std::vector<std::string> numbers;
+    std::istringstream list(Read(Folder / "list"));
+    std::size_t logWrites = 0;
+    for (std::string line; std::getline(list, line);) {
+        const bool isLog = line.find("/logs/drafthost/") != std::string::npos;
+        if (line.starts_with("write\t") &&
+            (isLog ? logWrites++ % 29 == 2 : line.ends_with("/host.journal") && numbers.size() % 2 == 0)) {
+            numbers.push_back(line.substr(6, line.rfind('\t') - 6));
+        }
+    }
+    ASSERT_GT(numbers.size(), 4U);
+    for (const char* jobs : {"1", "2"}) {
+        for (const std::string& number : numbers) {
+            SCOPED_TRACE("write " + number + " jobs " + jobs);
+            Environment = common;
+            Environment.insert(Environment.end(),
+                               {"FAULT_KIND=write", "FAULT_AT=" + number, "FAULT_MODE=file",
+                                "FAULT_ERROR=" + std::to_string(ENOSPC)});
+            const ProgramResult result = start(jobs);
+            // Two hosts never make their calls in quite the same order.
+            const std::string call = Read(Folder / "list");
+            if (call.find("/logs/drafthost/") == std::string::npos &&
+                call.find("/host.journal") == std::string::npos) {
+                EXPECT_STREQ(jobs, "2") << call;
+                continue;
+            }
+            EXPECT_EQ(result.Status, 0) << result.Out << result.Errors;
+            const auto logs = Logs();
+            ASSERT_EQ(logs.size(), whole.size());
+            for (const auto& [drawing, text] : logs) {
+                EXPECT_THAT(text, HasSubstr("this is " + fs::path(drawing).stem().string()));
+                const std::string& before = whole.at(drawing);
+                EXPECT_EQ(std::count(text.begin(), text.end(), '\n') + 1,
+                          std::count(before.begin(), before.end(), '\n') + 1)
+                    << text << "\ninstead of\n"
+                    << before;
+            }
+            EXPECT_FALSE(HostLogsAreLeft());
+        }
+    }
+}
+
+TEST_F(RunLogs, ALogThatNobodyCouldWriteIsToldAgainAndAgain) {
+    const std::string script = Write("s.scr", std::string(kSay) + R"(
+(if (= currentfile "b") (progn (setvar "LOGFILEMODE" 0) (vl-file-delete (getvar "LOGFILENAME")) (vl-mkdir (getvar "LOGFILENAME")) (setvar "LOGFILEMODE" 1)))
+)");
+    for (const char* jobs : {"1", "2"}) {
+        const ProgramResult result =
+            Run({"--script", script, "--jobs", jobs, Drawing("a.dxf"), Drawing("b.dxf"), Drawing("c.dxf")});
+        EXPECT_EQ(result.Status, 3) << jobs << result.Out;
+        EXPECT_THAT(result.Errors, HasSubstr("is not whole: Is a directory"));
+        for (int again = 0; again < 2; ++again) {
+            const ProgramResult resumed = Run({"--resume"});
+            EXPECT_EQ(resumed.Status, 3) << jobs << resumed.Out;
+            EXPECT_THAT(resumed.Errors, HasSubstr("b.dxf"));
+        }
+    }
+}
+
+TEST_F(RunLogs, TheRestOfALogIsWrittenWhenThatGoes) {
+    const std::string folder = Folder / "logs";
+    const std::string log = folder + "/a.log";
+    std::string error;
+    Write("logs", "in the way");
+    LogRests rests(folder);
+    rests.Take({log, 0, "all of it", true, "No space left on device"});
+    EXPECT_FALSE(rests.Write(&error));
+    EXPECT_THAT(error, HasSubstr(log + " is not whole: No space left on device; "));
+    fs::remove(folder);
+    fs::create_directory(folder);
+    EXPECT_TRUE(rests.Write(&error));
+    EXPECT_EQ(Read(log), "all of it");
+
+    // Half of the rest may have got there at an attempt before.
+    Write("logs/b.log.cut", "begun, and ha");
+    rests.Take({folder + "/b.log", 5, " and ended", true, "cause"});
+    EXPECT_EQ(Read(folder + "/b.log"), "begun and ended");
+    EXPECT_FALSE(fs::exists(folder + "/b.log.cut"));
+    EXPECT_TRUE(rests.Write(&error));
+
+    // What stays without its start or its end bears another name.
+    rests.Take({folder + "/c.log", 5, " and ended", true, "cause"});
+    EXPECT_FALSE(rests.Write(&error));
+    EXPECT_FALSE(fs::exists(folder + "/c.log"));
+    LogRests others(folder);
+    Write("logs/d.log", "begun");
+    others.Take({folder + "/d.log", 5, " and cut", false, "cause"});
+    EXPECT_FALSE(others.Write(&error));
+    EXPECT_EQ(Read(folder + "/d.log.cut"), "begun and cut");
+    EXPECT_FALSE(fs::exists(folder + "/d.log"));
+
+    LogRests elsewhere(folder);
+    elsewhere.Take({Folder / "else.log", 0, "text", true, "cause"});
+    elsewhere.Take({folder + "/../else.log", 0, "text", true, "cause"});
+    EXPECT_FALSE(elsewhere.Write(&error));
+    EXPECT_FALSE(fs::exists(Folder / "else.log"));
+}
+
+// The archive keeps what there is, under a name that says so.
+TEST_F(RunLogs, ALogThatIsCutIsToldAgainAndAgain) {
+    const std::string script =
+        Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (while (not (findfile \"go\"))))\n");
+    Drawing("a.dxf");
+    const std::string b = Drawing("b.dxf");
+    ASSERT_EQ(Run({"--script", script, "a.dxf", "b.dxf"},
+                  [&](pid_t front) {
+                      ASSERT_TRUE(WaitForState("<File Status=\"5\">" + b));
+                      for (const auto& entry : fs::directory_iterator(Data() + "/logs/drafthost")) {
+                          if (entry.path().filename().string().starts_with("a_")) {
+                              fs::rename(entry.path(), entry.path().string() + ".cut");
+                          }
+                      }
+                      kill(front, SIGKILL);
+                  })
+                  .Status,
+              -SIGKILL);
+    Write("go", "");
+    for (int again = 0; again < 3; ++again) {
+        const ProgramResult resumed = Run({"--resume"});
+        EXPECT_EQ(resumed.Status, 3) << resumed.Out;
+        EXPECT_THAT(resumed.Errors, HasSubstr("a.dxf is not whole: its end could not be written"));
         EXPECT_THAT(Logs().at(Folder / "a.dxf"), HasSubstr("this is a"));
         EXPECT_FALSE(HostLogsAreLeft());
     }
