@@ -3,10 +3,10 @@
 
 #include "app/DataFolder.h"
 #include "app/FolderUse.h"
+#include "app/NameText.h"
 #include "support/SupportBundle.h"
 #include "support/SupportInfo.h"
 
-#include <cstdio>
 #include <filesystem>
 
 ExitStatus MakeBundle(const std::string& dataDir, const char* version) {
@@ -22,11 +22,11 @@ ExitStatus MakeBundle(const std::string& dataDir, const char* version) {
         const SupportResult result =
             PackSupportBundle(SupportFilesIn(info.DataDir), SupportInfoBytes(SupportInfoText(info)));
         if (result.Error.isEmpty()) {
-            std::printf("%s\n", result.Archive.toStdString().c_str());
+            PrintName(result.Archive.toStdString());
             return AllDone;
         }
         error = result.Error.toStdString();
     }
-    std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+    Complain(error);
     return BrokenOff;
 }

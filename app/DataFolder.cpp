@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -43,8 +44,8 @@ bool IsAlive(const std::string& process) {
     return state > 1 && state < text.size() && text[state] != 'Z' && text[state] != 'X';
 }
 
-/// A front that was killed is gone a moment before its host, which holds the lock too. owner is the process
-/// that took it last. 0 or the error.
+/// A front that was killed is gone a moment before its host, which holds the lock too. owner becomes the
+/// process that took it last, where the descriptor's file tells it. 0 or the error.
 int WaitForLock(int lock, std::string* owner) {
     constexpr int kTries = 5;
     constexpr int kTriesBehindTheDead = 50;
@@ -52,10 +53,13 @@ int WaitForLock(int lock, std::string* owner) {
         if (errno != EWOULDBLOCK && errno != EINTR) {
             return errno;
         }
-        char text[32] = {};
-        const ssize_t length = pread(lock, text, sizeof text - 1, 0);
-        owner->assign(text, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
-        if (tries >= (owner->empty() || IsAlive(*owner) ? kTries : kTriesBehindTheDead)) {
+        if (owner) {
+            char text[32] = {};
+            const ssize_t length = pread(lock, text, sizeof text - 1, 0);
+            owner->assign(text, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+        }
+        const bool isDead = owner && !owner->empty() && !IsAlive(*owner);
+        if (tries >= (isDead ? kTriesBehindTheDead : kTries)) {
             return EWOULDBLOCK;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -73,8 +77,14 @@ DataFolder::DataFolder(const std::string& given)
 }
 
 DataFolder::~DataFolder() {
-    if (lock >= 0) {
-        close(lock);
+    Unlock();
+}
+
+void DataFolder::Unlock() {
+    for (int* held : {&lock, &folderLock}) {
+        if (*held >= 0) {
+            close(std::exchange(*held, -1));
+        }
     }
 }
 
@@ -96,9 +106,14 @@ bool DataFolder::Lock(std::string* error) {
         return false;
     }
     std::string last;
-    if (const int cause = WaitForLock(lock, &last); cause != 0) {
-        close(lock);
-        lock = -1;
+    int cause = WaitForLock(lock, &last);
+    if (cause == 0) {
+        folderLock = open(Path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        // Where that does not go the file has to do.
+        cause = folderLock >= 0 && WaitForLock(folderLock, nullptr) == EWOULDBLOCK ? EWOULDBLOCK : 0;
+    }
+    if (cause != 0) {
+        Unlock();
         *error = cause != EWOULDBLOCK ? file + ": " + std::strerror(cause)
                                       : Path() + ": another run is at work here" +
                                             (last.empty() ? "" : " (process " + last + ")") +

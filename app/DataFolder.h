@@ -2,8 +2,11 @@
 #pragma once
 // The folder with the state of the runs, and the lock on it. Two hosts that save the same state would undo
 // each other's work, so one run holds the folder from its start until its host is dead: the lock is an
-// flock on a descriptor that the host inherits, which the system gives up only when both have ended.
+// flock on descriptors that the host inherits, which the system gives up only when both have ended. The
+// folder itself is locked too, since a script can delete the file; the file, since some network file systems
+// lock no folders.
 #include <string>
+#include <vector>
 
 class DataFolder {
   public:
@@ -20,12 +23,15 @@ class DataFolder {
     const std::string& Home() const { return home; }
     std::string Path() const { return home + "/Ovrix"; }
     std::string StateFile() const { return Path() + "/TarnelRunner.xml"; }
-    int LockDescriptor() const { return lock; }
+    std::vector<int> LockDescriptors() const { return {lock, folderLock}; }
 
     /// Moves a file to a free name beside it. The new name; empty with one line when it cannot be.
     static std::string KeepAside(const std::string& file, std::string* error);
 
   private:
+    void Unlock();
+
     std::string home;
     int lock = -1;
+    int folderLock = -1;
 };

@@ -3,12 +3,12 @@
 
 #include "app/DataFolder.h"
 #include "app/HostProcess.h"
+#include "app/NameText.h"
 #include "app/RunCommand.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -20,7 +20,7 @@ bool IsSet(const char* variable) {
 }
 
 int Refuse(const std::string& error) {
-    std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+    Complain(error);
     return BrokenOff;
 }
 
@@ -38,7 +38,9 @@ int OpenDesk(const std::vector<std::string>& drawings) {
         return Refuse(error);
     }
     // The window keeps the folder to its end, as a run's host does.
-    fcntl(folder.LockDescriptor(), F_SETFD, 0);
+    for (const int lock : folder.LockDescriptors()) {
+        fcntl(lock, F_SETFD, 0);
+    }
     std::vector<char*> arguments = {files.Host.data(), const_cast<char*>("--desktop-entry"),
                                     const_cast<char*>("tarnel"), const_cast<char*>("--load"),
                                     files.Module.data()};

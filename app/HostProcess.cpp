@@ -79,8 +79,8 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
     dup2(in, STDIN_FILENO);
     dup2(out, STDOUT_FILENO);
     dup2(out, STDERR_FILENO);
-    if (place.Lock >= 0) {
-        fcntl(place.Lock, F_SETFD, 0);
+    for (const int lock : place.Locks) {
+        fcntl(lock, F_SETFD, 0);
     }
     const std::string reportNumber = std::to_string(fcntl(report, F_DUPFD, STDERR_FILENO + 1));
     setenv("TARNEL_REPORT_FD", reportNumber.c_str(), 1);
@@ -119,8 +119,8 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
     } else {
         words.insert(words.end(), {"--on-refusal", "(Tarnel_File_Error)"});
     }
-    // The run goes to its end, whatever stands in its script.
-    for (const char* command : {"TARNEL", "QUIT", "EXIT"}) {
+    // The run goes to its end, whatever stands in its script: RSCRIPT would begin it again for ever.
+    for (const char* command : {"TARNEL", "QUIT", "EXIT", "RSCRIPT"}) {
         words.insert(words.end(), {"--deny", command});
     }
     words.push_back(nullptr);

@@ -37,8 +37,8 @@ struct HostPlace {
     std::string Registry;
     /// It gets this as XDG_STATE_HOME, under which its own logs go.
     std::string StateHome;
-    /// A lock that it keeps open to its end; -1 is none.
-    int Lock = -1;
+    /// Locks that it keeps open to its end; -1 is none.
+    std::vector<int> Locks = {};
     /// What its state must hold, for the module to work on it.
     std::string Run;
     /// Where it notes what a kill may leave; empty is nowhere.

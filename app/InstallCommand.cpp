@@ -2,13 +2,13 @@
 #include "app/InstallCommand.h"
 
 #include "app/DataFolder.h"
+#include "app/NameText.h"
 #include "system/OwnFile.h"
 #include "text/ScriptText.h"
 #include "text/WholeFile.h"
 
 #include <QFile>
 
-#include <cstdio>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -60,13 +60,13 @@ ExitStatus InstallScript(const std::string& file, const std::string& dataDir, bo
     std::string error;
     QByteArray bytes;
     if (!ReadScript(file, &bytes, &error)) {
-        std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+        Complain(error);
         return WrongUsage;
     }
     if (!PutScript(target, bytes, replace, &error)) {
-        std::fprintf(stderr, "tarnel: %s\n", error.c_str());
+        Complain(error);
         return BrokenOff;
     }
-    std::printf("%s\n", target.c_str());
+    PrintName(target);
     return AllDone;
 }

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/JobSplit.h"
 
+#include <sys/stat.h>
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -35,14 +38,24 @@ std::vector<JobShare> SplitBySize(const RunQueue& queue, unsigned jobs) {
                      [&](std::size_t left, std::size_t right) { return costs[left] > costs[right]; });
     std::vector<std::uintmax_t> loads(count);
     std::vector<std::size_t> owner(waiting.size());
+    std::map<std::pair<dev_t, ino_t>, std::size_t> owners;
     for (const std::size_t index : order) {
-        const auto least = std::min_element(loads.begin(), loads.end());
-        *least += costs[index];
-        owner[index] = static_cast<std::size_t>(least - loads.begin());
+        struct stat file {};
+        const bool isKnown = stat(queue[waiting[index]].Path.c_str(), &file) == 0;
+        const auto twin = isKnown ? owners.find({file.st_dev, file.st_ino}) : owners.end();
+        owner[index] =
+            twin != owners.end()
+                ? twin->second
+                : static_cast<std::size_t>(std::min_element(loads.begin(), loads.end()) - loads.begin());
+        loads[owner[index]] += costs[index];
+        if (isKnown) {
+            owners.emplace(std::pair(file.st_dev, file.st_ino), owner[index]);
+        }
     }
     std::vector<JobShare> shares(count);
     for (std::size_t i = 0; i < waiting.size(); ++i) {
         shares[owner[i]].push_back(waiting[i]);
     }
+    std::erase_if(shares, [](const JobShare& share) { return share.empty(); });
     return shares;
 }

@@ -12,5 +12,6 @@
 using JobShare = std::vector<std::size_t>;
 
 /// The drawings of each host that are still ToDo, in the order of the queue. No host is left without one:
-/// there are fewer shares when there are fewer drawings.
+/// there are fewer shares when there are fewer drawings. One file under two names goes to one host, which
+/// locks it but once.
 std::vector<JobShare> SplitBySize(const RunQueue& queue, unsigned jobs);

@@ -11,6 +11,7 @@
 #include "app/RunRecord.h"
 #include "app/RunReport.h"
 #include "engine/record/TarnelData.h"
+#include "state/StateDigest.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -28,6 +29,8 @@ struct Part {
     std::optional<Shard> Share;
     /// The list that the share is of.
     ListMark List;
+    /// Nothing when no run of the front was here.
+    std::optional<RunDescription> Description;
     /// In the order of the run.
     std::vector<DrawingRecord> Records;
     /// One line when its logs are not whole; the results are taken all the same.
@@ -76,6 +79,7 @@ bool ReadPart(const MergeOptions& options, const std::string& given, Part* part,
         part->Share = description->Share;
         part->List = description->List;
     }
+    part->Description = description;
     part->Records = ledger.Records();
     // Of a run that is not at its end the logs are in pieces.
     if (waiting == 0) {
@@ -180,6 +184,25 @@ bool CheckWhole(const MergeOptions& options, const std::vector<Part>& parts,
     return false;
 }
 
+/// Whoever goes on with the result has the script that all parts had, or else no word about it.
+void SetScript(const std::vector<Part>& parts, const CTarnelData& state, RunDescription* description) {
+    const std::optional<RunDescription>& first = parts.front().Description;
+    const std::string script = ScriptDigest(state).toStdString();
+    const bool isOne = std::all_of(parts.begin(), parts.end(), [&](const Part& part) {
+        return part.Description && part.Description->Script == script;
+    });
+    if (isOne) {
+        description->Script = script;
+        description->MaxTime = state.MaxTime;
+        description->AlarmTime = state.AlarmTime;
+        description->ReadOnly = state.ProcessReadOnly;
+        description->Recover = first->Recover;
+        description->Lenient = first->Lenient;
+        description->MustSave = first->MustSave;
+        description->HasHeading = first->HasHeading;
+    }
+}
+
 /// State, logs and records take their places in one change.
 bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& before,
                  const std::vector<Part>& parts, const std::vector<DrawingRecord>& records,
@@ -207,6 +230,7 @@ bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& 
     SetQueue(&state, queue);
     RunDescription description = NewDescription();
     description.Queue = MarkOfRecords(records);
+    SetScript(parts, state, &description);
     description.OldJobs = before ? before->Jobs : 0;
     description.OldLogs = true;
     return WriteRecord(change.Next() + "/TarnelRunner.xml", state, error) &&

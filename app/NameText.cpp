@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/NameText.h"
 
+#include <unistd.h>
 #include <charconv>
 #include <cstdio>
 
@@ -90,6 +91,11 @@ std::string ShownText(std::string_view text) {
         }
     }
     return shown;
+}
+
+void PrintName(const std::string& name) {
+    const bool terminal = isatty(STDOUT_FILENO) == 1;
+    std::printf("%s\n", (terminal ? ShownText(name) : name).c_str());
 }
 
 void Complain(std::string_view text) {

@@ -14,5 +14,8 @@ std::string BytesOf(std::string_view spelledOut);
 /// For terminals and for messages of one line: line ends and other control characters are spelled out too.
 std::string ShownText(std::string_view text);
 
+/// One line to standard output: as ShownText on a terminal, as it is for programs.
+void PrintName(const std::string& name);
+
 /// One line to standard error, as ShownText.
 void Complain(std::string_view text);

@@ -15,7 +15,6 @@
 #include "app/RunRecord.h"
 #include "app/RunReport.h"
 
-#include <unistd.h>
 #include <algorithm>
 #include <cstdio>
 
@@ -170,11 +169,9 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
 }
 
 void PrintWaiting(const RunQueue& queue) {
-    // Programs get the names as they are.
-    const bool terminal = isatty(STDOUT_FILENO) == 1;
     for (const QueueEntry& entry : queue) {
         if (entry.Status == DrawingStatus::ToDo) {
-            std::printf("%s\n", (terminal ? ShownText(entry.Path) : entry.Path).c_str());
+            PrintName(entry.Path);
         }
     }
 }

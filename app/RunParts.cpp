@@ -57,7 +57,7 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunP
         return {};
     }
     common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini",
-                    HostStateHome(folder.Path()), folder.LockDescriptor(), ""};
+                    HostStateHome(folder.Path()), folder.LockDescriptors(), ""};
     common.Place.Journal = HostJournal(folder.Path());
     SetManners(options, plan.Description, &common.Place);
     common.State = folder.StateFile();
@@ -84,7 +84,7 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPl
         MonitorSettings settings = common;
         settings.State = data + "/TarnelRunner.xml";
         settings.Place = {JobHome(folder, number), data + "/registry.ini", HostStateHome(data),
-                          folder.LockDescriptor(), ""};
+                          folder.LockDescriptors(), ""};
         settings.Place.Journal = HostJournal(data);
         SetManners(options, plan->Description, &settings.Place);
         settings.HostDied = KeepLogs(data);

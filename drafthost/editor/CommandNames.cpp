@@ -60,7 +60,7 @@ Outcome InputStream::command(Document& document, std::string_view typed, InputSo
     const CommandWord word = readWord(typed);
     CommandLine& line = document.commandLine();
     if (isDenied(word.name)) {
-        host_.printLine(word.name + " cannot be used in a script here.");
+        host_.printLine(word.name + " cannot be used in a script here.", Said::Refusal);
         return Outcome::Rejected;
     }
     const CommandEntry* entry = host_.commands().find(word.name);

@@ -98,6 +98,9 @@ void LogFile::write(std::string_view text) {
     if (!text.empty()) {
         lineOpen_ = text.back() != '\n';
     }
+    if (pending_.size() >= MostPending) {
+        writeKept();
+    }
     keep(text);
     writeKept();
 }

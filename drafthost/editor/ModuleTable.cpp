@@ -140,9 +140,7 @@ ModuleStatus ModuleTable::unload(std::string_view name, bool verbose) {
         return ModuleStatus::NotLoaded;
     }
     if (module->locked) {
-        if (verbose) {
-            host_.printLine(module->name + " cannot be unloaded: it is locked.");
-        }
+        host_.printLine(module->name + " cannot be unloaded: it is locked.", Said::Refusal);
         return ModuleStatus::Failed;
     }
     if (--module->references > 0) {

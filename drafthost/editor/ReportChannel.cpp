@@ -99,8 +99,10 @@ bool ReportChannel::logRest(const LogRest& rest) {
 void ReportChannel::because(std::string_view reason) {
     flush();
     const QString text = toText(cut(reason, MostOfLine)).trimmed();
-    // A command that LISP has called has said why it failed.
-    if (text == QLatin1String("Command failed") && !reason_.isEmpty()) {
+    // A command or a module that LISP has called has said why it failed.
+    const bool isEcho =
+        text == QLatin1String("Command failed") || text.startsWith(QLatin1String("ARXUNLOAD failed: "));
+    if (isEcho && !reason_.isEmpty()) {
         return;
     }
     // The function of a module has said itself what is wrong.

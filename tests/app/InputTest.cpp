@@ -223,6 +223,24 @@ TEST_F(Input, ANameThatCannotBeGivenToTheHostCostsItselfOnly) {
     EXPECT_FALSE(fs::exists(Folder / "d\xE9"));
 }
 
+TEST_F(Input, NoTerminalObeysTheNamesInMessages) {
+    Write("s\x1B[31m.scr", "(princ)\n");
+    const std::string data = "d\x1B[31m";
+    const ProgramResult installed = Call({"install", "--data-dir", data, "s\x1B[31m.scr"});
+    EXPECT_EQ(installed.Status, 0) << installed.Errors;
+    EXPECT_EQ(installed.Out, (Folder / data / "Ovrix/Scripts/s\x1B[31m.scr").string() + "\n")
+        << "for programs";
+    Write("s\x1B[31m.scr", "(princ 1)\n");
+    for (const std::vector<std::string>& call :
+         {std::vector<std::string>{"install", "--data-dir", data, "s\x1B[31m.scr"},
+          {"bundle", "--data-dir", data}}) {
+        const ProgramResult refused = Call(call);
+        EXPECT_EQ(refused.Status, 3) << call.front();
+        EXPECT_THAT(refused.Errors, HasSubstr("d\\x1B[31m/")) << call.front();
+        EXPECT_EQ(refused.Errors.find('\x1B'), std::string::npos) << call.front();
+    }
+}
+
 TEST_F(Input, AScriptComesFromAPipeAndInAWindowsPage) {
     fs::copy_file(fs::path(SAMPLES) / "drawings/rooms-2000.dxf", Folder / "a.dxf");
     const std::string pipe = MakePipe("script");

@@ -62,16 +62,6 @@ class KilledFront : public ProgramTest {
         flock(lock, LOCK_EX);
         close(lock);
     }
-    void FailAt(const std::string& kind, unsigned number) {
-        Write("counts", std::string(8192, '\0'));
-        Environment = {"LD_PRELOAD=" FAULT_CALLS,
-                       "FAULT_PROGRAM=tarnel",
-                       "FAULT_ROOT=" + Folder.string(),
-                       "FAULT_COUNTS=" + (Folder / "counts").string(),
-                       "FAULT_KIND=" + kind,
-                       "FAULT_AT=" + std::to_string(number),
-                       "FAULT_MODE=kill"};
-    }
     void Clear() {
         Environment.clear();
         fs::remove_all(Folder / "data");
@@ -135,7 +125,7 @@ TEST_F(KilledFront, LeavesTheRunBeforeOrTheNewOneWhole) {
                     fs::copy(Folder / "before", Folder / "data", fs::copy_options::recursive);
                     fs::copy(Folder / "tally before", Folder / "tally");
                 }
-                FailAt(kind, number);
+                FailAt("tarnel", kind, number, "kill");
                 const ProgramResult killed = Start("new", jobs);
                 Environment.clear();
                 if (killed.Status != -SIGKILL) {

@@ -105,7 +105,15 @@ TEST_F(Merge, SharesBecomeOneRunInTheOrderOfTheList) {
         EXPECT_THAT(log, HasSubstr("id=\"" + header.Name + "\""));
     }
 
-    // The result is a run like any other.
+    // The result is a run like any other, with a script of its own.
+    const std::string state = Read(State("all"));
+    std::string other = state;
+    other.replace(other.find("zoom e"), 6, "zoom a");
+    Write("all/Ovrix/TarnelRunner.xml", other);
+    const ProgramResult refused = Call({"run", "--resume", "--data-dir", "all"});
+    EXPECT_EQ(refused.Status, 3);
+    EXPECT_THAT(refused.Errors, HasSubstr("the script there is not that of the run"));
+    Write("all/Ovrix/TarnelRunner.xml", state);
     Write("p4.dxf", "0\nEOF\n");
     fs::remove_all(Folder / "two");
     EXPECT_EQ(Call({"run", "--retry", "failed", "--data-dir", "all"}).Status, 0);

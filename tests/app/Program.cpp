@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -73,6 +74,19 @@ std::string ProgramTest::Read(const std::string& path) {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
     return text.str();
+}
+
+void ProgramTest::FailAt(const std::string& program, const std::string& kind, unsigned number,
+                         const std::string& mode) {
+    Write("counts", std::string(8192, '\0'));
+    fs::remove(Folder / "list");
+    Environment = {"LD_PRELOAD=" FAULT_CALLS, "FAULT_PROGRAM=" + program, "FAULT_ROOT=" + Folder.string(),
+                   "FAULT_COUNTS=" + (Folder / "counts").string(),
+                   "FAULT_LIST=" + (Folder / "list").string()};
+    if (number > 0) {
+        Environment.insert(Environment.end(), {"FAULT_KIND=" + kind, "FAULT_AT=" + std::to_string(number),
+                                               "FAULT_MODE=" + mode, "FAULT_ERROR=" + std::to_string(EIO)});
+    }
 }
 
 bool ProgramTest::WaitForState(const std::string& text) const {

@@ -31,6 +31,11 @@ class ProgramTest : public testing::Test {
     /// Waits until the state file holds the text.
     bool WaitForState(const std::string& text) const;
 
+    /// Sets Environment so that in the runs of a program to come its call of a kind with this number, below
+    /// Folder, fails; which calls there are stands in the file "list" then. Number 0 lets none fail.
+    void FailAt(const std::string& program, const std::string& kind, unsigned number,
+                const std::string& mode);
+
     std::filesystem::path Folder;
     /// Used in place of the real host when not empty.
     std::string Host;

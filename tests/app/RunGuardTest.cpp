@@ -62,6 +62,7 @@ TEST_F(RunGuard, WhatWouldChangeTheRunEndsTheDrawingAsError) {
                            "(command \"_.QUIT\" \"_Y\")",
                            "._-quit\n_y",
                            "exit",
+                           "_.RSCRIPT",
                            "(arxunload \"tnl3-19-64.arx\")"};
     for (const std::string line : lines) {
         const ProgramResult result = RunScript(line + "\n" + kChange);
@@ -73,6 +74,17 @@ TEST_F(RunGuard, WhatWouldChangeTheRunEndsTheDrawingAsError) {
             EXPECT_EQ(record["saved"].size(), 0U) << line;
         }
         EXPECT_TRUE(IsUntouched("flange-r14.dxf") && IsUntouched("rooms-2000.dxf")) << line;
+    }
+}
+
+TEST_F(RunGuard, LispSaysWhyTheHostRefuses) {
+    const std::pair<const char*, const char*> lines[] = {
+        {"(command-s \"_.QUIT\")", "QUIT cannot be used in a script here."},
+        {"(command-s \"_.RSCRIPT\")", "RSCRIPT cannot be used in a script here."},
+        {"(arxunload \"tnl3-19-64.arx\")", "tnl3-19-64.arx cannot be unloaded: it is locked."}};
+    for (const auto& [line, why] : lines) {
+        EXPECT_EQ(RunScript(std::string(line) + "\n", {}, 1).Status, 1) << line;
+        EXPECT_EQ(records[0]["message"], std::string("script line 1: ") + why);
     }
 }
 

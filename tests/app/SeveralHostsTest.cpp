@@ -284,6 +284,16 @@ TEST_F(SeveralHosts, SharesAreFairWholeAndInOrder) {
     }
     EXPECT_EQ(given.size(), 6U);
     EXPECT_EQ(SplitBySize(queue, 50).size(), 6U) << "no host without a drawing";
+
+    // Two hosts would lock the drawing to each other.
+    fs::create_hard_link(queue[0].Path, Folder / "twin.dxf");
+    fs::create_symlink(queue[2].Path, Folder / "link.dxf");
+    queue.push_back({Folder / "twin.dxf", DrawingStatus::ToDo});
+    queue.push_back({Folder / "link.dxf", DrawingStatus::ToDo});
+    const auto parted = SplitBySize(queue, 50);
+    EXPECT_EQ(parted.size(), 6U);
+    EXPECT_THAT(parted, testing::Contains(testing::ElementsAre(0U, 7U)));
+    EXPECT_THAT(parted, testing::Contains(testing::ElementsAre(2U, 8U)));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
+#include <set>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -186,6 +187,11 @@ TEST_F(WatchedRun, ASecondRunIsRefusedAndAKilledOneLeavesNoHost) {
         EXPECT_EQ(refused.Status, 3);
         EXPECT_THAT(refused.Errors,
                     HasSubstr("another run is at work here (process " + std::to_string(process)));
+        // As a script may do.
+        fs::remove(Folder / "data/Ovrix/tarnel.lock");
+        const ProgramResult again = Run({"--resume"});
+        EXPECT_EQ(again.Status, 3);
+        EXPECT_THAT(again.Errors, HasSubstr("another run is at work here"));
         kill(process, SIGKILL);
     });
     // The drawing in work has its second attempt, and no third. The lock is free only once the host is dead
@@ -210,6 +216,22 @@ TEST_F(WatchedRun, ASecondRunIsRefusedAndAKilledOneLeavesNoHost) {
     EXPECT_EQ(resume(false), 1);
     EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(5, "slow.dxf")));
     EXPECT_THAT(Read(StateFile()), HasSubstr(Entry(1, "b.dxf")));
+}
+
+TEST_F(WatchedRun, PutsNothingAsideThatItCannotReadForAMoment) {
+    ASSERT_EQ(Run(Arguments({"a.dxf"})).Status, 0);
+    std::set<std::string> failed;
+    for (unsigned number = 1; number < 20; ++number) {
+        FailAt("tarnel", "open", number, "once");
+        const ProgramResult result = Run(Arguments({"a.dxf"}));
+        EXPECT_LE(static_cast<unsigned>(result.Status), 3U) << number << result.Errors;
+        const std::string call = Read(Folder / "list");
+        failed.insert(call.substr(call.rfind('/') + 1));
+        for (const auto& entry : fs::directory_iterator(Folder / "data/Ovrix")) {
+            EXPECT_EQ(entry.path().string().find("damaged"), std::string::npos) << number << entry.path();
+        }
+    }
+    EXPECT_TRUE(failed.contains("run.json\n") && failed.contains("TarnelRunner.xml\n"));
 }
 
 TEST_F(WatchedRun, KeepsAStateThatItCannotRead) {
