@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -37,6 +38,53 @@ bool isTrusted(const std::string& path, uid_t owner, Trust trust) {
     }
     return trust == Trust::FolderOwner && ::geteuid() != 0 && ::stat(FolderOf(path).c_str(), &info) == 0 &&
            info.st_uid == owner && (info.st_mode & S_IWOTH) == 0;
+}
+
+/// The text of a link; empty with errno when it cannot be read.
+std::string textOf(const std::string& link) {
+    std::array<char, PATH_MAX> text{};
+    const ssize_t length = ::readlink(link.c_str(), text.data(), text.size());
+    return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
+}
+
+/// In a folder that not everybody can write to, whoever can has the say over what stands there.
+bool isTrustedOnTheWay(const std::string& path, uid_t owner, Trust trust) {
+    struct stat info {};
+    return isTrusted(path, owner, trust) ||
+           (trust == Trust::FolderOwner && ::geteuid() != 0 && ::stat(FolderOf(path).c_str(), &info) == 0 &&
+            (info.st_mode & S_IWOTH) == 0);
+}
+
+/// Looks at each link among the folders of a path. 0, or ELOOP for one of somebody else; what is missing or
+/// no folder shows when the path is used.
+int checkWay(const std::string& folder, Trust trust) {
+    std::string done = folder.starts_with('/') ? "/" : "";
+    std::string rest = folder;
+    for (int count = 0; count < MostLinks;) {
+        const std::size_t from = rest.find_first_not_of('/');
+        if (from == std::string::npos) {
+            return 0;
+        }
+        const std::size_t end = std::min(rest.find('/', from), rest.size());
+        const std::string here = done + rest.substr(from, end - from);
+        rest.erase(0, end);
+        struct stat info {};
+        if (::lstat(here.c_str(), &info) != 0) {
+            return 0;
+        }
+        if (!S_ISLNK(info.st_mode) || isMadeUp(FolderOf(here))) {
+            done = here + "/";
+            continue;
+        }
+        if (!isTrustedOnTheWay(here, info.st_uid, trust)) {
+            return ELOOP;
+        }
+        const std::string text = textOf(here);
+        done = text.starts_with('/') ? "/" : done;
+        rest.insert(0, text);
+        ++count;
+    }
+    return ELOOP;
 }
 
 /// The content of an open file goes to a new one of the same name, which has no other names.
@@ -133,6 +181,9 @@ int Follow(const std::string& path, Trust trust, std::string* target) {
     *target = path;
     for (int count = 0; count < MostLinks; ++count) {
         struct stat info {};
+        if (const int error = checkWay(FolderOf(*target), trust)) {
+            return error;
+        }
         if (::lstat(target->c_str(), &info) != 0) {
             return errno == ENOENT ? 0 : errno;
         }
@@ -146,12 +197,10 @@ int Follow(const std::string& path, Trust trust, std::string* target) {
         if (isMadeUp(folder)) {
             return 0;
         }
-        std::array<char, PATH_MAX> text{};
-        const ssize_t length = ::readlink(target->c_str(), text.data(), text.size());
-        if (length < 0) {
+        const std::string next = textOf(*target);
+        if (next.empty()) {
             return errno;
         }
-        const std::string next(text.data(), static_cast<std::size_t>(length));
         target->assign(next.starts_with('/') ? "" : folder + "/").append(next);
     }
     return ELOOP;

@@ -25,7 +25,8 @@ enum class Trust {
 };
 
 /// The path behind the links at the end of `path`; the last name need not exist. 0, or the error: ELOOP for a
-/// link of somebody else.
+/// link of somebody else, there or among the folders on the way; with FolderOwner a folder's link counts when
+/// not everybody can write where it stands.
 int Follow(const std::string& path, Trust trust, std::string* target);
 
 /// The folder with all that are missing above it. Root gives what it makes to the owner of the folder above.

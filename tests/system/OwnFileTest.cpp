@@ -75,6 +75,16 @@ TEST_F(OwnFile, NothingIsWrittenThroughALinkOfSomebodyElse) {
     EXPECT_FALSE(replace(In("trace"), "x"));
     EXPECT_EQ(MakeFolder(In("folder")), ELOOP);
     EXPECT_EQ(MakeFolder(In("folder/in it")), ELOOP);
+    // Neither as one of the folders on the way, nor behind a link of one's own.
+    std::filesystem::create_directory(In("hall/sub"));
+    std::filesystem::create_directory_symlink(In("folder/sub"), In("own"));
+    std::filesystem::create_directory_symlink("hall", In("own hall"));
+    for (const char* name : {"folder/sub/log", "own/log", "./folder/../folder/sub/log"}) {
+        EXPECT_EQ(append(In(name)), ELOOP) << name;
+        EXPECT_FALSE(replace(In(name), "x")) << name;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(In("hall/sub")));
+    EXPECT_EQ(append(In("own hall/sub/log")), 0);
     // A link in the way of the name beside is not in the way of the file.
     ::unlink(In("state").c_str());
     EXPECT_TRUE(replace(In("state"), "text"));
@@ -102,8 +112,15 @@ TEST_F(OwnFile, ALinkOfAFoldersOwnerCountsForDrawingsUnlessEverybodyCanWriteTher
     const auto follows = [&](Trust trust) { return Follow(In("a.dxf"), trust, &target) == 0; };
     EXPECT_TRUE(AsOther([&] { return follows(Trust::FolderOwner) && !follows(Trust::Own); }));
     EXPECT_FALSE(follows(Trust::FolderOwner));
+    // Of folders a third one's link will do: he may write where it stands.
+    std::filesystem::create_directory(In("v2"));
+    std::filesystem::create_directory_symlink("v2", In("now"));
+    ASSERT_EQ(::lchown(In("now").c_str(), 65532, 65532), 0);
+    const auto leads = [&](Trust trust) { return Follow(In("now/a.dxf"), trust, &target) == 0; };
+    EXPECT_TRUE(AsOther([&] { return leads(Trust::FolderOwner) && !leads(Trust::Own); }));
     ASSERT_EQ(::chmod(folder.c_str(), 0777), 0);
     EXPECT_FALSE(AsOther([&] { return follows(Trust::FolderOwner); }));
+    EXPECT_FALSE(AsOther([&] { return leads(Trust::FolderOwner); }));
 }
 
 TEST_F(OwnFile, RootLeavesFilesAndFoldersToTheOwnerOfTheirFolder) {
