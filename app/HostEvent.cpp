@@ -63,6 +63,7 @@ std::optional<HostEvent> ReadEvent(const std::string& line) {
             }
         }
     }
+    event.Reason = TextOf(object, "reason");
     if (*kind == Kind::Status && !StatusFromWord(TextOf(object, "status"), &event.Status)) {
         return std::nullopt;
     }

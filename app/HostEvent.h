@@ -50,6 +50,8 @@ struct HostEvent {
     std::vector<std::string> Scripts = {};
     /// Of Status: the drawing had unsaved changes then.
     bool Changed = false;
+    /// Of Status: why the drawing is Locked.
+    std::string Reason = {};
     /// Of Log.
     LogRest Rest = {};
 };

@@ -68,6 +68,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
                 }
                 record->Changed = record == current && event.Changed;
                 if (event.Status == DrawingStatus::Locked) {
+                    record->Message = event.Reason;
                     record->Settled = true;
                     settled.push_back(record);
                 }

@@ -7,6 +7,7 @@
 #include "engine/record/HostText.h"
 #include "engine/record/ResBuf.h"
 #include "engine/record/TarnelData.h"
+#include "engine/RunState.h"
 #include "engine/ScriptChain.h"
 
 #include <QJsonArray>
@@ -120,8 +121,15 @@ void ConsoleUi::ShowFileStatus(std::uint32_t entry, const QString& path, const Q
     QJsonObject event = ofFile("status", entry, path);
     event[QStringLiteral("status")] = status;
     event[QStringLiteral("changed")] = DrawingHasChanges();
+    const bool isLocked = status == FileStatusWord(Locked);
+    if (isLocked) {
+        event[QStringLiteral("reason")] = Run().WhyLocked;
+    }
     if (!Report(event)) {
         ConsoleLine(QStringLiteral("status ") + status + QStringLiteral(": ") + path);
+        if (isLocked) {
+            ConsoleLine(Run().WhyLocked);
+        }
     }
 }
 

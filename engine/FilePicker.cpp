@@ -5,6 +5,7 @@
 #include "engine/LockMarker.h"
 #include "engine/record/FileQueue.h"
 #include "engine/record/TarnelData.h"
+#include "engine/RunState.h"
 #include "engine/RunUi.h"
 #include "log/Trace.h"
 #include "state/DrawingName.h"
@@ -15,6 +16,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cerrno>
 
 namespace {
 
@@ -25,17 +27,24 @@ bool isCurrentDrawing(const QString& path) {
 
 /// A drawing counts as writable when it can be opened and locked, and has a write bit at all: the system's
 /// administrator could write to one that has none, and still should not.
-bool opensReadWrite(const QString& path) {
+/// Empty, or why it does not.
+QString whyNotWritable(const QString& path) {
     const int handle = open(QFile::encodeName(path).constData(), O_RDWR | O_CLOEXEC);
     if (handle < 0) {
-        return false;
+        return QStringLiteral("cannot be opened for writing: ") + qt_error_string();
     }
     struct stat status {};
-    const bool writable = fstat(handle, &status) == 0 &&
-                          (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0 &&
-                          (flock(handle, LOCK_EX | LOCK_NB) == 0 || isCurrentDrawing(path));
+    QString why;
+    if (fstat(handle, &status) != 0) {
+        why = qt_error_string();
+    } else if ((status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {
+        why = QStringLiteral("is write-protected");
+    } else if (flock(handle, LOCK_EX | LOCK_NB) != 0 && !isCurrentDrawing(path)) {
+        why = errno == EWOULDBLOCK ? QStringLiteral("is open elsewhere")
+                                   : QStringLiteral("cannot be locked: ") + qt_error_string();
+    }
     close(handle);
-    return writable;
+    return why;
 }
 
 /// What is missing or no file is for the host to refuse, which says so.
@@ -44,18 +53,20 @@ bool isFile(const QString& path) {
     return stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// False when the drawing is to be left alone. Sets OpenReadOnly for one that may be looked at only.
+/// False when the drawing is to be left alone, and WhyLocked then. Sets OpenReadOnly for one that may be
+/// looked at only.
 bool mayBeProcessed(CTarnelData& data, const QString& path) {
     Trace(QStringLiteral("Check if we can open file readwrite: %1\n").arg(path));
     if (!isFile(path)) {
         Trace("Could not open\n");
         return true;
     }
-    if (opensReadWrite(path)) {
+    if (const QString why = whyNotWritable(path); why.isEmpty()) {
         Trace("Good\n");
     } else {
         Trace("Could not open\n");
         if (!data.ProcessReadOnly) {
+            Run().WhyLocked = path + QLatin1Char(' ') + why;
             return false;
         }
         data.OpenReadOnly = true;
@@ -64,6 +75,7 @@ bool mayBeProcessed(CTarnelData& data, const QString& path) {
     if (HasLockMarker(path)) {
         Trace("Lock file found\n");
         if (!data.ProcessReadOnly) {
+            Run().WhyLocked = path + QStringLiteral(" is open elsewhere: there is a \".dwk\" file beside it");
             return false;
         }
         data.OpenReadOnly = true;

@@ -21,6 +21,8 @@ struct RunState {
     /// The file in work was picked when the script of the one before had settled that, and its own script
     /// has not begun. What that script still says is not about this file.
     bool AwaitsItsScript = false;
+    /// Why the drawing that was passed over last is Locked, with its path.
+    QString WhyLocked;
     /// Why the last save failed; empty when it did not.
     QString Unsaved;
     /// A drawing that its script leaves changed and not saved is no drawing Done. The program that has

@@ -80,7 +80,7 @@ int LogFile::open() {
 }
 
 void LogFile::keep(std::string_view text) {
-    if (cut_ && !pending_.empty()) {
+    if (text.empty() || (cut_ && !pending_.empty())) {
         return;
     }
     const std::size_t room = MostPending - pending_.size();
@@ -91,6 +91,26 @@ void LogFile::keep(std::string_view text) {
     }
 }
 
+/// Takes off the text what the file has taken. False with the cause when that is not all.
+bool LogFile::put(std::string_view& text) {
+    if (fd_ < 0 && !text.empty()) {
+        fd_ = open();
+    }
+    while (fd_ >= 0 && !text.empty()) {
+        const ssize_t count = ::write(fd_, text.data(), text.size());
+        if (count < 0 && errno != EINTR) {
+            break;
+        }
+        const std::size_t done = count > 0 ? std::size_t(count) : 0;
+        written_ += done;
+        text.remove_prefix(done);
+    }
+    if (!text.empty()) {
+        cause_ = files::Because(errno);
+    }
+    return text.empty();
+}
+
 void LogFile::write(std::string_view text) {
     if (!on_ || (text.empty() && pending_.empty())) {
         return;
@@ -98,39 +118,18 @@ void LogFile::write(std::string_view text) {
     if (!text.empty()) {
         lineOpen_ = text.back() != '\n';
     }
-    if (pending_.size() >= MostPending) {
-        writeKept();
-    }
+    std::string_view kept = pending_;
+    const bool done = put(kept) && put(text);
+    pending_.erase(0, pending_.size() - kept.size());
     keep(text);
-    writeKept();
-}
-
-void LogFile::writeKept() {
-    if (fd_ < 0) {
-        fd_ = open();
-    }
-    std::size_t done = 0;
-    while (fd_ >= 0 && done < pending_.size()) {
-        const ssize_t count = ::write(fd_, pending_.data() + done, pending_.size() - done);
-        if (count < 0 && errno != EINTR) {
-            break;
-        }
-        done += count > 0 ? std::size_t(count) : 0;
-    }
-    const bool failed = done < pending_.size();
-    if (failed) {
-        cause_ = files::Because(errno);
-    }
-    if (failed && !broken_) {
+    if (!done && !broken_) {
         error_ = "The log " + path_ + " cannot be written: " + cause_;
     }
-    broken_ = failed;
-    written_ += done;
-    pending_.erase(0, done);
-    if (failed) {
-        setAside();
-    } else {
+    broken_ = !done;
+    if (done) {
         putBack();
+    } else {
+        setAside();
     }
 }
 

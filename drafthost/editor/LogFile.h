@@ -47,7 +47,7 @@ class LogFile {
     /// Makes the folder too, which may not have been there for a moment. -1 with errno.
     int open();
     void keep(std::string_view text);
-    void writeKept();
+    bool put(std::string_view& text);
     void setAside();
     void putBack();
 

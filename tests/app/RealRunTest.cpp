@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
@@ -417,7 +418,24 @@ TEST_F(RealRun, LockedDrawingsArePassedOverOrReadOnly) {
     const std::string other = CopySample("garden-2007.dxf", "b.dxf");
     const std::vector<std::string> arguments = {"--script", Script("zoom-save.scr"), locked, writeProtected,
                                                 other};
-    EXPECT_THAT(Run(arguments).Out, HasSubstr("1 Done, 2 Locked"));
+    const std::string told = Run(arguments).Out;
+    EXPECT_THAT(told, HasSubstr("1 Done, 2 Locked"));
+    EXPECT_THAT(told,
+                HasSubstr("Locked   " + locked + "\n         " + locked + " is open elsewhere: there is a"));
+    EXPECT_THAT(told, HasSubstr("Locked   " + writeProtected + "\n         " + writeProtected +
+                                " is write-protected"));
+    // As a disk does that fails for a moment.
+    FailAt("drafthost", "open", 0, "");
+    Run({"--script", Script("zoom-save.scr"), other});
+    std::istringstream calls(Read(Folder / "list"));
+    std::string call;
+    while (std::getline(calls, call) && !(call.starts_with("open\t") && call.ends_with("/b.dxf"))) {
+    }
+    FailAt("drafthost", "open", static_cast<unsigned>(std::stoul(call.substr(5))), "once");
+    const ProgramResult failed = Run({"--script", Script("zoom-save.scr"), other});
+    Environment.clear();
+    EXPECT_EQ(failed.Status, 1) << failed.Errors;
+    EXPECT_THAT(failed.Out, HasSubstr(other + " cannot be opened for writing: Input/output error"));
     // One that is passed over behind one that is worked on: each has its line, in order.
     EXPECT_THAT(Run({"--script", Script("zoom-save.scr"), other, locked}).Out,
                 testing::MatchesRegex("Done     1/2  " + other + "  [0-9.]+ s\nLocked   2/2  " + locked +

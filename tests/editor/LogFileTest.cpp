@@ -57,8 +57,11 @@ TEST_F(LogFileTest, HoldsEachWordAtOnce) {
     EXPECT_EQ(text(), "half a");
     log.write(" line\nnext");
     EXPECT_EQ(text(), "half a line\nnext");
+    // Of whatever size: a script may print what it likes.
+    const std::string much(5'000'000, 'x');
+    log.write(much);
     EXPECT_FALSE(log.stop());
-    EXPECT_EQ(text(), "half a line\nnext\n");
+    EXPECT_EQ(text(), "half a line\nnext" + much + "\n");
 }
 
 // A log under its own name is what whoever packs logs takes for the whole.
