@@ -69,7 +69,8 @@ bool WriteRest(const LogRest& rest, std::string* cause) {
 }
 
 std::string LossOf(const LogRest& rest, const std::string& cause) {
-    return "The log " + rest.Path + " is not whole: " + rest.Cause + (cause.empty() ? "" : "; ") + cause;
+    return "The log " + rest.Path + " is not whole: " + rest.Cause +
+           (cause.empty() || cause == rest.Cause ? "" : "; " + cause);
 }
 
 }  // namespace
