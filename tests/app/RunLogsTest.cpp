@@ -235,6 +235,8 @@ TEST_F(RunLogs, WhatTheHostCannotWriteOfItsLogsTheFrontWrites) {
         return Run(
             {"--script", script, "--jobs", jobs, Drawing("a.dxf"), Drawing("b.dxf"), Drawing("c.dxf")});
     };
+    // Over what a run has left, as those that are to fail.
+    ASSERT_EQ(start("1").Status, 0);
     FailAt("drafthost", "write", 0, "");
     ASSERT_EQ(start("1").Status, 0);
     const auto whole = Logs();
@@ -250,18 +252,19 @@ TEST_F(RunLogs, WhatTheHostCannotWriteOfItsLogsTheFrontWrites) {
         }
     }
     ASSERT_GT(numbers.size(), 4U);
+    int tried = 0;
     for (const char* jobs : {"1", "2"}) {
         for (const unsigned number : numbers) {
             SCOPED_TRACE("write " + std::to_string(number) + " jobs " + jobs);
             FailAt("drafthost", "write", number, "file");
             const ProgramResult result = start(jobs);
-            // Two hosts never make their calls in quite the same order.
+            // No run makes its calls in quite the same order as the last.
             const std::string call = Read(Folder / "list");
             if (call.find("/logs/drafthost/") == std::string::npos &&
                 call.find("/host.journal") == std::string::npos) {
-                EXPECT_STREQ(jobs, "2") << call;
                 continue;
             }
+            ++tried;
             EXPECT_EQ(result.Status, 0) << result.Out << result.Errors;
             const auto logs = Logs();
             ASSERT_EQ(logs.size(), whole.size());
@@ -272,6 +275,7 @@ TEST_F(RunLogs, WhatTheHostCannotWriteOfItsLogsTheFrontWrites) {
             EXPECT_FALSE(HostLogsAreLeft());
         }
     }
+    EXPECT_GT(tried, 4);
 }
 
 TEST_F(RunLogs, ALogThatNobodyCouldWriteIsToldAgainAndAgain) {
