@@ -49,7 +49,7 @@ RunUi::Answer DialogUi::RunMainDialog() {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     TarnelDlg dialog(acedGetAcadFrame());
     QApplication::restoreOverrideCursor();
-    dialog.Log().EmailLog = EmailLog;
+    dialog.findChild<LogTab*>()->EmailLog = EmailLog;
     mainDialog = &dialog;
     return dialog.exec() == QDialog::Accepted ? Ok : Cancel;
 }

@@ -58,7 +58,7 @@ class QueueModel : public QAbstractTableModel {
 }  // namespace
 
 FilesTab::FilesTab(QWidget* parent)
-    : CResizableDialog(parent), ui(std::make_unique<Ui::FilesTab>()), model(new QueueModel(this)) {
+    : MainPage(parent), ui(std::make_unique<Ui::FilesTab>()), model(new QueueModel(this)) {
     SetPage();
     ui->setupUi(this);
     InitLayout();
@@ -76,6 +76,7 @@ FilesTab::FilesTab(QWidget* parent)
     connect(ui->addOpen, &QPushButton::clicked, this, &FilesTab::AddOpenDrawings);
     connect(ui->setToDo, &QPushButton::clicked, this, &FilesTab::SetToDo);
     connect(ui->removeFiles, &QPushButton::clicked, this, &FilesTab::RemoveDrawings);
+    connect(&data.Signals, &TarnelSignals::CollectSignal, this, &FilesTab::OnCollect);
     connect(&data.Signals, &TarnelSignals::RefreshSignal, this, &FilesTab::OnRefresh);
 }
 
@@ -159,6 +160,8 @@ void FilesTab::RemoveDrawings() {
     OnRefresh();
 }
 
-std::array<int, 3> FilesTab::ColumnWidths() const {
-    return {ui->queue->columnWidth(0), ui->queue->columnWidth(1), ui->queue->columnWidth(2)};
+void FilesTab::OnCollect() {
+    for (int i = 0; i < 3; ++i) {
+        TarnelData().ColumnWidths[static_cast<std::size_t>(i) + 1] = ui->queue->columnWidth(i);
+    }
 }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Page of the queue: the drawings of a run in the order they will be processed, with their statuses.
-#include "widgets/ResizableDialog.h"
+#include "ui/MainPage.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -14,7 +13,7 @@ namespace Ui {
 class FilesTab;
 }
 
-class FilesTab : public CResizableDialog {
+class FilesTab : public MainPage {
     Q_OBJECT
   public:
     explicit FilesTab(QWidget* parent = nullptr);
@@ -22,8 +21,8 @@ class FilesTab : public CResizableDialog {
 
     /// Shows the queue anew.
     void OnRefresh();
-    /// Widths of the three columns, for the record.
-    std::array<int, 3> ColumnWidths() const;
+    /// The widths of the columns go to the record; the queue is there already.
+    void OnCollect();
 
     void AddDrawings();
     /// The host's open drawings that have a file.

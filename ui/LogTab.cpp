@@ -77,7 +77,7 @@ QString linkedRunLog(MarkupDocument& log) {
 
 }  // namespace
 
-LogTab::LogTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<Ui::LogTab>()) {
+LogTab::LogTab(QWidget* parent) : MainPage(parent), ui(std::make_unique<Ui::LogTab>()) {
     SetPage();
     ui->setupUi(this);
     InitLayout();

@@ -2,7 +2,7 @@
 #pragma once
 // Page of the last run. The run log is not shown as it lies on disk: the names in it become links to the
 // host's log of each drawing, which comes out of the archive into the same view, with a way back.
-#include "widgets/ResizableDialog.h"
+#include "ui/MainPage.h"
 
 #include <functional>
 #include <memory>
@@ -11,7 +11,7 @@ namespace Ui {
 class LogTab;
 }
 
-class LogTab : public CResizableDialog {
+class LogTab : public MainPage {
     Q_OBJECT
   public:
     explicit LogTab(QWidget* parent = nullptr);

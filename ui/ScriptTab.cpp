@@ -6,7 +6,7 @@
 
 #include <QFontDatabase>
 
-ScriptTab::ScriptTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<Ui::ScriptTab>()) {
+ScriptTab::ScriptTab(QWidget* parent) : MainPage(parent), ui(std::make_unique<Ui::ScriptTab>()) {
     SetPage();
     ui->setupUi(this);
     InitLayout();

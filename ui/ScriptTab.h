@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Page of the script that a run executes on each drawing.
-#include "widgets/ResizableDialog.h"
+#include "ui/MainPage.h"
 
 #include <memory>
 
@@ -9,7 +9,7 @@ namespace Ui {
 class ScriptTab;
 }
 
-class ScriptTab : public CResizableDialog {
+class ScriptTab : public MainPage {
     Q_OBJECT
   public:
     explicit ScriptTab(QWidget* parent = nullptr);

@@ -32,8 +32,7 @@ std::uint32_t leadingNumber(const QString& text) {
 
 }  // namespace
 
-SettingsTab::SettingsTab(QWidget* parent)
-    : CResizableDialog(parent), ui(std::make_unique<Ui::SettingsTab>()) {
+SettingsTab::SettingsTab(QWidget* parent) : MainPage(parent), ui(std::make_unique<Ui::SettingsTab>()) {
     Trace("SettingsTab: Default OnInitDialog\n");
     SetPage();
     ui->setupUi(this);
@@ -47,6 +46,8 @@ SettingsTab::SettingsTab(QWidget* parent)
     connect(&record, &TarnelSignals::RefreshSignal, this, &SettingsTab::OnRefresh);
     Trace("SettingsTab: OnRefresh\n");
     OnRefresh();
+    Trace("Create Settings Tab: 1\n");
+    Trace("Create Settings Tab: MoveWindow\n");
 }
 
 SettingsTab::~SettingsTab() = default;

@@ -2,7 +2,7 @@
 #pragma once
 // Page of the options of a run: an HTML form, whose values go to the record on CollectSignal and come from it
 // on RefreshSignal. Nothing reaches the record in between.
-#include "widgets/ResizableDialog.h"
+#include "ui/MainPage.h"
 
 #include <memory>
 
@@ -10,7 +10,7 @@ namespace Ui {
 class SettingsTab;
 }
 
-class SettingsTab : public CResizableDialog {
+class SettingsTab : public MainPage {
     Q_OBJECT
   public:
     explicit SettingsTab(QWidget* parent = nullptr);

@@ -6,7 +6,18 @@
 #include "html/HTMLayout.h"
 #include "ui_StartTab.h"
 
-StartTab::StartTab(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<Ui::StartTab>()) {
+namespace {
+
+/// The page that a link such as "filestab" leads to, empty for other links.
+QString pageOf(const QString& link) {
+    const QLatin1String ending("tab");
+    const QString name = link.endsWith(ending) ? link.chopped(ending.size()) : QString();
+    return MainPageIndex(name) >= 0 ? name : QString();
+}
+
+}  // namespace
+
+StartTab::StartTab(QWidget* parent) : MainPage(parent), ui(std::make_unique<Ui::StartTab>()) {
     SetPage();
     ui->setupUi(this);
     InitLayout();
@@ -26,14 +37,8 @@ void StartTab::OnLink(const QString& href, int* openExternally) {
     const auto post = [this](auto signal) { QMetaObject::invokeMethod(this, signal, Qt::QueuedConnection); };
     if (link == u"help") {
         post([this] { Q_EMIT HelpWanted(); });
-    } else if (link == u"filestab") {
-        post([this] { Q_EMIT PageWanted(1); });
-    } else if (link == u"scripttab") {
-        post([this] { Q_EMIT PageWanted(2); });
-    } else if (link == u"settingstab") {
-        post([this] { Q_EMIT PageWanted(3); });
-    } else if (link == u"logtab") {
-        post([this] { Q_EMIT PageWanted(4); });
+    } else if (const QString page = pageOf(link); !page.isEmpty()) {
+        post([this, page] { Q_EMIT PageWanted(page); });
     } else if (link == u"acadscripthelp") {
         // The host's own help is looked up and not shown, as it always was.
         ACHAR found[2048];

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // First page of the main dialog: a welcome with links to the help, to outside pages and to the other pages.
-#include "widgets/ResizableDialog.h"
+#include "ui/MainPage.h"
 
 #include <memory>
 
@@ -9,7 +9,7 @@ namespace Ui {
 class StartTab;
 }
 
-class StartTab : public CResizableDialog {
+class StartTab : public MainPage {
     Q_OBJECT
   public:
     explicit StartTab(QWidget* parent = nullptr);
@@ -17,11 +17,6 @@ class StartTab : public CResizableDialog {
 
     /// Follows a link of the page; sets *openExternally to 1 when the system's browser should open it.
     void OnLink(const QString& href, int* openExternally);
-
-  Q_SIGNALS:
-    /// The page with that index of the main dialog is asked for.
-    void PageWanted(int index);
-    void HelpWanted();
 
   private:
     std::unique_ptr<Ui::StartTab> ui;

@@ -5,15 +5,11 @@
 #include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
 #include "log/Trace.h"
-#include "ui/FilesTab.h"
 #include "ui/HelpPages.h"
 #include "ui/Icons.h"
-#include "ui/LogTab.h"
+#include "ui/MainPage.h"
 #include "ui/Schedule.h"
 #include "ui/ScriptChecks.h"
-#include "ui/ScriptTab.h"
-#include "ui/SettingsTab.h"
-#include "ui/StartTab.h"
 #include "ui_TarnelDlg.h"
 #include "widgets/BalloonHelp.h"
 
@@ -22,6 +18,7 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QTabBar>
+#include <vector>
 
 TarnelDlg::TarnelDlg(QWidget* parent) : CResizableDialog(parent), ui(std::make_unique<Ui::TarnelDlg>()) {
     Trace("Default InitDialog\n");
@@ -62,26 +59,18 @@ TarnelDlg::~TarnelDlg() {
 }
 
 void TarnelDlg::createPages() {
-    Trace("Create Start Tab\n");
-    start = new StartTab(this);
-    Trace("Create File Tab\n");
-    files = new FilesTab(this);
-    Trace("Create Script Tab\n");
-    script = new ScriptTab(this);
-    Trace("Create Settings Tab\n");
-    settings = new SettingsTab(this);
-    Trace("Create Settings Tab: 1\n");
-    Trace("Create Settings Tab: MoveWindow\n");
-    Trace("Create Log Tab\n");
-    log = new LogTab(this);
+    std::vector<MainPage*> pages;
+    for (const MainPageEntry& entry : MainPages()) {
+        Trace(QStringLiteral("Create %1 Tab\n").arg(QLatin1String(entry.TraceName)));
+        pages.push_back(entry.Make(this));
+        connect(pages.back(), &MainPage::PageWanted, this, &TarnelDlg::ShowPage);
+        connect(pages.back(), &MainPage::HelpWanted, this, &ShowHelp);
+    }
     Trace("Add the Pages to the Tab\n");
-    ui->tab->AddTab(tr("St&art Page"), start, ResourceIcon(QStringLiteral("tabstart")));
-    ui->tab->AddTab(tr("&Files for Processing"), files, ResourceIcon(QStringLiteral("tabfiles")));
-    ui->tab->AddTab(tr("&Script"), script, ResourceIcon(QStringLiteral("tabscript")));
-    ui->tab->AddTab(tr("S&ettings"), settings, ResourceIcon(QStringLiteral("tabsettings")));
-    ui->tab->AddTab(tr("&Log"), log, ResourceIcon(QStringLiteral("tablog")));
-    connect(start, &StartTab::PageWanted, this, &TarnelDlg::ShowPage);
-    connect(start, &StartTab::HelpWanted, this, &ShowHelp);
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        const MainPageEntry& entry = MainPages()[i];
+        ui->tab->AddTab(tr(entry.Title), pages[i], ResourceIcon(entry.Icon));
+    }
 }
 
 // Alt with the letter of a tab's title shows its page; the tab control itself sees to that.
@@ -97,9 +86,8 @@ void TarnelDlg::addShortcuts() {
 // The keyboard goes as the eye does: titles of the pages, the page, the buttons below it.
 void TarnelDlg::orderTabStops() {
     QWidget* last = ui->tab->tabBar();
-    for (QWidget* page :
-         {static_cast<QWidget*>(start), static_cast<QWidget*>(files), static_cast<QWidget*>(script),
-          static_cast<QWidget*>(settings), static_cast<QWidget*>(log)}) {
+    for (int i = 0; i < ui->tab->count(); ++i) {
+        QWidget* page = ui->tab->widget(i);
         // The focus chain of a page is in order in itself.
         for (QWidget* next = page->nextInFocusChain(); next != nullptr && page->isAncestorOf(next);
              next = next->nextInFocusChain()) {
@@ -114,8 +102,8 @@ void TarnelDlg::orderTabStops() {
     }
 }
 
-void TarnelDlg::ShowPage(int index) {
-    ui->tab->SetActive(index);
+void TarnelDlg::ShowPage(const QString& name) {
+    ui->tab->SetActive(MainPageIndex(name));
 }
 
 namespace {
@@ -163,8 +151,6 @@ void TarnelDlg::keepGeometry() {
     data.WasMaximized = isMaximized() ? 1 : 0;
     const QRect place = isMaximized() && normalGeometry().isValid() ? normalGeometry() : geometry();
     data.MainWindow = {place.left(), place.right() + 1, place.top(), place.bottom() + 1};
-    const std::array<int, 3> widths = files->ColumnWidths();
-    std::copy(widths.begin(), widths.end(), data.ColumnWidths.begin() + 1);
 }
 
 bool TarnelDlg::hasToDo() const {

@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// The main dialog that the TARNEL command opens over the host's frame: five pages and four buttons. It never
+// The main dialog that the TARNEL command opens over the host's frame: its pages and four buttons. It never
 // starts a run itself: it ends with OK, and the command saves the state and sends the start to the host.
 #include "widgets/ResizableDialog.h"
 
 #include <memory>
 
-class FilesTab;
-class LogTab;
-class ScriptTab;
-class SettingsTab;
-class StartTab;
 namespace Ui {
 class TarnelDlg;
 }
@@ -25,8 +20,8 @@ class TarnelDlg : public CResizableDialog {
     void OnOK();
     /// Close: collects and ends with Cancel. No question, no check.
     void OnCancel();
-    void ShowPage(int index);
-    LogTab& Log() { return *log; }
+    /// A name that is none of a page changes nothing.
+    void ShowPage(const QString& name);
 
   protected:
     void reject() override { OnCancel(); }
@@ -43,9 +38,4 @@ class TarnelDlg : public CResizableDialog {
     bool scriptMayRun();
 
     std::unique_ptr<Ui::TarnelDlg> ui;
-    StartTab* start;
-    FilesTab* files;
-    ScriptTab* script;
-    SettingsTab* settings;
-    LogTab* log;
 };

@@ -48,8 +48,8 @@ class FirstPicture : public QObject {
         if (event->type() == QEvent::Paint && watched->objectName() == u"TarnelDlg" && !seen) {
             seen = true;
             auto* dialog = static_cast<QDialog*>(watched);
-            if (page >= 0) {
-                dialog->findChild<QTabWidget*>()->setCurrentIndex(page);
+            if (auto* shown = dialog->findChild<QWidget*>(page)) {
+                dialog->findChild<QTabWidget*>()->setCurrentWidget(shown);
             }
             // Behind all pictures that are due now.
             QTimer::singleShot(0, dialog, [this, dialog] {
@@ -61,7 +61,7 @@ class FirstPicture : public QObject {
     }
     QElapsedTimer clock;
     double milliseconds = -1;
-    int page = -1;
+    QString page = QStringLiteral("StartTab");
     bool seen = false;
 };
 
@@ -110,17 +110,17 @@ int main(int argc, char** argv) {
         return watch.milliseconds;
     };
     std::printf("first opening, empty queue: %.1f ms\n", open(0));
-    for (const int page : {0, 1}) {
-        watch.page = page;
+    for (const char* page : {"StartTab", "FilesTab"}) {
+        watch.page = QLatin1String(page);
         open(length);
         std::vector<double> empty, full;
         for (int i = 0; i < rounds; ++i) {
             empty.push_back(open(0));
             full.push_back(open(length));
         }
-        std::printf("%s: empty queue %.1f ms, %d drawings %.1f ms (longest %.1f ms), ratio %.2f\n",
-                    page == 0 ? "start page" : "files page", median(empty), length, median(full),
-                    *std::max_element(full.begin(), full.end()), median(full) / median(empty));
+        std::printf("%s: empty queue %.1f ms, %d drawings %.1f ms (longest %.1f ms), ratio %.2f\n", page,
+                    median(empty), length, median(full), *std::max_element(full.begin(), full.end()),
+                    median(full) / median(empty));
     }
     host.shutDown();
     ApiHost::setFrame(nullptr, nullptr, nullptr);

@@ -2,6 +2,7 @@
 // What a picky user sees: nothing clipped, nothing overlapping, at every font and at the smallest size; and
 // the order in which the keyboard goes through a dialog.
 #include "tests/ui/UiFixture.h"
+#include "ui/MainPage.h"
 #include "ui/Schedule.h"
 #include "ui/StatusDialog.h"
 #include "ui/TarnelDlg.h"
@@ -73,8 +74,8 @@ TEST_F(LayoutTest, NothingIsClippedOrOverlaps) {
         setFontSize(percent);
         TarnelDlg dialog(nullptr);
         dialog.show();
-        for (int page = 0; page < 5; ++page) {
-            dialog.ShowPage(page);
+        for (const MainPageEntry& page : MainPages()) {
+            dialog.ShowPage(page.Name);
             QCoreApplication::processEvents();
             expectTidy(dialog);
         }

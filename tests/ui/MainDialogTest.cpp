@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main dialog by keys and mouse: pages, what it keeps, when a run may start.
 #include "tests/ui/UiFixture.h"
+#include "ui/Icons.h"
+#include "ui/MainPage.h"
 #include "ui/ScriptChecks.h"
 #include "ui/TarnelDlg.h"
 #include "widgets/AutoTab.h"
@@ -40,6 +42,20 @@ TEST_F(MainDialogTest, PagesByKeyboardAndTheLastOneKept) {
     EXPECT_EQ(TarnelData().LastTab, 2);
 }
 
+TEST_F(MainDialogTest, EveryPageHasANameALetterAndAPictureOfItsOwn) {
+    QStringList names, letters;
+    for (const MainPageEntry& page : MainPages()) {
+        names << page.Name;
+        letters << QKeySequence::mnemonic(QString::fromLatin1(page.Title)).toString();
+        EXPECT_FALSE(letters.back().isEmpty()) << page.Title;
+        EXPECT_FALSE(ResourceIcon(page.Icon).pixmap(16, 16).isNull()) << page.Title;
+        EXPECT_EQ(MainPageIndex(page.Name), names.size() - 1) << "an earlier page has this name";
+    }
+    EXPECT_EQ(letters.removeDuplicates(), 0) << letters.join(u' ').toStdString();
+    EXPECT_EQ(names.mid(0, 5).join(u' '), QStringLiteral("start files script settings log"))
+        << "state files hold the places of these pages";
+}
+
 TEST_F(MainDialogTest, TheLetterOfAPageLeadsIntoIt) {
     addFile(QStringLiteral("/d/a.dwg"));
     TarnelData().LastTab = 2;
@@ -76,16 +92,17 @@ TEST_F(MainDialogTest, EnterAndEscReachTheDialogFromEveryPage) {
     QFile log(folder.filePath(QStringLiteral("tnl log.html")));
     ASSERT_TRUE(log.open(QIODevice::WriteOnly));
     log.close();
-    for (int page = 0; page < 5; ++page) {
+    for (const MainPageEntry& entry : MainPages()) {
+        const std::string page = entry.Name.toStdString();
         for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
             TarnelData().LastTab = 1;
             TarnelDlg dialog(nullptr);
             dialog.show();
             ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
             dialog.findChild<QTreeView*>(QStringLiteral("queue"))->setFocus();
-            dialog.ShowPage(page);
+            dialog.ShowPage(entry.Name);
             // In the script Enter is a new line.
-            if (page == 2 && key == Qt::Key_Return) {
+            if (page == "script" && key == Qt::Key_Return) {
                 continue;
             }
             QTest::keyClick(QApplication::focusWidget(), key);
@@ -277,7 +294,7 @@ TEST_F(MainDialogTest, EveryControlHasANameForScreenReaders) {
 
 TEST_F(MainDialogTest, OpensAndClosesManyTimes) {
     for (int i = 0; i < 100; ++i) {
-        TarnelData().LastTab = i % 5;
+        TarnelData().LastTab = i % static_cast<int>(MainPages().size());
         TarnelDlg dialog(nullptr);
         dialog.show();
         QCoreApplication::processEvents();

@@ -200,9 +200,9 @@ TEST_F(UiFixture, LinksOfTheStartPage) {
     StartTab tab;
     tab.resize(900, 700);
     tab.show();
-    int page = -1;
+    QString page;
     int help = 0;
-    QObject::connect(&tab, &StartTab::PageWanted, &tab, [&](int wanted) { page = wanted; });
+    QObject::connect(&tab, &StartTab::PageWanted, &tab, [&](const QString& wanted) { page = wanted; });
     QObject::connect(&tab, &StartTab::HelpWanted, &tab, [&] { ++help; });
     const auto follow = [&](const char* link) {
         int external = 7;
@@ -212,11 +212,14 @@ TEST_F(UiFixture, LinksOfTheStartPage) {
     };
     EXPECT_EQ(follow("HELP"), 0);
     EXPECT_EQ(help, 1);
-    const char* pages[] = {"filestab", "ScriptTab", "settingstab", "logtab"};
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(follow(pages[i]), 0);
-        EXPECT_EQ(page, i + 1);
+    const std::pair<const char*, const char16_t*> links[] = {
+        {"filestab", u"files"}, {"ScriptTab", u"script"}, {"settingstab", u"settings"}, {"logtab", u"log"}};
+    for (const auto& [link, wanted] : links) {
+        EXPECT_EQ(follow(link), 0);
+        EXPECT_EQ(page, QStringView(wanted)) << link;
     }
+    follow("othertab");
+    EXPECT_EQ(page, QStringLiteral("log")) << "a link to no page";
     EXPECT_EQ(follow("http://x/"), 1);
     EXPECT_EQ(follow("https://x/"), 0);
     EXPECT_EQ(follow("acadscripthelp"), 0);

@@ -8,6 +8,7 @@
 #include "html/HTMLayout.h"
 #include "html/HtmlResources.h"
 #include "ui/LogTab.h"
+#include "ui/MainPage.h"
 #include "ui/Schedule.h"
 #include "ui/StatusDialog.h"
 #include "ui/TarnelDlg.h"
@@ -155,33 +156,33 @@ void takePages() {
     TarnelDlg dialog(nullptr);
     lengthen(dialog);
     dialog.show();
-    const char* names[] = {"start", "files", "script", "settings", "log"};
-    for (int i = 0; i < 5; ++i) {
-        dialog.ShowPage(i);
-        take(dialog, QString::fromLatin1(names[i]));
+    for (const MainPageEntry& page : MainPages()) {
+        dialog.ShowPage(page.Name);
+        take(dialog, page.Name);
     }
+    auto* log = dialog.findChild<LogTab*>();
     int handled = 1;
-    dialog.Log().ShowHostLog(QStringLiteral("logfile:_srv_ground-floor.dxf.log:/srv/plans/ground-floor.dxf"),
-                             &handled);
+    log->ShowHostLog(QStringLiteral("logfile:_srv_ground-floor.dxf.log:/srv/plans/ground-floor.dxf"),
+                     &handled);
     take(dialog, QStringLiteral("host-log"));
-    dialog.Log().findChild<CHTMLayout*>(QStringLiteral("log"))->SelectAll();
+    log->findChild<CHTMLayout*>(QStringLiteral("log"))->SelectAll();
     take(dialog, QStringLiteral("host-log-selected"));
-    dialog.Log().ClearLog();
+    log->ClearLog();
     take(dialog, QStringLiteral("no-log"));
-    dialog.ShowPage(3);
+    dialog.ShowPage(QStringLiteral("settings"));
     dialog.resize(dialog.minimumSize());
     take(dialog, QStringLiteral("settings-small"));
-    dialog.ShowPage(4);
+    dialog.ShowPage(QStringLiteral("log"));
     take(dialog, QStringLiteral("log-small"));
     dialog.resize(1200, 800);
     take(dialog, QStringLiteral("log-large"));
-    dialog.ShowPage(0);
+    dialog.ShowPage(QStringLiteral("start"));
     take(dialog, QStringLiteral("start-large"));
     dialog.resize(900, 520);
     for (std::uint32_t& status : TarnelData().FileStatus) {
         status = Done;
     }
-    dialog.ShowPage(1);
+    dialog.ShowPage(QStringLiteral("files"));
     dialog.OnOK();
     take(dialog, QStringLiteral("balloon"));
 }
