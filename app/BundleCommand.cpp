@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/BundleCommand.h"
+#include "app/Commands.h"
 
 #include "app/DataFolder.h"
 #include "app/FolderUse.h"

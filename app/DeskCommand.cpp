@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/DeskCommand.h"
+#include "app/Commands.h"
 
 #include "app/DataFolder.h"
 #include "app/HostProcess.h"
 #include "app/NameText.h"
-#include "app/RunCommand.h"
 
 #include <fcntl.h>
 #include <unistd.h>

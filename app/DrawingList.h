@@ -3,7 +3,7 @@
 // From what the user names (drawings, folders, lists) to the queue: absolute paths, each once, in the order
 // given. A wrong name on the command line is refused before the host starts; a name in a list is kept even
 // when no such file is there, since one lost drawing must not cost a night's run, and it ends as FailOpen.
-#include "app/RunOptions.h"
+#include "app/Options.h"
 
 #include <string>
 #include <string_view>
@@ -17,3 +17,9 @@ bool MatchesMask(std::string_view name, std::string_view masks);
 /// a line for each thing that the user should know and that stops nothing.
 std::vector<std::string> CollectDrawings(const RunOptions& options, std::vector<std::string>* notes,
                                          std::string* error);
+
+/// Why a file is no drawing, to stand behind its path; empty when it is one, and when nothing is there, which
+/// the host tells. What is none must not reach the host: the module starts an empty drawing for a file whose
+/// name is not that of one, and would call it Done. With anyName the name is not looked at, for scripts that
+/// open the files themselves.
+std::string WhyNoDrawing(const std::string& path, bool anyName);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/FolderChange.h"
 
+#include "app/Files.h"
 #include "app/JobFolders.h"
 #include "app/RunLogs.h"
-#include "app/WrittenFile.h"
 #include "system/OwnFile.h"
 
 #include <sys/stat.h>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/FolderUse.h"
 
+#include "app/Files.h"
 #include "app/FolderChange.h"
 #include "app/JobFolders.h"
 #include "app/NameText.h"
-#include "app/WrittenFile.h"
 #include "state/StateFile.h"
 
 #include <filesystem>

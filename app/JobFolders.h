@@ -6,8 +6,8 @@
 // next command does that. The description of the run says how many there are: a folder that it does not name
 // is somebody else's.
 #include "app/DataFolder.h"
-#include "app/JobSplit.h"
 #include "app/RunDescription.h"
+#include "app/Shares.h"
 
 #include <string>
 #include <vector>

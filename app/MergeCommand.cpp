@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/MergeCommand.h"
+#include "app/Commands.h"
 
 #include "app/FolderChange.h"
 #include "app/FolderUse.h"
 #include "app/NameText.h"
 #include "app/RecordFile.h"
-#include "app/RecordTarget.h"
 #include "app/RunJournal.h"
 #include "app/RunLogs.h"
 #include "app/RunRecord.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/RunCommand.h"
+#include "app/Commands.h"
 
 #include "app/FolderChange.h"
 #include "app/FolderUse.h"
@@ -7,7 +7,6 @@
 #include "app/JobFolders.h"
 #include "app/NameText.h"
 #include "app/RecordFile.h"
-#include "app/RecordTarget.h"
 #include "app/RunLogs.h"
 #include "app/RunMonitor.h"
 #include "app/RunParts.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RunDescription.h"
 
-#include "app/WrittenFile.h"
+#include "app/Files.h"
 
 #include <unistd.h>
 #include <filesystem>

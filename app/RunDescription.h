@@ -4,7 +4,7 @@
 // state file has no place for, and how far a change of several files has come. It is replaced whole, so each
 // step that writes it is taken at once or not at all.
 #include "app/DataFolder.h"
-#include "app/Shard.h"
+#include "app/Shares.h"
 
 #include <optional>
 #include <string>

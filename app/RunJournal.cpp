@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RunJournal.h"
 
+#include "app/Files.h"
 #include "app/RecordFile.h"
-#include "app/WrittenFile.h"
 #include "system/OwnFile.h"
 
 #include <fcntl.h>

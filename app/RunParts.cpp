@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RunParts.h"
 
-#include "app/HostCommands.h"
 #include "app/HostJournal.h"
 #include "app/JobFolders.h"
 #include "app/NameText.h"
@@ -22,6 +21,13 @@ std::function<void()> KeepLogs(const std::string& folder) {
         }
         ClearHostJournal(folder, kept ? files::Logs::Remove : files::Logs::Keep);
     };
+}
+
+/// What the host is told to start a run over what waits in the state: only commands and LISP functions of the
+/// module, as a person could type them. Queue, script and limits stand in the state already. Nothing is sent
+/// ahead beyond the start, since a script that waits for input would take it for its answer.
+std::string RunCommands(bool recover) {
+    return std::string(recover ? "(Tarnel_SetRecoverMode T)\n" : "") + "TARNEL\nRun\n";
 }
 
 /// What does not depend on where the host works.

@@ -2,10 +2,10 @@
 #pragma once
 // The hosts of a run: one over the data folder itself, or several over shares of the queue. Both give the
 // same things: monitors, each with a ledger, whose records together are those of the queue.
-#include "app/JobSplit.h"
+#include "app/Options.h"
 #include "app/RunMonitor.h"
-#include "app/RunOptions.h"
 #include "app/RunPlan.h"
+#include "app/Shares.h"
 
 #include <memory>
 #include <vector>

@@ -2,10 +2,9 @@
 #include "app/RunPlan.h"
 
 #include "app/DrawingList.h"
+#include "app/Files.h"
 #include "app/FolderChange.h"
-#include "app/InputFile.h"
 #include "app/NameText.h"
-#include "app/NoDrawing.h"
 #include "app/RunRecord.h"
 #include "state/StateDigest.h"
 #include "text/ScriptText.h"

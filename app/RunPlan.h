@@ -4,10 +4,9 @@
 // record, and record, description and journal are put into the data folder in one change, before any host
 // starts. Until then the folder holds the run before, whole.
 #include "app/DataFolder.h"
-#include "app/ExitStatus.h"
+#include "app/Options.h"
 #include "app/RunDescription.h"
 #include "app/RunJournal.h"
-#include "app/RunOptions.h"
 #include "engine/record/TarnelData.h"
 
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What stands at the end of a run for people: a table by status, and how to go on.
+#include "app/Options.h"
 #include "app/RunLedger.h"
-#include "app/RunOptions.h"
 
 #include <optional>
 #include <string>

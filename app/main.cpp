@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The command line of tarnel.
-#include "app/BundleCommand.h"
-#include "app/DeskCommand.h"
-#include "app/InstallCommand.h"
-#include "app/MergeCommand.h"
+#include "app/Commands.h"
 #include "app/NameText.h"
-#include "app/RunCommand.h"
 #include "system/FileLimit.h"
 #include "system/MemorySize.h"
 

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What comes in from folders, pipes and other programs, and what of it is no drawing.
 #include "app/DrawingList.h"
-#include "app/InputFile.h"
-#include "app/NoDrawing.h"
+#include "app/Files.h"
 #include "tests/app/Program.h"
 
 #include <fcntl.h>

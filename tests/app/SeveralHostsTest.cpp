@@ -3,7 +3,7 @@
 // and one log and one archive tell of it all.
 #include "tests/app/Program.h"
 
-#include "app/JobSplit.h"
+#include "app/Shares.h"
 #include "zip/ZipArchive.h"
 
 #include <gmock/gmock.h>

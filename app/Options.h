@@ -1,12 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// What the command line of `tarnel run` asks for, as plain values, so that all else can be tested and called
+// What the command line asks for and gives back, as plain values, so that all else can be tested and called
 // without a command line.
-#include "app/Shard.h"
+#include "app/Shares.h"
 
 #include <optional>
 #include <string>
 #include <vector>
+
+/// A contract with scripts and schedulers, which stands in the manual.
+enum ExitStatus : int {
+    AllDone = 0,
+    SomeNotDone = 1,
+    WrongUsage = 2,
+    BrokenOff = 3,
+    Interrupted = 130,
+};
 
 /// Limits in seconds of a new run that gives none.
 constexpr unsigned kDefaultMaxTime = 60;
@@ -59,4 +68,15 @@ struct RunOptions {
 
     /// The run goes on with the queue on disk and gives no new one.
     bool KeepsQueue() const { return Resume || Retry != RetryKind::None; }
+};
+
+struct MergeOptions {
+    /// Folders that hold "Ovrix", as given to the runs.
+    std::vector<std::string> Folders;
+    /// Where the result goes; empty is the user's folder.
+    std::string DataDir;
+    std::string JsonFile;
+    /// Also take runs with drawings that still wait, or some of the shares: what waits stays ToDo.
+    bool Unfinished = false;
+    bool Quiet = false;
 };
