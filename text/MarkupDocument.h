@@ -11,6 +11,8 @@
 #include <QString>
 #include <QStringView>
 
+class MarkupBuffer;
+
 class MarkupDocument {
   public:
     /// Document flags: what a file's mark said, and how names compare.
@@ -80,6 +82,18 @@ class MarkupDocument {
     QStringView nameOf(std::uint32_t i) const;
     std::uint32_t nextNamed(std::uint32_t i, QStringView name) const;
     QString textOf(std::uint32_t i) const;
+    /// Where new text goes: in place of so many units, and whether those are the end of a start tag whose
+    /// element gets its first content.
+    struct Gap {
+        std::uint32_t Place;
+        std::uint32_t Removed;
+        bool OpensParent;
+    };
+    Gap gapFor(std::uint32_t parent, std::uint32_t after) const;
+    /// An element whose start tag ends with the ">" at a place now; one that was empty gets an end tag.
+    void openTag(std::uint32_t i, std::uint32_t bracket, MarkupBuffer& added);
+    /// Hangs a new element between its relatives; behind none it is the first child.
+    void link(std::uint32_t i, std::uint32_t parent, std::uint32_t after);
     std::uint32_t insert(std::uint32_t parent, std::uint32_t after, QStringView name, QStringView value,
                          bool noLineBreaks);
     bool setAttribute(std::uint32_t i, QStringView name, QStringView value);

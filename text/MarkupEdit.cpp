@@ -30,6 +30,30 @@ void shiftTree(PositionIndex& positions, std::uint32_t top, std::uint32_t differ
     }
 }
 
+void appendTag(MarkupBuffer& out, QStringView open, QStringView name, QStringView close) {
+    out.Append(open);
+    out.Append(name);
+    out.Append(close);
+}
+
+/// Writes an element. Its lengths; where it stands is not known here.
+ElementPosition appendElement(MarkupBuffer& out, QStringView name, QStringView value) {
+    ElementPosition element{};
+    const qsizetype before = out.Size();
+    if (value.isEmpty()) {
+        appendTag(out, u"<", name, u"/>");
+        element.SetStartTagLength(static_cast<std::uint32_t>(name.size()) + 3);
+    } else {
+        appendTag(out, u"<", name, u">");
+        AppendEscapedText(out, value);
+        appendTag(out, u"</", name, u">");
+        element.SetStartTagLength(static_cast<std::uint32_t>(name.size()) + 2);
+        element.SetEndTagLength(static_cast<std::uint32_t>(name.size()) + 3);
+    }
+    element.Length = static_cast<std::uint32_t>(out.Size() - before);
+    return element;
+}
+
 }  // namespace
 
 void MarkupDocument::splice(std::uint32_t offset, std::uint32_t removed, QStringView insertion) {
@@ -65,104 +89,80 @@ void MarkupDocument::shift(std::uint32_t from, std::int64_t difference) {
     }
 }
 
-std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, QStringView name,
-                                     QStringView value, bool noLineBreaks) {
-    MarkupBuffer added;
-    const auto appendTag = [&](QStringView open, QStringView close) {
-        added.Append(open);
-        added.Append(name);
-        added.Append(close);
-    };
-    std::uint32_t startTagLength = 0;
-    std::uint32_t endTagLength = 0;
-    const std::uint32_t head = positions[parent].FirstChild;
-    if (after == 0 && head != 0) {
-        after = positions[head].PreviousSibling;
-    }
-
-    std::uint32_t place = 0;
-    std::uint32_t removed = 0;
-    bool opensParent = false;
-    if (after != 0) {
-        place = positions[after].End();
-    } else if (parent == 0) {
-        place = static_cast<std::uint32_t>(text.size());
-    } else if (positions[parent].ContentStart() == positions[parent].ContentEnd()) {
-        opensParent = true;
-        const ElementPosition& element = positions[parent];
-        place = element.ContentStart() - 1;
+MarkupDocument::Gap MarkupDocument::gapFor(std::uint32_t parent, std::uint32_t after) const {
+    const ElementPosition& element = positions[parent];
+    if (after == 0 && parent != 0 && element.ContentStart() == element.ContentEnd()) {
+        std::uint32_t place = element.ContentStart() - 1;
         if (element.IsEmptyElement() && (element.Level & ElementPosition::NoEndTag) == 0) {
             while (text[place - 1] == u'/' || IsMarkupSpace(text[place - 1].unicode())) {
                 --place;
             }
         }
-        removed = element.ContentStart() - place;
-    } else {
-        place = positions[parent].ContentEnd();
+        return {place, element.ContentStart() - place, true};
     }
-    if (!opensParent) {
-        std::uint32_t next = place;
-        while (next < text.size() && IsMarkupSpace(text[next].unicode())) {
-            ++next;
-        }
-        if (next == text.size() || text[next] == u'<') {
-            place = next;
-        }
+    const std::uint32_t place = after != 0    ? positions[after].End()
+                                : parent == 0 ? static_cast<std::uint32_t>(text.size())
+                                              : element.ContentEnd();
+    std::uint32_t next = place;
+    while (next < text.size() && IsMarkupSpace(text[next].unicode())) {
+        ++next;
     }
+    return {next == text.size() || text[next] == u'<' ? next : place, 0, false};
+}
 
-    if (opensParent) {
-        added.Append(noLineBreaks ? QStringView(u">") : QStringView(u">\r\n"));
-    }
-    const auto elementOffset = static_cast<std::uint32_t>(added.Size());
-    if (value.isEmpty()) {
-        appendTag(u"<", u"/>");
-        startTagLength = static_cast<std::uint32_t>(name.size()) + 3;
-    } else {
-        appendTag(u"<", u">");
-        AppendEscapedText(added, value);
-        appendTag(u"</", u">");
-        startTagLength = static_cast<std::uint32_t>(name.size()) + 2;
-        endTagLength = startTagLength + 1;
-    }
-    const std::uint32_t length = static_cast<std::uint32_t>(added.Size()) - elementOffset;
-    if (!noLineBreaks) {
-        added.Append(u"\r\n");
-    }
-    if (opensParent) {
-        ElementPosition& element = positions[parent];
-        const std::uint32_t newStartTag = place + 1 - element.Start;
-        if (element.IsEmptyElement()) {
-            const QStringView parentName = nameOf(parent);
-            added.Append(u"</");
-            added.Append(parentName);
-            added.Append(u">");
-            element.SetEndTagLength(static_cast<std::uint32_t>(parentName.size()) + 3);
-            element.Level &= ~std::uint32_t{ElementPosition::NoEndTag};
-        }
-        element.SetStartTagLength(newStartTag);
-    }
-    splice(place, removed, added.View());
-
-    const std::uint32_t i = positions.Add();
+void MarkupDocument::openTag(std::uint32_t i, std::uint32_t bracket, MarkupBuffer& added) {
     ElementPosition& element = positions[i];
-    element.Start = place + elementOffset;
-    element.Length = length;
-    element.SetStartTagLength(startTagLength);
-    element.SetEndTagLength(endTagLength);
+    if (element.IsEmptyElement()) {
+        const QStringView name = nameOf(i);
+        appendTag(added, u"</", name, u">");
+        element.SetEndTagLength(static_cast<std::uint32_t>(name.size()) + 3);
+        element.Level &= ~std::uint32_t{ElementPosition::NoEndTag};
+    }
+    element.SetStartTagLength(bracket + 1 - element.Start);
+}
+
+void MarkupDocument::link(std::uint32_t i, std::uint32_t parent, std::uint32_t after) {
+    ElementPosition& element = positions[i];
     element.Level = parent == 0 ? 0 : std::min<std::uint32_t>((positions[parent].Level & 0xffff) + 1, 0xffff);
     element.Parent = parent;
     if (after == 0) {
         element.Level |= ElementPosition::FirstSibling;
         element.PreviousSibling = i;
         positions[parent].FirstChild = i;
-    } else {
-        element.PreviousSibling = after;
-        element.NextSibling = positions[after].NextSibling;
-        positions[after].NextSibling = i;
-        const std::uint32_t follower = element.NextSibling != 0 ? element.NextSibling : head;
-        positions[follower].PreviousSibling = i;
+        return;
     }
-    shift(i, added.Size() - std::int64_t{removed});
+    element.PreviousSibling = after;
+    element.NextSibling = positions[after].NextSibling;
+    positions[after].NextSibling = i;
+    const std::uint32_t follower =
+        element.NextSibling != 0 ? element.NextSibling : positions[parent].FirstChild;
+    positions[follower].PreviousSibling = i;
+}
+
+std::uint32_t MarkupDocument::insert(std::uint32_t parent, std::uint32_t after, QStringView name,
+                                     QStringView value, bool noLineBreaks) {
+    if (const std::uint32_t first = positions[parent].FirstChild; after == 0 && first != 0) {
+        after = positions[first].PreviousSibling;
+    }
+    const Gap gap = gapFor(parent, after);
+    MarkupBuffer added;
+    if (gap.OpensParent) {
+        added.Append(noLineBreaks ? QStringView(u">") : QStringView(u">\r\n"));
+    }
+    const auto before = static_cast<std::uint32_t>(added.Size());
+    ElementPosition element = appendElement(added, name, value);
+    element.Start = gap.Place + before;
+    if (!noLineBreaks) {
+        added.Append(u"\r\n");
+    }
+    if (gap.OpensParent) {
+        openTag(parent, gap.Place, added);
+    }
+    splice(gap.Place, gap.Removed, added.View());
+    const std::uint32_t i = positions.Add();
+    positions[i] = element;
+    link(i, parent, after);
+    shift(i, added.Size() - std::int64_t{gap.Removed});
     return i;
 }
 
