@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// What the host and the module tell of a run: JSON objects on a socket of their own (docs/headless.md tells
+// What the host and the module tell of a run: JSON objects on a socket of their own (docs/formats.md tells
 // them). Nothing that a script prints can be taken for one of them, since such a line comes inside a "text".
 #include "app/LogRests.h"
 #include "app/QueueEntry.h"

@@ -2,8 +2,8 @@
 #pragma once
 // What the user sees of the module in a host that has no window: lines on the host's command line, all with
 // the prefix "Tarnel: ", and prompts in place of dialogs. How a run goes is told either by such lines or,
-// where a program listens, by events alone. Both are told in docs/headless.md and other programs read them,
-// so their form is part of the interface.
+// where a program listens, by events alone. Lines are told in docs/headless.md, events in
+// docs/formats.md; other programs read both, so their form is part of the interface.
 #include "engine/ConsoleDialog.h"
 #include "engine/report/Report.h"
 #include "engine/RunUi.h"

@@ -2,7 +2,7 @@
 #pragma once
 // What the module tells besides dialogs: lines for people on the host's command line, and events for the
 // program that started the host. Events are JSON objects, one a line, on the socket that the environment
-// variable TARNEL_REPORT_FD names; docs/headless.md tells their form. They have a way of their own because a
+// variable TARNEL_REPORT_FD names; docs/formats.md tells their form. They have a way of their own because a
 // script can print any line that it likes, while nothing but the module and the host has this socket.
 #include <QString>
 
