@@ -5,6 +5,7 @@
 #include "acedads.h"
 #include "engine/ConsoleUi.h"
 #include "engine/FilePicker.h"
+#include "engine/HostInput.h"
 #include "engine/HostVariables.h"
 #include "engine/record/HostText.h"
 #include "engine/record/TarnelData.h"
@@ -104,9 +105,7 @@ void DoBatch() {
         return;
     }
     Trace("Send Start Batch\n");
-    AcApDocManager* documents = acDocManagerPtr();
-    documents->sendStringToExecute(documents->curDocument(), ACRX_T("(TNL_Start_Batch)\n"), true, false,
-                                   false);
+    SendToHost(StartString());
 }
 
 bool DoNextFile() {

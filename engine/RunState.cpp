@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/RunState.h"
 
-#include "acdocman.h"
 #include "engine/FileInWork.h"
 #include "engine/FileStamp.h"
 #include "engine/record/FileName.h"
@@ -160,8 +159,7 @@ QString RunFault() {
 void RefuseRun(const QString& cause) {
     ConsoleLine(QStringLiteral("no run is started: ") + cause);
     if (IsHostOfOneRun()) {
-        AcApDocManager* documents = acDocManagerPtr();
-        documents->sendStringToExecute(documents->curDocument(), ACRX_T("QUIT\n"), true, false, false);
+        SendToHost(QStringLiteral("QUIT\n"));
     }
 }
 

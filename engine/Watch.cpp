@@ -3,6 +3,7 @@
 
 #include "acdocman.h"
 #include "acframe.h"
+#include "engine/HostInput.h"
 #include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
 #include "engine/RunUi.h"
@@ -69,16 +70,4 @@ void CancelRun() {
 
 void StopWatch() {
     timers.reset();
-}
-
-QString TimeoutString() {
-    return QString(2, QChar(3)) + QStringLiteral("(Tarnel_File_Timeout)\n");
-}
-
-QString BreakString() {
-    return QString(6, QChar(3));
-}
-
-QString CancelString() {
-    return BreakString() + QStringLiteral("(TNL_Cancel_Batch)\n");
 }

@@ -19,9 +19,3 @@ bool CheckWatch();
 void CancelRun();
 /// Takes the timers down without ending a run, at the module's unload.
 void StopWatch();
-
-/// What is sent when a drawing has used its time, and at Cancel. Character 3 is the host's cancel key.
-QString TimeoutString();
-/// Cancels whatever runs, at any depth, and ends the script.
-QString BreakString();
-QString CancelString();

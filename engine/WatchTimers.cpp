@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/WatchTimers.h"
 
-#include "acdocman.h"
 #include "engine/record/HostText.h"
 #include "engine/RunState.h"
 #include "engine/RunUi.h"
-#include "engine/Watch.h"
 
 #include <algorithm>
 #include <limits>
@@ -72,9 +70,4 @@ void WatchTimers::onTimeout() {
 void WatchTimers::onFlash() {
     CurrentUi().Flash(flashPhase);
     flashPhase = !flashPhase;
-}
-
-void SendToHost(const QString& text) {
-    AcApDocManager* documents = acDocManagerPtr();
-    documents->sendStringToExecute(documents->curDocument(), HostText(text), true, false, false);
 }

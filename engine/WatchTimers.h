@@ -25,6 +25,3 @@ class WatchTimers : public QObject {
     QTimer seconds;
     bool flashPhase = false;
 };
-
-/// Sends a string to the current document as if the user had typed it.
-void SendToHost(const QString& text);

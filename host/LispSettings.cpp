@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/LispSettings.h"
 
-#include "acdocman.h"
 #include "acedads.h"
 #include "engine/Batch.h"
 #include "engine/ConsoleUi.h"
 #include "engine/FileInWork.h"
+#include "engine/HostInput.h"
 #include "engine/record/FileQueue.h"
 #include "engine/record/HostText.h"
 #include "engine/record/TarnelData.h"
@@ -174,9 +174,7 @@ void DoBatchLisp() {
     takeQueue(arguments);
     saveSetting();
     Trace("Send Start Batch\n");
-    AcApDocManager* documents = acDocManagerPtr();
-    documents->sendStringToExecute(documents->curDocument(), ACRX_T("(TNL_Start_Batch)\n"), true, false,
-                                   false);
+    SendToHost(StartString());
     acedRetT();
     Trace("Return\n");
 }
