@@ -19,13 +19,13 @@ ExitStatus MakeBundle(const std::string& dataDir, const char* version) {
         SupportInfo info;
         info.Version = QString::fromLatin1(version);
         info.DataDir = QString::fromStdString(folder.Path());
-        const SupportResult result =
-            PackSupportBundle(SupportFilesIn(info.DataDir), SupportInfoBytes(SupportInfoText(info)));
-        if (result.Error.isEmpty()) {
-            PrintName(result.Archive.toStdString());
+        const SupportFiles files = SupportFilesIn(info.DataDir);
+        QString failure;
+        if (PackSupportBundle(files, SupportInfoBytes(SupportInfoText(info)), &failure)) {
+            PrintName(files.Archive.toStdString());
             return AllDone;
         }
-        error = result.Error.toStdString();
+        error = failure.toStdString();
     }
     Complain(error);
     return BrokenOff;

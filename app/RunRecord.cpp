@@ -10,8 +10,8 @@
 bool ReadRecord(const std::string& file, CTarnelData* record, std::string* error, RecordForm form) {
     const QString path = QString::fromStdString(file);
     QByteArray bytes;
-    if (const int failure = ReadWholeFile(path, bytes)) {
-        *error = file + ": cannot be read: " + SystemMessage(failure).toStdString();
+    if (const int cause = ReadWholeFile(path, bytes)) {
+        *error = file + ": cannot be read: " + SystemMessage(cause).toStdString();
         return false;
     }
     const QString fault = StateTextFault(bytes, form == RecordForm::State ? 1 : 0);
@@ -19,17 +19,19 @@ bool ReadRecord(const std::string& file, CTarnelData* record, std::string* error
         *error = file + ": does not hold the state of a run: " + fault.toStdString();
         return false;
     }
-    LoadState(*record, &path, 1);
-    *error = LastStateError().toStdString();
+    QString failure;
+    LoadState(*record, &path, 1, &failure);
+    *error = failure.toStdString();
     BuildFileOrder(*record);
     return error->empty();
 }
 
 bool WriteRecord(const std::string& file, CTarnelData& record, std::string* error) {
     const QString path = QString::fromStdString(file);
-    SaveState(record, &path, 1);
-    if (!LastStateError().isEmpty()) {
-        *error = LastStateError().toStdString();
+    QString unsaved;
+    SaveState(record, &path, 1, &unsaved);
+    if (!unsaved.isEmpty()) {
+        *error = unsaved.toStdString();
         return false;
     }
     if (const int failure = SyncFile(path)) {

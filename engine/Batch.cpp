@@ -150,7 +150,9 @@ void endRun() {
     data.BatchRunning = false;
     Trace("SaveState\n");
     SaveRunState();
-    SyncState();
+    if (QString error; !SyncState(&error)) {
+        ConsoleLine(error);
+    }
 }
 
 }  // namespace

@@ -130,8 +130,8 @@ bool DoStartBatch() {
         RefuseRun(RunFault());
         return false;
     }
-    if (!data.BatchRunning && !SyncState()) {
-        RefuseRun(LastStateError());
+    if (QString error; !data.BatchRunning && !SyncState(&error)) {
+        RefuseRun(error);
         return false;
     }
     const FileInWork inWork(data);

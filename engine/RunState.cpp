@@ -3,6 +3,7 @@
 
 #include "engine/FileInWork.h"
 #include "engine/FileStamp.h"
+#include "engine/HostInput.h"
 #include "engine/record/FileName.h"
 #include "engine/record/FileQueue.h"
 #include "engine/record/TarnelData.h"
@@ -124,19 +125,20 @@ bool SaveRunState() {
     if (!unread.isEmpty()) {
         return false;
     }
-    SaveState(nullptr, 1);
+    QString error;
+    SaveState(nullptr, 1, &error);
     QString& unsaved = Run().Unsaved;
-    if (unsaved.isEmpty() && !LastStateError().isEmpty()) {
-        ConsoleLine(QStringLiteral("the state could not be saved: %1").arg(LastStateError()));
+    if (unsaved.isEmpty() && !error.isEmpty()) {
+        ConsoleLine(QStringLiteral("the state could not be saved: %1").arg(error));
         for (const int wait : SaveWaits) {
-            if (!data.BatchRunning || LastStateError().isEmpty()) {
+            if (!data.BatchRunning || error.isEmpty()) {
                 break;
             }
             QThread::msleep(static_cast<unsigned long>(wait));
-            SaveState(nullptr, 1);
+            SaveState(nullptr, 1, &error);
         }
     }
-    unsaved = LastStateError();
+    unsaved = error;
     ownVersion = StampOf(data.StateFile);
     return unsaved.isEmpty();
 }

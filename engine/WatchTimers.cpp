@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/WatchTimers.h"
 
-#include "engine/record/HostText.h"
+#include "engine/HostInput.h"
 #include "engine/RunState.h"
 #include "engine/RunUi.h"
 

@@ -21,9 +21,8 @@ void emailLog(QWidget* page) {
                                  QStringLiteral("There is no program on this machine that can open a mail."));
         return;
     }
-    const SupportResult result = BuildSupportBundle(session);
-    if (!result.Error.isEmpty()) {
-        QMessageBox::warning(page, QStringLiteral("E-Mail Log"), result.Error);
+    if (QString error; !BuildSupportBundle(session, &error)) {
+        QMessageBox::warning(page, QStringLiteral("E-Mail Log"), error);
     }
 }
 

@@ -98,7 +98,7 @@ bool LoadGroupFile(const QString& path, QString* message) {
     return true;
 }
 
-bool SaveGroupFile(const QString& path) {
-    SaveState(&path, 0);
-    return LastStateError().isEmpty();
+bool SaveGroupFile(const QString& path, QString* error) {
+    SaveState(&path, 0, error);
+    return error->isEmpty();
 }

@@ -10,6 +10,6 @@
 /// loaded, message has a line about text that came from elsewhere, and is empty mostly.
 bool LoadGroupFile(const QString& path, QString* message);
 
-/// Saves the queue with the options as XML, whatever the extension. False when it cannot be written;
-/// LastStateError() has the cause.
-bool SaveGroupFile(const QString& path);
+/// Saves the queue with the options as XML, whatever the extension. False with one line when it cannot be
+/// written.
+bool SaveGroupFile(const QString& path, QString* error);

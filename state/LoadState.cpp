@@ -3,7 +3,6 @@
 #include "engine/record/FileQueue.h"
 #include "state/StateFields.h"
 #include "state/StateFile.h"
-#include "state/StateFileError.h"
 #include "text/Base64.h"
 #include "text/CodePage.h"
 #include "text/MarkupDocument.h"
@@ -117,17 +116,17 @@ void loadQueue(MarkupDocument& document, CTarnelData& data) {
 
 }  // namespace
 
-int LoadState(const QString* path, int full) {
-    return LoadState(TarnelData(), path, full);
+int LoadState(const QString* path, int full, QString* error) {
+    return LoadState(TarnelData(), path, full, error);
 }
 
-int LoadState(CTarnelData& data, const QString* path, int full) {
-    ClearStateError();
+int LoadState(CTarnelData& data, const QString* path, int full, QString* error) {
     const QString& file = path != nullptr ? *path : data.StateFile;
     QByteArray bytes;
-    const int error = ReadWholeFile(file, bytes);
-    if (error != 0 && error != ENOENT) {
-        SetStateError(file, u"cannot be read: " + SystemMessage(error));
+    const int failure = ReadWholeFile(file, bytes);
+    if (error != nullptr) {
+        const bool isThere = failure != 0 && failure != ENOENT;
+        *error = isThere ? file + u": cannot be read: " + SystemMessage(failure) : QString();
     }
     TakeState(data, bytes, full);
     return 1;

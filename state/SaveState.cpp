@@ -5,7 +5,6 @@
 #include "engine/record/FileName.h"
 #include "state/LastSave.h"
 #include "state/StateFields.h"
-#include "state/StateFileError.h"
 #include "text/Base64.h"
 #include "text/CodePage.h"
 #include "text/MarkupDocument.h"
@@ -80,21 +79,20 @@ void saveFiles(MarkupDocument& document, const CTarnelData& data) {
 }
 
 /// A save always answers 1; what went wrong is told apart.
-int finish(const QString& file, int error) {
-    if (error != 0) {
-        SetStateError(file, u"cannot be written: " + SystemMessage(error));
+int finish(const QString& file, int failure, QString* error) {
+    if (error != nullptr) {
+        *error = failure != 0 ? file + u": cannot be written: " + SystemMessage(failure) : QString();
     }
     return 1;
 }
 
 }  // namespace
 
-int SaveState(const QString* target, int full) {
-    return SaveState(TarnelData(), target, full);
+int SaveState(const QString* target, int full, QString* error) {
+    return SaveState(TarnelData(), target, full, error);
 }
 
-int SaveState(CTarnelData& data, const QString* target, int full) {
-    ClearStateError();
+int SaveState(CTarnelData& data, const QString* target, int full, QString* error) {
     const QString& file = target != nullptr ? *target : data.StateFile;
     // A run saves several times per drawing: the room of the last text is used again.
     static MarkupDocument document;
@@ -120,9 +118,9 @@ int SaveState(CTarnelData& data, const QString* target, int full) {
         QString report;
         const QByteArray bytes = EncodeMarkup(document.GetDocumentText(), report, 0);
         if (full == 0) {
-            return finish(file, WriteWholeFile(file, bytes));
+            return finish(file, WriteWholeFile(file, bytes), error);
         }
         last.Remember(file, head, bytes, data);
     }
-    return finish(file, WritePatchedFile(file, last.Bytes()));
+    return finish(file, WritePatchedFile(file, last.Bytes()), error);
 }

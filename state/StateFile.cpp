@@ -2,7 +2,6 @@
 #include "state/StateFile.h"
 
 #include "engine/record/FileName.h"
-#include "state/StateFileError.h"
 #include "system/OwnFile.h"
 #include "text/CodePage.h"
 #include "text/MarkupDocument.h"
@@ -17,24 +16,6 @@
 #include <QDir>
 #include <QFile>
 
-namespace {
-
-QString lastError;
-
-}  // namespace
-
-const QString& LastStateError() {
-    return lastError;
-}
-
-void SetStateError(const QString& path, const QString& cause) {
-    lastError = path.isEmpty() ? cause : path + u": " + cause;
-}
-
-void ClearStateError() {
-    lastError.clear();
-}
-
 QString UserDataDir() {
     QString base = QFile::decodeName(qgetenv("XDG_DATA_HOME"));
     // The rule for that variable: a path that is not absolute does not count.
@@ -47,9 +28,7 @@ QString UserDataDir() {
 void ResolveStateFile() {
     CTarnelData& data = TarnelData();
     const QString folder = data.DataDir.isEmpty() ? UserDataDir() : data.DataDir;
-    if (const int error = files::MakeFolder(QFile::encodeName(folder).toStdString())) {
-        SetStateError(folder, u"the folder cannot be made: " + SystemMessage(error));
-    }
+    files::MakeFolder(QFile::encodeName(folder).toStdString());
     data.StateFile = JoinPath(folder, u"TarnelRunner.xml");
     const QString oldFile = JoinPath(folder, u"Tarnel.xml");
     // Not done when both are there: the new file stays in force and the old one lies untouched.
@@ -59,14 +38,13 @@ void ResolveStateFile() {
     RemoveLeftovers(data.StateFile);
 }
 
-bool SyncState() {
-    ClearStateError();
+bool SyncState(QString* error) {
     const QString& path = TarnelData().StateFile;
-    const int error = SyncFile(path);
-    if (error != 0) {
-        SetStateError(path, u"cannot be brought to the disk: " + SystemMessage(error));
+    const int failure = SyncFile(path);
+    if (failure != 0) {
+        *error = path + u": cannot be brought to the disk: " + SystemMessage(failure);
     }
-    return error == 0;
+    return failure == 0;
 }
 
 QString CheckStateFile(const QString& path) {

@@ -9,25 +9,21 @@ QString SupportAddress() {
     return qEnvironmentVariable("TARNEL_SUPPORT_ADDRESS", QStringLiteral("support@ovrix.example"));
 }
 
-SupportResult BuildSupportBundle(CMapiSession& session) {
+bool BuildSupportBundle(CMapiSession& session, QString* error) {
     CTarnelData& data = TarnelData();
     Q_EMIT data.Signals.CollectSignal();
-    SaveState(nullptr, 1);
-    if (!LastStateError().isEmpty()) {
-        return {{}, false, LastStateError()};
-    }
-
-    SupportResult result = PackSupportBundle(SupportFilesIn(data.DataDir, data.StateFile),
-                                             SupportInfoBytes(SupportInfoText(CollectSupportInfo())));
-    if (!result.Error.isEmpty()) {
-        return result;
+    SaveState(nullptr, 1, error);
+    const SupportFiles files = SupportFilesIn(data.DataDir, data.StateFile);
+    if (!error->isEmpty() ||
+        !PackSupportBundle(files, SupportInfoBytes(SupportInfoText(CollectSupportInfo())), error)) {
+        return false;
     }
     CMapiMessage message;
     message.To.push_back({SupportAddress(), QStringLiteral("Ovrix TNL Support")});
     message.Subject = QStringLiteral("TNL Support");
-    message.Attachments.append(result.Archive);
+    message.Attachments.append(files.Archive);
     message.AttachmentTitles.append(QStringLiteral("TNLLog.zip"));
-    result.Sent = session.Send(message);
-    result.Error = session.LastError();
-    return result;
+    const bool sent = session.Send(message);
+    *error = session.LastError();
+    return sent;
 }

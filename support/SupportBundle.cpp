@@ -22,14 +22,15 @@ void addBytes(CZipArchive& archive, const char* name, const QByteArray& bytes) {
     archive.CloseNewFile();
 }
 
-// Empty, or why the file could not be added.
-QString addFile(CZipArchive& archive, const QString& name, const QString& path) {
+bool addFile(CZipArchive& archive, const QString& name, const QString& path, QString* error) {
     QFile file(path);
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) {
-        return QStringLiteral("%1: it is not a regular file").arg(path);
+        *error = QStringLiteral("%1: it is not a regular file").arg(path);
+        return false;
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        return QStringLiteral("%1: %2").arg(path, file.errorString());
+        *error = QStringLiteral("%1: %2").arg(path, file.errorString());
+        return false;
     }
     CFileHeader header;
     header.Name = name.toStdString();
@@ -38,7 +39,8 @@ QString addFile(CZipArchive& archive, const QString& name, const QString& path) 
     for (;;) {
         const qint64 count = file.read(buffer.data(), buffer.size());
         if (count < 0) {
-            return QStringLiteral("%1: %2").arg(path, file.errorString());
+            *error = QStringLiteral("%1: %2").arg(path, file.errorString());
+            return false;
         }
         if (count == 0) {
             break;
@@ -46,7 +48,7 @@ QString addFile(CZipArchive& archive, const QString& name, const QString& path) 
         archive.WriteNewFile(buffer.constData(), static_cast<std::size_t>(count));
     }
     archive.CloseNewFile();
-    return {};
+    return true;
 }
 
 }  // namespace
@@ -57,8 +59,7 @@ SupportFiles SupportFilesIn(const QString& dataDir, const QString& stateFile) {
             JoinPath(dataDir, u"tnl log.html"), JoinPath(dataDir, u"TNLapp.log")};
 }
 
-SupportResult PackSupportBundle(const SupportFiles& files, const QByteArray& info) {
-    SupportResult result;
+bool PackSupportBundle(const SupportFiles& files, const QByteArray& info, QString* error) {
     try {
         const std::string path = QFile::encodeName(files.Archive).toStdString();
         CZipArchive archive;
@@ -66,9 +67,8 @@ SupportResult PackSupportBundle(const SupportFiles& files, const QByteArray& inf
         const bool open = archive.Open(path, CZipArchive::Existing) ||
                           (errno == ENOENT && archive.Open(path, CZipArchive::Create));
         if (!open) {
-            result.Error =
-                QStringLiteral("%1: %2").arg(files.Archive, QString::fromLocal8Bit(strerror(errno)));
-            return result;
+            *error = QStringLiteral("%1: %2").arg(files.Archive, QString::fromLocal8Bit(strerror(errno)));
+            return false;
         }
         addBytes(archive, "info.xml", info);
         const std::pair<QString, QString> entries[] = {
@@ -76,16 +76,14 @@ SupportResult PackSupportBundle(const SupportFiles& files, const QByteArray& inf
             {QStringLiteral("TNL Log.html"), files.RunLog},
             {QStringLiteral("TNLapp.log"), files.TraceLog}};
         for (const auto& [name, file] : entries) {
-            result.Error = addFile(archive, name, file);
-            if (!result.Error.isEmpty()) {
-                return result;
+            if (!addFile(archive, name, file, error)) {
+                return false;
             }
         }
         archive.Close();
     } catch (const CZipException& exception) {
-        result.Error = QString::fromLocal8Bit(exception.what());
-        return result;
+        *error = QString::fromLocal8Bit(exception.what());
+        return false;
     }
-    result.Archive = files.Archive;
-    return result;
+    return true;
 }

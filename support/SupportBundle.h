@@ -16,25 +16,17 @@ struct SupportFiles {
     QString TraceLog;
 };
 
-struct SupportResult {
-    /// The archive, with everything in it; empty when it could not be made.
-    QString Archive;
-    /// The mail program took the draft.
-    bool Sent = false;
-    /// One line with the file and the cause; empty when all went well.
-    QString Error;
-};
-
 /// The files in a data folder; an empty state file stands for the usual one there.
 SupportFiles SupportFilesIn(const QString& dataDir, const QString& stateFile = {});
 
 /// Adds "info.xml", the state, the run log and the trace log to the archive. Needs neither record nor host.
-/// An error leaves the archive as it was: a bundle is whole or not made.
-SupportResult PackSupportBundle(const SupportFiles& files, const QByteArray& info);
+/// False with one line, and the archive as it was: a bundle is whole or not made.
+bool PackSupportBundle(const SupportFiles& files, const QByteArray& info, QString* error);
 
 /// Collects what the pages show, saves the state, packs, and opens the mail with the archive. The record must
-/// be the user's: it is saved over the state file.
-SupportResult BuildSupportBundle(CMapiSession& session);
+/// be the user's: it is saved over the state file. False with one line; an archive that was packed stays when
+/// only the mail did not go.
+bool BuildSupportBundle(CMapiSession& session, QString* error);
 
 /// Where bundles go: the variable TARNEL_SUPPORT_ADDRESS of the environment, for offices with a desk of their
 /// own, else the maker's address.

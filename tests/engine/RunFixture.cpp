@@ -88,8 +88,9 @@ void RunTest::SetQueue(const QStringList& paths, const QByteArray& script) {
     data.Script = script;
     data.SortIdx = 6;
     ResolveStateFile();
-    SaveState(nullptr, 1);
-    ASSERT_EQ(LastStateError(), QString());
+    QString error;
+    SaveState(nullptr, 1, &error);
+    ASSERT_EQ(error, QString());
 }
 
 QString RunTest::SavedStatuses() const {

@@ -92,7 +92,8 @@ TEST_F(GroupFile, EntriesWithoutAStatusHarmNothing) {
     EXPECT_EQ(EntryStatus(TarnelData(), 3), ToDo) << "and none of the others is";
     EXPECT_EQ(EntryStatus(TarnelData(), 2), Error);
     const QString saved = folder.filePath(QStringLiteral("state.xml"));
-    EXPECT_TRUE(SaveGroupFile(saved));
+    QString error;
+    EXPECT_TRUE(SaveGroupFile(saved, &error)) << error.toStdString();
     EXPECT_TRUE(ReadBytes(saved).contains("<File Status=\"0\">a.dxf</File>"));
     EXPECT_TRUE(ReadBytes(saved).contains("<File Status=\"5\">c.dxf</File>"));
     TarnelData().StateFile = saved;
@@ -127,15 +128,15 @@ TEST_F(GroupFile, RefusalsChangeNothing) {
 TEST_F(GroupFile, SavesAndReadsXmlUnderAnyCase) {
     TarnelData().MaxTime = 5;
     const QString path = folder.filePath(QStringLiteral("DATA.XML"));
-    EXPECT_TRUE(SaveGroupFile(path));
-    ResetTarnelData();
     QString message;
+    EXPECT_TRUE(SaveGroupFile(path, &message));
+    ResetTarnelData();
     EXPECT_TRUE(LoadGroupFile(path, &message));
     EXPECT_EQ(queue(), QStringList({"/old/|old.dwg"}));
     EXPECT_EQ(TarnelData().FileStatus[0], Locked);
     EXPECT_EQ(TarnelData().MaxTime, 5U);
-    EXPECT_FALSE(SaveGroupFile(folder.filePath(QStringLiteral("no/g.xml"))));
-    EXPECT_FALSE(LastStateError().isEmpty());
+    EXPECT_FALSE(SaveGroupFile(folder.filePath(QStringLiteral("no/g.xml")), &message));
+    EXPECT_TRUE(message.contains(QStringLiteral("no/g.xml: cannot be written"))) << message.toStdString();
 }
 
 }  // namespace

@@ -29,8 +29,9 @@ class LastSaveTest : public testing::Test {
 
     /// Saves, and compares with a save under another name, which is made from nothing.
     void expectFreshSave() {
-        SaveState(nullptr, 1);
-        ASSERT_EQ(LastStateError(), QString());
+        QString error;
+        SaveState(nullptr, 1, &error);
+        ASSERT_EQ(error, QString());
         const QString other = dir.filePath(QStringLiteral("other%1.xml").arg(++count));
         const QByteArray saved = content(TarnelData().StateFile);
         SaveState(&other, 1);

@@ -130,8 +130,9 @@ TEST_F(StateFile, WhatIsMissingKeepsItsValue) {
     TarnelData().PreviousDirectories = {"/x"};
     TarnelData().SysVarsSaved = true;
     addEntry(QStringLiteral("/w/"), QStringLiteral("a.dwg"), ToDo);
-    EXPECT_EQ(LoadState(nullptr, 1), 1);
-    EXPECT_TRUE(LastStateError().isEmpty());
+    QString error;
+    EXPECT_EQ(LoadState(nullptr, 1, &error), 1);
+    EXPECT_TRUE(error.isEmpty());
     EXPECT_EQ(TarnelData().MaxTime, 7U);
     EXPECT_TRUE(TarnelData().FileNames.empty() && TarnelData().PreviousDirectories.empty());
     EXPECT_FALSE(TarnelData().SysVarsSaved);

@@ -38,10 +38,11 @@ class StateSafety : public testing::Test {
         small.rlim_cur = 20000;
         const auto handler = std::signal(SIGXFSZ, SIG_IGN);
         setrlimit(RLIMIT_FSIZE, &small);
-        SaveState(nullptr, 1);
+        QString error;
+        SaveState(nullptr, 1, &error);
         setrlimit(RLIMIT_FSIZE, &old);
         std::signal(SIGXFSZ, handler);
-        return LastStateError();
+        return error;
     }
 
     QTemporaryDir folder;
@@ -83,21 +84,22 @@ TEST_F(StateSafety, AFullDiskLeavesTheOldStateAndSaysSo) {
     SaveState(nullptr, 1);
     const QByteArray before = ReadBytes(path);
     fillQueue(5000);
-    const QString error = saveOnFullDisk();
+    QString error = saveOnFullDisk();
     EXPECT_EQ(Plain(error), Plain(path) + ": cannot be written: File too large");
     EXPECT_EQ(ReadBytes(path), before);
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
-    SaveState(nullptr, 1);
-    EXPECT_TRUE(LastStateError().isEmpty()) << "a save that works clears the error";
-    EXPECT_TRUE(SyncState());
+    SaveState(nullptr, 1, &error);
+    EXPECT_TRUE(error.isEmpty()) << "a save that works clears the error";
+    EXPECT_TRUE(SyncState(&error)) << error.toStdString();
 }
 
 TEST_F(StateSafety, WritesInPlaceWhereNothingCanStandBeside) {
     // A name so long that no longer one can stand beside it.
     TarnelData().StateFile = folder.filePath(QString(251, u'n') + QStringLiteral(".xml"));
     fillQueue(100);
-    SaveState(nullptr, 1);
-    EXPECT_TRUE(LastStateError().isEmpty());
+    QString error;
+    SaveState(nullptr, 1, &error);
+    EXPECT_EQ(Plain(error), "");
     const QByteArray before = ReadBytes(TarnelData().StateFile);
     fillQueue(5000);
     EXPECT_FALSE(saveOnFullDisk().isEmpty());
@@ -114,8 +116,9 @@ TEST_F(StateSafety, LinksAndModesStay) {
     WriteBytes(real, "old");
     ASSERT_EQ(chmod(real.toUtf8().constData(), 0600), 0);
     ASSERT_TRUE(QFile::link(real, path));
-    SaveState(nullptr, 1);
-    EXPECT_TRUE(LastStateError().isEmpty());
+    QString error;
+    SaveState(nullptr, 1, &error);
+    EXPECT_EQ(Plain(error), "");
     EXPECT_EQ(Plain(QFile::symLinkTarget(path)), Plain(real));
     EXPECT_TRUE(ReadBytes(real).startsWith("<TarnelRunner"));
     struct stat status {};
@@ -125,13 +128,15 @@ TEST_F(StateSafety, LinksAndModesStay) {
 
 TEST_F(StateSafety, AFailureIsTold) {
     TarnelData().StateFile = folder.filePath(QStringLiteral("none/TarnelRunner.xml"));
-    EXPECT_EQ(SaveState(nullptr, 1), 1);
-    EXPECT_EQ(Plain(LastStateError()),
-              Plain(TarnelData().StateFile) + ": cannot be written: No such file or directory");
-    EXPECT_FALSE(SyncState());
+    QString error;
+    EXPECT_EQ(SaveState(nullptr, 1, &error), 1);
+    EXPECT_EQ(Plain(error), Plain(TarnelData().StateFile) + ": cannot be written: No such file or directory");
+    EXPECT_FALSE(SyncState(&error));
+    EXPECT_EQ(Plain(error),
+              Plain(TarnelData().StateFile) + ": cannot be brought to the disk: No such file or directory");
     TarnelData().StateFile = folder.path();
-    EXPECT_EQ(LoadState(nullptr, 1), 1);
-    EXPECT_EQ(Plain(LastStateError()), Plain(folder.path()) + ": cannot be read: Is a directory");
+    EXPECT_EQ(LoadState(nullptr, 1, &error), 1);
+    EXPECT_EQ(Plain(error), Plain(folder.path()) + ": cannot be read: Is a directory");
 }
 
 TEST_F(StateSafety, AFileThatIsNoStateIsTold) {
