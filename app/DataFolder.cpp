@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string UserHome() {
+std::string userHome() {
     if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/') {
         return data;
     }
@@ -36,7 +36,7 @@ std::string UserHome() {
 }
 
 /// False also for a process that has ended and that its parent has not taken leave of.
-bool IsAlive(const std::string& process) {
+bool isAlive(const std::string& process) {
     std::ifstream file("/proc/" + process + "/stat");
     std::string text;
     std::getline(file, text);
@@ -46,9 +46,9 @@ bool IsAlive(const std::string& process) {
 
 /// A front that was killed is gone a moment before its host, which holds the lock too. owner becomes the
 /// process that took it last, where the descriptor's file tells it. 0 or the error.
-int WaitForLock(int lock, std::string* owner) {
-    constexpr int kTries = 5;
-    constexpr int kTriesBehindTheDead = 50;
+int waitForLock(int lock, std::string* owner) {
+    constexpr int Tries = 5;
+    constexpr int TriesBehindTheDead = 50;
     for (int tries = 0; flock(lock, LOCK_EX | LOCK_NB) != 0; ++tries) {
         if (errno != EWOULDBLOCK && errno != EINTR) {
             return errno;
@@ -58,8 +58,8 @@ int WaitForLock(int lock, std::string* owner) {
             const ssize_t length = pread(lock, text, sizeof text - 1, 0);
             owner->assign(text, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
         }
-        const bool isDead = owner && !owner->empty() && !IsAlive(*owner);
-        if (tries >= (isDead ? kTriesBehindTheDead : kTries)) {
+        const bool isDead = owner && !owner->empty() && !isAlive(*owner);
+        if (tries >= (isDead ? TriesBehindTheDead : Tries)) {
             return EWOULDBLOCK;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -70,17 +70,17 @@ int WaitForLock(int lock, std::string* owner) {
 }  // namespace
 
 DataFolder::DataFolder(const std::string& given)
-    : home(fs::absolute(given.empty() ? UserHome() : given).lexically_normal().string()) {
+    : home(fs::absolute(given.empty() ? userHome() : given).lexically_normal().string()) {
     while (home.size() > 1 && home.ends_with('/')) {
         home.pop_back();
     }
 }
 
 DataFolder::~DataFolder() {
-    Unlock();
+    unlock();
 }
 
-void DataFolder::Unlock() {
+void DataFolder::unlock() {
     for (int* held : {&lock, &folderLock}) {
         if (*held >= 0) {
             close(std::exchange(*held, -1));
@@ -106,14 +106,14 @@ bool DataFolder::Lock(std::string* error) {
         return false;
     }
     std::string last;
-    int cause = WaitForLock(lock, &last);
+    int cause = waitForLock(lock, &last);
     if (cause == 0) {
         folderLock = open(Path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         // Where that does not go the file has to do.
-        cause = folderLock >= 0 && WaitForLock(folderLock, nullptr) == EWOULDBLOCK ? EWOULDBLOCK : 0;
+        cause = folderLock >= 0 && waitForLock(folderLock, nullptr) == EWOULDBLOCK ? EWOULDBLOCK : 0;
     }
     if (cause != 0) {
-        Unlock();
+        unlock();
         *error = cause != EWOULDBLOCK ? file + ": " + std::strerror(cause)
                                       : Path() + ": another run is at work here" +
                                             (last.empty() ? "" : " (process " + last + ")") +

@@ -29,7 +29,7 @@ class DataFolder {
     static std::string KeepAside(const std::string& file, std::string* error);
 
   private:
-    void Unlock();
+    void unlock();
 
     std::string home;
     int lock = -1;

@@ -13,12 +13,12 @@
 
 namespace {
 
-bool IsSet(const char* variable) {
+bool isSet(const char* variable) {
     const char* value = std::getenv(variable);
     return value && *value;
 }
 
-int Refuse(const std::string& error) {
+int refuse(const std::string& error) {
     Complain(error);
     return BrokenOff;
 }
@@ -26,15 +26,15 @@ int Refuse(const std::string& error) {
 }  // namespace
 
 int OpenDesk(const std::vector<std::string>& drawings) {
-    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM")) {
-        return Refuse(
+    if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
+        return refuse(
             "desk needs a display, and there is none here (DISPLAY is not set); tarnel run works without");
     }
     std::string error;
     HostFiles files;
     DataFolder folder({});
     if (!files.FindDesk(&error) || !folder.Lock(&error)) {
-        return Refuse(error);
+        return refuse(error);
     }
     // The window keeps the folder to its end, as a run's host does.
     for (const int lock : folder.LockDescriptors()) {
@@ -54,5 +54,5 @@ int OpenDesk(const std::vector<std::string>& drawings) {
     }
     arguments.push_back(nullptr);
     execv(files.Host.c_str(), arguments.data());
-    return Refuse(files.Host + ": cannot be started: " + std::strerror(errno));
+    return refuse(files.Host + ": cannot be started: " + std::strerror(errno));
 }

@@ -70,16 +70,16 @@ class Queue {
     std::map<std::pair<dev_t, ino_t>, std::size_t> files;
 };
 
-bool LessIgnoringCase(const fs::path& left, const fs::path& right) {
+bool lessIgnoringCase(const fs::path& left, const fs::path& right) {
     const int order = strcasecmp(left.c_str(), right.c_str());
     return order != 0 ? order < 0 : left < right;
 }
 
-bool IsHidden(const fs::path& path) {
+bool isHidden(const fs::path& path) {
     return path.filename().string().starts_with('.');
 }
 
-bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, std::string* error) {
+bool addFolder(const fs::path& folder, const RunOptions& options, Queue* queue, std::string* error) {
     std::vector<fs::path> found;
     std::error_code failure;
     // A folder that is gone into is no entry; every other thing of a drawing's name is told of in the end.
@@ -93,7 +93,7 @@ bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, 
     if (options.Recurse) {
         for (fs::recursive_directory_iterator walk(folder, failure), end; !failure && walk != end;
              walk.increment(failure)) {
-            if (!options.Hidden && IsHidden(walk->path())) {
+            if (!options.Hidden && isHidden(walk->path())) {
                 walk.disable_recursion_pending();
             } else {
                 consider(*walk);
@@ -102,7 +102,7 @@ bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, 
     } else {
         for (fs::directory_iterator walk(folder, failure), end; !failure && walk != end;
              walk.increment(failure)) {
-            if (options.Hidden || !IsHidden(walk->path())) {
+            if (options.Hidden || !isHidden(walk->path())) {
                 consider(*walk);
             }
         }
@@ -116,14 +116,14 @@ bool AddFolder(const fs::path& folder, const RunOptions& options, Queue* queue, 
                  (options.Recurse ? "" : " (--recurse also looks into the folders under it)");
         return false;
     }
-    std::sort(found.begin(), found.end(), LessIgnoringCase);
+    std::sort(found.begin(), found.end(), lessIgnoringCase);
     for (const fs::path& path : found) {
         queue->Add(path);
     }
     return true;
 }
 
-bool ReadSavedQueue(const std::string& list, std::vector<QString>* entries, std::string* error) {
+bool readSavedQueue(const std::string& list, std::vector<QString>* entries, std::string* error) {
     CTarnelData saved;
     if (!ReadRecord(list, &saved, error, RecordForm::List)) {
         return false;
@@ -136,7 +136,7 @@ bool ReadSavedQueue(const std::string& list, std::vector<QString>* entries, std:
 
 /// Names that end in NUL, as other programs print them: each is a path as it stands, whatever it holds. Only
 /// one that names nothing is taken for one that was written in another encoding.
-std::vector<fs::path> NamesOf(QByteArrayView bytes, const fs::path& folder, QString* note) {
+std::vector<fs::path> namesOf(QByteArrayView bytes, const fs::path& folder, QString* note) {
     std::vector<fs::path> names;
     while (!bytes.isEmpty()) {
         const qsizetype end = bytes.indexOf('\0');
@@ -171,17 +171,17 @@ struct List {
 };
 
 /// The entries of a list as they stand there, by the form that its extension tells.
-bool ReadList(const std::string& name, bool nullEnds, List* list, std::string* error) {
+bool readList(const std::string& name, bool nullEnds, List* list, std::string* error) {
     const QString extension = CFileName(QString::fromStdString(name)).GetExt().toLower();
     if (extension == u".xml") {
-        return ReadSavedQueue(name, &list->Entries, error);
+        return readSavedQueue(name, &list->Entries, error);
     }
     QByteArray bytes;
     if (!ReadInput(name, &bytes, error)) {
         return false;
     }
     if (nullEnds) {
-        list->Names = NamesOf(bytes, list->Folder, &list->Note);
+        list->Names = namesOf(bytes, list->Folder, &list->Note);
         return true;
     }
     const UserText text = DecodeUserText(bytes);
@@ -207,14 +207,14 @@ bool ReadList(const std::string& name, bool nullEnds, List* list, std::string* e
 
 /// Relative paths are taken from the list's own folder, so that a list can be kept beside its drawings; those
 /// from a pipe from the current one.
-bool AddList(const std::string& name, const RunOptions& options, Queue* queue,
+bool addList(const std::string& name, const RunOptions& options, Queue* queue,
              std::vector<std::string>* notes, std::string* error) {
     std::error_code failure;
     List list;
     list.Folder = fs::is_regular_file(name, failure) && !IsStandardInput(name)
                       ? fs::absolute(name).parent_path()
                       : fs::current_path();
-    if (!ReadList(name, options.NullEnds, &list, error)) {
+    if (!readList(name, options.NullEnds, &list, error)) {
         return false;
     }
     if (!list.Note.isEmpty()) {
@@ -241,7 +241,7 @@ bool AddList(const std::string& name, const RunOptions& options, Queue* queue,
 }
 
 /// A folder whose name is a drawing's is most likely taken for one; with a slash behind it, it is meant.
-bool IsMeantAsFolder(const std::string& name) {
+bool isMeantAsFolder(const std::string& name) {
     return name.ends_with('/') || !IsDrawingName(QString::fromStdString(name));
 }
 
@@ -272,14 +272,14 @@ std::vector<std::string> CollectDrawings(const RunOptions& options, std::vector<
             *error = name + ": " + (failure ? failure.message() : "No such file or directory");
             return {};
         }
-        if (!fs::is_directory(status) || !IsMeantAsFolder(name)) {
+        if (!fs::is_directory(status) || !isMeantAsFolder(name)) {
             queue.Add(name);
-        } else if (!AddFolder(name, options, &queue, error)) {
+        } else if (!addFolder(name, options, &queue, error)) {
             return {};
         }
     }
     for (const std::string& list : options.Lists) {
-        if (!AddList(list, options, &queue, notes, error)) {
+        if (!addList(list, options, &queue, notes, error)) {
             return {};
         }
     }

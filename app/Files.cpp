@@ -14,7 +14,7 @@
 
 namespace {
 
-bool Tell(const std::string& path, const char* what, int failure, std::string* error) {
+bool tell(const std::string& path, const char* what, int failure, std::string* error) {
     if (failure != 0) {
         *error = path + what + files::Because(failure);
     }
@@ -22,11 +22,11 @@ bool Tell(const std::string& path, const char* what, int failure, std::string* e
 }
 
 /// A million long paths are a quarter of that.
-constexpr qsizetype kLargest = qsizetype{256} << 20;
-constexpr std::string_view kTooLarge = "holds more than 256 MB, which is no script and no list";
+constexpr qsizetype Largest = qsizetype{256} << 20;
+constexpr std::string_view TooLarge = "holds more than 256 MB, which is no script and no list";
 
 /// Empty, or why it cannot be read.
-std::string ReadAll(int descriptor, QByteArray* bytes) {
+std::string readAll(int descriptor, QByteArray* bytes) {
     struct stat status {};
     if (fstat(descriptor, &status) != 0) {
         return std::strerror(errno);
@@ -34,14 +34,14 @@ std::string ReadAll(int descriptor, QByteArray* bytes) {
     if (S_ISDIR(status.st_mode)) {
         return "Is a directory";
     }
-    if (S_ISREG(status.st_mode) && status.st_size > kLargest) {
-        return std::string(kTooLarge);
+    if (S_ISREG(status.st_mode) && status.st_size > Largest) {
+        return std::string(TooLarge);
     }
-    constexpr qsizetype block = qsizetype{64} << 10;
+    constexpr qsizetype Block = qsizetype{64} << 10;
     qsizetype used = 0;
     for (;;) {
         if (used == bytes->size()) {
-            bytes->resize(std::max(block, used * 2));
+            bytes->resize(std::max(Block, used * 2));
         }
         const ssize_t got =
             read(descriptor, bytes->data() + used, static_cast<std::size_t>(bytes->size() - used));
@@ -52,8 +52,8 @@ std::string ReadAll(int descriptor, QByteArray* bytes) {
             break;
         }
         used += std::max<ssize_t>(got, 0);
-        if (used > kLargest) {
-            return std::string(kTooLarge);
+        if (used > Largest) {
+            return std::string(TooLarge);
         }
     }
     bytes->resize(used);
@@ -66,16 +66,16 @@ bool ReadFile(const std::string& path, std::string* text, std::string* error) {
     QByteArray bytes;
     const int failure = ReadWholeFile(QString::fromStdString(path), bytes);
     *text = bytes.toStdString();
-    return Tell(path, ": cannot be read: ", failure, error);
+    return tell(path, ": cannot be read: ", failure, error);
 }
 
 bool WriteFile(const std::string& path, const std::string& text, std::string* error) {
     const int failure = WriteWholeFile(QString::fromStdString(path), QByteArray::fromStdString(text), true);
-    return Tell(path, ": cannot be written: ", failure, error) && SyncToDisk(path, error);
+    return tell(path, ": cannot be written: ", failure, error) && SyncToDisk(path, error);
 }
 
 bool SyncToDisk(const std::string& path, std::string* error) {
-    return Tell(path, ": cannot be brought to the disk: ", SyncFile(QString::fromStdString(path)), error);
+    return tell(path, ": cannot be brought to the disk: ", SyncFile(QString::fromStdString(path)), error);
 }
 
 bool IsStandardInput(const std::string& name) {
@@ -86,7 +86,7 @@ bool ReadInput(const std::string& name, QByteArray* bytes, std::string* error) {
     bytes->clear();
     const bool isStandard = IsStandardInput(name);
     const int descriptor = isStandard ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
-    const std::string cause = descriptor < 0 ? std::strerror(errno) : ReadAll(descriptor, bytes);
+    const std::string cause = descriptor < 0 ? std::strerror(errno) : readAll(descriptor, bytes);
     if (descriptor >= 0 && !isStandard) {
         close(descriptor);
     }

@@ -14,7 +14,7 @@ namespace {
 
 /// A file that cannot be read for the moment is no damaged one: only what was read and makes no sense goes
 /// aside.
-bool KeepDamaged(const std::string& file, const std::string& cause, std::string* error) {
+bool keepDamaged(const std::string& file, const std::string& cause, std::string* error) {
     const std::string kept = DataFolder::KeepAside(file, error);
     if (!kept.empty()) {
         Complain(cause + "; it is kept as " + kept);
@@ -22,7 +22,7 @@ bool KeepDamaged(const std::string& file, const std::string& cause, std::string*
     return !kept.empty();
 }
 
-bool MakeRoomForState(const DataFolder& folder, std::string* error) {
+bool makeRoomForState(const DataFolder& folder, std::string* error) {
     std::string text;
     if (!std::filesystem::exists(folder.StateFile())) {
         return true;
@@ -32,12 +32,12 @@ bool MakeRoomForState(const DataFolder& folder, std::string* error) {
     }
     const QString fault = StateTextFault(QByteArray::fromStdString(text), 1);
     return fault.isEmpty() ||
-           KeepDamaged(folder.StateFile(),
+           keepDamaged(folder.StateFile(),
                        folder.StateFile() + ": does not hold the state of a run: " + fault.toStdString(),
                        error);
 }
 
-bool MakeRoomForDescription(const DataFolder& folder, std::string* error) {
+bool makeRoomForDescription(const DataFolder& folder, std::string* error) {
     const std::string file = DescriptionFile(folder.Path());
     std::string text;
     if (!std::filesystem::exists(file)) {
@@ -47,7 +47,7 @@ bool MakeRoomForDescription(const DataFolder& folder, std::string* error) {
         return false;
     }
     const std::optional<RunDescription> description = ParseDescription(text);
-    return description || KeepDamaged(file, DamagedDescription(file), error);
+    return description || keepDamaged(file, DamagedDescription(file), error);
 }
 
 }  // namespace
@@ -62,8 +62,8 @@ bool TakeFolder(DataFolder* folder, std::optional<RunDescription>* description, 
 }
 
 bool TakeForNewRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
-    return folder->Lock(error) && MakeRoomForDescription(*folder, error) &&
-           FinishChange(*folder, description, error) && MakeRoomForState(*folder, error);
+    return folder->Lock(error) && makeRoomForDescription(*folder, error) &&
+           FinishChange(*folder, description, error) && makeRoomForState(*folder, error);
 }
 
 bool TakeWholeRun(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {

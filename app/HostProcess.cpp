@@ -22,9 +22,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kHostName = "drafthost";
-constexpr const char* kDeskName = "drafthost-desk";
-constexpr const char* kModuleName = "tnl3-19-64.arx";
+constexpr const char* HostName = "drafthost";
+constexpr const char* DeskName = "drafthost-desk";
+constexpr const char* ModuleName = "tnl3-19-64.arx";
 
 struct Pipe {
     int Read = -1;
@@ -55,7 +55,7 @@ struct Pipe {
 
 /// In the "C" locale of a bare machine file names are still UTF-8, and so is all that goes to the host. One
 /// that names its encoding stays, though the machine may not have it: the run log is written in that.
-bool LocaleIsPlain() {
+bool localeIsPlain() {
     if (LocaleEncoding() != "UTF-8") {
         return false;
     }
@@ -66,7 +66,7 @@ bool LocaleIsPlain() {
 }
 
 /// In the child, up to the host's first instruction. Returns only when that fails.
-void Become(const HostFiles& files, const HostPlace& place, int in, int out, int report, pid_t parent) {
+void become(const HostFiles& files, const HostPlace& place, int in, int out, int report, pid_t parent) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
@@ -92,7 +92,7 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
         unsetenv("TARNEL_MUST_SAVE");
     }
     setenv("XDG_STATE_HOME", place.StateHome.c_str(), 1);
-    if (LocaleIsPlain()) {
+    if (localeIsPlain()) {
         // The language stays: scripts and lists may be in its page.
         if (const std::string name = files::LocaleName();
             !name.empty() && !name.starts_with("C.") && name != "C") {
@@ -130,18 +130,18 @@ void Become(const HostFiles& files, const HostPlace& place, int in, int out, int
 }  // namespace
 
 bool HostFiles::Find(std::string* error) {
-    return FindNamed(kHostName, std::getenv("TARNEL_HOST"), error);
+    return findNamed(HostName, std::getenv("TARNEL_HOST"), error);
 }
 
 bool HostFiles::FindDesk(std::string* error) {
-    return FindNamed(kDeskName, nullptr, error);
+    return findNamed(DeskName, nullptr, error);
 }
 
-bool HostFiles::FindNamed(const char* name, const char* other, std::string* error) {
+bool HostFiles::findNamed(const char* name, const char* other, std::string* error) {
     std::error_code failure;
     const fs::path own = fs::read_symlink("/proc/self/exe", failure).parent_path();
     for (const fs::path& folder : {own, own / "../lib/tarnel"}) {
-        const fs::path module = folder / kModuleName;
+        const fs::path module = folder / ModuleName;
         const fs::path host = other && *other ? fs::path(other) : folder / name;
         if (fs::exists(module, failure) && access(host.c_str(), X_OK) == 0) {
             Host = fs::absolute(host).lexically_normal().string();
@@ -149,7 +149,7 @@ bool HostFiles::FindNamed(const char* name, const char* other, std::string* erro
             return true;
         }
     }
-    *error = own.string() + ": " + (other && *other ? other : name) + " and " + kModuleName +
+    *error = own.string() + ": " + (other && *other ? other : name) + " and " + ModuleName +
              " are not to be found here; build or install them";
     return false;
 }
@@ -179,7 +179,7 @@ bool HostProcess::Launch(const HostFiles& files, const HostPlace& place, std::st
     const pid_t self = getpid();
     child = fork();
     if (child == 0) {
-        Become(files, place, toHost.Read, fromHost.Write, events.Write, self);
+        become(files, place, toHost.Read, fromHost.Write, events.Write, self);
         const int cause = errno;
         [[maybe_unused]] const ssize_t told = write(failure.Write, &cause, sizeof cause);
         _exit(127);
@@ -231,7 +231,7 @@ void HostProcess::Flush() {
             }
             if (errno != EAGAIN) {
                 // The host is gone; the end of its output tells the rest.
-                CloseInput();
+                closeInput();
             }
             return;
         }
@@ -262,7 +262,7 @@ HostEnd HostProcess::Wait() {
     while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     child = -1;
-    CloseInput();
+    closeInput();
     report.Close();
     output.Close();
     if (WIFSIGNALED(status)) {
@@ -276,7 +276,7 @@ HostEnd HostProcess::Wait() {
     return {"ended, exit status " + std::to_string(WEXITSTATUS(status)), 0, WEXITSTATUS(status) == LostLog};
 }
 
-void HostProcess::CloseInput() {
+void HostProcess::closeInput() {
     if (input >= 0) {
         close(input);
         input = -1;

@@ -26,7 +26,7 @@ struct HostFiles {
     bool FindDesk(std::string* error);
 
   private:
-    bool FindNamed(const char* name, const char* other, std::string* error);
+    bool findNamed(const char* name, const char* other, std::string* error);
 };
 
 /// What a host works in.
@@ -92,7 +92,7 @@ class HostProcess {
     HostEnd Wait();
 
   private:
-    void CloseInput();
+    void closeInput();
 
     pid_t child = -1;
     int input = -1;

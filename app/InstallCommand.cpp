@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool ReadScript(const std::string& file, QByteArray* bytes, std::string* error) {
+bool readScript(const std::string& file, QByteArray* bytes, std::string* error) {
     std::error_code failure;
     if (fs::exists(file, failure) && !fs::is_regular_file(file, failure)) {
         *error = file + ": this is no script file";
@@ -33,7 +33,7 @@ bool ReadScript(const std::string& file, QByteArray* bytes, std::string* error) 
 }
 
 /// False with one line when it cannot be put there.
-bool PutScript(const std::string& target, const QByteArray& bytes, bool replace, std::string* error) {
+bool putScript(const std::string& target, const QByteArray& bytes, bool replace, std::string* error) {
     const QString path = QFile::decodeName(target.c_str());
     std::error_code failure;
     QByteArray present;
@@ -59,11 +59,11 @@ ExitStatus InstallScript(const std::string& file, const std::string& dataDir, bo
     const std::string target = folder.Path() + "/Scripts/" + fs::path(file).stem().string() + ".scr";
     std::string error;
     QByteArray bytes;
-    if (!ReadScript(file, &bytes, &error)) {
+    if (!readScript(file, &bytes, &error)) {
         Complain(error);
         return WrongUsage;
     }
-    if (!PutScript(target, bytes, replace, &error)) {
+    if (!putScript(target, bytes, replace, &error)) {
         Complain(error);
         return BrokenOff;
     }

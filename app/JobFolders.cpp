@@ -19,12 +19,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string JobState(const DataFolder& folder, std::size_t number) {
+std::string jobState(const DataFolder& folder, std::size_t number) {
     return JobData(folder, number) + "/TarnelRunner.xml";
 }
 
 /// Folders of this name that the description does not know are not ours to use.
-bool CheckFree(const DataFolder& folder, std::size_t count, std::string* error) {
+bool checkFree(const DataFolder& folder, std::size_t count, std::string* error) {
     for (std::size_t number = 1; number <= count; ++number) {
         std::error_code failure;
         const std::string home = JobHome(folder, number);
@@ -36,7 +36,7 @@ bool CheckFree(const DataFolder& folder, std::size_t count, std::string* error) 
     return true;
 }
 
-bool MakeJob(const DataFolder& folder, std::size_t number, CTarnelData* record, const RunQueue& queue,
+bool makeJob(const DataFolder& folder, std::size_t number, CTarnelData* record, const RunQueue& queue,
              const JobShare& places, std::string* error) {
     for (const std::string& made : {JobHome(folder, number), JobData(folder, number)}) {
         if (const int failure = files::MakeFolder(made)) {
@@ -57,15 +57,15 @@ bool MakeJob(const DataFolder& folder, std::size_t number, CTarnelData* record, 
     RunDescription own = NewDescription();
     own.Queue = MarkOf(paths);
     own.Places = places;
-    return WriteRecord(JobState(folder, number), *record, error) &&
+    return WriteRecord(jobState(folder, number), *record, error) &&
            WriteDescription(JobData(folder, number), own, error);
 }
 
 /// Lays what one host's share says over the queue.
-bool GatherShare(const DataFolder& folder, std::size_t number, RunQueue* queue, std::string* error) {
+bool gatherShare(const DataFolder& folder, std::size_t number, RunQueue* queue, std::string* error) {
     CTarnelData record;
     std::optional<RunDescription> own;
-    if (!ReadRecord(JobState(folder, number), &record, error) ||
+    if (!ReadRecord(jobState(folder, number), &record, error) ||
         !ReadDescription(JobData(folder, number), &own, error)) {
         return false;
     }
@@ -79,13 +79,13 @@ bool GatherShare(const DataFolder& folder, std::size_t number, RunQueue* queue, 
         }
     }
     if (!fits) {
-        *error = JobState(folder, number) + ": is not the share that this host was given";
+        *error = jobState(folder, number) + ": is not the share that this host was given";
     }
     return fits;
 }
 
 /// The logs of all hosts, and what was set aside in the data folder, as one in the folder next.
-bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<std::string>& drawings,
+bool gatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<std::string>& drawings,
                 const std::string& next, std::string* error) {
     std::vector<std::string> folders;
     if (HasLogsAside(folder.Path())) {
@@ -113,21 +113,21 @@ bool GatherLogs(const DataFolder& folder, std::size_t jobs, const std::vector<st
 }
 
 /// What front, module and host make in a host's folder, with what they write beside a file on the way.
-bool IsOwnName(const std::string& below) {
-    constexpr std::array<std::string_view, 3> folders = {"Ovrix", "Ovrix/logs", "Ovrix/logs/drafthost"};
-    constexpr std::array<std::string_view, 11> files = {
+bool isOwnName(const std::string& below) {
+    constexpr std::array<std::string_view, 3> Folders = {"Ovrix", "Ovrix/logs", "Ovrix/logs/drafthost"};
+    constexpr std::array<std::string_view, 11> Files = {
         "TarnelRunner.xml", "run.",         "tnl log", "TNLLog", "TNLapp.log", "script1.scr",
         "script2.scr",      "registry.ini", "host",    "tarnel", "unopened-"};
-    if (std::find(folders.begin(), folders.end(), below) != folders.end()) {
+    if (std::find(Folders.begin(), Folders.end(), below) != Folders.end()) {
         return true;
     }
     const std::size_t slash = below.rfind('/');
     const std::string_view name = std::string_view(below).substr(slash == std::string::npos ? 0 : slash + 1);
     const std::string_view in = std::string_view(below).substr(0, slash == std::string::npos ? 0 : slash);
-    return in == "Ovrix" ? std::any_of(files.begin(), files.end(),
+    return in == "Ovrix" ? std::any_of(Files.begin(), Files.end(),
                                        [name](std::string_view file) { return name.starts_with(file); })
                          : in == "Ovrix/logs/drafthost" &&
-                               (name.ends_with(".log") || name.ends_with(std::string(".log") + kCutLog));
+                               (name.ends_with(".log") || name.ends_with(std::string(".log") + CutLog));
 }
 
 }  // namespace
@@ -142,7 +142,7 @@ std::string JobData(const DataFolder& folder, std::size_t number) {
 
 bool MakeJobs(const DataFolder& folder, CTarnelData* record, const std::vector<JobShare>& shares,
               RunDescription* description, std::string* error) {
-    if (!CheckFree(folder, shares.size(), error)) {
+    if (!checkFree(folder, shares.size(), error)) {
         return false;
     }
     description->Jobs = shares.size();
@@ -153,7 +153,7 @@ bool MakeJobs(const DataFolder& folder, CTarnelData* record, const std::vector<J
     const RunQueue queue = QueueOf(*record);
     bool made = true;
     for (std::size_t i = 0; made && i < shares.size(); ++i) {
-        made = MakeJob(folder, i + 1, record, queue, shares[i], error);
+        made = makeJob(folder, i + 1, record, queue, shares[i], error);
     }
     SetQueue(record, queue);
     description->JobsReady = true;
@@ -184,14 +184,14 @@ bool GatherJobs(const DataFolder& folder, RunDescription* description, std::stri
     if (jobs > 0 && ready) {
         RunQueue queue = QueueOf(record);
         for (std::size_t number = 1; number <= jobs; ++number) {
-            if (!GatherShare(folder, number, &queue, error)) {
+            if (!gatherShare(folder, number, &queue, error)) {
                 return false;
             }
         }
         SetQueue(&record, queue);
     }
     after.OldLogs = jobs == 0 || ready;
-    if ((after.OldLogs && !GatherLogs(folder, jobs, PathsOf(QueueOf(record)), change.Next(), error)) ||
+    if ((after.OldLogs && !gatherLogs(folder, jobs, PathsOf(QueueOf(record)), change.Next(), error)) ||
         !WriteRecord(change.Next() + "/TarnelRunner.xml", record, error) || !change.Commit(&after, error)) {
         return false;
     }
@@ -203,7 +203,7 @@ bool DropJobs(const DataFolder& folder, std::size_t count, std::string* error) {
     for (std::size_t number = 1; number <= count; ++number) {
         std::vector<std::string> left;
         ClearHostJournal(JobData(folder, number), files::Logs::Remove);
-        if (!files::RemoveOwnFolder(JobHome(folder, number), IsOwnName, &left, error)) {
+        if (!files::RemoveOwnFolder(JobHome(folder, number), isOwnName, &left, error)) {
             return false;
         }
         for (const std::string& path : left) {

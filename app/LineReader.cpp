@@ -21,9 +21,9 @@ void LineReader::Close() {
 }
 
 bool LineReader::Read(std::vector<std::string>* lines) {
-    constexpr int kMostBlocks = 64;
+    constexpr int MostBlocks = 64;
     char block[16384];
-    for (int i = 0; i < kMostBlocks && descriptor >= 0; ++i) {
+    for (int i = 0; i < MostBlocks && descriptor >= 0; ++i) {
         const ssize_t length = read(descriptor, block, sizeof block);
         if (length < 0 && errno == EINTR) {
             continue;
@@ -38,12 +38,12 @@ bool LineReader::Read(std::vector<std::string>* lines) {
             Close();
             return false;
         }
-        Take(block, static_cast<std::size_t>(length), lines);
+        take(block, static_cast<std::size_t>(length), lines);
     }
     return descriptor >= 0;
 }
 
-void LineReader::Take(const char* text, std::size_t length, std::vector<std::string>* lines) {
+void LineReader::take(const char* text, std::size_t length, std::vector<std::string>* lines) {
     const char* const end = text + length;
     while (text != end) {
         const char* const lineEnd = std::find(text, end, '\n');

@@ -25,7 +25,7 @@ class LineReader {
     void Close();
 
   private:
-    void Take(const char* text, std::size_t length, std::vector<std::string>* lines);
+    void take(const char* text, std::size_t length, std::vector<std::string>* lines);
 
     std::size_t longest;
     int descriptor = -1;

@@ -17,23 +17,23 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kLevel = 9;
+constexpr int Level = 9;
 
-LogPart AsidePart(const std::string& folder, int number) {
+LogPart asidePart(const std::string& folder, int number) {
     const LogPart names = LogNames(folder);
     const std::string tail = ".part-" + std::to_string(number);
     return {names.Log + tail, names.Archive + tail};
 }
 
 /// Logs in a folder that a run log links to.
-QStringList LinkedLogs(const std::string& folder, const std::unordered_set<std::string>& links) {
+QStringList linkedLogs(const std::string& folder, const std::unordered_set<std::string>& links) {
     QStringList logs;
     std::error_code failure;
     for (fs::directory_iterator walk(folder, failure), end; !failure && walk != end;
          walk.increment(failure)) {
         const QString path = QFile::decodeName(walk->path().c_str());
-        const bool isCut = path.endsWith(QLatin1String(kCutLog));
-        const QString whole = isCut ? path.chopped(qsizetype(std::strlen(kCutLog))) : path;
+        const bool isCut = path.endsWith(QLatin1String(CutLog));
+        const QString whole = isCut ? path.chopped(qsizetype(std::strlen(CutLog))) : path;
         if (links.contains(HostLogId(whole).toStdString())) {
             logs += path;
         }
@@ -44,7 +44,7 @@ QStringList LinkedLogs(const std::string& folder, const std::unordered_set<std::
 
 /// Packs the logs of the drawings that a dead host has left behind: its own, and those that the module made
 /// for drawings that were not opened.
-bool PackLeftLogs(const LogPart& part, const std::string& folder, std::string* error) {
+bool packLeftLogs(const LogPart& part, const std::string& folder, std::string* error) {
     RunLogContent log;
     if (!ReadLog(part.Log, &log, error)) {
         return false;
@@ -55,7 +55,7 @@ bool PackLeftLogs(const LogPart& part, const std::string& folder, std::string* e
             links.insert(entry.Id.toStdString());
         }
     }
-    const QStringList left = LinkedLogs(HostLogFolder(folder), links) + LinkedLogs(folder, links);
+    const QStringList left = linkedLogs(HostLogFolder(folder), links) + linkedLogs(folder, links);
     if (left.isEmpty()) {
         return true;
     }
@@ -75,12 +75,12 @@ bool PackLeftLogs(const LogPart& part, const std::string& folder, std::string* e
 }
 
 /// The archive first: a part is known by its log, and a part whose log was not moved yet is gone on with.
-bool MoveAside(const std::string& folder, std::string* error) {
+bool moveAside(const std::string& folder, std::string* error) {
     const LogPart from = LogNames(folder);
     if (!fs::exists(from.Log)) {
         return true;
     }
-    const LogPart to = AsidePart(folder, static_cast<int>(LogsAside(folder).size()) + 1);
+    const LogPart to = asidePart(folder, static_cast<int>(LogsAside(folder).size()) + 1);
     if ((fs::exists(from.Archive) && std::rename(from.Archive.c_str(), to.Archive.c_str()) != 0) ||
         std::rename(from.Log.c_str(), to.Log.c_str()) != 0) {
         *error = to.Log + ": the log cannot be set aside: " + std::strerror(errno);
@@ -97,8 +97,8 @@ LogPart LogNames(const std::string& folder) {
 
 std::vector<LogPart> LogsAside(const std::string& folder) {
     std::vector<LogPart> parts;
-    for (int number = 1; fs::exists(AsidePart(folder, number).Log); ++number) {
-        parts.push_back(AsidePart(folder, number));
+    for (int number = 1; fs::exists(asidePart(folder, number).Log); ++number) {
+        parts.push_back(asidePart(folder, number));
     }
     return parts;
 }
@@ -112,11 +112,11 @@ std::vector<LogPart> LogParts(const std::string& folder) {
 }
 
 bool SetLogsAside(const std::string& folder, std::string* error) {
-    if (!MoveAside(folder, error)) {
+    if (!moveAside(folder, error)) {
         return false;
     }
     for (const LogPart& part : LogsAside(folder)) {
-        if (!PackLeftLogs(part, folder, error)) {
+        if (!packLeftLogs(part, folder, error)) {
             return false;
         }
     }
@@ -125,10 +125,10 @@ bool SetLogsAside(const std::string& folder, std::string* error) {
 
 bool SetEntriesAside(const std::string& folder, const std::vector<std::string>& drawings,
                      std::string* error) {
-    if (!MoveAside(folder, error)) {
+    if (!moveAside(folder, error)) {
         return false;
     }
-    const LogPart part = AsidePart(folder, static_cast<int>(LogsAside(folder).size()) + 1);
+    const LogPart part = asidePart(folder, static_cast<int>(LogsAside(folder).size()) + 1);
     QString text = RunLogHead;
     try {
         CZipArchive archive;
@@ -142,7 +142,7 @@ bool SetEntriesAside(const std::string& folder, const std::vector<std::string>& 
             const QString id = QStringLiteral("unopened") + HostLogId(name) + QStringLiteral(".log");
             CFileHeader header;
             header.Name = id.toStdString();
-            archive.OpenNewFile(header, kLevel);
+            archive.OpenNewFile(header, Level);
             archive.WriteNewFile(said.data(), said.size());
             archive.CloseNewFile();
             text += RunLogLineText(RunLogTime(), ProcessingHtml(id, name));
@@ -156,7 +156,7 @@ bool SetEntriesAside(const std::string& folder, const std::vector<std::string>& 
 }
 
 bool HasLogsAside(const std::string& folder) {
-    return fs::exists(AsidePart(folder, 1).Log);
+    return fs::exists(asidePart(folder, 1).Log);
 }
 
 void DropLogsAside(const std::string& folder) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// Stands behind the name of a log of the host that lacks text, on the disk and in the archive.
-inline constexpr const char* kCutLog = ".cut";
+inline constexpr const char* CutLog = ".cut";
 
 /// A run log with the archive that belongs to it.
 struct LogPart {

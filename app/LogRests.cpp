@@ -15,9 +15,9 @@
 namespace {
 
 /// What is kept of all logs together, at most.
-constexpr std::size_t kMostKept = std::size_t{16} << 20;
+constexpr std::size_t MostKept = std::size_t{16} << 20;
 
-bool WriteAll(int file, std::string_view text, off_t at) {
+bool writeAll(int file, std::string_view text, off_t at) {
     while (!text.empty()) {
         const ssize_t count = pwrite(file, text.data(), text.size(), at);
         if (count < 0 && errno == EINTR) {
@@ -33,7 +33,7 @@ bool WriteAll(int file, std::string_view text, off_t at) {
 }
 
 /// Where the start of the log stands, which then lacks text and is named so. False with errno.
-bool FindStart(const LogRest& rest, const std::string& cut) {
+bool findStart(const LogRest& rest, const std::string& cut) {
     struct stat info {};
     if (lstat(cut.c_str(), &info) == 0) {
         return true;
@@ -49,17 +49,17 @@ bool FindStart(const LogRest& rest, const std::string& cut) {
 }
 
 /// False with the cause. It can be done again.
-bool WriteRest(const LogRest& rest, std::string* cause) {
-    const std::string cut = rest.Path + kCutLog;
+bool writeRest(const LogRest& rest, std::string* cause) {
+    const std::string cut = rest.Path + CutLog;
     struct stat info {};
     const auto start = static_cast<off_t>(rest.Written);
-    const int file = FindStart(rest, cut) ? files::OpenOwn(cut, O_WRONLY) : -1;
+    const int file = findStart(rest, cut) ? files::OpenOwn(cut, O_WRONLY) : -1;
     bool done = file >= 0 && fstat(file, &info) == 0;
     if (done && info.st_size < start) {
         errno = ENOENT;
         done = false;
     }
-    done = done && ftruncate(file, start) == 0 && WriteAll(file, rest.Text, start) &&
+    done = done && ftruncate(file, start) == 0 && writeAll(file, rest.Text, start) &&
            (!rest.Whole || std::rename(cut.c_str(), rest.Path.c_str()) == 0);
     *cause = done ? "" : files::Because(errno);
     if (file >= 0) {
@@ -68,7 +68,7 @@ bool WriteRest(const LogRest& rest, std::string* cause) {
     return done;
 }
 
-std::string LossOf(const LogRest& rest, const std::string& cause) {
+std::string lossOf(const LogRest& rest, const std::string& cause) {
     return "The log " + rest.Path + " is not whole: " + rest.Cause +
            (cause.empty() || cause == rest.Cause ? "" : "; " + cause);
 }
@@ -77,12 +77,12 @@ std::string LossOf(const LogRest& rest, const std::string& cause) {
 
 void LogRests::Take(LogRest rest) {
     const bool isOurs = rest.Path.starts_with(folder + "/") && rest.Path.rfind('/') == folder.size();
-    if (!isOurs || size + rest.Text.size() > kMostKept) {
-        loss = LossOf(rest, isOurs ? "too much text of logs is kept" : "it lies outside of the data folder");
+    if (!isOurs || size + rest.Text.size() > MostKept) {
+        loss = lossOf(rest, isOurs ? "too much text of logs is kept" : "it lies outside of the data folder");
         return;
     }
     if (!rest.Whole) {
-        loss = LossOf(rest, "");
+        loss = lossOf(rest, "");
     }
     size += rest.Text.size();
     kept.push_back(std::move(rest));
@@ -94,11 +94,11 @@ bool LogRests::Write(std::string* error) {
     std::string failure = loss;
     std::erase_if(kept, [&](const LogRest& rest) {
         std::string cause;
-        const bool done = WriteRest(rest, &cause);
+        const bool done = writeRest(rest, &cause);
         if (done) {
             size -= rest.Text.size();
         } else {
-            failure = LossOf(rest, cause);
+            failure = lossOf(rest, cause);
         }
         return done;
     });

@@ -36,7 +36,7 @@ struct Part {
     std::string LogLoss;
 };
 
-ListMark MarkOfRecords(const std::vector<DrawingRecord>& records) {
+ListMark markOfRecords(const std::vector<DrawingRecord>& records) {
     std::vector<std::string> paths;
     paths.reserve(records.size());
     for (const DrawingRecord& record : records) {
@@ -45,14 +45,14 @@ ListMark MarkOfRecords(const std::vector<DrawingRecord>& records) {
     return MarkOf(paths);
 }
 
-std::string GoOnCommand(const std::string& folder) {
+std::string goOnCommand(const std::string& folder) {
     RunOptions options;
     options.DataDir = folder;
     return FollowUpCommand(options, "--resume");
 }
 
 /// Statuses come from the state, which is the truth; the rest from the journal, where it tells of the same.
-bool ReadPart(const MergeOptions& options, const std::string& given, Part* part, std::string* error) {
+bool readPart(const MergeOptions& options, const std::string& given, Part* part, std::string* error) {
     part->Folder = std::make_unique<DataFolder>(given);
     const DataFolder& folder = *part->Folder;
     if (!HoldsRun(folder)) {
@@ -69,7 +69,7 @@ bool ReadPart(const MergeOptions& options, const std::string& given, Part* part,
     const std::size_t waiting = CountOf(queue, DrawingStatus::ToDo);
     if (waiting > 0 && !options.Unfinished) {
         *error = folder.Path() + ": " + std::to_string(waiting) + " of " + std::to_string(queue.size()) +
-                 " drawings still wait; go on with " + GoOnCommand(given) + ", or merge with --unfinished";
+                 " drawings still wait; go on with " + goOnCommand(given) + ", or merge with --unfinished";
         return false;
     }
     RunLedger ledger(queue);
@@ -84,7 +84,7 @@ bool ReadPart(const MergeOptions& options, const std::string& given, Part* part,
     if (waiting == 0) {
         CheckKeptLogs(folder.Path(), part->Records, &part->LogLoss);
     }
-    if (part->Share && !(MarkOfRecords(part->Records) == description->Queue)) {
+    if (part->Share && !(markOfRecords(part->Records) == description->Queue)) {
         *error = folder.StateFile() + ": is not the queue of shard " + ShardText(*part->Share) +
                  " that was given to this folder; start the shard again";
         return false;
@@ -93,7 +93,7 @@ bool ReadPart(const MergeOptions& options, const std::string& given, Part* part,
 }
 
 /// Where one part has a number, all must, each another one of the same count; and none may miss.
-bool CheckShares(const MergeOptions& options, std::vector<Part>* parts, std::string* error) {
+bool checkShares(const MergeOptions& options, std::vector<Part>* parts, std::string* error) {
     const auto marked =
         std::find_if(parts->begin(), parts->end(), [](const Part& part) { return part.Share.has_value(); });
     if (marked == parts->end()) {
@@ -134,7 +134,7 @@ bool CheckShares(const MergeOptions& options, std::vector<Part>* parts, std::str
 }
 
 /// One behind the other; shares by turns, as they were dealt out.
-std::vector<DrawingRecord> JoinRecords(const std::vector<Part>& parts) {
+std::vector<DrawingRecord> joinRecords(const std::vector<Part>& parts) {
     std::vector<DrawingRecord> all;
     if (!parts.front().Share) {
         for (const Part& part : parts) {
@@ -155,7 +155,7 @@ std::vector<DrawingRecord> JoinRecords(const std::vector<Part>& parts) {
     return all;
 }
 
-bool CheckDoubles(const std::vector<Part>& parts, std::string* error) {
+bool checkDoubles(const std::vector<Part>& parts, std::string* error) {
     std::unordered_map<std::string, const Part*> owners;
     for (const Part& part : parts) {
         for (const DrawingRecord& record : part.Records) {
@@ -171,11 +171,11 @@ bool CheckDoubles(const std::vector<Part>& parts, std::string* error) {
 }
 
 /// All shares together must be the list that they were cut from, drawing by drawing.
-bool CheckWhole(const MergeOptions& options, const std::vector<Part>& parts,
+bool checkWhole(const MergeOptions& options, const std::vector<Part>& parts,
                 const std::vector<DrawingRecord>& records, std::string* error) {
     const Part& first = parts.front();
     if (!first.Share || (options.Unfinished && parts.size() < first.Share->Count) ||
-        MarkOfRecords(records) == first.List) {
+        markOfRecords(records) == first.List) {
         return true;
     }
     *error = "the shards hold " + std::to_string(records.size()) + " drawings and are not the list of " +
@@ -184,7 +184,7 @@ bool CheckWhole(const MergeOptions& options, const std::vector<Part>& parts,
 }
 
 /// Whoever goes on with the result has the script that all parts had, or else no word about it.
-void SetScript(const std::vector<Part>& parts, const CTarnelData& state, RunDescription* description) {
+void setScript(const std::vector<Part>& parts, const CTarnelData& state, RunDescription* description) {
     const std::optional<RunDescription>& first = parts.front().Description;
     const std::string script = ScriptDigest(state).toStdString();
     const bool isOne = std::all_of(parts.begin(), parts.end(), [&](const Part& part) {
@@ -203,7 +203,7 @@ void SetScript(const std::vector<Part>& parts, const CTarnelData& state, RunDesc
 }
 
 /// State, logs and records take their places in one change.
-bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& before,
+bool writeMerged(const DataFolder& target, const std::optional<RunDescription>& before,
                  const std::vector<Part>& parts, const std::vector<DrawingRecord>& records,
                  std::string* error) {
     const FolderChange change(target);
@@ -228,8 +228,8 @@ bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& 
     }
     SetQueue(&state, queue);
     RunDescription description = NewDescription();
-    description.Queue = MarkOfRecords(records);
-    SetScript(parts, state, &description);
+    description.Queue = markOfRecords(records);
+    setScript(parts, state, &description);
     description.OldJobs = before ? before->Jobs : 0;
     description.OldLogs = true;
     return WriteRecord(change.Next() + "/TarnelRunner.xml", state, error) &&
@@ -237,7 +237,7 @@ bool WriteMerged(const DataFolder& target, const std::optional<RunDescription>& 
            change.Commit(&description, error);
 }
 
-bool CheckRecordFile(const MergeOptions& options, const DataFolder& target, const std::vector<Part>& parts,
+bool checkRecordFile(const MergeOptions& options, const DataFolder& target, const std::vector<Part>& parts,
                      const std::vector<DrawingRecord>& records, std::string* error) {
     std::vector<std::string> drawings;
     for (const DrawingRecord& record : records) {
@@ -250,7 +250,7 @@ bool CheckRecordFile(const MergeOptions& options, const DataFolder& target, cons
     return CheckRecordSpares(options.JsonFile, drawings, folders, error);
 }
 
-ExitStatus Refuse(ExitStatus status, const std::string& text) {
+ExitStatus refuse(ExitStatus status, const std::string& text) {
     Complain(text);
     return status;
 }
@@ -264,36 +264,36 @@ ExitStatus MergeRuns(const MergeOptions& options) {
         const std::string path = DataFolder(*folder).Path();
         std::error_code failure;
         if (fs::equivalent(path, target.Path(), failure)) {
-            return Refuse(WrongUsage,
+            return refuse(WrongUsage,
                           path + ": the result cannot go where a part of it is; give another --data-dir");
         }
         if (std::any_of(options.Folders.begin(), folder, [&](const std::string& other) {
                 return fs::equivalent(path, DataFolder(other).Path(), failure);
             })) {
-            return Refuse(WrongUsage, path + ": is given twice");
+            return refuse(WrongUsage, path + ": is given twice");
         }
     }
     if (!options.JsonFile.empty() && !CheckRecordTarget(options.JsonFile, &error)) {
-        return Refuse(WrongUsage, error);
+        return refuse(WrongUsage, error);
     }
     std::vector<Part> parts(options.Folders.size());
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (!ReadPart(options, options.Folders[i], &parts[i], &error)) {
-            return Refuse(BrokenOff, error);
+        if (!readPart(options, options.Folders[i], &parts[i], &error)) {
+            return refuse(BrokenOff, error);
         }
     }
     std::optional<RunDescription> before;
-    if (!CheckShares(options, &parts, &error) || !CheckDoubles(parts, &error)) {
-        return Refuse(BrokenOff, error);
+    if (!checkShares(options, &parts, &error) || !checkDoubles(parts, &error)) {
+        return refuse(BrokenOff, error);
     }
-    const std::vector<DrawingRecord> records = JoinRecords(parts);
-    if (!options.JsonFile.empty() && !CheckRecordFile(options, target, parts, records, &error)) {
-        return Refuse(WrongUsage, error);
+    const std::vector<DrawingRecord> records = joinRecords(parts);
+    if (!options.JsonFile.empty() && !checkRecordFile(options, target, parts, records, &error)) {
+        return refuse(WrongUsage, error);
     }
-    if (!CheckWhole(options, parts, records, &error) || !TakeForNewRun(&target, &before, &error) ||
-        !WriteMerged(target, before, parts, records, &error) ||
+    if (!checkWhole(options, parts, records, &error) || !TakeForNewRun(&target, &before, &error) ||
+        !writeMerged(target, before, parts, records, &error) ||
         (!options.JsonFile.empty() && !WriteRecords(records, options.JsonFile, &error))) {
-        return Refuse(BrokenOff, error);
+        return refuse(BrokenOff, error);
     }
     RunOptions report;
     report.DataDir = options.DataDir;

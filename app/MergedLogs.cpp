@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kLevel = 9;
+constexpr int Level = 9;
 
 struct Part {
     LogPart Files;
@@ -35,7 +35,7 @@ struct Line {
 };
 
 /// The time of a line, in the form of the user's locale; that of the line before when it has none.
-std::time_t TimeOf(const RunLogEntry& entry, std::time_t before) {
+std::time_t timeOf(const RunLogEntry& entry, std::time_t before) {
     static const locale_t user = newlocale(LC_TIME_MASK, "", locale_t{});
     std::tm time{};
     time.tm_isdst = -1;
@@ -46,7 +46,7 @@ std::time_t TimeOf(const RunLogEntry& entry, std::time_t before) {
 
 /// Of a drawing that was begun more often than it stands in the queue, only the last attempts count; so does
 /// an entry that stands in two parts because an earlier joining was broken off.
-void DropFirstAttempts(std::vector<Line>* lines, const std::vector<std::string>& drawings) {
+void dropFirstAttempts(std::vector<Line>* lines, const std::vector<std::string>& drawings) {
     QHash<QString, int> left;
     for (const std::string& drawing : drawings) {
         ++left[QFile::decodeName(drawing.c_str())];
@@ -71,7 +71,7 @@ void DropFirstAttempts(std::vector<Line>* lines, const std::vector<std::string>&
 }
 
 /// Hosts on several machines may have named two logs alike.
-void NameEntries(std::vector<Line>* lines) {
+void nameEntries(std::vector<Line>* lines) {
     std::set<QString> taken;
     for (Line& line : *lines) {
         RunLogEntry& entry = line.Entry;
@@ -88,14 +88,14 @@ void NameEntries(std::vector<Line>* lines) {
     }
 }
 
-QString TextOf(const Line& line) {
+QString textOf(const Line& line) {
     return RunLogLineText(line.Entry.Time, line.Entry.Html);
 }
 
 /// A log that lacks text has another name in the archive, and its drawing's entry then leads there.
-void LinkCutLogs(RunLogContent* log, const PackedLogNames& packed) {
+void linkCutLogs(RunLogContent* log, const PackedLogNames& packed) {
     for (RunLogEntry& entry : log->Entries) {
-        const QString cut = entry.Id + QLatin1String(kCutLog);
+        const QString cut = entry.Id + QLatin1String(CutLog);
         if (!entry.Id.isEmpty() && !packed.contains(entry.Id.toStdString()) &&
             packed.contains(cut.toStdString())) {
             entry.Id = cut;
@@ -105,7 +105,7 @@ void LinkCutLogs(RunLogContent* log, const PackedLogNames& packed) {
 }
 
 /// Also tells each part which of its entries the text links to.
-bool MergedText(std::vector<Part>* parts, const std::vector<std::string>& drawings, QString* text,
+bool mergedText(std::vector<Part>* parts, const std::vector<std::string>& drawings, QString* text,
                 std::string* error) {
     std::vector<Line> lines;
     std::vector<Line> starts;
@@ -116,10 +116,10 @@ bool MergedText(std::vector<Part>* parts, const std::vector<std::string>& drawin
         if (!ReadLog(part.Files.Log, &log, error) || !ReadPackedNames(part.Files.Archive, &packed, error)) {
             return false;
         }
-        LinkCutLogs(&log, packed);
+        linkCutLogs(&log, packed);
         std::time_t time = 0;
         for (RunLogEntry& entry : log.Entries) {
-            time = TimeOf(entry, time);
+            time = timeOf(entry, time);
             auto& kind = entry.Kind == RunLogEntry::Started     ? starts
                          : entry.Kind == RunLogEntry::Completed ? ends
                                                                 : lines;
@@ -128,24 +128,24 @@ bool MergedText(std::vector<Part>* parts, const std::vector<std::string>& drawin
     }
     const auto earlier = [](const Line& left, const Line& right) { return left.Time < right.Time; };
     std::stable_sort(lines.begin(), lines.end(), earlier);
-    DropFirstAttempts(&lines, drawings);
-    NameEntries(&lines);
+    dropFirstAttempts(&lines, drawings);
+    nameEntries(&lines);
     *text = RunLogHead;
     if (!starts.empty()) {
-        *text += TextOf(*std::min_element(starts.begin(), starts.end(), earlier));
+        *text += textOf(*std::min_element(starts.begin(), starts.end(), earlier));
     }
     for (const Line& line : lines) {
-        *text += TextOf(line);
+        *text += textOf(line);
     }
     if (!ends.empty()) {
-        *text += TextOf(*std::max_element(ends.begin(), ends.end(), earlier));
+        *text += textOf(*std::max_element(ends.begin(), ends.end(), earlier));
     }
     *text += RunLogTail;
     return true;
 }
 
 /// Copies the entries that are wanted; others are of a run before.
-void CopyEntries(const Part& part, CZipArchive* target) {
+void copyEntries(const Part& part, CZipArchive* target) {
     CZipArchive source;
     const std::string& file = part.Files.Archive;
     if (!fs::exists(file)) {
@@ -163,21 +163,21 @@ void CopyEntries(const Part& part, CZipArchive* target) {
             fresh.Name = wanted->second.toStdString();
             fresh.ModTime = header.ModTime;
             fresh.ModDate = header.ModDate;
-            target->OpenNewFile(fresh, kLevel);
+            target->OpenNewFile(fresh, Level);
             target->WriteNewFile(content.data(), content.size());
             target->CloseNewFile();
         }
     }
 }
 
-void WriteArchive(const std::string& file, const std::vector<Part>& parts) {
+void writeArchive(const std::string& file, const std::vector<Part>& parts) {
     CZipArchive archive;
     if (!archive.Open(file, CZipArchive::Create)) {
         throw CZipException(CZipException::WriteError, file,
                             std::string("cannot be written: ") + std::strerror(errno));
     }
     for (const Part& part : parts) {
-        CopyEntries(part, &archive);
+        copyEntries(part, &archive);
     }
     archive.Close();
 }
@@ -196,12 +196,12 @@ bool MergeLogs(const std::vector<std::string>& folders, const std::string& targe
         return true;
     }
     QString text;
-    if (!MergedText(&parts, drawings, &text, error)) {
+    if (!mergedText(&parts, drawings, &text, error)) {
         return false;
     }
     const LogPart names = LogNames(target);
     try {
-        WriteArchive(names.Archive, parts);
+        writeArchive(names.Archive, parts);
     } catch (const CZipException& failure) {
         *error = failure.what();
         return false;

@@ -8,7 +8,7 @@
 namespace {
 
 /// The length of the character that begins at a place; 0 when none does.
-std::size_t CharacterAt(std::string_view text, std::size_t at) {
+std::size_t characterAt(std::string_view text, std::size_t at) {
     const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[at + k]); };
     const unsigned lead = byte(0);
     const std::size_t length = lead < 0x80                    ? 1
@@ -30,7 +30,7 @@ std::size_t CharacterAt(std::string_view text, std::size_t at) {
     return isNone ? 0 : length;
 }
 
-std::string Hex(char c) {
+std::string hex(char c) {
     char text[5];
     std::snprintf(text, sizeof text, "\\x%02X", static_cast<unsigned char>(c));
     return text;
@@ -40,7 +40,7 @@ std::string Hex(char c) {
 
 bool IsUtf8(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = CharacterAt(text, i);
+        const std::size_t length = characterAt(text, i);
         if (length == 0) {
             return false;
         }
@@ -52,8 +52,8 @@ bool IsUtf8(std::string_view text) {
 std::string SpelledOut(std::string_view text) {
     std::string spelled;
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = CharacterAt(text, i);
-        spelled += length == 0 ? Hex(text[i]) : std::string(text.substr(i, length));
+        const std::size_t length = characterAt(text, i);
+        spelled += length == 0 ? hex(text[i]) : std::string(text.substr(i, length));
         i += length == 0 ? 1 : length;
     }
     return spelled;
@@ -83,9 +83,9 @@ std::string ShownText(std::string_view text) {
         if (c == '\n' || c == '\r' || c == '\t') {
             shown += c == '\n' ? "\\n" : c == '\r' ? "\\r" : "\\t";
         } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
-            shown += Hex(c);
+            shown += hex(c);
         } else if (isLate) {
-            shown += Hex(spelled[++i]);
+            shown += hex(spelled[++i]);
         } else {
             shown += c;
         }

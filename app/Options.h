@@ -18,8 +18,8 @@ enum ExitStatus : int {
 };
 
 /// Limits in seconds of a new run that gives none.
-constexpr unsigned kDefaultMaxTime = 60;
-constexpr unsigned kDefaultAlarmTime = 40;
+constexpr unsigned DefaultMaxTime = 60;
+constexpr unsigned DefaultAlarmTime = 40;
 
 struct RunOptions {
     enum class RetryKind { None, Failed, All };

@@ -11,13 +11,13 @@
 
 namespace {
 
-std::size_t TerminalWidth() {
+std::size_t terminalWidth() {
     winsize size{};
     return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 20 ? size.ws_col : 80;
 }
 
 /// The end of a path says more than its start. Counts characters and cuts between them.
-std::string FitLeft(const std::string& text, std::size_t width) {
+std::string fitLeft(const std::string& text, std::size_t width) {
     const auto isStart = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
     auto excess = std::count_if(text.begin(), text.end(), isStart) - static_cast<std::ptrdiff_t>(width);
     if (excess <= 0) {
@@ -38,7 +38,7 @@ Progress::Progress(std::size_t waiting, bool quiet)
     : waiting(waiting), quiet(quiet), terminal(!quiet && isatty(STDOUT_FILENO) == 1) {}
 
 Progress::~Progress() {
-    EraseLine();
+    eraseLine();
 }
 
 void Progress::Settled(const DrawingRecord& record) {
@@ -71,9 +71,9 @@ void Progress::Refresh(const DrawingRecord* current) {
         text += ", about " + DurationText(left) + " left";
     }
     if (current) {
-        const std::size_t width = TerminalWidth() - 1;
+        const std::size_t width = terminalWidth() - 1;
         text += "  ";
-        text += FitLeft(ShownText(current->Path), width > text.size() + 8 ? width - text.size() : 8);
+        text += fitLeft(ShownText(current->Path), width > text.size() + 8 ? width - text.size() : 8);
     }
     std::printf("\r%s\x1b[K", text.c_str());
     std::fflush(stdout);
@@ -87,11 +87,11 @@ void Progress::Alarm(const std::string& path) {
 }
 
 void Progress::Note(const std::string& text) {
-    EraseLine();
+    eraseLine();
     Complain(text);
 }
 
-void Progress::EraseLine() {
+void Progress::eraseLine() {
     if (lineShown) {
         std::printf("\r\x1b[K");
         std::fflush(stdout);

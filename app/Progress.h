@@ -23,7 +23,7 @@ class Progress {
     void Note(const std::string& text);
 
   private:
-    void EraseLine();
+    void eraseLine();
 
     std::size_t waiting;
     std::size_t settled = 0;

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr std::array<const char*, 7> kWords = {"ToDo",   "Done",  "FailOpen", "Timeout",
-                                               "Locked", "Error", "Canceled"};
+constexpr std::array<const char*, 7> Words = {"ToDo",   "Done",  "FailOpen", "Timeout",
+                                              "Locked", "Error", "Canceled"};
 static_assert(static_cast<unsigned>(DrawingStatus::Done) == FileStatusValue::Done &&
               static_cast<unsigned>(DrawingStatus::Error) == FileStatusValue::Error &&
               static_cast<unsigned>(DrawingStatus::Canceled) == FileStatusValue::Canceled);
@@ -19,15 +19,15 @@ static_assert(static_cast<unsigned>(DrawingStatus::Done) == FileStatusValue::Don
 }  // namespace
 
 const char* StatusWord(DrawingStatus status) {
-    return kWords[static_cast<std::size_t>(status)];
+    return Words[static_cast<std::size_t>(status)];
 }
 
 bool StatusFromWord(const std::string& word, DrawingStatus* status) {
-    const auto found = std::find(kWords.begin(), kWords.end(), word);
-    if (found == kWords.end()) {
+    const auto found = std::find(Words.begin(), Words.end(), word);
+    if (found == Words.end()) {
         return false;
     }
-    *status = static_cast<DrawingStatus>(found - kWords.begin());
+    *status = static_cast<DrawingStatus>(found - Words.begin());
     return true;
 }
 
@@ -37,7 +37,7 @@ RunQueue QueueOf(const CTarnelData& record) {
     for (const std::uint32_t entry : record.FileOrder) {
         const std::uint32_t status = EntryStatus(record, entry);
         queue.push_back({EntryPath(record, entry).toStdString(),
-                         status < kWords.size() ? DrawingStatus(status) : DrawingStatus::Error});
+                         status < Words.size() ? DrawingStatus(status) : DrawingStatus::Error});
     }
     return queue;
 }

@@ -21,35 +21,35 @@ namespace fs = std::filesystem;
 namespace {
 
 /// A pipe, a terminal or a device.
-bool IsSpecial(const std::string& file) {
+bool isSpecialFile(const std::string& file) {
     return fs::exists(file) && !fs::is_regular_file(file);
 }
 
-bool WriteSpecial(const std::string& file, const std::string& text) {
+bool writeSpecial(const std::string& file, const std::string& text) {
     std::ofstream out(file);
     out << text;
     out.close();
     return bool(out);
 }
 
-bool WriteBeside(const std::string& file, const std::string& text) {
+bool writeBeside(const std::string& file, const std::string& text) {
     files::NewFile fresh;
     return fresh.Open(file) && fresh.Write(text) && fresh.Commit();
 }
 
 /// The path behind all links of what exists of it.
-fs::path Resolved(const fs::path& path) {
+fs::path resolvedPath(const fs::path& path) {
     std::error_code failure;
     const fs::path absolute = fs::absolute(path).lexically_normal();
     const fs::path resolved = fs::weakly_canonical(absolute, failure);
     return failure ? absolute : resolved;
 }
 
-bool LiesIn(const fs::path& path, const fs::path& folder) {
+bool liesIn(const fs::path& path, const fs::path& folder) {
     return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
 }
 
-bool IsSameFile(const struct stat& file, const std::string& other) {
+bool isSameFile(const struct stat& file, const std::string& other) {
     struct stat status {};
     return stat(other.c_str(), &status) == 0 && status.st_dev == file.st_dev && status.st_ino == file.st_ino;
 }
@@ -114,7 +114,7 @@ bool WriteRecords(const std::vector<DrawingRecord>& records, const std::string& 
     }
     // The host's words may hold bytes of any encoding.
     const std::string text = all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-    const bool done = IsSpecial(file) ? WriteSpecial(file, text) : WriteBeside(file, text);
+    const bool done = isSpecialFile(file) ? writeSpecial(file, text) : writeBeside(file, text);
     if (!done) {
         *error = file + ": cannot be written: " + files::Because(errno);
     }
@@ -124,7 +124,7 @@ bool WriteRecords(const std::vector<DrawingRecord>& records, const std::string& 
 bool CheckRecordTarget(const std::string& file, std::string* error) {
     std::string target;
     const int refused = files::Follow(file, files::Trust::Own, &target);
-    const bool isSpecial = IsSpecial(file);
+    const bool isSpecial = isSpecialFile(file);
     const std::string folder = files::FolderOf(target);
     if (refused != 0) {
         errno = refused;
@@ -144,7 +144,7 @@ bool CheckRecordSpares(const std::string& file, const std::vector<std::string>& 
     if (exists && !S_ISREG(status.st_mode)) {
         return true;
     }
-    const fs::path target = Resolved(file);
+    const fs::path target = resolvedPath(file);
     const auto refuse = [&](const std::string& why) {
         *error = file + ": " + why + "; the records would take its place, give --json another file";
         return false;
@@ -154,12 +154,12 @@ bool CheckRecordSpares(const std::string& file, const std::vector<std::string>& 
         return refuse("is a drawing by its name");
     }
     for (const std::string& other : files) {
-        if (exists && IsSameFile(status, other)) {
+        if (exists && isSameFile(status, other)) {
             return refuse("is a drawing, script or list of this run");
         }
     }
     for (const std::string& folder : folders) {
-        if (LiesIn(target, Resolved(folder))) {
+        if (liesIn(target, resolvedPath(folder))) {
             return refuse("lies in the folder of the state and the logs");
         }
     }

@@ -19,12 +19,12 @@
 
 namespace {
 
-ExitStatus Refuse(ExitStatus status, const std::string& text) {
+ExitStatus refuse(ExitStatus status, const std::string& text) {
     Complain(text);
     return status;
 }
 
-ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
+ExitStatus statusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
     if (outcome == RunMonitor::Outcome::Interrupted) {
         return Interrupted;
     }
@@ -36,7 +36,7 @@ ExitStatus StatusOf(const RunLedger& ledger, RunMonitor::Outcome outcome) {
 
 /// The drawings that were worked on in this run: their paths where the filter holds.
 template <class Filter>
-std::vector<std::string> WorkedOn(const RunLedger& ledger, Filter filter) {
+std::vector<std::string> workedOn(const RunLedger& ledger, Filter filter) {
     std::vector<std::string> drawings;
     for (const DrawingRecord& record : ledger.Records()) {
         if (record.Seconds && record.Status != DrawingStatus::ToDo &&
@@ -49,14 +49,14 @@ std::vector<std::string> WorkedOn(const RunLedger& ledger, Filter filter) {
 
 /// What several hosts, or one after the other, have left becomes one queue, one log and one archive. A
 /// drawing whose host died before it came to the log gets its entry here.
-bool BringTogether(const DataFolder& folder, RunDescription* description, const RunLedger& ledger,
+bool bringTogether(const DataFolder& folder, RunDescription* description, const RunLedger& ledger,
                    std::string* error) {
     if ((description->Jobs == 0 && !SetUnfinishedAside(folder.Path(), error)) ||
         !GatherJobs(folder, description, error)) {
         return false;
     }
     const std::vector<std::string> missing =
-        MissingIn(folder.Path(), WorkedOn(ledger, [](const DrawingRecord& record) {
+        MissingIn(folder.Path(), workedOn(ledger, [](const DrawingRecord& record) {
                       return !record.Host.empty() || record.Status == DrawingStatus::FailOpen;
                   }));
     return missing.empty() ||
@@ -65,7 +65,7 @@ bool BringTogether(const DataFolder& folder, RunDescription* description, const 
 
 /// What was in work when a fault broke the run off waits again. When that cannot be written, the journal does
 /// not know its end, and whoever resumes the run sets it back.
-bool SetBackLeftWaiting(const std::string& file, const std::vector<std::unique_ptr<RunMonitor>>& monitors,
+bool setBackLeftWaiting(const std::string& file, const std::vector<std::unique_ptr<RunMonitor>>& monitors,
                         const std::vector<JobShare>& places, CTarnelData* saved, std::string* error) {
     RunQueue queue = QueueOf(*saved);
     bool changed = false;
@@ -85,7 +85,7 @@ bool SetBackLeftWaiting(const std::string& file, const std::vector<std::unique_p
 
 /// Works off what waits and brings what is on disk together with what was told. logged are the drawings that
 /// stand in the log before.
-RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescription* description,
+RunMonitor::Outcome work(const DataFolder& folder, RunParts parts, RunDescription* description,
                          std::vector<std::string> logged, RunLedger* ledger, Progress* progress,
                          Signals* signals) {
     std::string error;
@@ -120,15 +120,15 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
         return std::all_of(monitors.begin(), monitors.end(),
                            [&](const auto& monitor) { return monitor->WriteLogRests(&error); });
     };
-    bool together = writeLogRests() && BringTogether(folder, description, *ledger, &error);
+    bool together = writeLogRests() && bringTogether(folder, description, *ledger, &error);
     if (!together) {
         progress->Note(error + "; it is tried again");
         if (!writeLogRests()) {
             breakOff(error);
         }
-        together = BringTogether(folder, description, *ledger, &error);
+        together = bringTogether(folder, description, *ledger, &error);
     }
-    const std::vector<std::string> worked = WorkedOn(*ledger, [](const DrawingRecord&) { return true; });
+    const std::vector<std::string> worked = workedOn(*ledger, [](const DrawingRecord&) { return true; });
     logged.insert(logged.end(), worked.begin(), worked.end());
     if (!ended) {
         logged.clear();
@@ -147,7 +147,7 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
     }
     if (!ReadRecord(folder.StateFile(), &saved, &error)) {
         breakOff(error);
-    } else if (!SetBackLeftWaiting(folder.StateFile(), monitors, parts.Places, &saved, &error)) {
+    } else if (!setBackLeftWaiting(folder.StateFile(), monitors, parts.Places, &saved, &error)) {
         breakOff(error);
     } else if (!ledger->Reconcile(QueueOf(saved))) {
         breakOff(
@@ -167,7 +167,7 @@ RunMonitor::Outcome Work(const DataFolder& folder, RunParts parts, RunDescriptio
     return outcome;
 }
 
-void PrintWaiting(const RunQueue& queue) {
+void printWaiting(const RunQueue& queue) {
     for (const QueueEntry& entry : queue) {
         if (entry.Status == DrawingStatus::ToDo) {
             PrintName(entry.Path);
@@ -177,14 +177,14 @@ void PrintWaiting(const RunQueue& queue) {
 
 /// A look at the queue disturbs no run that is at work on it, unless what an earlier one has left must be
 /// brought together first.
-bool TakeForLook(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
+bool takeForLook(DataFolder* folder, std::optional<RunDescription>* description, std::string* error) {
     return ReadDescription(folder->Path(), description, error) &&
            (!*description || ((*description)->Jobs == 0 && !HasChange(**description)) ||
             TakeWholeRun(folder, description, error));
 }
 
 /// Before anything is written: where the records go is no file that this run or the one before needs.
-bool CheckRecordFile(const RunOptions& options, const DataFolder& folder, const RunPlan& plan,
+bool checkRecordFile(const RunOptions& options, const DataFolder& folder, const RunPlan& plan,
                      std::string* error) {
     std::vector<std::string> inputs = PathsOf(QueueOf(plan.Record));
     inputs.insert(inputs.end(), options.Lists.begin(), options.Lists.end());
@@ -197,7 +197,7 @@ bool CheckRecordFile(const RunOptions& options, const DataFolder& folder, const 
 }
 
 /// From the options to a run that stands on the disk and may begin, or the exit status.
-ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* files, RunPlan* plan,
+ExitStatus prepare(const RunOptions& options, DataFolder* folder, HostFiles* files, RunPlan* plan,
                    std::string* error) {
     std::optional<RunDescription> description;
     const auto check = [&] {
@@ -213,12 +213,12 @@ ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
             return BrokenOff;
         }
         if (status == AllDone) {
-            status = (options.DryRun ? TakeForLook(folder, &description, error)
+            status = (options.DryRun ? takeForLook(folder, &description, error)
                                      : TakeWholeRun(folder, &description, error))
                          ? PlanToGoOn(options, *folder, description, plan, error)
                          : BrokenOff;
         }
-        if (status == AllDone && !CheckRecordFile(options, *folder, *plan, error)) {
+        if (status == AllDone && !checkRecordFile(options, *folder, *plan, error)) {
             status = WrongUsage;
         }
         if (status != AllDone || options.DryRun) {
@@ -232,7 +232,7 @@ ExitStatus Prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
     }
     ExitStatus status = PlanNewRun(options, plan, error);
     status = status == AllDone ? check() : status;
-    if (status == AllDone && !CheckRecordFile(options, *folder, *plan, error)) {
+    if (status == AllDone && !checkRecordFile(options, *folder, *plan, error)) {
         status = WrongUsage;
     }
     if (status != AllDone || options.DryRun) {
@@ -250,13 +250,13 @@ ExitStatus RunDrawings(const RunOptions& options) {
     DataFolder folder(options.DataDir);
     MonitorSettings settings;
     RunPlan plan;
-    if (const ExitStatus status = Prepare(options, &folder, &settings.Files, &plan, &error);
+    if (const ExitStatus status = prepare(options, &folder, &settings.Files, &plan, &error);
         status != AllDone) {
-        return Refuse(status, error);
+        return refuse(status, error);
     }
     const RunQueue queue = QueueOf(plan.Record);
     if (options.DryRun) {
-        PrintWaiting(queue);
+        printWaiting(queue);
         return AllDone;
     }
     // The logs of an earlier run's dead host that this one goes on with have been packed.
@@ -274,20 +274,20 @@ ExitStatus RunDrawings(const RunOptions& options) {
     std::vector<std::string> logged = goesOn ? LoggedEarlier(plan) : std::vector<std::string>();
     if (waiting > 0) {
         if (!journal.Open(folder, plan.Description.Id, &error)) {
-            return Refuse(BrokenOff, error);
+            return refuse(BrokenOff, error);
         }
         const bool several = options.Jobs > 1 && waiting > 1;
         RunParts parts = several ? SeveralHosts(options, folder, &plan, &journal, settings, &error)
                                  : OneHost(options, folder, plan, &journal, settings, &error);
         if (parts.Ledgers.empty()) {
-            return Refuse(BrokenOff, error);
+            return refuse(BrokenOff, error);
         }
         Signals signals;
         Progress progress(waiting, options.Quiet);
-        outcome = Work(folder, std::move(parts), &plan.Description, std::move(logged), &ledger, &progress,
+        outcome = work(folder, std::move(parts), &plan.Description, std::move(logged), &ledger, &progress,
                        &signals);
     } else if (!GatherJobs(folder, &plan.Description, &error)) {
-        return Refuse(BrokenOff, error);
+        return refuse(BrokenOff, error);
     } else if (!CheckLogs(folder.Path(), logged, &error)) {
         Complain(error);
         outcome = RunMonitor::Outcome::Broken;
@@ -304,7 +304,7 @@ ExitStatus RunDrawings(const RunOptions& options) {
     const NotedWrite noted(folder.Path());
     if (!WriteJournal(folder.Path(), plan.Description.Id, ledger.Records(), triedAgain, &error) ||
         (!options.JsonFile.empty() && !WriteRecords(ledger.Records(), options.JsonFile, &error))) {
-        return Refuse(BrokenOff, error);
+        return refuse(BrokenOff, error);
     }
-    return StatusOf(ledger, outcome);
+    return statusOf(ledger, outcome);
 }

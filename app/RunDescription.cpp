@@ -13,25 +13,25 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json ToJson(const ListMark& mark) {
+Json toJson(const ListMark& mark) {
     return {{"drawings", mark.Count}, {"digest", mark.Digest}};
 }
 
-ListMark MarkFrom(const Json& one) {
+ListMark markFrom(const Json& one) {
     return {one.at("drawings").get<std::size_t>(), one.at("digest").get<std::string>()};
 }
 
-RunDescription FromJson(const Json& all) {
+RunDescription fromJson(const Json& all) {
     RunDescription description;
     description.Id = all.at("run").get<std::string>();
-    description.Queue = MarkFrom(all.at("queue"));
+    description.Queue = markFrom(all.at("queue"));
     description.Script = all.value("script", std::string());
     description.MaxTime = all.value("maxTime", 0U);
     description.AlarmTime = all.value("alarmTime", 0U);
     description.ReadOnly = all.value("readOnly", false);
     if (all.contains("shard")) {
         description.Share = ParseShard(all.at("shard").get<std::string>());
-        description.List = MarkFrom(all.at("list"));
+        description.List = markFrom(all.at("list"));
     }
     description.Recover = all.value("recover", false);
     description.Lenient = all.value("lenient", false);
@@ -65,7 +65,7 @@ RunDescription NewDescription() {
 
 std::optional<RunDescription> ParseDescription(const std::string& text) {
     try {
-        return FromJson(Json::parse(text));
+        return fromJson(Json::parse(text));
     } catch (const Json::exception&) {
         return std::nullopt;
     }
@@ -96,7 +96,7 @@ bool ReadDescription(const std::string& folder, std::optional<RunDescription>* d
 bool WriteDescription(const std::string& folder, const RunDescription& description, std::string* error) {
     Json all;
     all["run"] = description.Id;
-    all["queue"] = ToJson(description.Queue);
+    all["queue"] = toJson(description.Queue);
     if (!description.Script.empty()) {
         all["script"] = description.Script;
         all["maxTime"] = description.MaxTime;
@@ -105,7 +105,7 @@ bool WriteDescription(const std::string& folder, const RunDescription& descripti
     }
     if (description.Share) {
         all["shard"] = ShardText(*description.Share);
-        all["list"] = ToJson(description.List);
+        all["list"] = toJson(description.List);
     }
     const std::pair<const char*, bool> flags[] = {{"recover", description.Recover},
                                                   {"lenient", description.Lenient},

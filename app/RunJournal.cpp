@@ -16,30 +16,30 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string FileIn(const std::string& folder) {
+std::string fileIn(const std::string& folder) {
     return folder + "/run.journal";
 }
 
-std::string LineOf(const Json& one) {
+std::string lineOf(const Json& one) {
     return one.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-std::string HeadLine(const std::string& runId) {
-    return LineOf({{"run", runId}});
+std::string headLine(const std::string& runId) {
+    return lineOf({{"run", runId}});
 }
 
-std::string RecordLine(std::size_t place, const DrawingRecord& record) {
+std::string recordLine(std::size_t place, const DrawingRecord& record) {
     Json one = RecordToJson(record);
     one.erase("path");
     one["place"] = place;
     if (record.EarlierLog) {
         one["earlierLog"] = true;
     }
-    return LineOf(one);
+    return lineOf(one);
 }
 
-std::string AgainLine(std::size_t place) {
-    return LineOf({{"place", place}, {"again", true}});
+std::string againLine(std::size_t place) {
+    return lineOf({{"place", place}, {"again", true}});
 }
 
 }  // namespace
@@ -51,11 +51,11 @@ RunJournal::~RunJournal() {
 }
 
 bool RunJournal::Open(const DataFolder& folder, const std::string& runId, std::string* cause) {
-    path = FileIn(folder.Path());
+    path = fileIn(folder.Path());
     std::string text;
     std::string unread;
-    if (!ReadFile(path, &text, &unread) || !text.starts_with(HeadLine(runId))) {
-        text = HeadLine(runId);
+    if (!ReadFile(path, &text, &unread) || !text.starts_with(headLine(runId))) {
+        text = headLine(runId);
         if (!WriteFile(path, text, cause)) {
             return false;
         }
@@ -71,14 +71,14 @@ bool RunJournal::Open(const DataFolder& folder, const std::string& runId, std::s
 }
 
 void RunJournal::Settled(std::size_t place, const DrawingRecord& record) {
-    Add(RecordLine(place, record));
+    add(recordLine(place, record));
 }
 
 void RunJournal::TriedAgain(std::size_t place) {
-    Add(AgainLine(place));
+    add(againLine(place));
 }
 
-void RunJournal::Add(const std::string& line) {
+void RunJournal::add(const std::string& line) {
     // One call for each line, so that a kill leaves whole lines. What could not be written stays away: the
     // journal is written anew at the end of the run.
     if (error.empty() && write(file, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
@@ -90,7 +90,7 @@ JournalContent ReadJournal(const DataFolder& folder, const std::string& runId, s
     JournalContent content{std::vector<std::optional<DrawingRecord>>(drawings), std::vector<bool>(drawings)};
     std::string text;
     std::string unread;
-    if (!ReadFile(FileIn(folder.Path()), &text, &unread) || !text.starts_with(HeadLine(runId))) {
+    if (!ReadFile(fileIn(folder.Path()), &text, &unread) || !text.starts_with(headLine(runId))) {
         return content;
     }
     std::istringstream in(text);
@@ -116,14 +116,14 @@ JournalContent ReadJournal(const DataFolder& folder, const std::string& runId, s
 bool WriteJournal(const std::string& folder, const std::string& runId,
                   const std::vector<DrawingRecord>& records, const std::vector<bool>& triedAgain,
                   std::string* error) {
-    std::string text = HeadLine(runId);
+    std::string text = headLine(runId);
     for (std::size_t i = 0; i < records.size(); ++i) {
         if (i < triedAgain.size() && triedAgain[i]) {
-            text += AgainLine(i);
+            text += againLine(i);
         }
         if (records[i].Status != DrawingStatus::ToDo) {
-            text += RecordLine(i, records[i]);
+            text += recordLine(i, records[i]);
         }
     }
-    return WriteFile(FileIn(folder), text, error);
+    return WriteFile(fileIn(folder), text, error);
 }

@@ -32,7 +32,7 @@ class RunJournal {
     const std::string& Error() const { return error; }
 
   private:
-    void Add(const std::string& line);
+    void add(const std::string& line);
 
     std::string path;
     std::string error;

@@ -7,7 +7,7 @@
 
 namespace {
 /// So many of the lines that were refused are kept.
-constexpr std::size_t kMostRefused = 100;
+constexpr std::size_t MostRefused = 100;
 }  // namespace
 
 std::string StatusText(const DrawingRecord& record) {
@@ -42,7 +42,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
         case HostEvent::Kind::File:
             coming = nullptr;
             settle();
-            current = EntryOf(event);
+            current = entryOf(event);
             since = now;
             if (current) {
                 current->Message.clear();
@@ -56,7 +56,7 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
             }
             break;
         case HostEvent::Kind::Status:
-            if (DrawingRecord* record = EntryOf(event)) {
+            if (DrawingRecord* record = entryOf(event)) {
                 // The next drawing is FailOpen just before its own "file" event.
                 if (record != current) {
                     settle();
@@ -90,8 +90,8 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
             scripts = event.Scripts;
             break;
         case HostEvent::Kind::Refused:
-            if (current && ++current->RefusedCount <= kMostRefused) {
-                current->Refused.push_back(RefusedLine(event) + event.Text);
+            if (current && ++current->RefusedCount <= MostRefused) {
+                current->Refused.push_back(refusedLine(event) + event.Text);
             }
             break;
         case HostEvent::Kind::Unsaved:
@@ -215,7 +215,7 @@ std::size_t RunLedger::Count(DrawingStatus status) const {
                       [status](const DrawingRecord& record) { return record.Status == status; }));
 }
 
-std::string RunLedger::RefusedLine(const HostEvent& event) const {
+std::string RunLedger::refusedLine(const HostEvent& event) const {
     if (!scripts.empty() && std::find(scripts.begin(), scripts.end(), event.Script) == scripts.end()) {
         return std::filesystem::path(event.Script).filename().string() + ", line " +
                std::to_string(event.Line) + ": ";
@@ -226,7 +226,7 @@ std::string RunLedger::RefusedLine(const HostEvent& event) const {
                : "";
 }
 
-DrawingRecord* RunLedger::EntryOf(const HostEvent& event) {
+DrawingRecord* RunLedger::entryOf(const HostEvent& event) {
     const bool fits = event.Entry < records.size() && records[event.Entry].Path == event.Text;
     return fits ? &records[event.Entry] : nullptr;
 }

@@ -83,10 +83,10 @@ class RunLedger {
 
   private:
     /// The drawing that an event is about; null when the queue has no such entry.
-    DrawingRecord* EntryOf(const HostEvent& event);
+    DrawingRecord* entryOf(const HostEvent& event);
     /// The line of a script that was refused, as the user counts it: "script line 2: ", "inner.scr, line 2:
     /// ".
-    std::string RefusedLine(const HostEvent& event) const;
+    std::string refusedLine(const HostEvent& event) const;
 
     std::vector<DrawingRecord> records;
     DrawingRecord* current = nullptr;

@@ -7,7 +7,7 @@
 
 namespace {
 
-std::vector<std::string> MissingIn(const RunLogContent& log, const std::vector<std::string>& drawings) {
+std::vector<std::string> missingIn(const RunLogContent& log, const std::vector<std::string>& drawings) {
     std::unordered_map<std::string, int> told;
     for (const RunLogEntry& entry : log.Entries) {
         if (entry.Kind == RunLogEntry::File) {
@@ -25,7 +25,7 @@ std::vector<std::string> MissingIn(const RunLogContent& log, const std::vector<s
 
 /// Each entry's log is in the archive, the last one of each drawing says something, and each drawing has an
 /// entry.
-bool CheckEntries(const LogPart& files, const RunLogContent& log, const PackedLogNames& packed,
+bool checkEntries(const LogPart& files, const RunLogContent& log, const PackedLogNames& packed,
                   const std::vector<std::string>& drawings, std::string* error) {
     // A full disk leaves empty ones; so may a kill, but then another attempt has a log with something in it.
     std::unordered_map<std::string, bool> isTold;
@@ -39,7 +39,7 @@ bool CheckEntries(const LogPart& files, const RunLogContent& log, const PackedLo
             *error = files.Archive + ": the log of " + drawing + " is missing";
             return false;
         }
-        if (entry.Id.endsWith(QLatin1String(kCutLog))) {
+        if (entry.Id.endsWith(QLatin1String(CutLog))) {
             *error =
                 files.Archive + ": the log of " + drawing + " is not whole: its end could not be written";
             return false;
@@ -52,7 +52,7 @@ bool CheckEntries(const LogPart& files, const RunLogContent& log, const PackedLo
             return false;
         }
     }
-    const std::vector<std::string> missing = MissingIn(log, drawings);
+    const std::vector<std::string> missing = missingIn(log, drawings);
     if (!missing.empty()) {
         *error = files.Log + ": the run log is not whole: " + missing.front() + " is missing";
     }
@@ -80,7 +80,7 @@ bool CheckLogs(const std::string& folder, const std::vector<std::string>& drawin
         *error = files.Log + ": the run log is not whole: it has no end";
         return false;
     }
-    return CheckEntries(files, log, packed, drawings, error);
+    return checkEntries(files, log, packed, drawings, error);
 }
 
 bool CheckKeptLogs(const std::string& folder, const std::vector<DrawingRecord>& records, std::string* error) {
@@ -97,7 +97,7 @@ bool CheckKeptLogs(const std::string& folder, const std::vector<DrawingRecord>& 
     PackedLogNames packed;
     return drawings.empty() ||
            (ReadLog(files.Log, &log, error) && ReadPackedNames(files.Archive, &packed, error) &&
-            CheckEntries(files, log, packed, drawings, error));
+            checkEntries(files, log, packed, drawings, error));
 }
 
 std::vector<std::string> MissingIn(const std::string& folder, const std::vector<std::string>& drawings) {
@@ -105,5 +105,5 @@ std::vector<std::string> MissingIn(const std::string& folder, const std::vector<
     std::string ignored;
     // What cannot be read is told by who looks at the whole.
     ReadLog(LogNames(folder).Log, &log, &ignored);
-    return MissingIn(log, drawings);
+    return missingIn(log, drawings);
 }

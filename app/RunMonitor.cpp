@@ -14,23 +14,23 @@ namespace {
 using std::chrono::seconds;
 
 /// A host that has said nothing of a run by then never will.
-constexpr seconds kStartPatience{120};
+constexpr seconds StartPatience{120};
 /// For packing nothing more than an empty drawing away.
-constexpr seconds kQuitPatience{30};
+constexpr seconds QuitPatience{30};
 /// For cancelling the command in work.
-constexpr seconds kCancelPatience{15};
-constexpr int kRefreshMilliseconds = 200;
-constexpr std::size_t kDeathsInARow = 3;
+constexpr seconds CancelPatience{15};
+constexpr int RefreshMilliseconds = 200;
+constexpr std::size_t DeathsInARow = 3;
 /// Cancels whatever runs, at any depth, as Esc would.
-constexpr const char* kCancel = "\3\3\3\3\3\3(TNL_Cancel_Batch)\n";
+constexpr const char* Cancel = "\3\3\3\3\3\3(TNL_Cancel_Batch)\n";
 /// A script that has called the end of its run itself must not answer it, and nothing of it is kept.
-constexpr const char* kQuit = "\3\3\3\3\3\3QUIT\n_Y\n";
+constexpr const char* Quit = "\3\3\3\3\3\3QUIT\n_Y\n";
 
 /// How the module says that it ends a run before its end, and then why.
-constexpr std::string_view kBrokenOff = "run broken off: ";
+constexpr std::string_view BrokenOff = "run broken off: ";
 
 /// The module complains of a log or of the trace: what is missing there shows in no status.
-bool AboutLogs(const std::string& complaint) {
+bool aboutLogs(const std::string& complaint) {
     return complaint.find("/Ovrix/TNLapp.log: ") != std::string::npos ||
            complaint.find("/Ovrix/tnl log.html: ") != std::string::npos ||
            complaint.find("/Ovrix/TNLLog.zip: ") != std::string::npos ||
@@ -38,7 +38,7 @@ bool AboutLogs(const std::string& complaint) {
 }
 
 /// The module complains of one of the scripts that it makes for each drawing.
-bool AboutScript(const std::string& complaint) {
+bool aboutScript(const std::string& complaint) {
     return complaint.find("/Ovrix/script1.scr: ") != std::string::npos ||
            complaint.find("/Ovrix/script2.scr: ") != std::string::npos;
 }
@@ -50,10 +50,10 @@ RunMonitor::RunMonitor(MonitorSettings settings, RunLedger* ledger, Progress* pr
       ledger(ledger),
       progress(progress),
       logRests(HostLogFolder(files::FolderOf(this->settings.State))) {
-    Launch();
+    launch();
 }
 
-void RunMonitor::Launch() {
+void RunMonitor::launch() {
     host = std::make_unique<HostProcess>();
     phase = Phase::Starting;
     lastStep = RunLedger::Clock::now();
@@ -91,20 +91,20 @@ void RunMonitor::Step() {
     const bool lives = host->Read(&events, &stray);
     for (const std::string& line : events) {
         if (const auto event = ReadEvent(line)) {
-            Hear(*event);
+            hear(*event);
         }
     }
     for (const std::string& line : stray) {
-        Hear({HostEvent::Kind::Talk, line});
+        hear({HostEvent::Kind::Talk, line});
     }
     if (lives) {
-        CheckPatience();
+        checkPatience();
     } else {
-        HostEnded();
+        hostEnded();
     }
 }
 
-void RunMonitor::HostEnded() {
+void RunMonitor::hostEnded() {
     const HostEnd end = host->Wait();
     host.reset();
     std::string ignored;
@@ -115,7 +115,7 @@ void RunMonitor::HostEnded() {
     }
     if (interrupted) {
         if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now())) {
-            Tell(*record);
+            tell(*record);
         }
         outcome = brokenBy.empty() ? Outcome::Interrupted : Outcome::Broken;
         error = brokenBy.empty() ? "" : brokenBy + "; the run is broken off";
@@ -126,17 +126,17 @@ void RunMonitor::HostEnded() {
         const std::string cause = hung ? "stopped answering, killed" : end.Text;
         std::string place;
         const bool outside = settings.Restart && !hung && end.FromOutside();
-        const std::string again = outside ? TakeBack(cause) : std::string();
+        const std::string again = outside ? takeBack(cause) : std::string();
         if (const DrawingRecord* record = ledger->Settle(RunLedger::Clock::now(), cause)) {
             place = " at " + record->Path;
-            Tell(*record);
+            tell(*record);
         }
         if (!again.empty()) {
             place = " at " + again;
         }
-        ReactToDeath(cause + place, true, !again.empty());
+        reactToDeath(cause + place, true, !again.empty());
     } else if (!hung && end.Signal != 0) {
-        ReactToDeath(end.Text, false, false);
+        reactToDeath(end.Text, false, false);
     } else {
         error = "the run could not start: the host " + (hung ? std::string("did not answer") : end.Text) +
                 (lastWords.empty() ? "" : "; its last words: " + lastWords);
@@ -147,7 +147,7 @@ void RunMonitor::HostEnded() {
 /// Whoever kills a host from outside says nothing against the drawing that is in work: what the disk has as
 /// begun and not ended is set back to wait, once for each drawing. The drawing's own name; empty when there
 /// is none, or it was set back before.
-std::string RunMonitor::TakeBack(const std::string& cause) {
+std::string RunMonitor::takeBack(const std::string& cause) {
     CTarnelData record;
     std::string failure;
     if (!ReadRecord(settings.State, &record, &failure)) {
@@ -177,15 +177,15 @@ std::string RunMonitor::TakeBack(const std::string& cause) {
 }
 
 /// Its end came with the host's cancel or death and says nothing of the drawing.
-bool RunMonitor::IsOnlyBrokenOff(const DrawingRecord& record) const {
+bool RunMonitor::isOnlyBrokenOff(const DrawingRecord& record) const {
     return isBrokenOff &&
            (record.Status == DrawingStatus::Canceled ||
             (!host && (record.Status == DrawingStatus::Error || record.Status == DrawingStatus::FailOpen)));
 }
 
 /// A drawing is settled.
-void RunMonitor::Tell(const DrawingRecord& record) {
-    if (IsOnlyBrokenOff(record)) {
+void RunMonitor::tell(const DrawingRecord& record) {
+    if (isOnlyBrokenOff(record)) {
         leftWaiting.push_back(ledger->PlaceOf(record));
         ledger->LetWait(leftWaiting.back());
         return;
@@ -194,7 +194,7 @@ void RunMonitor::Tell(const DrawingRecord& record) {
     settings.OnSettled(ledger->PlaceOf(record), record);
 }
 
-void RunMonitor::ReactToDeath(const std::string& cause, bool began, bool again) {
+void RunMonitor::reactToDeath(const std::string& cause, bool began, bool again) {
     // A drawing that went well in between shows that the host as such works, and one that is tried again
     // has not cost anything yet.
     deaths = (settledInLife > 0 ? 0 : deaths) + (again ? 0 : 1);
@@ -204,7 +204,7 @@ void RunMonitor::ReactToDeath(const std::string& cause, bool began, bool again) 
     if (!settings.Restart) {
         error = "the host " + cause;
         outcome = Outcome::Broken;
-    } else if (deaths == kDeathsInARow) {
+    } else if (deaths == DeathsInARow) {
         error = "the host " + cause + "; that is the third time in a row, so the run is broken off";
         outcome = Outcome::Broken;
     } else if (began && ledger->Count(DrawingStatus::ToDo) == 0) {
@@ -213,16 +213,16 @@ void RunMonitor::ReactToDeath(const std::string& cause, bool began, bool again) 
     } else {
         progress->Note("the host " + cause + "; it is started again for " +
                        (again ? "this drawing, once, and the rest" : "the rest"));
-        Launch();
+        launch();
     }
 }
 
-void RunMonitor::Hear(const HostEvent& event) {
+void RunMonitor::hear(const HostEvent& event) {
     using Kind = HostEvent::Kind;
     const auto now = RunLedger::Clock::now();
     for (const DrawingRecord* settled : ledger->Take(event, now)) {
         ++settledInLife;
-        Tell(*settled);
+        tell(*settled);
     }
     switch (event.What) {
         case Kind::RunStarted:
@@ -242,7 +242,7 @@ void RunMonitor::Hear(const HostEvent& event) {
             if (phase == Phase::Running) {
                 phase = Phase::Quitting;
                 lastStep = now;
-                host->Send(kQuit);
+                host->Send(Quit);
             }
             break;
         case Kind::Message:
@@ -252,20 +252,20 @@ void RunMonitor::Hear(const HostEvent& event) {
                 event.Text.find(" is not whole: ") != std::string::npos) {
                 logFault = event.Text;
             }
-            if (event.What == Kind::Message && AboutLogs(event.Text)) {
+            if (event.What == Kind::Message && aboutLogs(event.Text)) {
                 progress->Note(event.Text);
             }
             if (event.What == Kind::Message &&
                 event.Text.find(settings.Place.DataHome + "/") != std::string::npos) {
                 complaint = event.Text;
                 // Without its script no drawing can be run, and each would cost the whole time limit.
-                if (phase == Phase::Running && !interrupted && AboutScript(event.Text)) {
+                if (phase == Phase::Running && !interrupted && aboutScript(event.Text)) {
                     brokenBy = event.Text;
                     BreakOff();
                 }
             }
-            if (event.What == Kind::Message && event.Text.starts_with(kBrokenOff)) {
-                brokenBy = event.Text.substr(kBrokenOff.size());
+            if (event.What == Kind::Message && event.Text.starts_with(BrokenOff)) {
+                brokenBy = event.Text.substr(BrokenOff.size());
             }
             // The module knows best why no run begins; what the host says then is about the words of this
             // side.
@@ -287,7 +287,7 @@ void RunMonitor::Interrupt() {
         host->Kill();
     } else if (phase == Phase::Running) {
         lastStep = RunLedger::Clock::now();
-        host->Send(kCancel);
+        host->Send(Cancel);
     }
     interrupted = true;
 }
@@ -297,15 +297,15 @@ void RunMonitor::BreakOff() {
     Interrupt();
 }
 
-void RunMonitor::CheckPatience() {
+void RunMonitor::checkPatience() {
     const auto waited = RunLedger::Clock::now() - lastStep;
     bool over = false;
     if (phase == Phase::Starting) {
-        over = waited > kStartPatience;
+        over = waited > StartPatience;
     } else if (phase == Phase::Quitting) {
-        over = waited > (interrupted ? kCancelPatience : kQuitPatience);
+        over = waited > (interrupted ? CancelPatience : QuitPatience);
     } else if (interrupted) {
-        over = waited > kCancelPatience;
+        over = waited > CancelPatience;
     } else {
         over = settings.MaxTime > 0 && waited > seconds(settings.MaxTime + settings.Grace);
     }
@@ -328,7 +328,7 @@ RunMonitor::Outcome WatchOver(std::vector<std::unique_ptr<RunMonitor>>& monitors
         if (watched.size() == 1) {
             break;
         }
-        poll(watched.data(), watched.size(), kRefreshMilliseconds);
+        poll(watched.data(), watched.size(), RefreshMilliseconds);
         if (const int count = signals->Take(); count > 0) {
             if (!interrupted && count == 1) {
                 progress->Note("cancelling; once more to end at once");

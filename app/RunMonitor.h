@@ -72,14 +72,14 @@ class RunMonitor {
     /// What the host is at.
     enum class Phase { Starting, Running, Quitting };
 
-    void Launch();
-    void Hear(const HostEvent& event);
-    void CheckPatience();
-    void HostEnded();
-    void Tell(const DrawingRecord& record);
-    bool IsOnlyBrokenOff(const DrawingRecord& record) const;
-    std::string TakeBack(const std::string& cause);
-    void ReactToDeath(const std::string& cause, bool began, bool again);
+    void launch();
+    void hear(const HostEvent& event);
+    void checkPatience();
+    void hostEnded();
+    void tell(const DrawingRecord& record);
+    bool isOnlyBrokenOff(const DrawingRecord& record) const;
+    std::string takeBack(const std::string& cause);
+    void reactToDeath(const std::string& cause, bool began, bool again);
 
     MonitorSettings settings;
     RunLedger* ledger;

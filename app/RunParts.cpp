@@ -12,7 +12,7 @@ namespace {
 
 /// What a host that died has left of its log is kept for the end of the run, what it has left beside drawings
 /// is removed.
-std::function<void()> KeepLogs(const std::string& folder) {
+std::function<void()> keepLogs(const std::string& folder) {
     return [folder] {
         std::string error;
         const bool kept = SetLogsAside(folder, &error);
@@ -26,26 +26,26 @@ std::function<void()> KeepLogs(const std::string& folder) {
 /// What the host is told to start a run over what waits in the state: only commands and LISP functions of the
 /// module, as a person could type them. Queue, script and limits stand in the state already. Nothing is sent
 /// ahead beyond the start, since a script that waits for input would take it for its answer.
-std::string RunCommands(bool recover) {
+std::string runCommands(bool recover) {
     return std::string(recover ? "(Tarnel_SetRecoverMode T)\n" : "") + "TARNEL\nRun\n";
 }
 
 /// What does not depend on where the host works.
-void SetManners(const RunOptions& options, const RunDescription& description, HostPlace* place) {
+void setManners(const RunOptions& options, const RunDescription& description, HostPlace* place) {
     place->BreakLinks = options.BreakLinks;
     place->MaxMemory = options.MaxMemory;
     place->Lenient = description.Lenient;
     place->MustSave = description.MustSave;
 }
 
-void AddPart(RunParts* parts, const RunQueue& queue, JobShare places, RunJournal* journal,
+void addPart(RunParts* parts, const RunQueue& queue, JobShare places, RunJournal* journal,
              const RunPlan& plan, MonitorSettings settings) {
     RunQueue share;
     for (const std::size_t place : places) {
         share.push_back(queue[place]);
         settings.TriedAgain.push_back(plan.Journal.TriedAgain[place]);
     }
-    settings.Start = RunCommands(plan.Description.Recover);
+    settings.Start = runCommands(plan.Description.Recover);
     settings.OnSettled = [journal, places](std::size_t place, const DrawingRecord& record) {
         journal->Settled(places[place], record);
     };
@@ -65,15 +65,15 @@ RunParts OneHost(const RunOptions& options, const DataFolder& folder, const RunP
     common.Place = {folder.Home(), options.DataDir.empty() ? "" : folder.Path() + "/registry.ini",
                     HostStateHome(folder.Path()), folder.LockDescriptors(), ""};
     common.Place.Journal = HostJournal(folder.Path());
-    SetManners(options, plan.Description, &common.Place);
+    setManners(options, plan.Description, &common.Place);
     common.State = folder.StateFile();
     common.Place.Run = plan.Digest;
-    common.HostDied = KeepLogs(folder.Path());
+    common.HostDied = keepLogs(folder.Path());
     const RunQueue queue = QueueOf(plan.Record);
     JobShare all(queue.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
     RunParts parts;
-    AddPart(&parts, queue, std::move(all), journal, plan, std::move(common));
+    addPart(&parts, queue, std::move(all), journal, plan, std::move(common));
     return parts;
 }
 
@@ -92,9 +92,9 @@ RunParts SeveralHosts(const RunOptions& options, const DataFolder& folder, RunPl
         settings.Place = {JobHome(folder, number), data + "/registry.ini", HostStateHome(data),
                           folder.LockDescriptors(), ""};
         settings.Place.Journal = HostJournal(data);
-        SetManners(options, plan->Description, &settings.Place);
-        settings.HostDied = KeepLogs(data);
-        AddPart(&parts, queue, shares[number - 1], journal, *plan, std::move(settings));
+        setManners(options, plan->Description, &settings.Place);
+        settings.HostDied = keepLogs(data);
+        addPart(&parts, queue, shares[number - 1], journal, *plan, std::move(settings));
     }
     return parts;
 }

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 namespace {
 
 /// The script as the module reads it.
-bool TakeScript(const std::string& file, RunPlan* plan, std::string* error) {
+bool takeScript(const std::string& file, RunPlan* plan, std::string* error) {
     CTarnelData* record = &plan->Record;
     QByteArray bytes;
     if (!ReadInput(file, &bytes, error)) {
@@ -45,7 +45,7 @@ bool TakeScript(const std::string& file, RunPlan* plan, std::string* error) {
 }
 
 /// What a new run sets; all else in the record of the data folder stays as it is.
-void CopyRun(const CTarnelData& from, CTarnelData* to) {
+void copyRun(const CTarnelData& from, CTarnelData* to) {
     SetQueue(to, QueueOf(from));
     to->Script = from.Script;
     to->ScriptDescription = from.ScriptDescription;
@@ -58,7 +58,7 @@ void CopyRun(const CTarnelData& from, CTarnelData* to) {
 
 /// Writes the record into a change and reads it again: what the host will find is what counts. A path that
 /// the form of the file cannot hold would name another drawing there.
-bool WriteToChange(const FolderChange& change, RunPlan* plan, std::string* error) {
+bool writeToChange(const FolderChange& change, RunPlan* plan, std::string* error) {
     const std::string file = change.Next() + "/TarnelRunner.xml";
     const std::vector<std::string> paths = PathsOf(QueueOf(plan->Record));
     CTarnelData read;
@@ -84,7 +84,7 @@ bool WriteToChange(const FolderChange& change, RunPlan* plan, std::string* error
 
 /// A drawing that was in work when the front was killed with its host: its end was never told. It has its
 /// second attempt, like one whose host was killed alone, and no third one.
-void SetBackWhatWasInWork(RunQueue* queue, RunPlan* plan) {
+void setBackWhatWasInWork(RunQueue* queue, RunPlan* plan) {
     for (std::size_t i = 0; i < queue->size(); ++i) {
         const DrawingStatus status = (*queue)[i].Status;
         const bool inWork = status == DrawingStatus::FailOpen || status == DrawingStatus::Error;
@@ -108,7 +108,7 @@ void SetBackWhatWasInWork(RunQueue* queue, RunPlan* plan) {
     }
 }
 
-void SetBackWhatIsToBeRetried(RunOptions::RetryKind retry, RunQueue* queue, RunPlan* plan) {
+void setBackWhatIsToBeRetried(RunOptions::RetryKind retry, RunQueue* queue, RunPlan* plan) {
     for (std::size_t i = 0; i < queue->size(); ++i) {
         DrawingStatus& status = (*queue)[i].Status;
         if (status != DrawingStatus::ToDo &&
@@ -123,7 +123,7 @@ void SetBackWhatIsToBeRetried(RunOptions::RetryKind retry, RunQueue* queue, RunP
 }
 
 /// Each is told in a line, whether it is named now or came back from an earlier run.
-void RefuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
+void refuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
     plan->Refused.assign(queue->size(), std::nullopt);
     for (std::size_t i = 0; i < queue->size(); ++i) {
         QueueEntry& entry = (*queue)[i];
@@ -141,9 +141,9 @@ void RefuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
     }
 }
 
-bool ChangeSettings(const RunOptions& options, RunPlan* plan, std::string* error) {
+bool changeSettings(const RunOptions& options, RunPlan* plan, std::string* error) {
     CTarnelData& record = plan->Record;
-    if (!options.Script.empty() && !TakeScript(options.Script, plan, error)) {
+    if (!options.Script.empty() && !takeScript(options.Script, plan, error)) {
         return false;
     }
     record.MaxTime = options.MaxTime.value_or(record.MaxTime);
@@ -160,7 +160,7 @@ bool ChangeSettings(const RunOptions& options, RunPlan* plan, std::string* error
 
 /// A run is gone on with as it was started. The window and hosts started by hand work on the same state and
 /// may have changed it since: another script is refused, limits are set back.
-bool HoldToItsRun(const RunOptions& options, const std::string& file, const RunDescription& run, bool isKnown,
+bool holdToItsRun(const RunOptions& options, const std::string& file, const RunDescription& run, bool isKnown,
                   RunPlan* plan, std::string* error) {
     CTarnelData& record = plan->Record;
     if (run.Script.empty() || (!isKnown && !options.Resume)) {
@@ -191,7 +191,7 @@ bool HoldToItsRun(const RunOptions& options, const std::string& file, const RunD
 
 /// The records that the journal keeps, for a new one that holds nothing else. With a new log nothing of what
 /// was done before is in the log any more.
-std::vector<DrawingRecord> RecordsOf(const RunPlan& plan, bool newLog) {
+std::vector<DrawingRecord> recordsOf(const RunPlan& plan, bool newLog) {
     const RunQueue queue = QueueOf(plan.Record);
     std::vector<DrawingRecord> records(plan.Journal.Records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
@@ -208,7 +208,7 @@ std::vector<DrawingRecord> RecordsOf(const RunPlan& plan, bool newLog) {
 
 ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* error) {
     plan->Description = NewDescription();
-    if (!TakeScript(options.Script, plan, error)) {
+    if (!takeScript(options.Script, plan, error)) {
         return WrongUsage;
     }
     std::vector<std::string> notes;
@@ -230,12 +230,12 @@ ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* err
     for (const std::string& drawing : options.Share ? TakeShare(drawings, *options.Share) : drawings) {
         queue.push_back({drawing, DrawingStatus::ToDo});
     }
-    RefuseWhatIsNoDrawing(&queue, plan);
+    refuseWhatIsNoDrawing(&queue, plan);
     SetQueue(&plan->Record, queue);
     plan->Journal = {std::vector<std::optional<DrawingRecord>>(queue.size()),
                      std::vector<bool>(queue.size())};
-    plan->Record.MaxTime = options.MaxTime.value_or(kDefaultMaxTime);
-    plan->Record.AlarmTime = options.AlarmTime.value_or(kDefaultAlarmTime);
+    plan->Record.MaxTime = options.MaxTime.value_or(DefaultMaxTime);
+    plan->Record.AlarmTime = options.AlarmTime.value_or(DefaultAlarmTime);
     plan->Record.ProcessReadOnly = options.ReadOnly;
     return AllDone;
 }
@@ -249,10 +249,10 @@ bool CommitNewRun(const DataFolder& folder, const std::optional<RunDescription>&
         !change.Begin(error)) {
         return false;
     }
-    CopyRun(plan->Record, &whole.Record);
+    copyRun(plan->Record, &whole.Record);
     whole.Description.OldJobs = before ? before->Jobs : 0;
     whole.Description.OldLogs = true;
-    if (!WriteToChange(change, &whole, error) ||
+    if (!writeToChange(change, &whole, error) ||
         !WriteJournal(change.Next(), whole.Description.Id, {}, {}, error) ||
         !change.Commit(&whole.Description, error)) {
         return false;
@@ -292,18 +292,18 @@ ExitStatus PlanToGoOn(const RunOptions& options, const DataFolder& folder,
     }
     plan->Changed = !isKnown || plan->Record.SortIdx != 6 || plan->Record.SortReverse != 0;
     plan->Digest = RunDigest(plan->Record).toStdString();
-    if (description && !HoldToItsRun(options, folder.StateFile(), *description, isKnown, plan, error)) {
+    if (description && !holdToItsRun(options, folder.StateFile(), *description, isKnown, plan, error)) {
         return BrokenOff;
     }
     plan->Journal = ReadJournal(folder, plan->Description.Id, queue.size());
     if (isKnown && options.Resume) {
-        SetBackWhatWasInWork(&queue, plan);
+        setBackWhatWasInWork(&queue, plan);
     }
-    SetBackWhatIsToBeRetried(options.Retry, &queue, plan);
-    if (!ChangeSettings(options, plan, error)) {
+    setBackWhatIsToBeRetried(options.Retry, &queue, plan);
+    if (!changeSettings(options, plan, error)) {
         return WrongUsage;
     }
-    RefuseWhatIsNoDrawing(&queue, plan);
+    refuseWhatIsNoDrawing(&queue, plan);
     SetQueue(&plan->Record, queue);
     return AllDone;
 }
@@ -333,9 +333,9 @@ bool CommitToGoOn(const RunOptions& options, const DataFolder& folder, RunPlan* 
     const FolderChange change(folder);
     plan->Description.OldLogs = !options.Resume && CountOf(QueueOf(plan->Record), DrawingStatus::ToDo) > 0;
     plan->Changed = false;
-    return change.Begin(error) && WriteToChange(change, plan, error) &&
+    return change.Begin(error) && writeToChange(change, plan, error) &&
            WriteJournal(change.Next(), plan->Description.Id,
-                        RecordsOf(*plan, plan->Description.OldLogs || !plan->IsKnown),
+                        recordsOf(*plan, plan->Description.OldLogs || !plan->IsKnown),
                         plan->Journal.TriedAgain, error) &&
            change.Commit(&plan->Description, error);
 }

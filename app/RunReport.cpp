@@ -11,11 +11,11 @@
 
 namespace {
 
-constexpr std::array<DrawingStatus, 5> kFailures = {DrawingStatus::FailOpen, DrawingStatus::Error,
-                                                    DrawingStatus::Timeout, DrawingStatus::Locked,
-                                                    DrawingStatus::Canceled};
+constexpr std::array<DrawingStatus, 5> Failures = {DrawingStatus::FailOpen, DrawingStatus::Error,
+                                                   DrawingStatus::Timeout, DrawingStatus::Locked,
+                                                   DrawingStatus::Canceled};
 
-std::size_t CountOf(const std::vector<DrawingRecord>& records, DrawingStatus status) {
+std::size_t countOf(const std::vector<DrawingRecord>& records, DrawingStatus status) {
     std::size_t count = 0;
     for (const DrawingRecord& record : records) {
         count += record.Status == status ? 1 : 0;
@@ -23,7 +23,7 @@ std::size_t CountOf(const std::vector<DrawingRecord>& records, DrawingStatus sta
     return count;
 }
 
-std::string ShellWord(const std::string& text) {
+std::string shellWord(const std::string& text) {
     const bool plain = text.find_first_not_of(
                            "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
                            "/._-+,:@%") == std::string::npos;
@@ -42,17 +42,17 @@ std::string ShellWord(const std::string& text) {
 std::string FollowUpCommand(const RunOptions& options, const std::string& what) {
     // The script that builds on first use tells the name by which the user knows it.
     const char* own = std::getenv("TARNEL_COMMAND");
-    std::string command = (own && *own ? ShellWord(own) : "tarnel") + " run " + what;
+    std::string command = (own && *own ? shellWord(own) : "tarnel") + " run " + what;
     if (!options.DataDir.empty()) {
-        command += " --data-dir " + ShellWord(options.DataDir);
+        command += " --data-dir " + shellWord(options.DataDir);
     }
     return command;
 }
 
 void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& options,
                  std::optional<double> seconds) {
-    const std::size_t done = CountOf(records, DrawingStatus::Done);
-    const std::size_t waiting = CountOf(records, DrawingStatus::ToDo);
+    const std::size_t done = countOf(records, DrawingStatus::Done);
+    const std::size_t waiting = countOf(records, DrawingStatus::ToDo);
     const auto count = [&records](auto holds) {
         return static_cast<std::size_t>(std::count_if(
             records.begin(), records.end(),
@@ -72,8 +72,8 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
     if (refused > 0) {
         std::printf(", %zu of them with refused lines", refused);
     }
-    for (const DrawingStatus status : kFailures) {
-        if (const std::size_t count = CountOf(records, status)) {
+    for (const DrawingStatus status : Failures) {
+        if (const std::size_t count = countOf(records, status)) {
             std::printf(", %zu %s", count, StatusWord(status));
         }
     }
@@ -95,7 +95,7 @@ void PrintReport(const std::vector<DrawingRecord>& records, const RunOptions& op
             }
         }
     }
-    for (const DrawingStatus status : kFailures) {
+    for (const DrawingStatus status : Failures) {
         for (const DrawingRecord& record : records) {
             if (record.Status != status) {
                 continue;

@@ -13,12 +13,12 @@
 namespace {
 
 /// What a drawing costs beside its size: opening an empty one takes about as long as reading so many bytes.
-constexpr std::uintmax_t kCostOfAny = std::uintmax_t{64} * 1024;
+constexpr std::uintmax_t CostOfAny = std::uintmax_t{64} * 1024;
 
-std::uintmax_t CostOf(const QueueEntry& entry) {
+std::uintmax_t costOf(const QueueEntry& entry) {
     std::error_code failure;
     const std::uintmax_t size = std::filesystem::file_size(entry.Path, failure);
-    return kCostOfAny + (failure ? 0 : size);
+    return CostOfAny + (failure ? 0 : size);
 }
 
 }  // namespace
@@ -55,7 +55,7 @@ std::vector<JobShare> SplitBySize(const RunQueue& queue, unsigned jobs) {
     for (std::size_t place = 0; place < queue.size(); ++place) {
         if (queue[place].Status == DrawingStatus::ToDo) {
             waiting.push_back(place);
-            costs.push_back(CostOf(queue[place]));
+            costs.push_back(costOf(queue[place]));
         }
     }
     const std::size_t count = std::min<std::size_t>(jobs, waiting.size());

@@ -7,7 +7,7 @@
 
 namespace {
 
-sigset_t Watched() {
+sigset_t watchedSignals() {
     sigset_t set;
     sigemptyset(&set);
     sigaddset(&set, SIGINT);
@@ -19,7 +19,7 @@ sigset_t Watched() {
 }  // namespace
 
 Signals::Signals() {
-    const sigset_t watched = Watched();
+    const sigset_t watched = watchedSignals();
     sigprocmask(SIG_BLOCK, &watched, nullptr);
     // A host that dies while it is written to must not take the front along.
     std::signal(SIGPIPE, SIG_IGN);
@@ -28,7 +28,7 @@ Signals::Signals() {
 
 Signals::~Signals() {
     close(descriptor);
-    const sigset_t watched = Watched();
+    const sigset_t watched = watchedSignals();
     sigprocmask(SIG_UNBLOCK, &watched, nullptr);
 }
 

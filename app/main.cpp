@@ -14,12 +14,12 @@
 
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* Footer =
     "Exit status: 0 all drawings are Done, 1 some are not, 2 wrong usage,\n"
     "3 the run could not start or was broken off, 130 interrupted.";
 
-void DeclareRun(CLI::App* run, RunOptions* options) {
-    run->footer(kFooter);
+void declareRun(CLI::App* run, RunOptions* options) {
+    run->footer(Footer);
     run->add_option("drawings", options->Drawings, "Drawings, and folders with drawings");
     run->add_option("-s,--script", options->Script,
                     "The script of host commands for each drawing; - is standard input")
@@ -97,7 +97,7 @@ void DeclareRun(CLI::App* run, RunOptions* options) {
         ->capture_default_str();
 }
 
-void DeclareMerge(CLI::App* merge, MergeOptions* options) {
+void declareMerge(CLI::App* merge, MergeOptions* options) {
     merge->add_option("folders", options->Folders, "The data folders of the runs, as given to --data-dir")
         ->required();
     merge
@@ -113,7 +113,7 @@ void DeclareMerge(CLI::App* merge, MergeOptions* options) {
 
 /// A value that came out empty, such as that of a shell variable that is not set, means nothing, and would
 /// stand for the option not given.
-void RefuseEmptyValues(CLI::App* command) {
+void refuseEmptyValues(CLI::App* command) {
     for (CLI::Option* option :
          command->get_options([](const CLI::Option* one) { return one->get_items_expected_max() > 0; })) {
         option->check(
@@ -122,7 +122,7 @@ void RefuseEmptyValues(CLI::App* command) {
 }
 
 /// What CLI11 cannot tell by itself. Empty when all is well.
-std::string CheckUsage(const RunOptions& options) {
+std::string checkUsage(const RunOptions& options) {
     if (options.Resume && options.Retry == RunOptions::RetryKind::All) {
         return "--resume goes on with a run and --retry all does all of it again; give one of them";
     }
@@ -142,7 +142,7 @@ std::string CheckUsage(const RunOptions& options) {
 }
 
 /// What is printed and does not arrive is told, but for a reader that has seen enough.
-int CheckOutput(int status) {
+int checkOutput(int status) {
     const bool failed = std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
     pollfd reader{STDOUT_FILENO, 0, 0};
     if (!failed || (poll(&reader, 1, 0) == 1 && (reader.revents & POLLERR) != 0)) {
@@ -152,17 +152,17 @@ int CheckOutput(int status) {
     return status == AllDone || status == SomeNotDone ? BrokenOff : status;
 }
 
-int RunProgram(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
     CLI::App app("Runs a script of host commands over many drawings.", "tarnel");
     app.set_version_flag("--version", "tarnel " TARNEL_VERSION);
     app.require_subcommand(1);
     app.footer("tarnel run --help tells the options of a run.");
     RunOptions options;
     CLI::App* run = app.add_subcommand("run", "Run a script over drawings");
-    DeclareRun(run, &options);
+    declareRun(run, &options);
     MergeOptions mergeOptions;
     CLI::App* merge = app.add_subcommand("merge", "Join the results of runs over parts of a list");
-    DeclareMerge(merge, &mergeOptions);
+    declareMerge(merge, &mergeOptions);
     CLI::App* bundle = app.add_subcommand("bundle", "Pack what support needs of the last run");
     std::string bundleDir;
     bundle->add_option("--data-dir", bundleDir, "Folder with the state and the logs instead of the user's")
@@ -176,7 +176,7 @@ int RunProgram(int argc, char** argv) {
         ->type_name("DIR");
     install->add_flag("--replace", installReplaces, "In the place of another one of the same name");
     for (CLI::App* command : {run, merge, bundle, install}) {
-        RefuseEmptyValues(command);
+        refuseEmptyValues(command);
     }
     CLI::App* desk = app.add_subcommand("desk", "Open the window, with the command TARNEL");
     std::vector<std::string> drawings;
@@ -203,7 +203,7 @@ int RunProgram(int argc, char** argv) {
     if (desk->parsed()) {
         return OpenDesk(drawings);
     }
-    if (const std::string wrong = CheckUsage(options); !wrong.empty()) {
+    if (const std::string wrong = checkUsage(options); !wrong.empty()) {
         Complain(wrong);
         return WrongUsage;
     }
@@ -215,7 +215,7 @@ int RunProgram(int argc, char** argv) {
 int main(int argc, char** argv) {
     files::FailBeyondFileLimit();
     try {
-        return CheckOutput(RunProgram(argc, argv));
+        return checkOutput(runProgram(argc, argv));
     } catch (const std::exception& failure) {
         // No memory, or a folder that cannot even be looked at.
         Complain(failure.what());

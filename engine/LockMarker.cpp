@@ -25,7 +25,7 @@ QList<QByteArray> processFields(qint64 process) {
 
 /// Written by this process, or by one of this machine that has died.
 bool holdsNobodyOff(const QByteArray& marker) {
-    constexpr qsizetype startField = 19;
+    constexpr qsizetype StartField = 19;
     const QList<QByteArray> lines = marker.split('\n');
     if (lines.size() < 4 || lines[1] != QSysInfo::machineHostName().toUtf8()) {
         return false;
@@ -40,8 +40,8 @@ bool holdsNobodyOff(const QByteArray& marker) {
     }
     const QList<QByteArray> fields = processFields(process);
     // A killed process keeps its number until its parent has asked for it.
-    return fields.size() > startField &&
-           (fields[0] == "Z" || fields[0] == "X" || fields[startField] != lines[3]);
+    return fields.size() > StartField &&
+           (fields[0] == "Z" || fields[0] == "X" || fields[StartField] != lines[3]);
 }
 
 }  // namespace
@@ -53,8 +53,8 @@ bool HasLockMarker(const QString& drawing) {
     if (::stat(QFile::encodeName(marker).constData(), &status) != 0) {
         return false;
     }
-    constexpr off_t largest = 4096;
+    constexpr off_t Largest = 4096;
     QByteArray text;
-    return !S_ISREG(status.st_mode) || status.st_size > largest || ReadWholeFile(marker, text) != 0 ||
+    return !S_ISREG(status.st_mode) || status.st_size > Largest || ReadWholeFile(marker, text) != 0 ||
            !holdsNobodyOff(text);
 }

@@ -16,8 +16,8 @@ void require(bool holds) {
 }
 
 void checkLevel(const MarkupDocument& document, std::uint32_t parent, int depth) {
-    constexpr int deepest = 2000;
-    if (depth > deepest) {
+    constexpr int Deepest = 2000;
+    if (depth > Deepest) {
         return;
     }
     const PositionIndex& positions = document.Positions();

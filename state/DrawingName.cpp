@@ -9,13 +9,13 @@
 namespace {
 
 /// The first two are those that are worked on.
-constexpr std::array<QStringView, 4> extensions = {u".dwg", u".dxf", u".dwt", u".dws"};
+constexpr std::array<QStringView, 4> Extensions = {u".dwg", u".dxf", u".dwt", u".dws"};
 
 bool isOneOf(QStringView path, std::size_t count) {
     const QStringView name = path.sliced(NameOffset(path));
     const qsizetype dot = name.lastIndexOf(u'.');
     return dot >= 0 &&
-           std::any_of(extensions.begin(), extensions.begin() + count, [&](QStringView extension) {
+           std::any_of(Extensions.begin(), Extensions.begin() + count, [&](QStringView extension) {
                return name.sliced(dot).compare(extension, Qt::CaseInsensitive) == 0;
            });
 }
@@ -23,7 +23,7 @@ bool isOneOf(QStringView path, std::size_t count) {
 }  // namespace
 
 bool IsDrawingName(QStringView path) {
-    return isOneOf(path, extensions.size());
+    return isOneOf(path, Extensions.size());
 }
 
 bool IsEditableDrawingName(QStringView path) {

@@ -43,7 +43,7 @@ bool loadPlainList(CTarnelData& data, const QString& path, QString* message) {
 }
 
 bool loadScriptFile(CTarnelData& data, const QString& path, QString* message) {
-    constexpr std::array statuses = {Error, FailOpen, Timeout, Locked, ToDo, Done};
+    constexpr std::array Statuses = {Error, FailOpen, Timeout, Locked, ToDo, Done};
     ScriptFileGroup group;
     const GroupListError error = ReadScriptFileGroup(path, &group, message);
     if (error != GroupListError::None) {
@@ -71,8 +71,8 @@ bool loadScriptFile(CTarnelData& data, const QString& path, QString* message) {
     emptyQueue(data);
     for (const ScriptFileGroup::Entry& entry : group.Entries) {
         appendPath(data, entry.Path);
-        if (entry.OldStatus >= 0 && entry.OldStatus < int(statuses.size())) {
-            data.FileStatus.push_back(statuses[std::size_t(entry.OldStatus)]);
+        if (entry.OldStatus >= 0 && entry.OldStatus < int(Statuses.size())) {
+            data.FileStatus.push_back(Statuses[std::size_t(entry.OldStatus)]);
         }
     }
     BuildFileOrder(data);

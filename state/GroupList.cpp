@@ -79,7 +79,7 @@ GroupListError ReadScriptFileGroup(const QString& path, ScriptFileGroup* group, 
 }
 
 GroupListError ScriptFileGroupOfText(QStringView text, ScriptFileGroup* group) {
-    constexpr qsizetype pathColumn = 6;
+    constexpr qsizetype PathColumn = 6;
     Lines lines(text);
     QString line;
     if (!lines.Next(line) || (line != u"Tarnel V2 Script File" && line != u"Tarnel V2.6.5 Script File")) {
@@ -94,7 +94,7 @@ GroupListError ScriptFileGroupOfText(QStringView text, ScriptFileGroup* group) {
     group->AlarmTime = number();
     group->Entries.clear();
     while (lines.Next(line)) {
-        group->Entries.push_back({line.sliced(std::min(pathColumn, line.size())), ParseNumber(line)});
+        group->Entries.push_back({line.sliced(std::min(PathColumn, line.size())), ParseNumber(line)});
     }
     return GroupListError::None;
 }

@@ -188,10 +188,10 @@ FileJournal& Journal() {
 bool FileJournal::Open(const std::string& name, const std::string& owner, std::string* cause) {
     Close();
     path = absolute(name);
-    constexpr int flags = O_WRONLY | O_APPEND | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-    file = ::open(path.c_str(), flags | O_CREAT | O_EXCL, 0644);
+    constexpr int Flags = O_WRONLY | O_APPEND | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+    file = ::open(path.c_str(), Flags | O_CREAT | O_EXCL, 0644);
     if (file < 0 && errno == EEXIST) {
-        file = ::open(path.c_str(), flags);
+        file = ::open(path.c_str(), Flags);
     }
     struct stat info {};
     if (file >= 0 && (::fstat(file, &info) != 0 || !S_ISREG(info.st_mode) || info.st_nlink != 1 ||

@@ -288,14 +288,14 @@ int OpenOwn(const std::string& path, int flags) {
 }
 
 std::string RandomName(const std::string& path) {
-    constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz012345";
+    constexpr char Letters[] = "abcdefghijklmnopqrstuvwxyz012345";
     std::array<unsigned char, RandomLetters> bytes{};
     if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
         return {};
     }
     std::string name = path + "-";
     for (const unsigned char byte : bytes) {
-        name += letters[byte % 32];
+        name += Letters[byte % 32];
     }
     return name;
 }

@@ -17,7 +17,7 @@ struct Row {
 };
 
 // clang-format off
-constexpr std::array<Row, 43> rows = {{
+constexpr std::array<Row, 43> Rows = {{
     {"ar", 1256}, {"az", 1254}, {"be", 1251}, {"bg", 1251}, {"bs", 1250}, {"cs", 1250}, {"el", 1253},
     {"et", 1257}, {"fa", 1256}, {"he", 1255}, {"hr", 1250}, {"hu", 1250}, {"iw", 1255}, {"ja", 932},
     {"kk", 1251}, {"ko", 949},  {"ky", 1251}, {"lt", 1257}, {"lv", 1257}, {"mk", 1251}, {"mn", 1251},
@@ -79,8 +79,8 @@ int LanguagePage() {
         return isTraditional ? 950 : 936;
     }
     const auto* row =
-        std::find_if(rows.begin(), rows.end(), [&](const Row& r) { return r.Language == language; });
-    const int page = row != rows.end() ? row->Page : 1252;
+        std::find_if(Rows.begin(), Rows.end(), [&](const Row& r) { return r.Language == language; });
+    const int page = row != Rows.end() ? row->Page : 1252;
     return isLatin && page == 1251 ? 1250 : isCyrillic ? 1251 : page;
 }
 

@@ -3,7 +3,7 @@
 
 namespace {
 
-constexpr qsizetype lineLength = 76;
+constexpr qsizetype LineLength = 76;
 
 int valueOf(char16_t c) {
     if (c >= u'A' && c <= u'Z') {
@@ -30,12 +30,12 @@ bool isSpace(char16_t c) {
 QString Base64Encode(const QByteArray& bytes) {
     const QString text = QString::fromLatin1(bytes.toBase64());
     QString out;
-    out.reserve(text.size() + text.size() / lineLength * 2);
-    for (qsizetype at = 0; at < text.size(); at += lineLength) {
+    out.reserve(text.size() + text.size() / LineLength * 2);
+    for (qsizetype at = 0; at < text.size(); at += LineLength) {
         if (at > 0) {
             out += u"\r\n";
         }
-        out += QStringView(text).sliced(at, std::min(lineLength, text.size() - at));
+        out += QStringView(text).sliced(at, std::min(LineLength, text.size() - at));
     }
     return out;
 }

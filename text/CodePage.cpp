@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int hzPage = 52936;
+constexpr int HzPage = 52936;
 
 QByteArray encodeUtf8(QStringView text) {
     QByteArray out(text.size() * 3, Qt::Uninitialized);
@@ -21,22 +21,22 @@ QByteArray encodeUtf8(QStringView text) {
     const char16_t* from = text.utf16();
     const char16_t* end = from + text.size();
     while (from != end) {
-        constexpr std::ptrdiff_t block = 16;
-        while (end - from >= block) {
+        constexpr std::ptrdiff_t Block = 16;
+        while (end - from >= Block) {
             char16_t all = 0;
-            for (std::ptrdiff_t i = 0; i < block; ++i) {
+            for (std::ptrdiff_t i = 0; i < Block; ++i) {
                 all |= from[i];
             }
             if (all >= 0x80) {
                 break;
             }
-            for (std::ptrdiff_t i = 0; i < block; ++i) {
+            for (std::ptrdiff_t i = 0; i < Block; ++i) {
                 to[i] = static_cast<unsigned char>(from[i]);
             }
-            from += block;
-            to += block;
+            from += Block;
+            to += Block;
         }
-        for (std::ptrdiff_t left = std::min(block, end - from); left > 0 && from != end; --left) {
+        for (std::ptrdiff_t left = std::min(Block, end - from); left > 0 && from != end; --left) {
             char32_t c = *from++;
             if (c < 0x80) {
                 *to++ = static_cast<unsigned char>(c);
@@ -67,26 +67,26 @@ QByteArray encodeUtf8(QStringView text) {
 
 QString decodeUtf8(QByteArrayView bytes) {
     // A mark at the start would be taken away; here it is a character like any other.
-    constexpr QByteArrayView mark = "\xEF\xBB\xBF";
-    if (bytes.startsWith(mark)) {
-        return QChar(QChar::ByteOrderMark) + QString::fromUtf8(bytes.sliced(mark.size()));
+    constexpr QByteArrayView Mark = "\xEF\xBB\xBF";
+    if (bytes.startsWith(Mark)) {
+        return QChar(QChar::ByteOrderMark) + QString::fromUtf8(bytes.sliced(Mark.size()));
     }
     return QString::fromUtf8(bytes);
 }
 
 /// The same with another character for bytes that mean nothing; U+FFFD that the text holds itself stays.
 QString decodeUtf8(QByteArrayView bytes, char16_t unknown) {
-    constexpr QByteArrayView genuine = "\xEF\xBF\xBD";
+    constexpr QByteArrayView Genuine = "\xEF\xBF\xBD";
     QString text;
     for (;;) {
-        const qsizetype at = bytes.indexOf(genuine);
+        const qsizetype at = bytes.indexOf(Genuine);
         text +=
             decodeUtf8(bytes.first(at < 0 ? bytes.size() : at)).replace(QChar::ReplacementCharacter, unknown);
         if (at < 0) {
             return text;
         }
         text += QChar(QChar::ReplacementCharacter);
-        bytes = bytes.sliced(at + genuine.size());
+        bytes = bytes.sliced(at + Genuine.size());
     }
 }
 
@@ -147,7 +147,7 @@ QByteArray EncodeText(QStringView text, int page, char substitute, bool* lossy) 
     } else if (IcuConverter icu(page); icu.IsOpen()) {
         out = icu.Encode(text, substitute, lost);
         // ICU begins with the mark for ASCII, in which such a text begins anyway: a declaration stands first.
-        if (constexpr QByteArrayView ascii = "~}"; page == hzPage && out.startsWith(ascii)) {
+        if (constexpr QByteArrayView ascii = "~}"; page == HzPage && out.startsWith(ascii)) {
             out.remove(0, ascii.size());
         }
     } else if (HasLibraryPage(page)) {

@@ -13,14 +13,14 @@ void PositionIndex::Reset(std::uint32_t room) {
 }
 
 void PositionIndex::grow(std::uint32_t wanted) {
-    constexpr std::uint32_t perSegment = 0x10000;
-    const std::uint32_t count = (wanted + perSegment - 1) / perSegment;
+    constexpr std::uint32_t PerSegment = 0x10000;
+    const std::uint32_t count = (wanted + PerSegment - 1) / PerSegment;
     if (count > segments.capacity()) {
         segments.reserve(std::size_t{count} * 2 + 4);
     }
     while (capacity < wanted) {
-        const std::uint32_t last = capacity / perSegment;
-        const std::uint32_t slots = std::min(perSegment, wanted - last * perSegment);
+        const std::uint32_t last = capacity / PerSegment;
+        const std::uint32_t slots = std::min(PerSegment, wanted - last * PerSegment);
         if (last == segments.size()) {
             segments.emplace_back();
         }
@@ -30,6 +30,6 @@ void PositionIndex::grow(std::uint32_t wanted) {
         }
         static_cast<void>(segments[last].release());
         segments[last].reset(static_cast<ElementPosition*>(block));
-        capacity = last * perSegment + slots;
+        capacity = last * PerSegment + slots;
     }
 }

@@ -15,7 +15,7 @@ struct NameRow {
 
 // Sorted by bytes. The misspelling, the name with a blank at its end and the EBCDIC names are in use.
 // clang-format off
-constexpr std::array<NameRow, 365> nameRows = {{
+constexpr std::array<NameRow, 365> NameRows = {{
     {"_iso-2022-jp", 50221}, {"_iso-2022-jp$sio", 50222}, {"ansi_x3.4-1968", 20127},
     {"ansi_x3.4-1986", 20127}, {"arabic", 28596}, {"ascii", 20127}, {"asmo-708", 708}, {"big5", 950},
     {"big5-hkscs", 950}, {"ccsid00858", 858}, {"chinese", 936}, {"cn-big5", 950}, {"cn-gb", 936},
@@ -105,14 +105,14 @@ constexpr std::array<NameRow, 365> nameRows = {{
 }  // namespace
 
 int EncodingToCodePage(QStringView name) {
-    constexpr qsizetype nameLimit = 100;
+    constexpr qsizetype NameLimit = 100;
     if (name.isEmpty()) {
         return LocalePage;
     }
     if (name.startsWith(u"UTF-32")) {
         return Utf32Page;
     }
-    if (name.size() >= nameLimit) {
+    if (name.size() >= NameLimit) {
         return -1;
     }
     std::string lowered;
@@ -123,12 +123,12 @@ int EncodingToCodePage(QStringView name) {
         lowered += static_cast<char>(c >= u'A' && c <= u'Z' ? c.unicode() + 32 : c.unicode());
     }
     const auto row =
-        std::lower_bound(nameRows.begin(), nameRows.end(), lowered,
+        std::lower_bound(NameRows.begin(), NameRows.end(), lowered,
                          [](const NameRow& left, const std::string& right) { return left.Name < right; });
-    return row != nameRows.end() && row->Name == lowered ? row->Page : -1;
+    return row != NameRows.end() && row->Name == lowered ? row->Page : -1;
 }
 
 bool CodePageNeedsNoDefault(int page) {
-    constexpr std::array pages = {50220, 50221, 50222, 50225, 50227, 50229, 52936, 54936, 65000, 65001};
-    return std::binary_search(pages.begin(), pages.end(), page) || (page >= 57002 && page <= 57011);
+    constexpr std::array Pages = {50220, 50221, 50222, 50225, 50227, 50229, 52936, 54936, 65000, 65001};
+    return std::binary_search(Pages.begin(), Pages.end(), page) || (page >= 57002 && page <= 57011);
 }

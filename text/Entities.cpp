@@ -16,7 +16,7 @@ struct EntityRow {
 // The 252 character entities of HTML 4 and "apos", in small letters and sorted; of a pair that differs in
 // case alone the capital form stands first.
 // clang-format off
-constexpr std::array<EntityRow, 253> entityRows = {{
+constexpr std::array<EntityRow, 253> EntityRows = {{
     {"aacute", 193}, {"aacute", 225}, {"acirc", 194}, {"acirc", 226}, {"acute", 180}, {"aelig", 198},
     {"aelig", 230}, {"agrave", 192}, {"agrave", 224}, {"alefsym", 8501}, {"alpha", 913}, {"alpha", 945},
     {"amp", 38}, {"and", 8743}, {"ang", 8736}, {"apos", 39}, {"aring", 197}, {"aring", 229},
@@ -65,9 +65,9 @@ constexpr std::array<EntityRow, 253> entityRows = {{
 /// Code of an entity's name in small letters, 0 when there is none.
 char32_t entityCode(std::string_view name) {
     const auto row =
-        std::lower_bound(entityRows.begin(), entityRows.end(), name,
+        std::lower_bound(EntityRows.begin(), EntityRows.end(), name,
                          [](const EntityRow& left, std::string_view right) { return left.Name < right; });
-    return row != entityRows.end() && row->Name == name ? row->Code : 0;
+    return row != EntityRows.end() && row->Name == name ? row->Code : 0;
 }
 
 /// Code of the number behind "#", 0 when it is none.
@@ -100,8 +100,8 @@ constexpr std::uint64_t bit(char16_t c) {
     return std::uint64_t{1} << c;
 }
 // All characters to escape lie below 64.
-constexpr std::uint64_t textSpecials = bit(u'<') | bit(u'&') | bit(u'>');
-constexpr std::uint64_t attributeSpecials = textSpecials | bit(u'\'') | bit(u'"');
+constexpr std::uint64_t TextSpecials = bit(u'<') | bit(u'&') | bit(u'>');
+constexpr std::uint64_t AttributeSpecials = TextSpecials | bit(u'\'') | bit(u'"');
 
 QStringView escapeOf(char16_t c) {
     switch (c) {
@@ -143,11 +143,11 @@ void MarkupBuffer::grow(qsizetype wanted) {
 }
 
 void AppendEscapedText(MarkupBuffer& out, QStringView text) {
-    appendEscaped(out, text, textSpecials);
+    appendEscaped(out, text, TextSpecials);
 }
 
 void AppendEscapedAttribute(MarkupBuffer& out, QStringView value) {
-    appendEscaped(out, value, attributeSpecials);
+    appendEscaped(out, value, AttributeSpecials);
 }
 
 QString UnescapeMarkup(QStringView text) {
@@ -159,11 +159,11 @@ QString UnescapeMarkup(QStringView text) {
     out.reserve(text.size());
     qsizetype done = 0;
     for (; at >= 0; at = text.indexOf(u'&', at)) {
-        constexpr qsizetype longestName = 9;
-        std::array<char, longestName> name{};
+        constexpr qsizetype LongestName = 9;
+        std::array<char, LongestName> name{};
         std::size_t length = 0;
         qsizetype end = at + 1;
-        for (; end < text.size() && end <= at + longestName; ++end) {
+        for (; end < text.size() && end <= at + LongestName; ++end) {
             const char16_t c = text[end].unicode();
             if (c == u';' || c >= 128) {
                 break;

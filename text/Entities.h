@@ -32,12 +32,12 @@ class MarkupBuffer {
   private:
     void grow(qsizetype wanted);
 
-    static constexpr qsizetype onStack = 512;
-    std::array<char16_t, onStack> local;
+    static constexpr qsizetype OnStack = 512;
+    std::array<char16_t, OnStack> local;
     std::unique_ptr<char16_t[]> heap;
     char16_t* units = local.data();
     qsizetype size = 0;
-    qsizetype capacity = onStack;
+    qsizetype capacity = OnStack;
 };
 
 /// Appends element text with "<", "&" and ">" escaped.

@@ -19,7 +19,7 @@ struct Converter {
 
 // Names under which ICU knows the pages that it does not know as "windows-N" or "ibm-N". The Mac pages of
 // East Asia are the national encoding in all that documents use.
-constexpr std::array icuNames = {
+constexpr std::array IcuNames = {
     Converter{708, "ASMO-708"},
     Converter{936, "windows-936-2000"},
     Converter{1200, "UTF-16LE"},
@@ -88,9 +88,9 @@ UConverter* open(int page) {
     if (page <= 0) {
         return openByName(LocaleEncoding().constData());
     }
-    const auto* row = std::find_if(icuNames.begin(), icuNames.end(),
+    const auto* row = std::find_if(IcuNames.begin(), IcuNames.end(),
                                    [page](const Converter& converter) { return converter.Page == page; });
-    if (row != icuNames.end()) {
+    if (row != IcuNames.end()) {
         return openByName(row->Name);
     }
     const std::string number = std::to_string(page);

@@ -8,13 +8,13 @@
 
 namespace {
 
-constexpr int widePage = 50220;
-constexpr int shiftPage = 50222;
-constexpr char escape = '\x1b';
-constexpr char shiftOut = '\x0e';
-constexpr char shiftIn = '\x0f';
-constexpr int kanjiPage = 932;
-constexpr int eucPage = 51932;
+constexpr int WidePage = 50220;
+constexpr int ShiftPage = 50222;
+constexpr char Escape = '\x1b';
+constexpr char ShiftOut = '\x0e';
+constexpr char ShiftIn = '\x0f';
+constexpr int KanjiPage = 932;
+constexpr int EucPage = 51932;
 
 enum class Set { Ascii, Katakana, Kanji, MoreKanji };
 
@@ -22,7 +22,7 @@ struct Sequence {
     QByteArrayView Bytes;
     Set Meaning;
 };
-constexpr std::array sequences = {
+constexpr std::array Sequences = {
     Sequence{"$(D", Set::MoreKanji}, Sequence{"$(B", Set::Kanji}, Sequence{"$(@", Set::Kanji},
     Sequence{"$B", Set::Kanji},      Sequence{"$@", Set::Kanji},  Sequence{"(B", Set::Ascii},
     Sequence{"(J", Set::Ascii},      Sequence{"(H", Set::Ascii},  Sequence{"(I", Set::Katakana},
@@ -44,7 +44,7 @@ std::array<char, 2> shifted(int row, int column) {
 const std::unordered_map<char16_t, int>& kanjiPlaces() {
     static const std::unordered_map<char16_t, int> places = [] {
         std::unordered_map<char16_t, int> found;
-        IcuConverter icu(kanjiPage);
+        IcuConverter icu(KanjiPage);
         for (int row = 0x21; row <= 0x7e; ++row) {
             for (int column = 0x21; column <= 0x7e; ++column) {
                 const std::array<char, 2> bytes = shifted(row, column);
@@ -88,13 +88,13 @@ class Writer {
         if (set != current) {
             // A shift leaves the set below it as it was, so that is made ASCII around one.
             if (shifts && current == Set::Katakana) {
-                out += shiftIn;
+                out += ShiftIn;
             }
             if (shifts && set == Set::Katakana && current == Set::Kanji) {
                 out += "\x1b(B";
             }
             if (shifts && set == Set::Katakana) {
-                out += shiftOut;
+                out += ShiftOut;
             } else if (set == Set::Kanji) {
                 out += "\x1b$B";
             } else if (set == Set::Katakana) {
@@ -120,21 +120,21 @@ class Writer {
 }  // namespace
 
 bool IsJapaneseMailPage(int page) {
-    return page >= widePage && page <= shiftPage;
+    return page >= WidePage && page <= ShiftPage;
 }
 
 QString DecodeJapaneseMail(QByteArrayView bytes, char16_t unknown) {
     QString out;
-    IcuConverter kanji(kanjiPage);
-    IcuConverter euc(eucPage);
+    IcuConverter kanji(KanjiPage);
+    IcuConverter euc(EucPage);
     Set set = Set::Ascii;
     bool isShifted = false;
     for (qsizetype i = 0; i < bytes.size();) {
         const int byte = static_cast<unsigned char>(bytes[i]);
         const QByteArrayView rest = bytes.sliced(i + 1);
-        if (byte == escape) {
+        if (byte == Escape) {
             const Sequence* found = nullptr;
-            for (const Sequence& sequence : sequences) {
+            for (const Sequence& sequence : Sequences) {
                 if (found == nullptr && rest.startsWith(sequence.Bytes)) {
                     found = &sequence;
                 }
@@ -145,8 +145,8 @@ QString DecodeJapaneseMail(QByteArrayView bytes, char16_t unknown) {
                 continue;
             }
         }
-        if (byte == shiftOut || byte == shiftIn) {
-            isShifted = byte == shiftOut;
+        if (byte == ShiftOut || byte == ShiftIn) {
+            isShifted = byte == ShiftOut;
             ++i;
             continue;
         }
@@ -174,8 +174,8 @@ QString DecodeJapaneseMail(QByteArrayView bytes, char16_t unknown) {
 }
 
 QByteArray EncodeJapaneseMail(QStringView text, int page, char substitute, bool& lossy) {
-    const QString wide = page == widePage ? widened(text) : text.toString();
-    Writer writer(page == shiftPage);
+    const QString wide = page == WidePage ? widened(text) : text.toString();
+    Writer writer(page == ShiftPage);
     for (qsizetype i = 0; i < wide.size(); ++i) {
         const QChar c = wide[i];
         if (c.unicode() < 0x80) {

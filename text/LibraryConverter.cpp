@@ -11,21 +11,21 @@
 
 namespace {
 
-constexpr int johabPage = 1361;
+constexpr int JohabPage = 1361;
 
 struct Row {
     int Page;
     const char* Name;
 };
 
-constexpr std::array rows = {
-    Row{154, "PT154"},       Row{johabPage, "JOHAB"}, Row{20106, "DIN_66003"}, Row{20107, "SEN_850200_C"},
+constexpr std::array Rows = {
+    Row{154, "PT154"},       Row{JohabPage, "JOHAB"}, Row{20106, "DIN_66003"}, Row{20107, "SEN_850200_C"},
     Row{20108, "NS_4551-1"}, Row{20261, "T.61-8BIT"}, Row{20269, "ISO_6937"},
 };
 
 const char* nameOf(int page) {
-    const auto* row = std::find_if(rows.begin(), rows.end(), [page](const Row& r) { return r.Page == page; });
-    return row != rows.end() ? row->Name : nullptr;
+    const auto* row = std::find_if(Rows.begin(), Rows.end(), [page](const Row& r) { return r.Page == page; });
+    return row != Rows.end() ? row->Name : nullptr;
 }
 
 class LibraryConverter {
@@ -109,12 +109,12 @@ QString DecodeByLibrary(QByteArrayView bytes, int page, char16_t unknown) {
         });
     QString text(reinterpret_cast<const QChar*>(units.constData()), units.size() / 2);
     // The C library has the won sign in the place of the backslash, as the national standard does.
-    return page == johabPage ? text.replace(u'\u20a9', u'\\') : text;
+    return page == JohabPage ? text.replace(u'\u20a9', u'\\') : text;
 }
 
 QByteArray EncodeByLibrary(QStringView text, int page, char substitute, bool& lossy) {
     QString changed;
-    if (page == johabPage) {
+    if (page == JohabPage) {
         changed = text.toString();
         for (QChar& c : changed) {
             c = c == u'\\' ? QChar(u'\u20a9') : c == u'\u20a9' ? QChar(QChar::ReplacementCharacter) : c;

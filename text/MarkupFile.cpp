@@ -22,20 +22,20 @@ struct ByteOrderMark {
     int UnitSize;
 };
 
-constexpr std::array marks = {
+constexpr std::array Marks = {
     ByteOrderMark{"\xEF\xBB\xBF", u"UTF-8", MarkupDocument::Utf8Mark, 1},
     ByteOrderMark{"\xFF\xFE", u"UTF-16LE", MarkupDocument::Utf16LittleEndian, 2},
     ByteOrderMark{"\xFE\xFF", u"UTF-16BE", MarkupDocument::Utf16BigEndian, 2},
 };
-constexpr std::uint32_t markFlags =
+constexpr std::uint32_t MarkFlags =
     MarkupDocument::Utf8Mark | MarkupDocument::Utf16LittleEndian | MarkupDocument::Utf16BigEndian;
 
 void addFileError(QString& report, int error) {
-    constexpr qsizetype longestMessage = 100;
+    constexpr qsizetype LongestMessage = 100;
     QString message = SystemMessage(error);
     const auto end =
         std::find_if(message.cbegin(), message.cend(), [](QChar c) { return c == u'\r' || c == u'\n'; });
-    message.truncate(std::min<qsizetype>(end - message.cbegin(), longestMessage));
+    message.truncate(std::min<qsizetype>(end - message.cbegin(), LongestMessage));
     AddReport(report, u"file_error", {{u"msg", message}, {u"n", QString::number(error)}});
 }
 
@@ -120,15 +120,15 @@ bool ReadMarkupFile(const QString& path, QString& text, QString& report, std::ui
 }
 
 QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags) {
-    flags &= ~markFlags;
+    flags &= ~MarkFlags;
     if (bytes.isEmpty()) {
         addTransfer(report, u"read", {}, 0);
         return {};
     }
-    const auto mark = std::find_if(marks.begin(), marks.end(),
+    const auto mark = std::find_if(Marks.begin(), Marks.end(),
                                    [&](const ByteOrderMark& m) { return bytes.startsWith(m.Bytes); });
     QString encoding;
-    if (mark != marks.end()) {
+    if (mark != Marks.end()) {
         flags |= mark->Flag;
         encoding = mark->Encoding.toString();
         bytes = bytes.sliced(mark->Bytes.size());
@@ -139,13 +139,13 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
     } else {
         // Korean mail announces its second set ahead of everything, some writers of Chinese mail that they
         // begin with ASCII.
-        constexpr std::array<QByteArrayView, 2> announcers = {"\x1b$)C", "~}"};
+        constexpr std::array<QByteArrayView, 2> Announcers = {"\x1b$)C", "~}"};
         QByteArrayView start = bytes;
-        for (const QByteArrayView announcer : announcers) {
+        for (const QByteArrayView announcer : Announcers) {
             start = start.startsWith(announcer) ? start.sliced(announcer.size()) : start;
         }
-        constexpr qsizetype sampleSize = 1024;
-        encoding = DeclaredEncoding(DecodeText(start.first(std::min(start.size(), sampleSize)), Utf8Page));
+        constexpr qsizetype SampleSize = 1024;
+        encoding = DeclaredEncoding(DecodeText(start.first(std::min(start.size(), SampleSize)), Utf8Page));
         if (encoding.isEmpty() && bytes.front() == '<') {
             encoding = QStringLiteral("UTF-8");
         }
@@ -184,7 +184,7 @@ QString DecodeMarkup(QByteArrayView bytes, QString& report, std::uint32_t& flags
 }
 
 bool WriteMarkupFile(const QString& path, const QString& text, QString& report, std::uint32_t flags) {
-    if ((flags & markFlags) == 0 && lacksPage(text, DeclaredEncoding(text), report)) {
+    if ((flags & MarkFlags) == 0 && lacksPage(text, DeclaredEncoding(text), report)) {
         return false;
     }
     const QByteArray bytes = EncodeMarkup(text, report, flags);
@@ -199,8 +199,8 @@ QByteArray EncodeMarkup(const QString& text, QString& report, std::uint32_t flag
     QByteArray bytes;
     QString encoding;
     const auto mark =
-        std::find_if(marks.begin(), marks.end(), [&](const ByteOrderMark& m) { return flags & m.Flag; });
-    if (mark != marks.end()) {
+        std::find_if(Marks.begin(), Marks.end(), [&](const ByteOrderMark& m) { return flags & m.Flag; });
+    if (mark != Marks.end()) {
         encoding = mark->Encoding.toString();
         bytes = mark->Bytes.toByteArray();
         AddReport(report, u"bom");
@@ -214,7 +214,7 @@ QByteArray EncodeMarkup(const QString& text, QString& report, std::uint32_t flag
         addTransfer(report, u"write", encoding, 0);
         return bytes;
     }
-    if (mark != marks.end() && mark->UnitSize == 2) {
+    if (mark != Marks.end() && mark->UnitSize == 2) {
         QString units = text;
         if (mark->Flag == MarkupDocument::Utf16BigEndian) {
             for (QChar& c : units) {

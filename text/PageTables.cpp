@@ -12,7 +12,7 @@ struct Half {
 
 // A place that means the same as an ASCII character is for text from right to left.
 // clang-format off
-constexpr std::array<Half, 6> halves = {{
+constexpr std::array<Half, 6> Halves = {{
     {853, {
         0x00c7, 0x00fc, 0x00e9, 0x00e2, 0x00e4, 0x00e0, 0x0109, 0x00e7, 0x00ea, 0x00eb, 0x00e8, 0x00ef,
         0x00ee, 0x00ec, 0x00c4, 0x0108, 0x00c9, 0x010b, 0x010a, 0x00f4, 0x00f6, 0x00f2, 0x00fb, 0x00f9,
@@ -95,7 +95,7 @@ constexpr std::array<Half, 6> halves = {{
 
 // Sorted by page. Libraries follow another maker in Greek letters and signs on the pages of the PC, and leave out
 // bytes that Windows gives a place of their own. The jamo of 1361 have two places each.
-constexpr std::array places = {
+constexpr std::array Places = {
     PagePlace{437, 0xe6, 0xb5},
     PagePlace{720, 0x80, 0x80}, PagePlace{720, 0x81, 0x81}, PagePlace{720, 0x84, 0x84},
     PagePlace{720, 0x86, 0x86}, PagePlace{720, 0x8d, 0x8d}, PagePlace{720, 0x8e, 0x8e},
@@ -127,13 +127,13 @@ constexpr std::array places = {
 
 const std::array<char16_t, 128>* UpperHalf(int page) {
     const auto half =
-        std::find_if(halves.begin(), halves.end(), [page](const Half& row) { return row.Page == page; });
-    return half != halves.end() ? &half->Characters : nullptr;
+        std::find_if(Halves.begin(), Halves.end(), [page](const Half& row) { return row.Page == page; });
+    return half != Halves.end() ? &half->Characters : nullptr;
 }
 
 std::span<const PagePlace> DifferingPlaces(int page) {
     const auto before = [](const PagePlace& row, int wanted) { return row.Page < wanted; };
-    const auto first = std::lower_bound(places.begin(), places.end(), page, before);
-    const auto last = std::lower_bound(first, places.end(), page + 1, before);
+    const auto first = std::lower_bound(Places.begin(), Places.end(), page, before);
+    const auto last = std::lower_bound(first, Places.end(), page + 1, before);
     return {first, last};
 }

@@ -4,8 +4,8 @@
 #include "text/MarkupDocument.h"
 
 void AddReport(QString& report, QStringView word, std::initializer_list<ReportAttribute> attributes) {
-    constexpr qsizetype fullLength = 1000;
-    if (report.size() >= fullLength) {
+    constexpr qsizetype FullLength = 1000;
+    if (report.size() >= FullLength) {
         return;
     }
     MarkupDocument element;

@@ -27,12 +27,12 @@ ScriptText DecodeScript(QByteArrayView bytes) {
 }
 
 QString TakeDescription(QByteArray& script) {
-    constexpr QByteArrayView head = ";DESCRIPTION:";
-    if (!script.startsWith(head)) {
+    constexpr QByteArrayView Head = ";DESCRIPTION:";
+    if (!script.startsWith(Head)) {
         return {};
     }
     const qsizetype end = script.indexOf('\n');
-    const QByteArray line = script.mid(head.size(), end < 0 ? -1 : end - head.size());
+    const QByteArray line = script.mid(Head.size(), end < 0 ? -1 : end - Head.size());
     script.remove(0, end < 0 ? script.size() : end + 1);
     return DecodeText(line, LocalePage);
 }

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::array<unsigned char, 2> wideMark = {0xff, 0xfe};
+constexpr std::array<unsigned char, 2> WideMark = {0xff, 0xfe};
 
 /// How many bytes at the end are the beginning of a character that goes on behind them.
 std::size_t unfinishedUtf8(const char* bytes, std::size_t size) {
@@ -44,7 +44,7 @@ QString withoutLineEnd(QString line) {
 bool CStdioFileEx::HasWideMark(const QString& path) {
     const std::unique_ptr<std::FILE, Closer> file(std::fopen(QFile::encodeName(path).constData(), "rbe"));
     std::array<unsigned char, 2> start{};
-    return file && std::fread(start.data(), 1, start.size(), file.get()) == start.size() && start == wideMark;
+    return file && std::fread(start.data(), 1, start.size(), file.get()) == start.size() && start == WideMark;
 }
 
 bool CStdioFileEx::Open(const QString& path, std::uint32_t flags, QString* message) {
@@ -129,7 +129,7 @@ bool CStdioFileEx::WriteString(QStringView text) {
         return false;
     }
     if (FileFlags & WriteWideFlag) {
-        if (std::ftell(stream.get()) == 0 && !write(wideMark.data(), wideMark.size())) {
+        if (std::ftell(stream.get()) == 0 && !write(WideMark.data(), WideMark.size())) {
             return false;
         }
         return write(text.utf16(), std::size_t(text.size()) * sizeof(char16_t));

@@ -45,7 +45,7 @@ std::uint32_t findAngle(const char16_t* text, std::uint32_t from, std::uint32_t 
     return from;
 }
 
-constexpr std::u16string_view wordEnds = u" \t\n\r<>=\\/?!\"';";
+constexpr std::u16string_view WordEnds = u" \t\n\r<>=\\/?!\"';";
 
 }  // namespace
 
@@ -256,11 +256,11 @@ void TextScanner::readDocumentType(NodeToken& token) {
 }
 
 QStringView TextScanner::NextWord() {
-    while (offset < size && wordEnds.find(text[offset]) != std::u16string_view::npos) {
+    while (offset < size && WordEnds.find(text[offset]) != std::u16string_view::npos) {
         ++offset;
     }
     const std::uint32_t start = offset;
-    while (offset < size && wordEnds.find(text[offset]) == std::u16string_view::npos) {
+    while (offset < size && WordEnds.find(text[offset]) == std::u16string_view::npos) {
         ++offset;
     }
     return {text + start, offset - start};

@@ -83,7 +83,7 @@ QString UserText::Fault() const {
 }
 
 UserText DecodeUserText(QByteArrayView bytes) {
-    constexpr QByteArrayView narrowMark = "\xEF\xBB\xBF";
+    constexpr QByteArrayView NarrowMark = "\xEF\xBB\xBF";
     if (bytes.startsWith("\xFF\xFE")) {
         return decodeWide(bytes.sliced(2), Utf16Page);
     }
@@ -91,8 +91,8 @@ UserText DecodeUserText(QByteArrayView bytes) {
         return decodeWide(bytes.sliced(2), Utf16Page + 1);
     }
     int page = LocalePage;
-    if (bytes.startsWith(narrowMark)) {
-        bytes = bytes.sliced(narrowMark.size());
+    if (bytes.startsWith(NarrowMark)) {
+        bytes = bytes.sliced(NarrowMark.size());
         page = Utf8Page;
     } else if (const int wide = unmarkedWidePage(bytes); wide != LocalePage) {
         return decodeWide(bytes, wide);

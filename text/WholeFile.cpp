@@ -77,7 +77,7 @@ QString SystemMessage(int error) {
 }
 
 int ReadWholeFile(const QString& path, QByteArray& bytes) {
-    constexpr off_t largest = 0x3fffffff;
+    constexpr off_t Largest = 0x3fffffff;
     bytes.clear();
     // A pipe that somebody has put there must not make this wait for a writer.
     const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -88,7 +88,7 @@ int ReadWholeFile(const QString& path, QByteArray& bytes) {
     if (!S_ISREG(status.st_mode)) {
         return S_ISDIR(status.st_mode) ? EISDIR : ENXIO;
     }
-    if (status.st_size > largest) {
+    if (status.st_size > Largest) {
         return EFBIG;
     }
     qsizetype used = 0;
@@ -98,7 +98,7 @@ int ReadWholeFile(const QString& path, QByteArray& bytes) {
         if (got < 0 && errno == EINTR) {
             continue;
         }
-        if (got < 0 || used + got > largest) {
+        if (got < 0 || used + got > Largest) {
             bytes.clear();
             return got < 0 ? errno : EFBIG;
         }

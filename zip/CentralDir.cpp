@@ -10,10 +10,10 @@
 #include <numeric>
 #include <optional>
 
-using ZipFormat::Get16;
-using ZipFormat::Get32;
-using ZipFormat::Put16;
-using ZipFormat::Put32;
+using zip_format::Get16;
+using zip_format::Get32;
+using zip_format::Put16;
+using zip_format::Put32;
 
 namespace {
 
@@ -41,10 +41,10 @@ EndRecord parseEnd(const std::string& path, const std::string& tail, std::size_t
     end.Count = Get16(record + 10);
     end.Size = Get32(record + 12);
     end.Offset = Get32(record + 16);
-    if ((end.Count == ZipFormat::Zip64Count || end.Size == ZipFormat::Zip64Size ||
-         end.Offset == ZipFormat::Zip64Size) &&
-        at >= ZipFormat::Zip64LocatorSize &&
-        Get32(record - ZipFormat::Zip64LocatorSize) == ZipFormat::Zip64LocatorSignature) {
+    if ((end.Count == zip_format::Zip64Count || end.Size == zip_format::Zip64Size ||
+         end.Offset == zip_format::Zip64Size) &&
+        at >= zip_format::Zip64LocatorSize &&
+        Get32(record - zip_format::Zip64LocatorSize) == zip_format::Zip64LocatorSignature) {
         raiseZip64(path);
     }
     if (Get16(record + 4) != 0 || Get16(record + 6) != 0 || Get16(record + 8) != end.Count) {
@@ -53,10 +53,10 @@ EndRecord parseEnd(const std::string& path, const std::string& tail, std::size_t
     if (end.Offset > position || end.Size > position - end.Offset) {
         raiseDamaged(path, "its directory lies outside the file");
     }
-    if (end.Count > end.Size / ZipFormat::CentralSize) {
+    if (end.Count > end.Size / zip_format::CentralSize) {
         raiseDamaged(path, "its directory is too small for the number of entries");
     }
-    end.Comment = tail.substr(at + ZipFormat::EndSize, Get16(record + 20));
+    end.Comment = tail.substr(at + zip_format::EndSize, Get16(record + 20));
     return end;
 }
 
@@ -64,20 +64,20 @@ EndRecord parseEnd(const std::string& path, const std::string& tail, std::size_t
 // that fits is taken. Zeros behind it are the padding of a tool that writes in blocks to a pipe.
 EndRecord findEnd(CZipStorage& storage) {
     const std::string& path = storage.Path();
-    if (storage.Size() < ZipFormat::EndSize) {
+    if (storage.Size() < zip_format::EndSize) {
         raiseDamaged(path, "is too short for a zip archive");
     }
-    constexpr std::size_t reach = ZipFormat::Zip64LocatorSize + ZipFormat::EndSize + 0xFFFFU + MaxPadding;
-    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(storage.Size(), reach));
+    constexpr std::size_t Reach = zip_format::Zip64LocatorSize + zip_format::EndSize + 0xFFFFU + MaxPadding;
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(storage.Size(), Reach));
     std::string tail(size, '\0');
     storage.ReadAt(storage.Size() - size, tail.data(), size);
     const std::size_t used = tail.find_last_not_of('\0') + 1;
     std::optional<CZipException> first;
-    for (std::size_t at = size - ZipFormat::EndSize + 1; at-- > 0;) {
-        if (tail[at] != 'P' || Get32(tail.data() + at) != ZipFormat::EndSignature) {
+    for (std::size_t at = size - zip_format::EndSize + 1; at-- > 0;) {
+        if (tail[at] != 'P' || Get32(tail.data() + at) != zip_format::EndSignature) {
             continue;
         }
-        const std::size_t end = at + ZipFormat::EndSize + Get16(tail.data() + at + 20);
+        const std::size_t end = at + zip_format::EndSize + Get16(tail.data() + at + 20);
         if (end > size || end < used) {
             continue;
         }
@@ -121,13 +121,13 @@ void CCentralDir::readRecords(const std::string& path, std::size_t count, std::u
     for (std::size_t i = 0; i < count; ++i) {
         const auto label = [i] { return "entry " + std::to_string(i) + " of its directory "; };
         const char* record = records.data() + at;
-        if (records.size() - at < ZipFormat::CentralSize || Get32(record) != ZipFormat::CentralSignature) {
+        if (records.size() - at < zip_format::CentralSize || Get32(record) != zip_format::CentralSignature) {
             raiseDamaged(path, label() + "is missing");
         }
         const std::size_t name = Get16(record + 28);
         const std::size_t extra = Get16(record + 30);
         const std::size_t note = Get16(record + 32);
-        if (name + extra + note > records.size() - at - ZipFormat::CentralSize) {
+        if (name + extra + note > records.size() - at - zip_format::CentralSize) {
             raiseDamaged(path, label() + "reaches beyond the directory");
         }
         Entry entry;
@@ -144,20 +144,21 @@ void CCentralDir::readRecords(const std::string& path, std::size_t count, std::u
         header.UncompSize = Get32(record + 24);
         header.Attributes = Get32(record + 38);
         header.Offset = Get32(record + 42);
-        const char* text = record + ZipFormat::CentralSize;
+        const char* text = record + zip_format::CentralSize;
         header.Name = DecodeEntryName({text, name}, header.Flags, header.VersionMadeBy, {text + name, extra});
-        if (header.CompSize == ZipFormat::Zip64Size || header.UncompSize == ZipFormat::Zip64Size ||
-            header.Offset == ZipFormat::Zip64Size) {
+        if (header.CompSize == zip_format::Zip64Size || header.UncompSize == zip_format::Zip64Size ||
+            header.Offset == zip_format::Zip64Size) {
             raiseZip64(path);
         }
         if (Get16(record + 34) != 0) {
             throw CZipException(CZipException::Unsupported, path, label() + "lies in another file");
         }
-        if (header.Offset + ZipFormat::LocalSize + name + static_cast<std::uint64_t>(header.CompSize) > end) {
+        if (header.Offset + zip_format::LocalSize + name + static_cast<std::uint64_t>(header.CompSize) >
+            end) {
             raiseDamaged(path, label() + "reaches beyond the data");
         }
         entries.push_back(std::move(entry));
-        at += ZipFormat::CentralSize + name + extra + note;
+        at += zip_format::CentralSize + name + extra + note;
     }
     if (at != records.size()) {
         raiseDamaged(path, "its directory is longer than its entries");
@@ -175,7 +176,7 @@ void CCentralDir::checkExtents(const std::string& path) {
         Entry& entry = entries[order[i]];
         entry.Limit = i + 1 < order.size() ? entries[order[i + 1]].Header.Offset : offset;
         const std::size_t name = RawName(static_cast<int>(order[i])).size();
-        if (entry.Header.Offset + ZipFormat::LocalSize + name + entry.Header.CompSize > entry.Limit) {
+        if (entry.Header.Offset + zip_format::LocalSize + name + entry.Header.CompSize > entry.Limit) {
             raiseDamaged(path, "entry \"" + entry.Header.Name + "\" overlaps the one behind it");
         }
     }
@@ -183,12 +184,12 @@ void CCentralDir::checkExtents(const std::string& path) {
 
 std::string_view CCentralDir::RawName(int index) const {
     const char* record = records.data() + entries[static_cast<std::size_t>(index)].Record;
-    return {record + ZipFormat::CentralSize, Get16(record + 28)};
+    return {record + zip_format::CentralSize, Get16(record + 28)};
 }
 
 void CCentralDir::Add(const CFileHeader& header, std::string_view rawName, std::uint64_t limit) {
     Entry entry{header, records.size(), limit};
-    Put32(records, ZipFormat::CentralSignature);
+    Put32(records, zip_format::CentralSignature);
     Put16(records, header.VersionMadeBy);
     Put16(records, header.VersionNeeded);
     Put16(records, header.Flags);
@@ -213,7 +214,7 @@ void CCentralDir::Write(CZipStorage& storage) const {
     const std::uint64_t start = storage.Position();
     storage.Append(records.data(), records.size());
     std::string end;
-    Put32(end, ZipFormat::EndSignature);
+    Put32(end, zip_format::EndSignature);
     Put16(end, 0);
     Put16(end, 0);
     Put16(end, static_cast<std::uint32_t>(entries.size()));
@@ -226,5 +227,5 @@ void CCentralDir::Write(CZipStorage& storage) const {
 }
 
 std::uint64_t CCentralDir::WrittenSize() const {
-    return records.size() + ZipFormat::EndSize + comment.size();
+    return records.size() + zip_format::EndSize + comment.size();
 }

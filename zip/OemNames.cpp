@@ -57,14 +57,14 @@ std::string cleanUtf8(std::string_view text) {
 // The name in an extra field 0x7075, valid only for the very bytes that it was made for.
 bool unicodePath(std::string_view extra, std::string_view bytes, std::string& name) {
     while (extra.size() >= 4) {
-        const std::uint16_t id = ZipFormat::Get16(extra.data());
-        const std::size_t size = ZipFormat::Get16(extra.data() + 2);
+        const std::uint16_t id = zip_format::Get16(extra.data());
+        const std::size_t size = zip_format::Get16(extra.data() + 2);
         if (size > extra.size() - 4) {
             return false;
         }
         const std::string_view field = extra.substr(4, size);
-        if (id == ZipFormat::ExtraUnicodePath && size >= 5 && field[0] == 1 &&
-            ZipFormat::Get32(field.data() + 1) ==
+        if (id == zip_format::ExtraUnicodePath && size >= 5 && field[0] == 1 &&
+            zip_format::Get32(field.data() + 1) ==
                 crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size())) {
             name = cleanUtf8(field.substr(5));
             return true;
@@ -83,7 +83,7 @@ StoredName EncodeEntryName(const std::string& name) {
 std::string DecodeEntryName(std::string_view bytes, std::uint16_t flags, std::uint16_t madeBy,
                             std::string_view extra) {
     std::string name;
-    if ((flags & ZipFormat::FlagUtf8) != 0) {
+    if ((flags & zip_format::FlagUtf8) != 0) {
         return cleanUtf8(bytes);
     }
     if (unicodePath(extra, bytes, name)) {
@@ -94,7 +94,7 @@ std::string DecodeEntryName(std::string_view bytes, std::uint16_t flags, std::ui
     }
     const int system = madeBy & 0xFF00;
     name = cleanUtf8(bytes);
-    if ((system == ZipFormat::MadeOnUnix || system == ZipFormat::MadeOnMac) && name == bytes) {
+    if ((system == zip_format::MadeOnUnix || system == zip_format::MadeOnMac) && name == bytes) {
         return name;
     }
     icu::UnicodeString text;

@@ -12,10 +12,10 @@
 #include <cerrno>
 #include <cstring>
 
-using ZipFormat::Get16;
-using ZipFormat::Get32;
-using ZipFormat::Put16;
-using ZipFormat::Put32;
+using zip_format::Get16;
+using zip_format::Get32;
+using zip_format::Put16;
+using zip_format::Put32;
 
 namespace {
 
@@ -84,7 +84,7 @@ struct CZipArchive::State {
 
     // Bytes of the whole archive if it ended after `more` further bytes and this entry.
     std::uint64_t EndAfter(std::uint64_t more) const {
-        return Storage.Position() + more + Directory.WrittenSize() + ZipFormat::CentralSize + RawName.size();
+        return Storage.Position() + more + Directory.WrittenSize() + zip_format::CentralSize + RawName.size();
     }
 
     void Append(const void* data, std::size_t count, std::uint64_t limit) {
@@ -96,7 +96,7 @@ struct CZipArchive::State {
 
     std::string LocalHeader() const {
         std::string local;
-        Put32(local, ZipFormat::LocalSignature);
+        Put32(local, zip_format::LocalSignature);
         Put16(local, Header.VersionNeeded);
         Put16(local, Header.Flags);
         Put16(local, Header.Method);
@@ -132,7 +132,7 @@ struct CZipArchive::State {
 
     // Behind the last byte the stream must end, with its packed bytes used up and the CRC right.
     void CheckEnd() {
-        if (Header.Method == ZipFormat::Deflated) {
+        if (Header.Method == zip_format::Deflated) {
             char spare = 0;
             std::size_t done = 0;
             const auto end =
@@ -149,22 +149,22 @@ struct CZipArchive::State {
 
     // The local header must say the same as the directory; it tells where the data begins.
     void FindData(int index) {
-        char local[ZipFormat::LocalSize];
+        char local[zip_format::LocalSize];
         const std::uint64_t limit = Directory.Limit(index);
         Storage.ReadAt(Header.Offset, local, sizeof local);
-        if (Get32(local) != ZipFormat::LocalSignature) {
+        if (Get32(local) != zip_format::LocalSignature) {
             RaiseEntry(CZipException::Damaged, "is damaged: it has no header");
         }
         const std::size_t name = Get16(local + 26);
-        DataStart = Header.Offset + ZipFormat::LocalSize + name + Get16(local + 28);
+        DataStart = Header.Offset + zip_format::LocalSize + name + Get16(local + 28);
         if (DataStart + Header.CompSize > limit) {
             RaiseEntry(CZipException::Damaged, "is damaged: it overlaps the one behind it");
         }
         std::string localName(name, '\0');
-        Storage.ReadAt(Header.Offset + ZipFormat::LocalSize, localName.data(), name);
-        const bool sizesLater = (Get16(local + 6) & ZipFormat::FlagDescriptor) != 0;
+        Storage.ReadAt(Header.Offset + zip_format::LocalSize, localName.data(), name);
+        const bool sizesLater = (Get16(local + 6) & zip_format::FlagDescriptor) != 0;
         const auto same = [](std::uint32_t value, std::uint32_t told) {
-            return value == told || value == ZipFormat::Zip64Size;
+            return value == told || value == zip_format::Zip64Size;
         };
         if (localName != Directory.RawName(index) || Get16(local + 8) != Header.Method ||
             (!sizesLater && (Get32(local + 14) != Header.Crc32 || !same(Get32(local + 18), Header.CompSize) ||
@@ -255,7 +255,7 @@ void CZipArchive::OpenNewFile(CFileHeader& header, int level, const char* path) 
     }
     std::time_t time = std::time(nullptr);
     std::uint64_t known = 0;
-    std::uint32_t mode = ZipFormat::PlainFileMode;
+    std::uint32_t mode = zip_format::PlainFileMode;
     if (path != nullptr) {
         struct stat status {};
         if (stat(path, &status) != 0) {
@@ -269,32 +269,32 @@ void CZipArchive::OpenNewFile(CFileHeader& header, int level, const char* path) 
     if (header.ModDate == 0 && header.ModTime == 0) {
         s.Header.SetTime(time);
     }
-    if (header.Method != ZipFormat::Deflated && header.Method != ZipFormat::Stored) {
+    if (header.Method != zip_format::Deflated && header.Method != zip_format::Stored) {
         s.RaiseEntry(CZipException::Unsupported, "has method " + std::to_string(header.Method));
     }
     StoredName stored = EncodeEntryName(s.Header.Name);
     s.RawName = std::move(stored.Bytes);
-    s.Header.Flags = header.Method == ZipFormat::Deflated ? levelFlags(level) : 0;
+    s.Header.Flags = header.Method == zip_format::Deflated ? levelFlags(level) : 0;
     if (stored.Utf8) {
-        s.Header.Flags |= ZipFormat::FlagUtf8;
+        s.Header.Flags |= zip_format::FlagUtf8;
     }
     s.Header.VersionNeeded = 20;
-    s.Header.VersionMadeBy = ZipFormat::MadeOnUnix | s.Header.VersionNeeded;
+    s.Header.VersionMadeBy = zip_format::MadeOnUnix | s.Header.VersionNeeded;
     s.Header.Attributes = mode << 16U | (header.Attributes & 0xFFFFU);
     s.Header.Name = DecodeEntryName(s.RawName, s.Header.Flags, s.Header.VersionMadeBy, {});
     s.Header.Crc32 = s.Header.CompSize = s.Header.UncompSize = 0;
-    if (s.RawName.size() > ZipFormat::MaxName) {
+    if (s.RawName.size() > zip_format::MaxName) {
         s.RaiseEntry(CZipException::TooLarge, "has a name of over 65,535 bytes");
     }
-    if (static_cast<std::size_t>(Count()) >= ZipFormat::MaxEntries) {
+    if (static_cast<std::size_t>(Count()) >= zip_format::MaxEntries) {
         s.RaiseEntry(CZipException::TooLarge, "is one too many: an archive holds 65,535");
     }
     if (known > SizeLimit) {
         s.RaiseEntry(CZipException::TooLarge, "is over 4 GiB: that would need ZIP64");
     }
     s.Start = s.Storage.IsWriting() ? s.Storage.Position() : s.Directory.Offset();
-    const std::uint64_t headerEnd = s.Start + ZipFormat::LocalSize + s.RawName.size();
-    if (headerEnd + s.Directory.WrittenSize() + ZipFormat::CentralSize + s.RawName.size() > SizeLimit) {
+    const std::uint64_t headerEnd = s.Start + zip_format::LocalSize + s.RawName.size();
+    if (headerEnd + s.Directory.WrittenSize() + zip_format::CentralSize + s.RawName.size() > SizeLimit) {
         s.RaiseEntry(CZipException::TooLarge, "does not fit: the archive would need ZIP64");
     }
     if (!s.Storage.IsWriting()) {
@@ -306,7 +306,7 @@ void CZipArchive::OpenNewFile(CFileHeader& header, int level, const char* path) 
         const std::string local = s.LocalHeader();
         s.Storage.Append(local.data(), local.size());
         s.DataStart = s.Storage.Position();
-        if (s.Header.Method == ZipFormat::Deflated) {
+        if (s.Header.Method == zip_format::Deflated) {
             s.Info.BeginDeflate(std::clamp(level, 0, 9));
         }
     });
@@ -323,7 +323,7 @@ void CZipArchive::WriteNewFile(const void* buffer, std::size_t count) {
         }
         s.Crc = crc32_z(s.Crc, static_cast<const Bytef*>(buffer), count);
         s.Header.UncompSize += static_cast<std::uint32_t>(count);
-        if (s.Header.Method == ZipFormat::Stored) {
+        if (s.Header.Method == zip_format::Stored) {
             s.Append(buffer, count, SizeLimit);
         } else {
             s.Info.Deflate(buffer, count,
@@ -336,7 +336,7 @@ void CZipArchive::CloseNewFile() {
     State& s = *state;
     s.Need(State::Work::Writing, "ending an entry");
     s.Write([&] {
-        if (s.Header.Method == ZipFormat::Deflated) {
+        if (s.Header.Method == zip_format::Deflated) {
             s.Info.FinishDeflate(
                 [&](const void* data, std::size_t size) { s.Append(data, size, SizeLimit); });
         }
@@ -353,24 +353,26 @@ void CZipArchive::OpenFile(int index) {
     State& s = *state;
     s.Need(State::Work::Idle, "reading an entry");
     GetFileInfo(s.Header, index);
-    constexpr int locked = ZipFormat::FlagEncrypted | ZipFormat::FlagStrongEncryption | ZipFormat::FlagMasked;
-    if ((s.Header.Flags & locked) != 0) {
+    constexpr int Locked =
+        zip_format::FlagEncrypted | zip_format::FlagStrongEncryption | zip_format::FlagMasked;
+    if ((s.Header.Flags & Locked) != 0) {
         s.RaiseEntry(CZipException::Unsupported, "is encrypted");
     }
-    if (s.Header.Method != ZipFormat::Stored && s.Header.Method != ZipFormat::Deflated) {
+    if (s.Header.Method != zip_format::Stored && s.Header.Method != zip_format::Deflated) {
         s.RaiseEntry(CZipException::Unsupported,
                      "has method " + std::to_string(s.Header.Method) + "; only 0 and 8 are read");
     }
     s.FindData(index);
     const std::uint64_t most =
-        s.Header.Method == ZipFormat::Stored ? s.Header.CompSize : s.Header.CompSize * MaxRatio;
-    if (s.Header.UncompSize > most || (s.Header.Method == ZipFormat::Stored && s.Header.UncompSize != most)) {
+        s.Header.Method == zip_format::Stored ? s.Header.CompSize : s.Header.CompSize * MaxRatio;
+    if (s.Header.UncompSize > most ||
+        (s.Header.Method == zip_format::Stored && s.Header.UncompSize != most)) {
         s.RaiseEntry(CZipException::Damaged, "is damaged: its sizes are wrong");
     }
     s.Delivered = 0;
     s.Fetched = 0;
     s.Crc = 0;
-    if (s.Header.Method == ZipFormat::Deflated) {
+    if (s.Header.Method == zip_format::Deflated) {
         s.Info.BeginInflate();
     }
     s.Doing = State::Work::Reading;
@@ -385,7 +387,7 @@ std::size_t CZipArchive::ReadFile(void* buffer, std::size_t count) {
         return 0;
     }
     const std::size_t done =
-        s.Header.Method == ZipFormat::Stored ? s.Fetch(buffer, want) : s.ReadDeflated(buffer, want);
+        s.Header.Method == zip_format::Stored ? s.Fetch(buffer, want) : s.ReadDeflated(buffer, want);
     s.Crc = crc32_z(s.Crc, static_cast<const Bytef*>(buffer), done);
     s.Delivered += done;
     return done;
@@ -404,11 +406,11 @@ std::string CZipArchive::ReadWholeFile(int index) {
     OpenFile(index);
     try {
         std::string content;
-        constexpr std::size_t step = std::size_t{64} * 1024;
+        constexpr std::size_t Step = std::size_t{64} * 1024;
         for (;;) {
             const std::size_t old = content.size();
-            content.resize(old + step);
-            const std::size_t done = ReadFile(content.data() + old, step);
+            content.resize(old + Step);
+            const std::size_t done = ReadFile(content.data() + old, Step);
             content.resize(old + done);
             if (done == 0) {
                 break;

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-namespace ZipFormat {
+namespace zip_format {
 
 constexpr std::uint32_t LocalSignature = 0x04034b50;
 constexpr std::uint32_t CentralSignature = 0x02014b50;
@@ -62,4 +62,4 @@ inline void Put32(std::string& to, std::uint32_t value) {
     Put16(to, value >> 16U);
 }
 
-}  // namespace ZipFormat
+}  // namespace zip_format

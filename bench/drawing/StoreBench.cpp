@@ -15,7 +15,7 @@ namespace {
 
 using drafthost::Drawing;
 
-constexpr std::uintmax_t largeSize = 1000000;
+constexpr std::uintmax_t LargeSize = 1000000;
 
 std::vector<std::string> load(const std::filesystem::path& folder, bool large) {
     std::vector<std::string> files;
@@ -24,7 +24,7 @@ std::vector<std::string> load(const std::filesystem::path& folder, bool large) {
         const std::string extension = entry.path().extension().string();
         std::string bytes;
         std::string error;
-        if ((extension == ".dxf" || extension == ".DXF") && (!large || entry.file_size() >= largeSize) &&
+        if ((extension == ".dxf" || extension == ".DXF") && (!large || entry.file_size() >= LargeSize) &&
             drafthost::readFile(entry.path().string(), bytes, error)) {
             files.push_back(std::move(bytes));
         }

@@ -91,11 +91,10 @@ std::optional<double> readAngle(std::string_view text, const ReadingRules& rules
 }
 
 double angleOf(double number, const ReadingRules& rules) {
-    constexpr int kGrads = 2;
-    constexpr int kRadians = 3;
-    return rules.angleUnits == kRadians
-               ? number
-               : number * std::numbers::pi / (rules.angleUnits == kGrads ? 200 : 180);
+    constexpr int Grads = 2;
+    constexpr int Radians = 3;
+    return rules.angleUnits == Radians ? number
+                                       : number * std::numbers::pi / (rules.angleUnits == Grads ? 200 : 180);
 }
 
 double directionOf(double typed, const ReadingRules& rules) {

@@ -84,17 +84,17 @@ Value nextWithDialog(Evaluator&, Args) {
     return {};
 }
 
-constexpr Subr kFunctions[] = {
-    {"COMMAND", 0, Subr::kAny, nullptr, command},
-    {"COMMAND-S", 0, Subr::kAny, wholeCommand},
-    {"VL-CMDF", 0, Subr::kAny, checkedCommand},
+constexpr Subr Functions[] = {
+    {"COMMAND", 0, Subr::Any, nullptr, command},
+    {"COMMAND-S", 0, Subr::Any, wholeCommand},
+    {"VL-CMDF", 0, Subr::Any, checkedCommand},
     {"INITDIA", 0, 1, nextWithDialog},
 };
 
 }  // namespace
 
 std::span<const Subr> commandFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::automation

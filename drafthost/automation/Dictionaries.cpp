@@ -106,7 +106,7 @@ Value renameEntry(Evaluator& e, Args args) {
     return args[2];
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"NAMEDOBJDICT", 0, 0, root}, {"DICTSEARCH", 2, 3, search},      {"DICTNEXT", 1, 2, next},
     {"DICTADD", 3, 3, add},       {"DICTREMOVE", 2, 2, removeEntry}, {"DICTRENAME", 3, 3, renameEntry},
 };
@@ -114,7 +114,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> dictionaryFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::automation

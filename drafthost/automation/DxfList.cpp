@@ -15,7 +15,7 @@ namespace drafthost::automation {
 namespace {
 
 // Marks the name of an object that the drawing lacks; the rest is the handle, so that it is not lost.
-constexpr EntityName kMissing = EntityName{1} << 63;
+constexpr EntityName Missing = EntityName{1} << 63;
 
 bool isPointCode(int code) {
     return (code >= 10 && code <= 18) || code == 110 || code == 111 || code == 112 || code == 210 ||
@@ -124,7 +124,7 @@ Value groupValue(const Drawing& drawing, const Record& record, std::size_t i) {
     if (isReference(code)) {
         const std::uint64_t handle = record.handle(i);
         const RecordId target = drawing.findHandle(handle);
-        return Value::ename(target != NoRecord ? nameOf(target) : handle == 0 ? 0 : kMissing | handle);
+        return Value::ename(target != NoRecord ? nameOf(target) : handle == 0 ? 0 : Missing | handle);
     }
     return Value::string(record.text(i));
 }
@@ -244,8 +244,8 @@ namespace {
 
 drafthost::Value toTag(const Drawing& drawing, int code, const Value& v) {
     if (v.isEname()) {
-        if ((v.toEname() & kMissing) != 0) {
-            return formatHandle(v.toEname() & ~kMissing);
+        if ((v.toEname() & Missing) != 0) {
+            return formatHandle(v.toEname() & ~Missing);
         }
         const auto target = recordOf(v.toEname());
         return formatHandle(target ? drawing.handle(*target) : 0);

@@ -109,7 +109,7 @@ Value byHandle(Evaluator& e, Args args) {
     return handle == 0 ? Value() : nameOrNil(drawingOf(e).findHandle(handle));
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"ENTGET", 1, 2, get},         {"ENTMOD", 1, 1, modify},        {"ENTMAKE", 1, 1, makeEntity},
     {"ENTMAKEX", 1, 1, makeNamed}, {"ENTDEL", 1, 1, toggleDeleted}, {"ENTLAST", 0, 0, last},
     {"ENTNEXT", 0, 1, next},       {"ENTUPD", 1, 1, update},        {"HANDENT", 1, 1, byHandle},
@@ -118,7 +118,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> entityFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::automation

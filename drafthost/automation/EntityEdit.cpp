@@ -274,12 +274,12 @@ std::optional<RecordId> makeObject(Drawing& drawing, const std::string& type, co
 }  // namespace
 
 bool isLocked(const Drawing& drawing, RecordId id) {
-    constexpr std::int64_t kLocked = 4;
+    constexpr std::int64_t Locked = 4;
     if (!isEntity(drawing, id)) {
         return false;
     }
     const RecordId layer = findEntry(drawing, Table::Layer, drawing.record(id).textOr(8, "0"));
-    return layer != NoRecord && (drawing.record(layer).integerOr(70, 0) & kLocked) != 0;
+    return layer != NoRecord && (drawing.record(layer).integerOr(70, 0) & Locked) != 0;
 }
 
 bool modifyRecord(Drawing& drawing, RecordId id, const Value& list, bool& tablesChanged) {

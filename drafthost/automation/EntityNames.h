@@ -11,19 +11,19 @@
 
 namespace drafthost::automation {
 
-inline constexpr EntityName kFirstEntityName = 0x7ff400000000;
+inline constexpr EntityName FirstEntityName = 0x7ff400000000;
 
 inline EntityName nameOf(RecordId id) {
-    return id == NoRecord ? 0 : kFirstEntityName + (static_cast<EntityName>(id) << 4);
+    return id == NoRecord ? 0 : FirstEntityName + (static_cast<EntityName>(id) << 4);
 }
 
 /// The record of a name, whether it is deleted or not; nothing for what cannot be a record's name.
 inline std::optional<RecordId> recordOf(EntityName name) {
-    if (name < kFirstEntityName || ((name - kFirstEntityName) & 15) != 0 ||
-        ((name - kFirstEntityName) >> 4) >= NoRecord) {
+    if (name < FirstEntityName || ((name - FirstEntityName) & 15) != 0 ||
+        ((name - FirstEntityName) >> 4) >= NoRecord) {
         return std::nullopt;
     }
-    return static_cast<RecordId>((name - kFirstEntityName) >> 4);
+    return static_cast<RecordId>((name - FirstEntityName) >> 4);
 }
 
 }  // namespace drafthost::automation

@@ -109,7 +109,7 @@ Value loadExtensions(Evaluator&, Args) {
     return Value::nullSymbol();
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"GETVAR", 1, 1, getVariable},
     {"SETVAR", 2, 2, setVariable},
     {"GETENV", 1, 1, getEnvironment},
@@ -131,7 +131,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> hostFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::automation

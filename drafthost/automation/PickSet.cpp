@@ -38,9 +38,9 @@ bool PickSet::remove(EntityName e) {
 }
 
 std::string PickSet::shown() const {
-    constexpr int kHex = 16;
+    constexpr int Hex = 16;
     char digits[8];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number_, kHex).ptr;
+    const auto end = std::to_chars(digits, digits + sizeof digits, number_, Hex).ptr;
     return "<Selection set: " + std::string(digits, end) + ">";
 }
 

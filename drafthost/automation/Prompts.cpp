@@ -124,7 +124,7 @@ Value getFile(Evaluator& e, Args args) {
     return path ? Value::string(*path) : Value();
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"INITGET", 0, 2, initGet},          {"GETSTRING", 0, 2, getString}, {"GETINT", 0, 1, getInt},
     {"GETREAL", 0, 1, getReal},          {"GETKWORD", 0, 1, getKeyword}, {"GETPOINT", 0, 2, getPoint},
     {"GETCORNER", 1, 2, getCorner},      {"GETDIST", 0, 2, getDistance}, {"GETANGLE", 0, 2, getAngle},
@@ -163,7 +163,7 @@ Value askUser(Evaluator& e, PromptRequest request) {
 }
 
 std::span<const Subr> promptFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::automation

@@ -68,7 +68,7 @@ Value askCorner(Evaluator& e, const char* message) {
 std::optional<Names> answered(Evaluator& e, const Drawing& drawing, const Value& answer,
                               std::string& reason) {
     const std::string text = answer.isString() ? answer.toString() : lisp::prin1(answer);
-    const std::string word = matchKeyword(text, kSelectionWords).value_or("");
+    const std::string word = matchKeyword(text, SelectionWords).value_or("");
     if (word == "ALL") {
         return allSelectable(drawing);
     }
@@ -274,7 +274,7 @@ Value getFirst(Evaluator& e, Args) {
     return Value::list({Value(), members.empty() ? Value() : makePickSet(members)});
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"SSGET", 0, 4, get},          {"SSADD", 0, 2, add},           {"SSDEL", 2, 2, removeMember},
     {"SSMEMB", 2, 2, isMember},    {"SSLENGTH", 1, 1, length},     {"SSNAME", 2, 2, member},
     {"SSNAMEX", 1, 2, memberList}, {"SSSETFIRST", 1, 2, setFirst}, {"SSGETFIRST", 0, 0, getFirst},
@@ -283,7 +283,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> selectionFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::automation

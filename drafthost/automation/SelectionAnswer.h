@@ -15,7 +15,7 @@
 namespace drafthost::automation {
 
 /// The words that are understood there, whether or not whoever asks can do what they say.
-inline constexpr std::string_view kSelectionWords =
+inline constexpr std::string_view SelectionWords =
     "ALL Last Previous Window Crossing WPolygon CPolygon Fence";
 
 /// Names of the entities of all layouts that are accepted, as they come in the drawing.

@@ -15,12 +15,12 @@
 namespace drafthost::automation {
 namespace {
 
-constexpr double kSamePoint = 1e-8;
+constexpr double SamePoint = 1e-8;
 
 bool isOperator(std::string_view op) {
-    static constexpr std::string_view kOperators[] = {"*",  "=", "!=", "/=", "<>", "<",
-                                                      "<=", ">", ">=", "&",  "&="};
-    return std::ranges::find(kOperators, op) != std::end(kOperators);
+    static constexpr std::string_view Operators[] = {"*",  "=", "!=", "/=", "<>", "<",
+                                                     "<=", ">", ">=", "&",  "&="};
+    return std::ranges::find(Operators, op) != std::end(Operators);
 }
 
 std::vector<std::string> splitOperators(const std::string& text) {
@@ -92,9 +92,9 @@ std::optional<Value> defaultOf(int code) {
 std::vector<SelectionFilter::Test> SelectionFilter::read(const std::vector<Value>& items, std::size_t& i,
                                                          const std::string& closing, const Value& whole) {
     // What tests and frees the groups afterwards nests as deep and takes less.
-    constexpr std::size_t kReserve = std::size_t{2} << 20;
-    if (lisp::EvalStack::left() < kReserve) {
-        fail(std::string(lisp::kStackLimitText));
+    constexpr std::size_t Reserve = std::size_t{2} << 20;
+    if (lisp::EvalStack::left() < Reserve) {
+        fail(std::string(lisp::StackLimitText));
     }
     std::vector<Test> tests;
     std::string op;
@@ -268,7 +268,7 @@ bool SelectionFilter::compare(const Test& test, const Value& actual) {
         }
         const std::string& each = test.operators.size() == 1 ? op : test.operators[k];
         const double near =
-            each == "=" && std::abs((*point)[k] - (*wanted)[k]) < kSamePoint ? (*wanted)[k] : (*point)[k];
+            each == "=" && std::abs((*point)[k] - (*wanted)[k]) < SamePoint ? (*wanted)[k] : (*point)[k];
         if (!compareNumbers(each, near, (*wanted)[k])) {
             return false;
         }

@@ -135,8 +135,8 @@ Value objectName(Evaluator& e, Args args) {
 }
 
 bool isValidName(std::string_view name, bool allowBar) {
-    constexpr std::size_t kLongest = 255;
-    if (name.empty() || lisp::characterCount(name) > kLongest || name.front() == ' ' || name.back() == ' ') {
+    constexpr std::size_t Longest = 255;
+    if (name.empty() || lisp::characterCount(name) > Longest || name.front() == ' ' || name.back() == ' ') {
         return false;
     }
     for (const char c : name) {
@@ -177,7 +177,7 @@ Value layoutNames(Evaluator& e, Args) {
     return result.take();
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"TBLNEXT", 1, 2, next},      {"TBLSEARCH", 2, 3, search},           {"TBLOBJNAME", 2, 2, objectName},
     {"SNVALID", 1, 2, validName}, {"REGAPP", 1, 1, registerApplication}, {"LAYOUTLIST", 0, 0, layoutNames},
 };
@@ -185,7 +185,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> tableFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::automation

@@ -12,9 +12,9 @@ namespace drafthost::commands {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> colorNames = {"",     "red",  "yellow",  "green",
+constexpr std::array<std::string_view, 8> ColorNames = {"",     "red",  "yellow",  "green",
                                                         "cyan", "blue", "magenta", "white"};
-constexpr std::array<int, 24> lineweights = {0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
+constexpr std::array<int, 24> Lineweights = {0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
                                              53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
 
 bool sameText(std::string_view a, std::string_view b) {
@@ -31,19 +31,19 @@ std::optional<int> parseInteger(std::string_view text) {
 /// The colour of an index as 0xRRGGBB. 10 to 249 are 24 hues in five shades, each also half saturated; the
 /// rest are the seven base colours, two greys and six greys.
 int indexRgb(int index) {
-    constexpr std::array<int, 10> base = {0x000000, 0xFF0000, 0xFFFF00, 0x00FF00, 0x00FFFF,
+    constexpr std::array<int, 10> Base = {0x000000, 0xFF0000, 0xFFFF00, 0x00FF00, 0x00FFFF,
                                           0x0000FF, 0xFF00FF, 0xFFFFFF, 0x808080, 0xC0C0C0};
-    constexpr std::array<int, 6> greys = {0x333333, 0x505050, 0x696969, 0x828282, 0xBEBEBE, 0xFFFFFF};
+    constexpr std::array<int, 6> Greys = {0x333333, 0x505050, 0x696969, 0x828282, 0xBEBEBE, 0xFFFFFF};
     if (index < 10) {
-        return base[static_cast<size_t>(index)];
+        return Base[static_cast<size_t>(index)];
     }
     if (index >= 250) {
-        return greys[static_cast<size_t>(index - 250)];
+        return Greys[static_cast<size_t>(index - 250)];
     }
-    constexpr std::array<double, 5> shades = {1.0, 0.65, 0.5, 0.3, 0.15};
+    constexpr std::array<double, 5> Shades = {1.0, 0.65, 0.5, 0.3, 0.15};
     const int step = index / 10 - 1;
     double hue = step * 15.0 / 60.0;
-    double value = shades[static_cast<size_t>(index % 10 / 2)];
+    double value = Shades[static_cast<size_t>(index % 10 / 2)];
     double low = index % 2 ? 0.5 : 0.0;
     auto channel = [&](double offset) {
         double distance = std::fmod(hue + offset, 6.0);
@@ -74,8 +74,8 @@ int nearestIndex(int rgb) {
 }  // namespace
 
 std::optional<int> parseColorIndex(std::string_view text, int low) {
-    for (size_t i = 1; i < colorNames.size(); ++i) {
-        if (sameText(text, colorNames[i])) {
+    for (size_t i = 1; i < ColorNames.size(); ++i) {
+        if (sameText(text, ColorNames[i])) {
             return static_cast<int>(i);
         }
     }
@@ -101,7 +101,7 @@ std::optional<Color> parseTrueColor(std::string_view text) {
 }
 
 std::string colorText(int index) {
-    return index >= 1 && index <= 7 ? std::string(colorNames[static_cast<size_t>(index)])
+    return index >= 1 && index <= 7 ? std::string(ColorNames[static_cast<size_t>(index)])
                                     : std::to_string(index);
 }
 
@@ -118,14 +118,14 @@ std::optional<int> nearestLineweight(double millimetres) {
     if (!(hundredths >= 0.0) || hundredths > 211.0) {
         return std::nullopt;
     }
-    return *std::min_element(lineweights.begin(), lineweights.end(), [&](int a, int b) {
+    return *std::min_element(Lineweights.begin(), Lineweights.end(), [&](int a, int b) {
         return std::abs(a - hundredths) < std::abs(b - hundredths);
     });
 }
 
 bool isLineweight(int hundredths) {
     return (hundredths >= -3 && hundredths < 0) ||
-           std::find(lineweights.begin(), lineweights.end(), hundredths) != lineweights.end();
+           std::find(Lineweights.begin(), Lineweights.end(), hundredths) != Lineweights.end();
 }
 
 std::string lineweightText(int hundredths) {

@@ -7,7 +7,7 @@ namespace drafthost {
 
 void registerCommands(CommandTable& table) {
     using namespace commands;
-    constexpr unsigned transparent = CommandTransparent;
+    constexpr unsigned Transparent = CommandTransparent;
     table.add("OPEN", openCommand, CommandNoDocument);
     table.add("NEW", newCommand, CommandNoDocument);
     table.add("CLOSE", closeCommand);
@@ -17,16 +17,16 @@ void registerCommands(CommandTable& table) {
     table.add("SAVE", saveCommand);
     table.add("SAVEAS", saveAsCommand);
     table.add("SCRIPT", scriptCommand);
-    table.add("RESUME", resumeCommand, transparent | CommandNoRepeat);
+    table.add("RESUME", resumeCommand, Transparent | CommandNoRepeat);
     table.add("RSCRIPT", rscriptCommand, CommandNoRepeat);
-    table.add("DELAY", delayCommand, transparent);
-    table.add("SETVAR", setvarCommand, transparent);
+    table.add("DELAY", delayCommand, Transparent);
+    table.add("SETVAR", setvarCommand, Transparent);
     table.add("LOGFILEON", logFileOnCommand);
     table.add("LOGFILEOFF", logFileOffCommand);
     table.add("REGEN", regenCommand);
     table.add("REGENALL", regenAllCommand);
-    table.add("REDRAW", redrawCommand, transparent);
-    table.add("ZOOM", zoomCommand, transparent);
+    table.add("REDRAW", redrawCommand, Transparent);
+    table.add("ZOOM", zoomCommand, Transparent);
     table.add("-LAYER", layerCommand);
     table.addAlias("R", "REDRAW");
     table.addAlias("RE", "REGEN");

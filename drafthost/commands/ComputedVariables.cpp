@@ -228,9 +228,9 @@ bool setViewportFlag(Document* document, int code, const VariableValue& value, s
     return true;
 }
 
-constexpr int snapCode = 75;
-constexpr int gridCode = 76;
-constexpr int modeCode = 71;
+constexpr int SnapCode = 75;
+constexpr int GridCode = 76;
+constexpr int ModeCode = 71;
 
 VariableValue worldUcs(Host&, Document* document) {
     if (!document) {
@@ -267,10 +267,10 @@ const Action actions[] = {
     {"EXTMIN", extentsMinimum},
     {"GRIDMODE",
      [](Host&, Document* document) -> VariableValue {
-         return static_cast<int>(viewportFlag(document, gridCode));
+         return static_cast<int>(viewportFlag(document, GridCode));
      },
      [](Host&, Document* document, const VariableValue& value, std::string& reason) {
-         return setViewportFlag(document, gridCode, value, reason);
+         return setViewportFlag(document, GridCode, value, reason);
      }},
     {"HANDLES", handles},
     {"LASTPROMPT", [](Host& host, Document*) -> VariableValue { return host.lastLine(); }},
@@ -280,10 +280,10 @@ const Action actions[] = {
     {"SAVENAME", savedName},
     {"SNAPMODE",
      [](Host&, Document* document) -> VariableValue {
-         return static_cast<int>(viewportFlag(document, snapCode));
+         return static_cast<int>(viewportFlag(document, SnapCode));
      },
      [](Host&, Document* document, const VariableValue& value, std::string& reason) {
-         return setViewportFlag(document, snapCode, value, reason);
+         return setViewportFlag(document, SnapCode, value, reason);
      }},
     {"SYSCODEPAGE", systemCodePage},
     {"TDINDWG", daysEditing},
@@ -293,7 +293,7 @@ const Action actions[] = {
     {"VIEWDIR", viewDirection},
     {"VIEWMODE",
      [](Host&, Document* document) -> VariableValue {
-         return static_cast<int>(viewportFlag(document, modeCode));
+         return static_cast<int>(viewportFlag(document, ModeCode));
      }},
     {"VIEWSIZE", viewSize},
     {"VIEWTWIST", viewTwist},

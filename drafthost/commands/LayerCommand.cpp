@@ -11,7 +11,7 @@ struct LayerOption {
     Task<bool> (*run)(CommandContext&);
 };
 
-constexpr LayerOption options[] = {
+constexpr LayerOption Options[] = {
     {"?", listLayers},
     {"Make", makeLayer},
     {"Set", setLayer},
@@ -39,7 +39,7 @@ constexpr LayerOption options[] = {
 
 CommandTask layerCommand(CommandContext& context) {
     std::string keywords;
-    for (const LayerOption& option : options) {
+    for (const LayerOption& option : Options) {
         keywords += (keywords.empty() ? "" : " ") + std::string(option.keyword);
     }
     keywords += " stAte";
@@ -53,7 +53,7 @@ CommandTask layerCommand(CommandContext& context) {
             context.complain("This host keeps no layer states.");
             continue;
         }
-        for (const LayerOption& option : options) {
+        for (const LayerOption& option : Options) {
             if (answer.keyword == option.keyword) {
                 co_await option.run(context);
                 break;

@@ -11,12 +11,12 @@ namespace drafthost::commands {
 
 namespace {
 
-constexpr int version2000 = 1015;
-constexpr int version2004 = 1018;
-constexpr int version2007 = 1021;
+constexpr int Version2000 = 1015;
+constexpr int Version2004 = 1018;
+constexpr int Version2007 = 1021;
 
 Task<std::optional<Color>> askTrueColor(CommandContext& context) {
-    if (!versionHolds(context, version2004, "true colors")) {
+    if (!versionHolds(context, Version2004, "true colors")) {
         co_return std::nullopt;
     }
     for (;;) {
@@ -129,7 +129,7 @@ Task<bool> linetypeLayers(CommandContext& context) {
 }
 
 Task<bool> lineweightLayers(CommandContext& context) {
-    if (!versionHolds(context, version2000, "lineweights")) {
+    if (!versionHolds(context, Version2000, "lineweights")) {
         co_return false;
     }
     for (;;) {
@@ -157,7 +157,7 @@ Task<bool> lineweightLayers(CommandContext& context) {
 }
 
 Task<bool> transparencyLayers(CommandContext& context) {
-    if (!versionHolds(context, version2000, "transparency")) {
+    if (!versionHolds(context, Version2000, "transparency")) {
         co_return false;
     }
     auto answer = co_await context.integer("Enter transparency value (0 - 90)",
@@ -170,7 +170,7 @@ Task<bool> transparencyLayers(CommandContext& context) {
 }
 
 Task<bool> materialLayers(CommandContext& context) {
-    if (!versionHolds(context, version2007, "materials")) {
+    if (!versionHolds(context, Version2007, "materials")) {
         co_return false;
     }
     std::string name;
@@ -185,7 +185,7 @@ Task<bool> materialLayers(CommandContext& context) {
 }
 
 Task<bool> plotLayers(CommandContext& context) {
-    if (!versionHolds(context, version2000, "a plotting preference")) {
+    if (!versionHolds(context, Version2000, "a plotting preference")) {
         co_return false;
     }
     auto answer = co_await context.keyword("Enter a plotting preference", "Plot No", "Plot");
@@ -196,7 +196,7 @@ Task<bool> plotLayers(CommandContext& context) {
 }
 
 Task<bool> plotStyleLayers(CommandContext& context) {
-    if (!versionHolds(context, version2000, "plot styles")) {
+    if (!versionHolds(context, Version2000, "plot styles")) {
         co_return false;
     }
     if (headerInteger(context.document().drawing(), "$PSTYLEMODE", 1) != 0) {
@@ -216,7 +216,7 @@ Task<bool> plotStyleLayers(CommandContext& context) {
 }
 
 Task<bool> describeLayers(CommandContext& context) {
-    if (!versionHolds(context, version2000, "descriptions")) {
+    if (!versionHolds(context, Version2000, "descriptions")) {
         co_return false;
     }
     auto answer = co_await context.text("Enter layer description");

@@ -14,7 +14,7 @@ namespace drafthost::commands {
 
 namespace {
 
-constexpr unsigned tableBits = ModifiedObjects | ModifiedTables;
+constexpr unsigned TableBits = ModifiedObjects | ModifiedTables;
 
 bool fromXref(std::string_view name) {
     return name.find('|') != std::string_view::npos;
@@ -29,7 +29,7 @@ bool makeCurrent(CommandContext& context, RecordId layer, const std::string& nam
         return false;
     }
     if (layer != NoRecord) {
-        ChangeWatch watch(document, tableBits);
+        ChangeWatch watch(document, TableBits);
         setLayerOff(document.drawing(), layer, false);
     }
     return true;
@@ -42,13 +42,13 @@ bool addLayer(CommandContext& context, const std::string& name) {
         context.complain(fault);
         return false;
     }
-    ChangeWatch watch(document, tableBits);
+    ChangeWatch watch(document, TableBits);
     addEntry(document.drawing(), Table::Layer, name);
     return true;
 }
 
 std::vector<RecordId> layersNamed(Document& document, std::string_view list) {
-    ChangeWatch watch(document, tableBits);
+    ChangeWatch watch(document, TableBits);
     provideLayerZero(document.drawing(), list);
     return matchingLayers(document.drawing(), list);
 }
@@ -109,7 +109,7 @@ Task<bool> forLayers(CommandContext& context, std::string prompt, bool currentAs
         context.complain("No layer matches " + inQuotes(answer.text) + ".");
         co_return false;
     }
-    ChangeWatch watch(document, tableBits);
+    ChangeWatch watch(document, TableBits);
     for (RecordId layer : layers) {
         change(document.drawing(), layer);
     }
@@ -197,7 +197,7 @@ Task<bool> renameLayer(CommandContext& context) {
         context.complain(fault);
         co_return false;
     }
-    ChangeWatch watch(document, tableBits);
+    ChangeWatch watch(document, TableBits);
     renameEntry(drawing, Table::Layer, layer, renamed.text);
     co_return true;
 }
@@ -228,7 +228,7 @@ Task<bool> layersOff(CommandContext& context) {
             std::erase(layers, current);
         }
     }
-    ChangeWatch watch(document, tableBits);
+    ChangeWatch watch(document, TableBits);
     for (RecordId layer : layers) {
         setLayerOff(document.drawing(), layer, true);
     }
@@ -257,7 +257,7 @@ Task<bool> freezeLayers(CommandContext& context) {
         }
         context.printLine(refusal);
     }
-    ChangeWatch watch(document, tableBits);
+    ChangeWatch watch(document, TableBits);
     for (RecordId layer : layers) {
         setLayerFlag(document.drawing(), layer, LayerFrozen, true);
     }

@@ -14,8 +14,8 @@ namespace drafthost::commands {
 
 namespace {
 
-constexpr const char* transparencyApplication = "AcCmTransparency";
-constexpr const char* descriptionApplication = "AcAecLayerStandard";
+constexpr const char* TransparencyApplication = "AcCmTransparency";
+constexpr const char* DescriptionApplication = "AcAecLayerStandard";
 
 std::string_view trimmed(std::string_view text) {
     while (!text.empty() && text.front() == ' ') {
@@ -228,7 +228,7 @@ void setLayerMaterial(Drawing& drawing, RecordId layer, std::uint64_t handle) {
 
 int layerTransparency(const Drawing& drawing, RecordId layer) {
     Record record = drawing.record(layer);
-    auto [begin, end] = xdataRange(record, transparencyApplication);
+    auto [begin, end] = xdataRange(record, TransparencyApplication);
     for (size_t i = begin; i < end; ++i) {
         if (record.code(i) == 1071) {
             std::int64_t alpha = record.integer(i) & 0xFF;
@@ -244,12 +244,12 @@ void setLayerTransparency(Drawing& drawing, RecordId layer, int percent) {
     }
     // The high byte says "by value"; the low one is the alpha value, cut as other programs cut it.
     std::int64_t alpha = 255 * (100 - percent) / 100;
-    setXdata(drawing, layer, transparencyApplication, {{1071, std::int64_t{0x02000000} | alpha}});
+    setXdata(drawing, layer, TransparencyApplication, {{1071, std::int64_t{0x02000000} | alpha}});
 }
 
 std::string layerDescription(const Drawing& drawing, RecordId layer) {
     Record record = drawing.record(layer);
-    auto [begin, end] = xdataRange(record, descriptionApplication);
+    auto [begin, end] = xdataRange(record, DescriptionApplication);
     std::string last;
     size_t texts = 0;
     for (size_t i = begin; i < end; ++i) {
@@ -267,9 +267,9 @@ void setLayerDescription(Drawing& drawing, RecordId layer, std::string_view desc
         return;
     }
     Record record = drawing.record(layer);
-    auto [begin, end] = xdataRange(record, descriptionApplication);
+    auto [begin, end] = xdataRange(record, DescriptionApplication);
     std::string standard = begin < end && record.code(begin) == 1000 ? record.text(begin) : std::string();
-    setXdata(drawing, layer, descriptionApplication, {{1000, standard}, {1000, std::string(description)}});
+    setXdata(drawing, layer, DescriptionApplication, {{1000, standard}, {1000, std::string(description)}});
 }
 
 bool reconcileLayer(Drawing& drawing, RecordId layer) {

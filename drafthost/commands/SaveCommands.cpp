@@ -13,7 +13,7 @@ namespace drafthost::commands {
 
 namespace {
 
-constexpr std::string_view onlyDxf = "this host writes DXF drawings only";
+constexpr std::string_view OnlyDxf = "this host writes DXF drawings only";
 
 std::string lowerExtension(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension().string();
@@ -27,7 +27,7 @@ std::string lowerExtension(const std::string& path) {
 std::optional<std::string> refusedName(const std::string& path) {
     std::string extension = lowerExtension(path);
     if (extension == ".dwg" || extension == ".dwt" || extension == ".dws") {
-        return "Cannot save " + path + ": " + std::string(onlyDxf) + ", no " + extension.substr(1) +
+        return "Cannot save " + path + ": " + std::string(OnlyDxf) + ", no " + extension.substr(1) +
                " files.";
     }
     return std::nullopt;
@@ -55,11 +55,11 @@ struct VersionWord {
     std::string_view word;
     int number;
 };
-constexpr VersionWord versionWords[] = {{"R12", 1009},  {"2000", 1015}, {"2004", 1018}, {"2007", 1021},
+constexpr VersionWord VersionWords[] = {{"R12", 1009},  {"2000", 1015}, {"2004", 1018}, {"2007", 1021},
                                         {"2010", 1024}, {"2013", 1027}, {"2018", 1032}};
 
 std::string_view wordOfVersion(int number) {
-    for (const VersionWord& entry : versionWords) {
+    for (const VersionWord& entry : VersionWords) {
         if (entry.number == number) {
             return entry.word;
         }
@@ -205,7 +205,7 @@ CommandTask saveAsCommand(CommandContext& context) {
                                            "DXF");
     if (!format.isKeyword("DXF")) {
         context.fail("Cannot save " + document.title() + " in the format " + format.keyword + ": " +
-                     std::string(onlyDxf) + ", no DWG files.");
+                     std::string(OnlyDxf) + ", no DWG files.");
         co_return;
     }
     auto choice = co_await askDxfForm(context, document.drawing(), true);

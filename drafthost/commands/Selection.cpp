@@ -31,7 +31,7 @@ Task<std::vector<RecordId>> selectObjects(CommandContext& context) {
     std::vector<RecordId> selected;
     for (;;) {
         auto answer = co_await context.input("Select objects",
-                                             {.keywords = automation::kSelectionWords, .bareText = true});
+                                             {.keywords = automation::SelectionWords, .bareText = true});
         if (answer.isEnter()) {
             break;
         }

@@ -133,7 +133,7 @@ struct NamedCheck {
     VariableCheck check;
 };
 
-constexpr NamedCheck checks[] = {
+constexpr NamedCheck Checks[] = {
     {"CECOLOR", checkColor},       {"CELTYPE", checkLinetype},  {"CELWEIGHT", checkLineweight},
     {"CLAYER", checkLayer},        {"DIMLWD", checkLineweight}, {"DIMLWE", checkLineweight},
     {"DIMTXSTY", checkTextStyle},  {"LOGFILEMODE", switchLog},  {"LOGFILEPATH", checkFolder},
@@ -144,7 +144,7 @@ constexpr NamedCheck checks[] = {
 }  // namespace
 
 VariableCheck checkOf(std::string_view name) {
-    for (const NamedCheck& entry : checks) {
+    for (const NamedCheck& entry : Checks) {
         if (entry.name == name) {
             return entry.check;
         }

@@ -11,7 +11,7 @@ namespace drafthost::commands {
 namespace {
 
 /// Where the name used last is kept; no variable can have it.
-constexpr const char* lastNameKey = "SETVAR last name";
+constexpr const char* LastNameKey = "SETVAR last name";
 
 std::string upperCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -20,7 +20,7 @@ std::string upperCase(std::string text) {
 }
 
 std::string lastName(Document& document) {
-    auto found = document.variables().find(lastNameKey);
+    auto found = document.variables().find(LastNameKey);
     return found == document.variables().end() ? std::string() : std::get<std::string>(found->second);
 }
 
@@ -142,7 +142,7 @@ CommandTask setvarCommand(CommandContext& context) {
                              "\". Type SETVAR ? for a list of variables.");
             continue;
         }
-        context.document().variables()[lastNameKey] = name;
+        context.document().variables()[LastNameKey] = name;
         co_await setVariable(context, name);
         co_return;
     }

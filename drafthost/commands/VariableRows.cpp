@@ -15,7 +15,7 @@ char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-constexpr auto rows = std::to_array<VariableRow>({
+constexpr auto Rows = std::to_array<VariableRow>({
     {"ACADLSPASDOC", Integer, Profile, false, "0", 0, 1},
     {"ACADPREFIX", String, Computed, true, ""},
     {"ACADVER", String, Computed, true, "19.0"},
@@ -264,7 +264,7 @@ constexpr auto rows = std::to_array<VariableRow>({
 }  // namespace
 
 std::span<const VariableRow> variableRows() {
-    return rows;
+    return Rows;
 }
 
 const VariableRow* findVariableRow(std::string_view name) {
@@ -273,9 +273,9 @@ const VariableRow* findVariableRow(std::string_view name) {
                                             [](char x, char y) { return upper(x) < upper(y); });
     };
     auto found =
-        std::lower_bound(rows.begin(), rows.end(), name,
+        std::lower_bound(Rows.begin(), Rows.end(), name,
                          [&](const VariableRow& row, std::string_view key) { return less(row.name, key); });
-    return found != rows.end() && !less(name, found->name) ? &*found : nullptr;
+    return found != Rows.end() && !less(name, found->name) ? &*found : nullptr;
 }
 
 }  // namespace drafthost::commands

@@ -14,7 +14,7 @@ namespace drafthost::commands {
 
 namespace {
 
-constexpr double degree = std::numbers::pi / 180.0;
+constexpr double Degree = std::numbers::pi / 180.0;
 
 std::string headerName(const VariableRow& row) {
     return "$" + std::string(row.name);
@@ -66,7 +66,7 @@ double number(const Value& value) {
 
 VariableValue fromHeader(const VariableRow& row, const HeaderVariable& variable) {
     // Angles stand in degrees in the file and are radians for everybody else.
-    double unit = headerCode(row) == 50 ? degree : 1.0;
+    double unit = headerCode(row) == 50 ? Degree : 1.0;
     switch (row.kind) {
         case RowKind::Integer:
             return static_cast<int>(number(variable.value));
@@ -89,7 +89,7 @@ Value toHeader(const VariableRow& row, const VariableValue& value, int code) {
         return std::int64_t{*integer};
     }
     if (auto real = std::get_if<double>(&value)) {
-        return code == 50 ? *real / degree : *real;
+        return code == 50 ? *real / Degree : *real;
     }
     const std::string& text = std::get<std::string>(value);
     return row.name == "CECOLOR" ? Value(colorIndex(text)) : Value(text);

@@ -20,8 +20,8 @@ namespace drafthost::commands {
 namespace {
 
 /// Views kept for ZOOM Previous.
-constexpr size_t viewStackDepth = 10;
-constexpr double screenMargin = 1.05;
+constexpr size_t ViewStackDepth = 10;
+constexpr double ScreenMargin = 1.05;
 
 bool sameView(const View& a, const View& b) {
     return a.center == b.center && a.height == b.height && a.aspect == b.aspect;
@@ -36,7 +36,7 @@ void changeView(Document& document, const View& view, bool remember = true) {
     }
     if (remember) {
         auto& stack = document.previousViews();
-        if (stack.size() == viewStackDepth) {
+        if (stack.size() == ViewStackDepth) {
             stack.erase(stack.begin());
         }
         stack.push_back({{old.center.x, old.center.y}, old.height, old.height * old.aspect});
@@ -84,7 +84,7 @@ void zoomToExtents(Document& document, bool withLimits) {
         box.add(displayExtents(drawing, limits(drawing)));
     }
     // On a screen, lines at the very edge of the window are not seen.
-    showBox(document, box, document.host().screenAspect() ? screenMargin : 1.0);
+    showBox(document, box, document.host().screenAspect() ? ScreenMargin : 1.0);
 }
 
 void zoomToWindow(CommandContext& context, const Point& first, const Point& second) {

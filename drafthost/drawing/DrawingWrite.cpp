@@ -11,8 +11,8 @@ namespace drafthost {
 
 namespace {
 
-constexpr double julianOfEpoch = 2440587.5;
-constexpr double secondsADay = 86400;
+constexpr double JulianOfEpoch = 2440587.5;
+constexpr double SecondsADay = 86400;
 
 void addPiece(std::vector<std::string_view>& pieces, std::string_view piece) {
     if (piece.empty()) {
@@ -27,7 +27,7 @@ void addPiece(std::vector<std::string_view>& pieces, std::string_view piece) {
 
 // Nine digits after the point are what a double holds of a day count.
 double roundedDate(double seconds) {
-    return parseReal(formatReal(julianOfEpoch + seconds / secondsADay, 9));
+    return parseReal(formatReal(JulianOfEpoch + seconds / SecondsADay, 9));
 }
 
 }  // namespace

@@ -10,10 +10,10 @@ namespace drafthost {
 namespace {
 
 // Deeper nesting than this is a cycle that the names did not show.
-constexpr std::size_t deepest = 64;
-constexpr std::int64_t largestArray = 100000;
+constexpr std::size_t Deepest = 64;
+constexpr std::int64_t LargestArray = 100000;
 // So many visits of entities inside blocks are exact; a drawing made to need more gets the boxes' corners.
-constexpr std::size_t exactVisits = 4000000;
+constexpr std::size_t ExactVisits = 4000000;
 
 }  // namespace
 
@@ -137,11 +137,11 @@ void ExtentsBuilder::addInsert(const Record& record, const Outline& outline) {
     }
     const Transform scale =
         Transform::scale(record.realOr(41, 1), record.realOr(42, 1), record.realOr(43, 1));
-    const Transform rotation = Transform::rotation(record.realOr(50, 0) * degrees);
+    const Transform rotation = Transform::rotation(record.realOr(50, 0) * Degrees);
     const Transform system = systemOf(record) * Transform::translation(record.pointOr(10, {})) * rotation;
     // Of an array only the corners matter.
-    const std::int64_t columns = std::clamp<std::int64_t>(record.integerOr(70, 1), 1, largestArray);
-    const std::int64_t rows = std::clamp<std::int64_t>(record.integerOr(71, 1), 1, largestArray);
+    const std::int64_t columns = std::clamp<std::int64_t>(record.integerOr(70, 1), 1, LargestArray);
+    const std::int64_t rows = std::clamp<std::int64_t>(record.integerOr(71, 1), 1, LargestArray);
     const double right = record.realOr(44, 0) * static_cast<double>(columns - 1);
     const double up = record.realOr(45, 0) * static_cast<double>(rows - 1);
     const std::string name = record.textOr(2, "");
@@ -208,14 +208,14 @@ void ExtentsBuilder::addPolyline(const Record& record, const Outline& outline) {
 // False when there is no such block, or it holds itself.
 bool ExtentsBuilder::addBlock(std::string_view name, const Transform& transform, const Outline& outline) {
     const Block* block = findBlock(drawing_, name);
-    if (block == nullptr || open_.size() > deepest ||
+    if (block == nullptr || open_.size() > Deepest ||
         std::find(open_.begin(), open_.end(), block) != open_.end()) {
         return false;
     }
     const Transform total = outline.transform() * transform;
     Transform linear = total;
     linear.origin = {};
-    if (visits_ > exactVisits && linear != Transform{}) {
+    if (visits_ > ExactVisits && linear != Transform{}) {
         const Extents& box = blockExtents(*block, {});
         const Point base = drawing_.record(block->begin).pointOr(10, {});
         for (int corner = 0; corner < 8 && !box.empty(); ++corner) {

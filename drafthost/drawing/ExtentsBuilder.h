@@ -11,7 +11,7 @@
 
 namespace drafthost {
 
-inline constexpr double degrees = std::numbers::pi / 180;
+inline constexpr double Degrees = std::numbers::pi / 180;
 
 // Collects extents of points and curves that are given in some coordinate system. Curves are measured exactly
 // under any affine map: the map of an ellipse is an ellipse, whose extremes along an axis are known.

@@ -9,9 +9,9 @@ namespace drafthost {
 namespace {
 
 // Width of an average character as a part of its height; plain stroke fonts are about this wide.
-constexpr double characterWidth = 0.8;
+constexpr double CharacterWidth = 0.8;
 // Distance of the base lines of a paragraph's lines as a part of the height.
-constexpr double lineDistance = 5.0 / 3;
+constexpr double LineDistance = 5.0 / 3;
 
 std::size_t characters(std::string_view utf8) {
     return static_cast<std::size_t>(std::count_if(
@@ -153,8 +153,8 @@ class HatchPaths {
             }
             return;
         }
-        double first = realIn(50, from, end, 0) * degrees;
-        double last = realIn(51, from, end, 360) * degrees;
+        double first = realIn(50, from, end, 0) * Degrees;
+        double last = realIn(51, from, end, 360) * Degrees;
         // Clockwise edges count their angles the other way round.
         if (realIn(73, from, end, 1) == 0) {
             std::swap(first, last);
@@ -196,8 +196,8 @@ void addPoints(const Record& record, int code, Outline outline) {
 void addCircle(const Record& record, const Outline& outline, bool whole) {
     Outline local = outline.in(systemOf(record));
     const double radius = std::fabs(record.realOr(40, 0));
-    const double from = whole ? 0 : record.realOr(50, 0) * degrees;
-    const double to = whole ? 0 : record.realOr(51, 360) * degrees;
+    const double from = whole ? 0 : record.realOr(50, 0) * Degrees;
+    const double to = whole ? 0 : record.realOr(51, 360) * Degrees;
     const Point center = record.pointOr(10, {});
     local.arc(center, radius, from, to);
     if (const double thickness = record.realOr(39, 0); thickness != 0) {
@@ -289,8 +289,8 @@ void addText(const Record& record, const Outline& outline) {
     const Point second = record.pointOr(11, first);
     const Outline system = outline.in(systemOf(record));
     double width =
-        static_cast<double>(characters(text)) * height * characterWidth * std::fabs(record.realOr(41, 1));
-    double angle = record.realOr(50, 0) * degrees;
+        static_cast<double>(characters(text)) * height * CharacterWidth * std::fabs(record.realOr(41, 1));
+    double angle = record.realOr(50, 0) * Degrees;
     Point base = across != 0 || upright != 0 ? second : first;
     double left = across == 1 || across == 4 ? -width / 2 : across == 2 ? -width : 0;
     if (across == 3 || across == 5) {
@@ -324,18 +324,18 @@ void addMText(const Record& record, const Outline& outline) {
         double lines = 0;
         width = 0;
         for (const ParagraphLine& line : paragraphLines(text)) {
-            const double wide = static_cast<double>(line.characters) * height * characterWidth;
+            const double wide = static_cast<double>(line.characters) * height * CharacterWidth;
             // A line is broken between words only, however narrow the column is.
             const double rows =
                 column > 0 ? std::clamp(std::ceil(wide / column), 1.0, static_cast<double>(line.words)) : 1;
             lines += rows;
             width = std::max(width, rows > 1 ? std::max(column, wide / rows) : wide);
         }
-        tall = height + (lines - 1) * height * lineDistance * record.realOr(44, 1);
+        tall = height + (lines - 1) * height * LineDistance * record.realOr(44, 1);
     }
     const Point normal = record.pointOr(210, {0, 0, 1});
     const Transform system = Transform::ofExtrusion(normal);
-    double angle = record.realOr(50, 0) * degrees;
+    double angle = record.realOr(50, 0) * Degrees;
     Point x = system.vector({std::cos(angle), std::sin(angle), 0});
     // The direction is given as an angle or as a vector; the later one counts.
     const auto vector = record.find(11);

@@ -33,7 +33,7 @@ namespace {
     const __m256i wanted = _mm256_set1_epi8(terminator);
     __m256i least = _mm256_set1_epi8(1);
     std::uint32_t* out = ends;
-    for (; blocks > 0; --blocks, position += lineBlock) {
+    for (; blocks > 0; --blocks, position += LineBlock) {
         const __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes + position));
         const __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes + position + 32));
         const auto lower = static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(low, wanted)));
@@ -52,7 +52,7 @@ std::size_t findWithSse2(const char* bytes, std::uint32_t position, std::size_t 
     const __m128i wanted = _mm_set1_epi8(terminator);
     __m128i least = _mm_set1_epi8(1);
     std::uint32_t* out = ends;
-    for (; blocks > 0; --blocks, position += lineBlock) {
+    for (; blocks > 0; --blocks, position += LineBlock) {
         std::uint64_t bits = 0;
         for (unsigned part = 0; part < 4; ++part) {
             const __m128i block =
@@ -73,7 +73,7 @@ std::size_t findPlain(const char* bytes, std::uint32_t position, std::size_t blo
                       std::uint32_t* ends, bool& nul) {
     std::uint32_t* out = ends;
     nul = false;
-    for (const std::uint32_t end = position + static_cast<std::uint32_t>(blocks) * lineBlock; position < end;
+    for (const std::uint32_t end = position + static_cast<std::uint32_t>(blocks) * LineBlock; position < end;
          ++position) {
         *out = position;
         out += bytes[position] == terminator ? 1 : 0;

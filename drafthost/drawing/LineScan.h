@@ -10,7 +10,7 @@ namespace drafthost {
 // its time in one search call per eight-byte line.
 
 /// Bytes that are looked at together.
-inline constexpr std::uint32_t lineBlock = 64;
+inline constexpr std::uint32_t LineBlock = 64;
 
 /// Appends the positions of `terminator` in `blocks` blocks of `bytes` from `position` on to `ends`, which
 /// must have room for all of them and one block more; returns how many there are. `nul` is set when a NUL

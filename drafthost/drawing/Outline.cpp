@@ -8,7 +8,7 @@ namespace drafthost {
 
 namespace {
 
-constexpr double turn = 2 * std::numbers::pi;
+constexpr double Turn = 2 * std::numbers::pi;
 
 bool usable(double value) {
     return std::fabs(value) < 1e20;
@@ -37,9 +37,9 @@ void Outline::curve(const Point& center, const Point& u, const Point& v, double 
     const Point a = transform_.vector(u);
     const Point b = transform_.vector(v);
     const auto at = [&](double t) { return c + a * std::cos(t) + b * std::sin(t); };
-    double sweep = std::fmod(to - from, turn);
+    double sweep = std::fmod(to - from, Turn);
     if (!(sweep > 1e-12)) {
-        sweep += turn;
+        sweep += Turn;
     }
     if (!std::isfinite(sweep)) {
         return;
@@ -51,9 +51,9 @@ void Outline::curve(const Point& center, const Point& u, const Point& v, double 
             continue;
         }
         for (const double extreme : {std::atan2(sine, cosine), std::atan2(-sine, -cosine)}) {
-            double ahead = std::fmod(extreme - from, turn);
+            double ahead = std::fmod(extreme - from, Turn);
             if (ahead < 0) {
-                ahead += turn;
+                ahead += Turn;
             }
             if (ahead <= sweep) {
                 extents_->add(at(extreme));

@@ -19,11 +19,11 @@ T loadAs(std::string_view bytes) {
 }
 
 std::string hexadecimal(std::string_view bytes) {
-    static constexpr char digits[] = "0123456789ABCDEF";
+    static constexpr char Digits[] = "0123456789ABCDEF";
     std::string text;
     for (const char c : bytes) {
-        text += digits[static_cast<unsigned char>(c) >> 4];
-        text += digits[c & 15];
+        text += Digits[static_cast<unsigned char>(c) >> 4];
+        text += Digits[c & 15];
     }
     return text;
 }

@@ -5,7 +5,7 @@ namespace drafthost {
 
 namespace {
 
-constexpr std::array<std::string_view, tableCount> tableTypes = {
+constexpr std::array<std::string_view, TableCount> TableTypes = {
     "LAYER", "LTYPE", "STYLE", "VIEW", "UCS", "VPORT", "APPID", "DIMSTYLE", "BLOCK_RECORD"};
 
 std::string nameOf(const Record& record) {
@@ -99,7 +99,7 @@ class StructureBuilder {
                 table_->end = id;
             }
             table_ = nullptr;
-        } else if (table_ != nullptr && type == tableTypes[tableIndex_]) {
+        } else if (table_ != nullptr && type == TableTypes[tableIndex_]) {
             table_->entries.push_back(id);
             table_->end = id;
             table_->byName.try_emplace(foldCase(nameOf(record)), id);
@@ -161,13 +161,13 @@ class StructureBuilder {
 }  // namespace
 
 std::string_view tableType(Table table) {
-    return tableTypes[static_cast<std::size_t>(table)];
+    return TableTypes[static_cast<std::size_t>(table)];
 }
 
 std::optional<Table> tableOf(std::string_view type) {
     const std::string folded = foldCase(type);
-    for (std::size_t i = 0; i < tableCount; ++i) {
-        if (foldCase(tableTypes[i]) == folded) {
+    for (std::size_t i = 0; i < TableCount; ++i) {
+        if (foldCase(TableTypes[i]) == folded) {
             return static_cast<Table>(i);
         }
     }
@@ -175,14 +175,14 @@ std::optional<Table> tableOf(std::string_view type) {
 }
 
 bool isStructural(std::string_view type) {
-    static constexpr std::string_view others[] = {"SECTION", "ENDSEC", "TABLE",      "ENDTAB", "BLOCK",
+    static constexpr std::string_view Others[] = {"SECTION", "ENDSEC", "TABLE",      "ENDTAB", "BLOCK",
                                                   "ENDBLK",  "LAYOUT", "DICTIONARY", "EOF"};
-    for (const std::string_view other : others) {
+    for (const std::string_view other : Others) {
         if (type == other) {
             return true;
         }
     }
-    for (const std::string_view table : tableTypes) {
+    for (const std::string_view table : TableTypes) {
         if (type == table) {
             return true;
         }

@@ -8,7 +8,7 @@
 
 namespace drafthost {
 
-inline constexpr std::size_t tableCount = 9;
+inline constexpr std::size_t TableCount = 9;
 
 struct TableRecords {
     RecordId begin = NoRecord;  ///< the TABLE record
@@ -37,7 +37,7 @@ struct Structure {
     Section entitiesSection;
     Section objectsSection;
     RecordId eof = NoRecord;
-    std::array<TableRecords, tableCount> tables;
+    std::array<TableRecords, TableCount> tables;
     std::vector<Block> blocks;
     std::unordered_map<std::string, std::size_t> blockByName;
     std::vector<RecordId> layoutObjects;

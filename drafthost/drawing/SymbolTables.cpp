@@ -10,7 +10,7 @@ namespace drafthost {
 
 namespace {
 
-constexpr std::string_view recordMarkers[tableCount] = {
+constexpr std::string_view RecordMarkers[TableCount] = {
     "AcDbLayerTableRecord",  "AcDbLinetypeTableRecord", "AcDbTextStyleTableRecord",
     "AcDbViewTableRecord",   "AcDbUCSTableRecord",      "AcDbViewportTableRecord",
     "AcDbRegAppTableRecord", "AcDbDimStyleTableRecord", "AcDbBlockTableRecord"};
@@ -204,7 +204,7 @@ RecordId addEntry(Drawing& drawing, Table table, std::string_view name) {
     }
     if (drawing.versionNumber() >= 1012) {
         drawing.appendTag(id, 100, "AcDbSymbolTableRecord");
-        drawing.appendTag(id, 100, std::string(recordMarkers[static_cast<std::size_t>(table)]));
+        drawing.appendTag(id, 100, std::string(RecordMarkers[static_cast<std::size_t>(table)]));
     }
     drawing.appendTag(id, 2, std::string(name));
     if (table != Table::BlockRecord) {

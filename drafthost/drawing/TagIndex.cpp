@@ -14,9 +14,9 @@ namespace drafthost {
 
 namespace {
 
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view binarySentinel("AutoCAD Binary DXF\r\n\x1A\0", 22);
-constexpr int noCode = std::numeric_limits<int>::min();
+constexpr int NoCode = std::numeric_limits<int>::min();
 
 std::uint32_t load32(const char* bytes) {
     std::uint32_t word;
@@ -38,16 +38,16 @@ int parseOddCode(std::string_view line) {
         line.remove_prefix(1);
     }
     if (line.empty() || line.size() > 9) {
-        return noCode;
+        return NoCode;
     }
     int value = 0;
     for (const char c : line) {
         if (c < '0' || c > '9') {
-            return noCode;
+            return NoCode;
         }
         value = value * 10 + (c - '0');
     }
-    return value > std::numeric_limits<std::int16_t>::max() ? noCode : (negative ? -value : value);
+    return value > std::numeric_limits<std::int16_t>::max() ? NoCode : (negative ? -value : value);
 }
 
 // Group code of the line that ends before `end`. Lines of up to four characters, which is all of them but for
@@ -177,8 +177,8 @@ bool TagIndex::canBegin(std::string_view head) {
     if (isBinary(head)) {
         return true;
     }
-    head.remove_prefix(head.starts_with(utf8Mark) ? utf8Mark.size() : 0);
-    return parseOddCode(head.substr(0, head.find_first_of("\r\n"))) != noCode;
+    head.remove_prefix(head.starts_with(Utf8Mark) ? Utf8Mark.size() : 0);
+    return parseOddCode(head.substr(0, head.find_first_of("\r\n"))) != NoCode;
 }
 
 // Takes whole tags from pairs of line ends; stops behind the EOF tag.
@@ -200,7 +200,7 @@ bool TagIndex::addPairs(std::string_view bytes, const std::uint32_t* ends, std::
         // Whether a tag begins a record cannot be guessed, so this is done without a branch.
         *record = size_ + i;
         record += code == 0 ? 1 : 0;
-        if (code == noCode) {
+        if (code == NoCode) {
             const std::string_view line = withoutReturn(bytes.substr(begin, codeEnd - begin));
             error = atLine(2 * (std::uint64_t{size_} + i) + 1, quoted(line) + " is not a group code");
             return false;
@@ -222,7 +222,7 @@ bool TagIndex::addPairs(std::string_view bytes, const std::uint32_t* ends, std::
 
 bool TagIndex::buildAscii(std::string_view bytes, std::string& error) {
     const std::uint32_t size = static_cast<std::uint32_t>(bytes.size());
-    std::uint32_t position = bytes.starts_with(utf8Mark) ? 3 : 0;
+    std::uint32_t position = bytes.starts_with(Utf8Mark) ? 3 : 0;
     std::uint32_t lineBegin = position;
 
     const std::size_t firstEnd = bytes.find_first_of("\r\n", position);
@@ -234,22 +234,22 @@ bool TagIndex::buildAscii(std::string_view bytes, std::string& error) {
     codeWidth_ = firstEnd != std::string_view::npos && bytes[position] == ' ' ? 3 : 0;
 
     // Blocks at a time, few enough for their line ends to stay in the first cache.
-    constexpr std::size_t batch = 64;
-    const std::unique_ptr<std::uint32_t[]> ends(new std::uint32_t[(batch + 2) * lineBlock]);
+    constexpr std::size_t Batch = 64;
+    const std::unique_ptr<std::uint32_t[]> ends(new std::uint32_t[(Batch + 2) * LineBlock]);
     std::size_t count = 0;
     std::size_t nul = std::string_view::npos;
     reserve(size / 12 + 16);
     while (position < size && !complete_) {
-        if (const std::size_t blocks = std::min<std::size_t>((size - position) / lineBlock, batch);
+        if (const std::size_t blocks = std::min<std::size_t>((size - position) / LineBlock, Batch);
             blocks > 0) {
             bool hasNul = false;
             count += findLineEnds(bytes.data(), position, blocks, terminator_, ends.get() + count, hasNul);
             if (hasNul && nul == std::string_view::npos) {
                 nul = bytes.find('\0', position);
             }
-            position += static_cast<std::uint32_t>(blocks) * lineBlock;
+            position += static_cast<std::uint32_t>(blocks) * LineBlock;
         }
-        if (position + lineBlock > size) {
+        if (position + LineBlock > size) {
             for (; position < size; ++position) {
                 if (bytes[position] == terminator_) {
                     ends[count++] = position;
@@ -407,7 +407,7 @@ std::uint32_t TagIndex::tagBegin(std::string_view bytes, std::uint32_t tag) cons
         return position - static_cast<std::uint32_t>(codeBytes_ == 2 ? 2 : (code >= 255 ? 3 : 1));
     }
     // The line end in front of the value is the one of the code line.
-    const std::uint32_t start = bytes.starts_with(utf8Mark) ? 3 : 0;
+    const std::uint32_t start = bytes.starts_with(Utf8Mark) ? 3 : 0;
     --position;
     while (position > start && bytes[position - 1] != terminator_) {
         --position;

@@ -14,7 +14,7 @@ namespace drafthost {
 
 namespace {
 
-constexpr char32_t replacement = 0xFFFD;
+constexpr char32_t Replacement = 0xFFFD;
 
 // One code page. ICU knows all of them but Johab (1361), which the C library converts.
 class Page {
@@ -48,7 +48,7 @@ class Page {
                 break;
             }
             if (U_FAILURE(status)) {
-                result += replacement;
+                result += Replacement;
                 source = std::max(source, before + 1);
             } else {
                 result += static_cast<char32_t>(c);
@@ -110,7 +110,7 @@ class Page {
 
     void decodeByLibrary(std::string_view bytes, std::u32string& result) {
         if (!isOpen(in_)) {
-            result.append(bytes.size(), replacement);
+            result.append(bytes.size(), Replacement);
             return;
         }
         iconv(in_, nullptr, nullptr, nullptr, nullptr);
@@ -125,7 +125,7 @@ class Page {
             if (room == 0) {
                 result += c;
             } else {
-                result += replacement;
+                result += Replacement;
                 if (left > 0) {
                     ++in;
                     --left;
@@ -178,11 +178,11 @@ std::string pageName(std::string_view codePage) {
     if (!page.empty()) {
         return "windows-" + page;
     }
-    static constexpr std::pair<std::string_view, std::string_view> names[] = {
+    static constexpr std::pair<std::string_view, std::string_view> Names[] = {
         {"mac-roman", "macintosh"}, {"gb2312", "windows-936"},   {"ksc5601", "windows-949"},
         {"big5", "windows-950"},    {"utf-8", "UTF-8"},          {"utf8", "UTF-8"},
         {"gbk", "windows-936"},     {"shift_jis", "windows-932"}};
-    for (const auto& [known, converter] : names) {
+    for (const auto& [known, converter] : Names) {
         if (name == known) {
             return std::string(converter);
         }
@@ -194,7 +194,7 @@ std::string pageName(std::string_view codePage) {
 }
 
 // Pages of the digit in \M+nXXXX.
-constexpr std::array<std::string_view, 5> escapePages = {"windows-932", "windows-950", "windows-949", "JOHAB",
+constexpr std::array<std::string_view, 5> EscapePages = {"windows-932", "windows-950", "windows-949", "JOHAB",
                                                          "windows-936"};
 
 bool isAscii(std::string_view bytes) {
@@ -216,7 +216,7 @@ bool isUtf8(std::string_view bytes) {
 
 void appendUtf8(std::string& text, char32_t c) {
     if (U_IS_SURROGATE(c) || c > 0x10FFFF) {
-        c = replacement;
+        c = Replacement;
     }
     std::array<char, 4> buffer;
     int32_t length = 0;
@@ -249,14 +249,14 @@ int unicodeEscape(std::string_view text, std::size_t at) {
 }
 
 void appendEscape(std::string& bytes, char32_t c) {
-    static constexpr char digits[] = "0123456789ABCDEF";
+    static constexpr char Digits[] = "0123456789ABCDEF";
     std::array<UChar, 2> units;
     int32_t length = 0;
     U16_APPEND_UNSAFE(units, length, c);
     for (int32_t i = 0; i < length; ++i) {
         bytes += "\\U+";
         for (int shift = 12; shift >= 0; shift -= 4) {
-            bytes += digits[(units[static_cast<std::size_t>(i)] >> shift) & 15];
+            bytes += Digits[(units[static_cast<std::size_t>(i)] >> shift) & 15];
         }
     }
 }
@@ -269,7 +269,7 @@ struct TextCodec::Pages {
     Page& escape(int digit) {
         auto& page = escapes[static_cast<std::size_t>(digit - 1)];
         if (page == nullptr) {
-            page = std::make_unique<Page>(std::string(escapePages[static_cast<std::size_t>(digit - 1)]));
+            page = std::make_unique<Page>(std::string(EscapePages[static_cast<std::size_t>(digit - 1)]));
         }
         return *page;
     }

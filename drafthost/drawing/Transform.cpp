@@ -46,8 +46,8 @@ Transform Transform::ofExtrusion(const Point& extrusion) {
     if (z == Point{0, 0, 1}) {
         return {};
     }
-    constexpr double limit = 1.0 / 64;
-    const bool nearAxis = std::fabs(z.x) < limit && std::fabs(z.y) < limit;
+    constexpr double Limit = 1.0 / 64;
+    const bool nearAxis = std::fabs(z.x) < Limit && std::fabs(z.y) < Limit;
     const Point x = normalised(cross(nearAxis ? Point{0, 1, 0} : Point{0, 0, 1}, z));
     return {x, normalised(cross(z, x)), z, {}};
 }

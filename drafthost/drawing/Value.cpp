@@ -17,7 +17,7 @@ struct Range {
     ValueKind kind;
 };
 
-constexpr Range ranges[] = {
+constexpr Range Ranges[] = {
     {-5, -1, ValueKind::Text},       {0, 4, ValueKind::Text},        {5, 5, ValueKind::Handle},
     {6, 9, ValueKind::Text},         {10, 59, ValueKind::Real},      {60, 79, ValueKind::Int16},
     {90, 99, ValueKind::Int32},      {100, 102, ValueKind::Text},    {105, 105, ValueKind::Handle},
@@ -32,20 +32,20 @@ constexpr Range ranges[] = {
     {1060, 1070, ValueKind::Int16},  {1071, 1071, ValueKind::Int32},
 };
 
-constexpr int tableSize = 1072;
+constexpr int TableSize = 1072;
 
-constexpr std::array<ValueKind, tableSize> makeKinds() {
-    std::array<ValueKind, tableSize> kinds{};
-    kinds.fill(ValueKind::Unknown);
-    for (const Range& range : ranges) {
+constexpr std::array<ValueKind, TableSize> makeKinds() {
+    std::array<ValueKind, TableSize> Kinds{};
+    Kinds.fill(ValueKind::Unknown);
+    for (const Range& range : Ranges) {
         for (int code = std::max(range.first, 0); code <= range.last; ++code) {
-            kinds[code] = range.kind;
+            Kinds[code] = range.kind;
         }
     }
-    return kinds;
+    return Kinds;
 }
 
-constexpr std::array<ValueKind, tableSize> kinds = makeKinds();
+constexpr std::array<ValueKind, TableSize> Kinds = makeKinds();
 
 std::string_view skipBlanks(std::string_view text) {
     std::size_t i = 0;
@@ -64,7 +64,7 @@ ValueKind kindOf(int code) {
     if (code < 0) {
         return code >= -5 ? ValueKind::Text : ValueKind::Unknown;
     }
-    return code < tableSize ? kinds[code] : ValueKind::Unknown;
+    return code < TableSize ? Kinds[code] : ValueKind::Unknown;
 }
 
 bool isTextKind(ValueKind kind) {

@@ -15,7 +15,7 @@ namespace drafthost {
 namespace {
 
 // A hair of space around what is shown, so that lines at its edge are seen.
-constexpr double extentsMargin = 1.02;
+constexpr double ExtentsMargin = 1.02;
 
 // The paper space viewport with number 1 is the view of the layout itself.
 RecordId paperView(const Drawing& drawing) {
@@ -175,7 +175,7 @@ Extents zoomExtents(Drawing& drawing) {
     const bool model = modelIsCurrent(drawing);
     const View view = currentView(drawing);
     Extents shown = extents;
-    double margin = extentsMargin;
+    double margin = ExtentsMargin;
     if (extents.empty()) {
         shown.add(headerPoint(drawing, model ? "$LIMMIN" : "$PLIMMIN", {0, 0, 0}));
         shown.add(headerPoint(drawing, model ? "$LIMMAX" : "$PLIMMAX", {12, 9, 0}));

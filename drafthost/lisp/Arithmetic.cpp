@@ -263,19 +263,19 @@ Value boole(Evaluator&, Args args) {
     return Value::integer(total);
 }
 
-constexpr Subr kFunctions[] = {
-    {"+", 0, Subr::kAny, add},
-    {"-", 0, Subr::kAny, subtract},
-    {"*", 0, Subr::kAny, multiply},
-    {"/", 0, Subr::kAny, divide},
-    {"REM", 0, Subr::kAny, remainder},
+constexpr Subr Functions[] = {
+    {"+", 0, Subr::Any, add},
+    {"-", 0, Subr::Any, subtract},
+    {"*", 0, Subr::Any, multiply},
+    {"/", 0, Subr::Any, divide},
+    {"REM", 0, Subr::Any, remainder},
     {"1+", 1, 1, increment},
     {"1-", 1, 1, decrement},
     {"ABS", 1, 1, absolute},
     {"FIX", 1, 1, fix},
     {"FLOAT", 1, 1, toReal},
-    {"MAX", 0, Subr::kAny, largest},
-    {"MIN", 0, Subr::kAny, smallest},
+    {"MAX", 0, Subr::Any, largest},
+    {"MIN", 0, Subr::Any, smallest},
     {"SQRT", 1, 1, squareRoot},
     {"EXP", 1, 1, exponential},
     {"LOG", 1, 1, logarithm},
@@ -284,17 +284,17 @@ constexpr Subr kFunctions[] = {
     {"COS", 1, 1, cosine},
     {"ATAN", 1, 2, arcTangent},
     {"GCD", 2, 2, greatestDivisor},
-    {"LOGAND", 0, Subr::kAny, bitAnd},
-    {"LOGIOR", 0, Subr::kAny, bitOr},
+    {"LOGAND", 0, Subr::Any, bitAnd},
+    {"LOGIOR", 0, Subr::Any, bitOr},
     {"~", 1, 1, bitNot},
     {"LSH", 2, 2, shift},
-    {"BOOLE", 2, Subr::kAny, boole},
+    {"BOOLE", 2, Subr::Any, boole},
 };
 
 }  // namespace
 
 std::span<const Subr> arithmeticFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

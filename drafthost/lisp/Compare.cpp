@@ -122,19 +122,19 @@ Value isNumber(Evaluator&, Args args) {
     return Value::boolean(args[0].isNumber());
 }
 
-constexpr Subr kFunctions[] = {
-    {"=", 1, Subr::kAny, isEqual},   {"/=", 1, Subr::kAny, isDifferent},
-    {"<", 1, Subr::kAny, isLess},    {"<=", 1, Subr::kAny, isLessOrEqual},
-    {">", 1, Subr::kAny, isGreater}, {">=", 1, Subr::kAny, isGreaterOrEqual},
-    {"EQ", 2, 2, sameObject},        {"EQUAL", 2, 3, sameValue},
-    {"ZEROP", 1, 1, isZero},         {"MINUSP", 1, 1, isMinus},
+constexpr Subr Functions[] = {
+    {"=", 1, Subr::Any, isEqual},   {"/=", 1, Subr::Any, isDifferent},
+    {"<", 1, Subr::Any, isLess},    {"<=", 1, Subr::Any, isLessOrEqual},
+    {">", 1, Subr::Any, isGreater}, {">=", 1, Subr::Any, isGreaterOrEqual},
+    {"EQ", 2, 2, sameObject},       {"EQUAL", 2, 3, sameValue},
+    {"ZEROP", 1, 1, isZero},        {"MINUSP", 1, 1, isMinus},
     {"NUMBERP", 1, 1, isNumber},
 };
 
 }  // namespace
 
 std::span<const Subr> compareFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

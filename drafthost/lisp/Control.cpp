@@ -169,10 +169,10 @@ Value defunListSet(Evaluator& e, Args args) {
 }
 
 constexpr Subr special(const char* name, Value (*run)(Evaluator&, const Value&)) {
-    return {name, 0, Subr::kAny, nullptr, run};
+    return {name, 0, Subr::Any, nullptr, run};
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     special("QUOTE", quote),
     special("FUNCTION", functionForm),
     special("SETQ", setq),
@@ -194,7 +194,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> controlFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

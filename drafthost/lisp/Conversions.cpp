@@ -105,7 +105,7 @@ Value readText(Evaluator&, Args args) {
     return Reader(text).next().value_or(Value());
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"ITOA", 1, 1, integerToText},  {"ATOI", 1, 1, textToInteger}, {"ATOF", 1, 1, textToReal},
     {"RTOS", 1, 3, distanceToText}, {"ANGTOS", 1, 3, angleToText}, {"DISTOF", 1, 2, textToDistance},
     {"ANGTOF", 1, 2, textToAngle},  {"CVUNIT", 3, 3, convert},     {"READ", 1, 1, readText},
@@ -114,7 +114,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> conversionFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

@@ -24,14 +24,14 @@ namespace {
 // than this would only make it take longer until a recursion without end is told.
 #if defined(__SANITIZE_ADDRESS__)
 // AddressSanitizer tidies no more than this up when an exception passes, and reports nonsense afterwards.
-constexpr std::size_t kLargest = std::size_t{64} << 20;
+constexpr std::size_t Largest = std::size_t{64} << 20;
 #else
-constexpr std::size_t kLargest = std::size_t{192} << 20;
+constexpr std::size_t Largest = std::size_t{192} << 20;
 #endif
-constexpr std::size_t kSmallest = std::size_t{4} << 20;
-constexpr std::size_t kGuard = std::size_t{64} << 10;
+constexpr std::size_t Smallest = std::size_t{4} << 20;
+constexpr std::size_t Guard = std::size_t{64} << 10;
 /// Left as it is between evaluations, so that small ones cost no page faults.
-constexpr std::size_t kKept = std::size_t{256} << 10;
+constexpr std::size_t Kept = std::size_t{256} << 10;
 
 struct Stack {
     char* base = nullptr;
@@ -79,14 +79,14 @@ void enter() {
 
 /// A machine that limits address space gets a smaller one.
 void reserve() {
-    for (std::size_t size = kLargest; size >= kSmallest; size /= 2) {
+    for (std::size_t size = Largest; size >= Smallest; size /= 2) {
         void* base = ::mmap(nullptr, size, PROT_READ | PROT_WRITE,
                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
         if (base == MAP_FAILED) {
             continue;
         }
         // What runs over the end must fall into nothing.
-        ::mprotect(base, kGuard, PROT_NONE);
+        ::mprotect(base, Guard, PROT_NONE);
         stack.base = static_cast<char*>(base);
         stack.size = size;
         return;
@@ -122,8 +122,8 @@ void EvalStack::run(const std::function<void()>& work) {
     note.back();
     stack.active = false;
     const std::size_t used = reinterpret_cast<std::uintptr_t>(stack.base) + stack.size - stack.deepest;
-    if (used > kKept) {
-        ::madvise(stack.base + kGuard, stack.size - kKept - kGuard, MADV_DONTNEED);
+    if (used > Kept) {
+        ::madvise(stack.base + Guard, stack.size - Kept - Guard, MADV_DONTNEED);
     }
 }
 
@@ -132,7 +132,7 @@ std::size_t EvalStack::left() {
     stack.deepest = std::min(stack.deepest, at);
     const std::uintptr_t top = reinterpret_cast<std::uintptr_t>(stack.base) + stack.size;
     // A host with little memory does not spend it on its stack.
-    const std::size_t most = std::clamp(memoryLimit() / 4, kSmallest, stack.size - kGuard);
+    const std::size_t most = std::clamp(memoryLimit() / 4, Smallest, stack.size - Guard);
     const std::size_t used = top - at;
     return used < most ? most - used : 0;
 }

@@ -15,11 +15,11 @@
 namespace drafthost::lisp {
 namespace {
 
-constexpr int kStepsPerPulse = 2048;
-constexpr std::chrono::milliseconds kPulse{20};
+constexpr int StepsPerPulse = 2048;
+constexpr std::chrono::milliseconds Pulse{20};
 // What must remain of the stack for built-in functions, the host's calls and the user's *error*.
-constexpr std::size_t kStackReserve = std::size_t{2048} * 1024;
-constexpr std::size_t kHandlerReserve = std::size_t{1024} * 1024;
+constexpr std::size_t StackReserve = std::size_t{2048} * 1024;
+constexpr std::size_t HandlerReserve = std::size_t{1024} * 1024;
 
 /// Arguments of one call: on the stack while they are few.
 class ArgumentBuffer {
@@ -59,7 +59,7 @@ const Symbol* lambdaSymbol() {
 
 }  // namespace
 
-Evaluator::Evaluator(WorldHost& h) : host(h), stepsLeft_(kStepsPerPulse) {
+Evaluator::Evaluator(WorldHost& h) : host(h), stepsLeft_(StepsPerPulse) {
     for (const auto family :
          {arithmeticFunctions, compareFunctions, controlFunctions, functionFunctions, listFunctions,
           listSearchFunctions, stringFunctions, conversionFunctions, outputFunctions, fileFunctions,
@@ -104,9 +104,9 @@ void Evaluator::unbind(std::size_t mark) {
 }
 
 void Evaluator::pulse() {
-    stepsLeft_ = kStepsPerPulse;
+    stepsLeft_ = StepsPerPulse;
     const auto now = std::chrono::steady_clock::now();
-    if (now - lastPulse_ < kPulse) {
+    if (now - lastPulse_ < Pulse) {
         return;
     }
     if (!hasMemoryFor(0)) {
@@ -131,8 +131,8 @@ void Evaluator::failCancelled() {
 }
 
 void Evaluator::checkStack() const {
-    if (EvalStack::left() < (quietDepth > 0 ? kHandlerReserve : kStackReserve)) {
-        fail(std::string(kStackLimitText));
+    if (EvalStack::left() < (quietDepth > 0 ? HandlerReserve : StackReserve)) {
+        fail(std::string(StackLimitText));
     }
 }
 

@@ -27,7 +27,7 @@ struct Failure {
 /// "bad argument type: numberp: nil"; the expectation carries its colon where the host has one.
 [[noreturn]] void failType(std::string_view expected, const Value& got);
 
-inline constexpr std::string_view kStackLimitText =
+inline constexpr std::string_view StackLimitText =
     "hard error occurred *** internal stack limit reached (simulated)";
 
 }  // namespace drafthost::lisp

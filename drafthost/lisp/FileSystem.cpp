@@ -210,7 +210,7 @@ Value makeFolder(Evaluator&, Args args) {
     return Value::boolean(fs::create_directory(stringArg(args[0]), error) && !error);
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"VL-FILENAME-BASE", 1, 1, baseName},       {"VL-FILENAME-DIRECTORY", 1, 1, folderName},
     {"VL-FILENAME-EXTENSION", 1, 1, extension}, {"VL-FILENAME-MKTEMP", 0, 3, temporaryName},
     {"VL-DIRECTORY-FILES", 0, 3, listFolder},   {"VL-FILE-COPY", 2, 3, copyFile},
@@ -222,7 +222,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> fileSystemFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

@@ -91,13 +91,13 @@ std::string fromLatin(std::string_view bytes) {
 }  // namespace
 
 std::string decodeFile(std::string bytes) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    constexpr std::string_view Mark = "\xEF\xBB\xBF";
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
         return fromUtf16(std::string_view(bytes).substr(2), bytes[0] == '\xFE');
     }
     std::string locale = files::LocaleCodeset();
-    if (bytes.starts_with(mark)) {
-        bytes.erase(0, mark.size());
+    if (bytes.starts_with(Mark)) {
+        bytes.erase(0, Mark.size());
         locale = "UTF-8";
     }
     if (locale == "UTF-8" && isUtf8(bytes)) {

@@ -132,7 +132,7 @@ Value autoload(Evaluator& e, Args args) {
     return {};
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"OPEN", 2, 3, openFile},
     {"CLOSE", 1, 1, closeFile},
     {"READ-LINE", 0, 1, readLine},
@@ -146,7 +146,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> fileFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

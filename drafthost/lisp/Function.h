@@ -14,7 +14,7 @@ using Args = std::span<Value>;
 
 /// A built-in function. It gets its arguments evaluated and counted, or (special forms) as written.
 struct Subr {
-    static constexpr int kAny = 1 << 30;
+    static constexpr int Any = 1 << 30;
 
     const char* name;
     int minArgs;

@@ -164,11 +164,11 @@ Value atomsFamily(Evaluator& e, Args args) {
     return result.take();
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"EVAL", 1, 1, evaluate},
     {"SET", 2, 2, set},
     {"APPLY", 2, 2, apply},
-    {"MAPCAR", 2, Subr::kAny, mapcar},
+    {"MAPCAR", 2, Subr::Any, mapcar},
     {"VL-CATCH-ALL-APPLY", 1, 2, catchAll},
     {"VL-CATCH-ALL-ERROR-P", 1, 1, isCaught},
     {"VL-CATCH-ALL-ERROR-MESSAGE", 1, 1, caughtMessage},
@@ -194,7 +194,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> functionFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

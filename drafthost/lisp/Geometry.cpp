@@ -79,8 +79,8 @@ Value intersection(Evaluator&, Args args) {
     }
     const double t = dot(cross(w, s), n) / nn;
     const double u = dot(cross(w, r), n) / nn;
-    constexpr double kSlack = 1e-10;
-    if (onSegments && (t < -kSlack || t > 1 + kSlack || u < -kSlack || u > 1 + kSlack)) {
+    constexpr double Slack = 1e-10;
+    if (onSegments && (t < -Slack || t > 1 + Slack || u < -Slack || u > 1 + Slack)) {
         return {};
     }
     const Point at{p[0][0] + t * r[0], p[0][1] + t * r[1], p[0][2] + t * r[2]};
@@ -142,7 +142,7 @@ Value transform(Evaluator&, Args args) {
     return Value::point({dot(world, a.x), dot(world, a.y), dot(world, a.z)});
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"DISTANCE", 2, 2, distance},   {"ANGLE", 2, 2, angle},     {"POLAR", 3, 3, polar},
     {"INTERS", 4, 5, intersection}, {"TRANS", 3, 4, transform},
 };
@@ -150,7 +150,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> geometryFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

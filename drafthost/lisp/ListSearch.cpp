@@ -157,7 +157,7 @@ Value every(Evaluator& e, Args args) {
     return Value::boolean(!firstResult(e, args, false));
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"VL-SORT", 2, 2, sort},
     {"VL-SORT-I", 2, 2, sortIndexes},
     {"ACAD_STRLSORT", 1, 1, sortStrings},
@@ -167,14 +167,14 @@ constexpr Subr kFunctions[] = {
     {"VL-REMOVE-IF-NOT", 2, 2, removeIfNot},
     {"VL-MEMBER-IF", 2, 2, memberIf},
     {"VL-MEMBER-IF-NOT", 2, 2, memberIfNot},
-    {"VL-SOME", 2, Subr::kAny, some},
-    {"VL-EVERY", 2, Subr::kAny, every},
+    {"VL-SOME", 2, Subr::Any, some},
+    {"VL-EVERY", 2, Subr::Any, every},
 };
 
 }  // namespace
 
 std::span<const Subr> listSearchFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

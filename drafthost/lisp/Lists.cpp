@@ -30,11 +30,11 @@ Value listWithTail(Evaluator&, Args args) {
 /// The letters between "c" and "r" are applied from the last to the first.
 template <char... Letters>
 Value access(Evaluator&, Args args) {
-    static constexpr std::array kLetters{Letters...};
+    static constexpr std::array PathLetters{Letters...};
     const Value* v = &args[0];
-    for (std::size_t i = kLetters.size(); i-- > 0;) {
+    for (std::size_t i = PathLetters.size(); i-- > 0;) {
         listArg(*v);
-        v = kLetters[i] == 'a' ? &v->car() : &v->cdr();
+        v = PathLetters[i] == 'a' ? &v->car() : &v->cdr();
     }
     return *v;
 }
@@ -129,10 +129,10 @@ Value substitute(Evaluator&, Args args) {
     return result.take();
 }
 
-constexpr Subr kFunctions[] = {
-    {"LIST", 0, Subr::kAny, makeList},
+constexpr Subr Functions[] = {
+    {"LIST", 0, Subr::Any, makeList},
     {"CONS", 2, 2, makeCons},
-    {"VL-LIST*", 1, Subr::kAny, listWithTail},
+    {"VL-LIST*", 1, Subr::Any, listWithTail},
     {"CAR", 1, 1, access<'a'>},
     {"CDR", 1, 1, access<'d'>},
     {"CAAR", 1, 1, access<'a', 'a'>},
@@ -168,7 +168,7 @@ constexpr Subr kFunctions[] = {
     {"LENGTH", 1, 1, length},
     {"VL-LIST-LENGTH", 1, 1, properLength},
     {"REVERSE", 1, 1, reverse},
-    {"APPEND", 0, Subr::kAny, append},
+    {"APPEND", 0, Subr::Any, append},
     {"ASSOC", 2, 2, associated},
     {"MEMBER", 2, 2, member},
     {"SUBST", 3, 3, substitute},
@@ -177,7 +177,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> listFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

@@ -8,7 +8,7 @@
 namespace drafthost::lisp {
 namespace {
 
-constexpr std::size_t kBetweenChecks = std::size_t{16} << 20;
+constexpr std::size_t BetweenChecks = std::size_t{16} << 20;
 
 }
 
@@ -16,8 +16,8 @@ void Memory::check(std::size_t taken) {
     const bool fits = programHasMemoryFor(taken);
     // The program that failed may have put all of it into a variable. What comes next still needs a little,
     // to let go of it or to leave the drawing.
-    if (fits || hasMemoryFor(kBetweenChecks)) {
-        checkAt_ = used_ + kBetweenChecks;
+    if (fits || hasMemoryFor(BetweenChecks)) {
+        checkAt_ = used_ + BetweenChecks;
     }
     if (!fits) {
         used_ -= taken;
@@ -26,7 +26,7 @@ void Memory::check(std::size_t taken) {
 }
 
 void Memory::require(std::size_t bytes) {
-    if (bytes > kBetweenChecks && !programHasMemoryFor(bytes)) {
+    if (bytes > BetweenChecks && !programHasMemoryFor(bytes)) {
         throw std::bad_alloc();
     }
 }

@@ -38,7 +38,7 @@ Value hide(Evaluator& e, Args args) {
     return Value::boolean(e.exposed.erase(symbolArg(args[0])->name()) != 0);
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"VL-BB-SET", 2, 2, setOnBoard}, {"VL-BB-REF", 1, 1, getFromBoard}, {"VL-PROPAGATE", 1, 1, propagate},
     {"VL-ACAD-DEFUN", 1, 1, expose}, {"VL-ACAD-UNDEFUN", 1, 1, hide},
 };
@@ -46,7 +46,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> namespaceFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

@@ -68,7 +68,7 @@ Value switchScreen(Evaluator&, Args) {
     return {};
 }
 
-constexpr Subr kFunctions[] = {
+constexpr Subr Functions[] = {
     {"PRINC", 0, 2, printRaw},       {"PRIN1", 0, 2, printReadable},   {"PRINT", 0, 2, printLine},
     {"PROMPT", 1, 1, prompt},        {"TERPRI", 0, 0, newLine},        {"ALERT", 1, 1, alert},
     {"TEXTSCR", 0, 0, switchScreen}, {"GRAPHSCR", 0, 0, switchScreen}, {"TEXTPAGE", 0, 0, switchScreen},
@@ -77,7 +77,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> outputFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

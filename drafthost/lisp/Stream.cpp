@@ -17,9 +17,9 @@ namespace drafthost::lisp {
 
 namespace {
 
-constexpr std::size_t kPiece = std::size_t{1} << 20;
+constexpr std::size_t Piece = std::size_t{1} << 20;
 /// What has no size of its own, pipes and devices, is read so far and no further.
-constexpr std::size_t kMostOfDevice = std::size_t{64} << 20;
+constexpr std::size_t MostOfDevice = std::size_t{64} << 20;
 
 class Descriptor {
   public:
@@ -40,9 +40,9 @@ class Descriptor {
 
 /// Waits a moment for a pipe.
 void await(int fd) {
-    constexpr int kMilliseconds = 20;
+    constexpr int Milliseconds = 20;
     pollfd wanted{fd, POLLIN, 0};
-    ::poll(&wanted, 1, kMilliseconds);
+    ::poll(&wanted, 1, Milliseconds);
 }
 
 }  // namespace
@@ -60,7 +60,7 @@ std::optional<std::string> readWholeFile(const std::string& path, const std::fun
         Memory::require(2 * static_cast<std::size_t>(info.st_size));
         bytes.reserve(static_cast<std::size_t>(info.st_size));
     }
-    std::string piece(kPiece, '\0');
+    std::string piece(Piece, '\0');
     for (;;) {
         const ssize_t count = ::read(fd.get(), piece.data(), piece.size());
         if (count == 0) {
@@ -68,8 +68,8 @@ std::optional<std::string> readWholeFile(const std::string& path, const std::fun
         }
         if (count > 0) {
             bytes.append(piece, 0, static_cast<std::size_t>(count));
-            if (!S_ISREG(info.st_mode) && bytes.size() > kMostOfDevice) {
-                fail("no end of the file within " + std::to_string(kMostOfDevice >> 20) + " MB: \"" + path +
+            if (!S_ISREG(info.st_mode) && bytes.size() > MostOfDevice) {
+                fail("no end of the file within " + std::to_string(MostOfDevice >> 20) + " MB: \"" + path +
                      "\"");
             }
             Memory::require(bytes.size());

@@ -228,9 +228,9 @@ Value prin1Text(Evaluator&, Args args) {
     return Value::string(prin1(args[0]));
 }
 
-constexpr Subr kFunctions[] = {
-    {"STRCAT", 0, Subr::kAny, concatenate},
-    {"STRLEN", 0, Subr::kAny, lengthOf},
+constexpr Subr Functions[] = {
+    {"STRCAT", 0, Subr::Any, concatenate},
+    {"STRLEN", 0, Subr::Any, lengthOf},
     {"SUBSTR", 2, 3, substring},
     {"STRCASE", 1, 2, changeCase},
     {"ASCII", 1, 1, firstCode},
@@ -253,7 +253,7 @@ constexpr Subr kFunctions[] = {
 }  // namespace
 
 std::span<const Subr> stringFunctions() {
-    return kFunctions;
+    return Functions;
 }
 
 }  // namespace drafthost::lisp

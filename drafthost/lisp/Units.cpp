@@ -13,7 +13,7 @@
 namespace drafthost::lisp {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
+constexpr double Pi = std::numbers::pi;
 
 std::string fixedText(double value, int precision) {
     const int decimals = std::clamp(precision, 0, 16);
@@ -251,11 +251,11 @@ std::optional<double> bearingIn(std::string_view text) {
             return std::nullopt;
         }
         in.skipBlanks();
-        return in.done() ? std::optional(east ? 0.0 : kPi) : std::nullopt;
+        return in.done() ? std::optional(east ? 0.0 : Pi) : std::nullopt;
     }
     in.skipBlanks();
     if (in.done()) {
-        return north ? kPi / 2 : 3 * kPi / 2;
+        return north ? Pi / 2 : 3 * Pi / 2;
     }
     const auto off = degreesIn(in);
     in.skipBlanks();
@@ -268,7 +268,7 @@ std::optional<double> bearingIn(std::string_view text) {
         return std::nullopt;
     }
     const double degrees = north ? (east ? 90 - *off : 90 + *off) : (east ? 270 + *off : 270 - *off);
-    return degrees * kPi / 180;
+    return degrees * Pi / 180;
 }
 
 }  // namespace
@@ -290,19 +290,19 @@ std::string formatDistance(double value, const DistanceFormat& format) {
 }
 
 std::string formatAngle(double radians, int mode, int precision) {
-    double turn = std::fmod(radians, 2 * kPi);
-    turn += turn < 0 ? 2 * kPi : 0;
+    double turn = std::fmod(radians, 2 * Pi);
+    turn += turn < 0 ? 2 * Pi : 0;
     switch (mode) {
         case 1:
-            return degreesText(turn * 180 / kPi, precision);
+            return degreesText(turn * 180 / Pi, precision);
         case 2:
-            return fixedText(turn * 200 / kPi, precision) + "g";
+            return fixedText(turn * 200 / Pi, precision) + "g";
         case 3:
             return fixedText(turn, precision) + "r";
         case 4:
-            return bearing(turn * 180 / kPi, precision);
+            return bearing(turn * 180 / Pi, precision);
         default:
-            return fixedText(turn * 180 / kPi, precision);
+            return fixedText(turn * 180 / Pi, precision);
     }
 }
 
@@ -352,14 +352,14 @@ std::optional<double> parseAngle(std::string_view text, int mode) {
     if (!value) {
         return std::nullopt;
     }
-    double radians = *value * kPi / 180;
+    double radians = *value * Pi / 180;
     if (text.find_first_of("dD'\"") == std::string_view::npos) {
         in.back(start);
         value = in.number();
         const bool grads = in.take('g');
         const bool asRadians = !grads && in.take('r');
         if (grads || (mode == 2 && !asRadians)) {
-            radians = *value * kPi / 200;
+            radians = *value * Pi / 200;
         } else if (asRadians || mode == 3) {
             radians = *value;
         }

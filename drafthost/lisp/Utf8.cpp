@@ -20,8 +20,8 @@ char32_t nextCharacter(std::string_view text, std::size_t& pos) {
         valid = (next & 0xC0) == 0x80;
         c = (c << 6) | (next & 0x3F);
     }
-    static constexpr char32_t kSmallest[] = {0, 0x80, 0x800, 0x10000};
-    if (!valid || c < kSmallest[more] || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) {
+    static constexpr char32_t Smallest[] = {0, 0x80, 0x800, 0x10000};
+    if (!valid || c < Smallest[more] || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) {
         ++pos;
         return 0xDC00 + first;
     }

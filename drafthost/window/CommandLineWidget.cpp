@@ -13,61 +13,61 @@
 namespace drafthost {
 
 CommandLineWidget::CommandLineWidget(Host& owner, QWidget* parent)
-    : QWidget(parent), host(owner), output(new QPlainTextEdit(this)), line(new QLineEdit(this)) {
+    : QWidget(parent), host_(owner), output_(new QPlainTextEdit(this)), line_(new QLineEdit(this)) {
     const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    output->setFont(fixed);
-    output->setReadOnly(true);
-    output->setMaximumBlockCount(5000);
-    output->setFocusPolicy(Qt::ClickFocus);
-    output->setAccessibleName(tr("Messages"));
-    line->setFont(fixed);
-    line->setObjectName(QStringLiteral("commandLine"));
-    line->setAccessibleName(tr("Command line"));
-    line->setPlaceholderText(tr("Type a command"));
-    line->installEventFilter(this);
-    output->installEventFilter(this);
+    output_->setFont(fixed);
+    output_->setReadOnly(true);
+    output_->setMaximumBlockCount(5000);
+    output_->setFocusPolicy(Qt::ClickFocus);
+    output_->setAccessibleName(tr("Messages"));
+    line_->setFont(fixed);
+    line_->setObjectName(QStringLiteral("commandLine"));
+    line_->setAccessibleName(tr("Command line"));
+    line_->setPlaceholderText(tr("Type a command"));
+    line_->installEventFilter(this);
+    output_->installEventFilter(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->setSpacing(2);
-    layout->addWidget(output);
-    layout->addWidget(line);
-    setFocusProxy(line);
-    connect(line, &QLineEdit::returnPressed, this, &CommandLineWidget::enter);
+    layout->addWidget(output_);
+    layout->addWidget(line_);
+    setFocusProxy(line_);
+    connect(line_, &QLineEdit::returnPressed, this, &CommandLineWidget::enter);
 }
 
 void CommandLineWidget::append(const QString& text) {
-    QTextCursor cursor(output->document());
+    QTextCursor cursor(output_->document());
     cursor.movePosition(QTextCursor::End);
     QString shown = text;
     cursor.insertText(shown.remove(u'\r'));
-    output->setTextCursor(cursor);
-    output->ensureCursorVisible();
+    output_->setTextCursor(cursor);
+    output_->ensureCursorVisible();
 }
 
 void CommandLineWidget::enter() {
-    const QString text = line->text();
-    line->clear();
-    if (!text.isEmpty() && (history.isEmpty() || history.last() != text)) {
-        history << text;
+    const QString text = line_->text();
+    line_->clear();
+    if (!text.isEmpty() && (history_.isEmpty() || history_.last() != text)) {
+        history_ << text;
     }
-    recalled = history.size();
+    recalled_ = history_.size();
     Q_EMIT typed(text);
 }
 
 void CommandLineWidget::recall(int step) {
-    recalled = std::clamp<qsizetype>(recalled + step, 0, history.size());
-    line->setText(recalled < history.size() ? history[recalled] : QString());
+    recalled_ = std::clamp<qsizetype>(recalled_ + step, 0, history_.size());
+    line_->setText(recalled_ < history_.size() ? history_[recalled_] : QString());
 }
 
 // Goes through the commands that begin with what stands in the line.
 void CommandLineWidget::complete() {
     const QString start =
-        line->text().left(line->selectionStart() < 0 ? line->cursorPosition() : line->selectionStart());
+        line_->text().left(line_->selectionStart() < 0 ? line_->cursorPosition() : line_->selectionStart());
     if (start.isEmpty()) {
         return;
     }
     QStringList fits;
-    for (const std::string& name : host.commands().names()) {
+    for (const std::string& name : host_.commands().names()) {
         const QString command = QString::fromStdString(name);
         if (command.startsWith(start, Qt::CaseInsensitive)) {
             fits << command;
@@ -77,10 +77,10 @@ void CommandLineWidget::complete() {
         return;
     }
     fits.sort();
-    const auto at = fits.indexOf(line->text().toUpper());
+    const auto at = fits.indexOf(line_->text().toUpper());
     const QString next = fits[(at + 1) % fits.size()];
-    line->setText(next);
-    line->setSelection(static_cast<int>(start.size()), static_cast<int>(next.size() - start.size()));
+    line_->setText(next);
+    line_->setSelection(static_cast<int>(start.size()), static_cast<int>(next.size() - start.size()));
 }
 
 bool CommandLineWidget::takeKey(const QKeyEvent& key) {
@@ -91,9 +91,9 @@ bool CommandLineWidget::takeKey(const QKeyEvent& key) {
     if (!edits && !types) {
         return false;
     }
-    line->setFocus();
+    line_->setFocus();
     QKeyEvent copy(key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat());
-    QCoreApplication::sendEvent(line, &copy);
+    QCoreApplication::sendEvent(line_, &copy);
     return true;
 }
 
@@ -103,15 +103,15 @@ void CommandLineWidget::keyPressEvent(QKeyEvent* event) {
 }
 
 bool CommandLineWidget::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == output && event->type() == QEvent::KeyPress &&
+    if (watched == output_ && event->type() == QEvent::KeyPress &&
         takeKey(*static_cast<const QKeyEvent*>(event))) {
         return true;
     }
-    if (watched == line && event->type() == QEvent::KeyPress) {
+    if (watched == line_ && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         switch (key->key()) {
             case Qt::Key_Escape:
-                line->clear();
+                line_->clear();
                 Q_EMIT cancelled();
                 return true;
             case Qt::Key_Up:

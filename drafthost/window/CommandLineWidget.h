@@ -36,11 +36,11 @@ class CommandLineWidget : public QWidget {
     void recall(int step);
     void complete();
 
-    Host& host;
-    QPlainTextEdit* output;
-    QLineEdit* line;
-    QStringList history;
-    qsizetype recalled = 0;
+    Host& host_;
+    QPlainTextEdit* output_;
+    QLineEdit* line_;
+    QStringList history_;
+    qsizetype recalled_ = 0;
 };
 
 }  // namespace drafthost

@@ -20,18 +20,18 @@ DrawingView::DrawingView(QWidget* parent) : QWidget(parent) {
 }
 
 void DrawingView::show(Document* shownDocument) {
-    if (shownDocument != document) {
-        viewHeight = 0;
+    if (shownDocument != document_) {
+        viewHeight_ = 0;
     }
-    document = shownDocument;
+    document_ = shownDocument;
     refresh();
 }
 
 void DrawingView::refresh() {
-    if (document == nullptr) {
-        shown = {};
+    if (document_ == nullptr) {
+        shown_ = {};
     } else {
-        shown = buildDisplayList(document->drawing(), !modelIsCurrent(document->drawing()));
+        shown_ = buildDisplayList(document_->drawing(), !modelIsCurrent(document_->drawing()));
         takeView();
     }
     update();
@@ -40,36 +40,36 @@ void DrawingView::refresh() {
 // A view that was set, or that the drawing has changed since it was last looked at, wins over what the wheel
 // did.
 void DrawingView::takeView() {
-    const View view = currentView(document->drawing());
+    const View view = currentView(document_->drawing());
     const QPointF place(view.center.x, view.center.y);
-    const bool set = std::exchange(follow, false);
-    if (!set && view.height == viewHeight && place == viewCenter) {
+    const bool set = std::exchange(follow_, false);
+    if (!set && view.height == viewHeight_ && place == viewCenter_) {
         return;
     }
-    const bool first = viewHeight == 0;
-    viewHeight = view.height;
-    viewCenter = place;
-    center = place;
+    const bool first = viewHeight_ == 0;
+    viewHeight_ = view.height;
+    viewCenter_ = place;
+    center_ = place;
     const double perPixel = view.height / std::max(height(), 1);
-    unitsPerPixel = std::isfinite(perPixel) && perPixel > 0 ? perPixel : 1;
+    unitsPerPixel_ = std::isfinite(perPixel) && perPixel > 0 ? perPixel : 1;
     // A drawing without a usable view is shown whole; one that was never looked at often says that a single
     // unit of it is seen.
-    const QRectF seen(center - QPointF(width(), height()) * unitsPerPixel / 2,
-                      QSizeF(width(), height()) * unitsPerPixel);
-    const bool tiny = first && seen.width() * 200 < shown.bounds.width();
-    if (!shown.items.empty() && (tiny || !seen.intersects(shown.bounds))) {
-        center = shown.bounds.center();
-        unitsPerPixel = std::max({shown.bounds.width() / std::max(width(), 1),
-                                  shown.bounds.height() / std::max(height(), 1), 1e-9}) *
-                        1.05;
+    const QRectF seen(center_ - QPointF(width(), height()) * unitsPerPixel_ / 2,
+                      QSizeF(width(), height()) * unitsPerPixel_);
+    const bool tiny = first && seen.width() * 200 < shown_.bounds.width();
+    if (!shown_.items.empty() && (tiny || !seen.intersects(shown_.bounds))) {
+        center_ = shown_.bounds.center();
+        unitsPerPixel_ = std::max({shown_.bounds.width() / std::max(width(), 1),
+                                   shown_.bounds.height() / std::max(height(), 1), 1e-9}) *
+                         1.05;
     }
 }
 
 QTransform DrawingView::toWindow() const {
     QTransform transform;
     transform.translate(width() / 2.0, height() / 2.0);
-    transform.scale(1 / unitsPerPixel, -1 / unitsPerPixel);
-    transform.translate(-center.x(), -center.y());
+    transform.scale(1 / unitsPerPixel_, -1 / unitsPerPixel_);
+    transform.translate(-center_.x(), -center_.y());
     return transform;
 }
 
@@ -87,7 +87,7 @@ void DrawingView::paintEvent(QPaintEvent*) {
     const QFont font(QStringLiteral("DejaVu Sans"), 100);
     const double capital = QFontMetricsF(font).capHeight();
     const QFontMetricsF metrics(font);
-    for (const DisplayItem& item : shown.items) {
+    for (const DisplayItem& item : shown_.items) {
         if (!seen.intersects(item.bounds.adjusted(-1e-9, -1e-9, 1e-9, 1e-9))) {
             continue;
         }
@@ -127,22 +127,23 @@ void DrawingView::resizeEvent(QResizeEvent* event) {
 
 void DrawingView::wheelEvent(QWheelEvent* event) {
     const QPointF before = toDrawing(event->position());
-    unitsPerPixel = std::clamp(unitsPerPixel * std::pow(1.25, -event->angleDelta().y() / 120.0), 1e-12, 1e15);
-    center += before - toDrawing(event->position());
+    unitsPerPixel_ =
+        std::clamp(unitsPerPixel_ * std::pow(1.25, -event->angleDelta().y() / 120.0), 1e-12, 1e15);
+    center_ += before - toDrawing(event->position());
     update();
     event->accept();
 }
 
 void DrawingView::mousePressEvent(QMouseEvent* event) {
-    dragged = event->position().toPoint();
+    dragged_ = event->position().toPoint();
     setCursor(Qt::ClosedHandCursor);
 }
 
 void DrawingView::mouseMoveEvent(QMouseEvent* event) {
     const QPoint at = event->position().toPoint();
     if (event->buttons() != Qt::NoButton) {
-        center += toDrawing(QPointF(dragged)) - toDrawing(QPointF(at));
-        dragged = at;
+        center_ += toDrawing(QPointF(dragged_)) - toDrawing(QPointF(at));
+        dragged_ = at;
         update();
     }
     Q_EMIT pointed(toDrawing(event->position()));

@@ -21,8 +21,8 @@ class DrawingView : public QWidget {
     /// Takes over what commands have changed: entities, layers and the view.
     void refresh();
     /// A command has set the view: from the next look on it wins over what the mouse did since.
-    void followView() { follow = true; }
-    const DisplayList& list() const { return shown; }
+    void followView() { follow_ = true; }
+    const DisplayList& list() const { return shown_; }
     /// Drawing coordinates of a place in the window.
     QPointF toDrawing(const QPointF& place) const;
 
@@ -43,14 +43,14 @@ class DrawingView : public QWidget {
     void takeView();
     QTransform toWindow() const;
 
-    Document* document = nullptr;
-    DisplayList shown;
-    QPointF center;
-    double unitsPerPixel = 1;
-    double viewHeight = 0;
-    bool follow = false;
-    QPointF viewCenter;
-    QPoint dragged;
+    Document* document_ = nullptr;
+    DisplayList shown_;
+    QPointF center_;
+    double unitsPerPixel_ = 1;
+    double viewHeight_ = 0;
+    bool follow_ = false;
+    QPointF viewCenter_;
+    QPoint dragged_;
 };
 
 }  // namespace drafthost

@@ -42,9 +42,9 @@ QPainterPath ellipse(const Record& record) {
         to += 2 * std::numbers::pi;
     }
     QPainterPath path;
-    constexpr int steps = 64;
-    for (int i = 0; i <= steps; ++i) {
-        const double t = from + (to - from) * i / steps;
+    constexpr int Steps = 64;
+    for (int i = 0; i <= Steps; ++i) {
+        const double t = from + (to - from) * i / Steps;
         const QPointF at = center + major * std::cos(t) + minor * std::sin(t);
         i == 0 ? path.moveTo(at) : path.lineTo(at);
     }

@@ -30,80 +30,80 @@ std::string recentKey(int number) {
 }  // namespace
 
 FileMenu::FileMenu(Host& owner, QMainWindow& window, std::function<void(const QString&)> type)
-    : host(owner), frame(window), command(std::move(type)) {
-    QMenu* menu = frame.menuBar()->addMenu(tr("&File"));
-    menu->addAction(tr("&New"), QKeySequence::New, this, [this] { command(QStringLiteral("NEW\n\n")); });
+    : host_(owner), frame_(window), command_(std::move(type)) {
+    QMenu* menu = frame_.menuBar()->addMenu(tr("&File"));
+    menu->addAction(tr("&New"), QKeySequence::New, this, [this] { command_(QStringLiteral("NEW\n\n")); });
     menu->addAction(tr("&Open..."), QKeySequence::Open, this, [this] {
-        const QString path = QFileDialog::getOpenFileName(&frame, tr("Open a drawing"), QString(),
+        const QString path = QFileDialog::getOpenFileName(&frame_, tr("Open a drawing"), QString(),
                                                           tr("Drawings (*.dxf *.DXF *.dwg);;All files (*)"));
         if (!path.isEmpty()) {
             openPath(path);
         }
     });
-    recentMenu = menu->addMenu(tr("Open &recent"));
-    recentMenu->setObjectName(QStringLiteral("recent"));
+    recentMenu_ = menu->addMenu(tr("Open &recent"));
+    recentMenu_->setObjectName(QStringLiteral("recent"));
     connect(menu, &QMenu::aboutToShow, this, &FileMenu::fillRecent);
-    menu->addAction(tr("&Close"), QKeySequence::Close, this, [this] { command(QStringLiteral("CLOSE\n")); });
+    menu->addAction(tr("&Close"), QKeySequence::Close, this, [this] { command_(QStringLiteral("CLOSE\n")); });
     menu->addSeparator();
     menu->addAction(tr("&Save"), QKeySequence::Save, this, [this] { save(); });
     menu->addAction(tr("Save &as..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), this,
                     [this] { saveAs(); });
     menu->addSeparator();
-    menu->addAction(tr("&Quit"), QKeySequence::Quit, &frame, &QWidget::close);
-    host.addObserver(this);
+    menu->addAction(tr("&Quit"), QKeySequence::Quit, &frame_, &QWidget::close);
+    host_.addObserver(this);
 }
 
 FileMenu::~FileMenu() {
-    host.removeObserver(this);
+    host_.removeObserver(this);
 }
 
 /// A path stands between quotes on the command line, which knows no way to write a quote itself.
 bool FileMenu::canBeTyped(const QString& path) {
     const bool can = !path.contains(u'"') && !path.contains(u'\n');
     if (!can) {
-        frame.statusBar()->showMessage(tr("%1: the command line takes no such name.").arg(path), 10000);
+        frame_.statusBar()->showMessage(tr("%1: the command line takes no such name.").arg(path), 10000);
     }
     return can;
 }
 
 void FileMenu::openPath(const QString& path) {
-    for (Document* document : host.documents()) {
-        if (document->path() == path.toStdString() && host.input().isIdle()) {
-            return host.activate(*document);
+    for (Document* document : host_.documents()) {
+        if (document->path() == path.toStdString() && host_.input().isIdle()) {
+            return host_.activate(*document);
         }
     }
     if (canBeTyped(path)) {
-        command(QStringLiteral("OPEN\n\"%1\"\n").arg(path));
+        command_(QStringLiteral("OPEN\n\"%1\"\n").arg(path));
     }
 }
 
 void FileMenu::save() {
-    const Document* document = host.current();
+    const Document* document = host_.current();
     if (document == nullptr || (document->hasName() && !document->isReadOnly())) {
-        command(QStringLiteral("QSAVE\n"));
+        command_(QStringLiteral("QSAVE\n"));
     } else {
         saveAs();
     }
 }
 
 void FileMenu::saveAs() {
-    const Document* document = host.current();
-    const QString path = document == nullptr ? QString() : askSavePath(&frame, *document);
+    const Document* document = host_.current();
+    const QString path = document == nullptr ? QString() : askSavePath(&frame_, *document);
     // The dialog runs the event loop, in which the drawing may have gone.
-    if (path.isEmpty() || host.current() != document || !canBeTyped(path)) {
+    if (path.isEmpty() || host_.current() != document || !canBeTyped(path)) {
         return;
     }
     // The dialog has asked already whether an old file may be replaced.
-    const bool asks = QFileInfo::exists(path) && host.variables().integer("EXPERT", 0) < 2;
-    command(QStringLiteral("SAVEAS\nDXF\n%1\n\"%2\"\n%3")
-                .arg(host.current()->drawing().isBinary() ? QStringLiteral("Binary") : QString(), path,
-                     asks ? QStringLiteral("Yes\n") : QString()));
+    const bool asks = QFileInfo::exists(path) && host_.variables().integer("EXPERT", 0) < 2;
+    command_(QStringLiteral("SAVEAS\nDXF\n%1\n\"%2\"\n%3")
+                 .arg(host_.current()->drawing().isBinary() ? QStringLiteral("Binary") : QString(), path,
+                      asks ? QStringLiteral("Yes\n") : QString()));
 }
 
 QStringList FileMenu::recent() const {
     QStringList paths;
     for (int i = 1; i <= RecentCount; ++i) {
-        const auto path = host.registry().readString(UserRoot, recentKey(i));
+        const auto path = host_.registry().readString(UserRoot, recentKey(i));
         if (path && !path->empty()) {
             paths << QString::fromStdString(*path);
         }
@@ -113,7 +113,7 @@ QStringList FileMenu::recent() const {
 
 void FileMenu::remember(const QString& path) {
     // A run opens thousands; only what a person opens is of interest to him later.
-    if (host.script().isRunning()) {
+    if (host_.script().isRunning()) {
         return;
     }
     QStringList paths = recent();
@@ -123,22 +123,22 @@ void FileMenu::remember(const QString& path) {
     paths.removeAll(path);
     paths.prepend(path);
     for (int i = 1; i <= std::min<int>(RecentCount, int(paths.size())); ++i) {
-        host.registry().write(UserRoot, recentKey(i), paths[i - 1].toStdString());
+        host_.registry().write(UserRoot, recentKey(i), paths[i - 1].toStdString());
     }
 }
 
 void FileMenu::fillRecent() {
-    recentMenu->clear();
+    recentMenu_->clear();
     int number = 0;
     for (const QString& path : recent()) {
         const QFileInfo file(path);
         QString text = file.fileName() + QStringLiteral("  -  ") + QDir::toNativeSeparators(file.path());
         text.replace(u'&', QLatin1String("&&"));
-        QAction* action = recentMenu->addAction(QStringLiteral("&%1 %2").arg(++number).arg(text), this,
-                                                [this, path] { openPath(path); });
+        QAction* action = recentMenu_->addAction(QStringLiteral("&%1 %2").arg(++number).arg(text), this,
+                                                 [this, path] { openPath(path); });
         action->setEnabled(file.exists());
     }
-    recentMenu->setEnabled(number > 0);
+    recentMenu_->setEnabled(number > 0);
 }
 
 void FileMenu::documentOpened(Document& document) {

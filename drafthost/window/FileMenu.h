@@ -32,10 +32,10 @@ class FileMenu : public QObject, private HostObserver {
     void remember(const QString& path);
     bool canBeTyped(const QString& path);
 
-    Host& host;
-    QMainWindow& frame;
-    std::function<void(const QString&)> command;
-    QMenu* recentMenu = nullptr;
+    Host& host_;
+    QMainWindow& frame_;
+    std::function<void(const QString&)> command_;
+    QMenu* recentMenu_ = nullptr;
 };
 
 }  // namespace drafthost

@@ -23,14 +23,14 @@ QColor indexedColor(int index) {
         return named[index];
     }
     if (index >= 250) {
-        static constexpr int greys[] = {51, 91, 132, 173, 214, 255};
-        const int grey = greys[index - 250];
+        static constexpr int Greys[] = {51, 91, 132, 173, 214, 255};
+        const int grey = Greys[index - 250];
         return {grey, grey, grey};
     }
-    static constexpr int brightness[] = {255, 204, 153, 127, 76};
+    static constexpr int Brightness[] = {255, 204, 153, 127, 76};
     const int hue = (index - 10) / 10 * 15;
     const int shade = index % 10;
-    return QColor::fromHsv(hue, shade % 2 == 0 ? 255 : 128, brightness[shade / 2]);
+    return QColor::fromHsv(hue, shade % 2 == 0 ? 255 : 128, Brightness[shade / 2]);
 }
 
 }  // namespace drafthost

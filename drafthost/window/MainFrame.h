@@ -26,9 +26,9 @@ class MainFrame : public QMainWindow, private HostObserver {
   public:
     explicit MainFrame(Host& host);
     ~MainFrame() override;
-    DrawingView* view() const { return drawingView; }
-    CommandLineWidget* commandLine() const { return line; }
-    ModuleTools& moduleTools() const { return *tools; }
+    DrawingView* view() const { return drawingView_; }
+    CommandLineWidget* commandLine() const { return line_; }
+    ModuleTools& moduleTools() const { return *tools_; }
 
     /// What a menu, a button or a tab types: what stands half answered on the command line is cancelled
     /// before. While a script runs it is refused, since the script would take it for its own.
@@ -54,15 +54,15 @@ class MainFrame : public QMainWindow, private HostObserver {
     void endSession(QSessionManager& manager);
     void type(const QString& text);
 
-    Host& host;
-    DrawingView* drawingView;
-    CommandLineWidget* line;
-    DocumentTabs* tabs;
-    QLabel* place;
-    std::unique_ptr<FileMenu> files;
-    std::unique_ptr<ModuleTools> tools;
+    Host& host_;
+    DrawingView* drawingView_;
+    CommandLineWidget* line_;
+    DocumentTabs* tabs_;
+    QLabel* place_;
+    std::unique_ptr<FileMenu> files_;
+    std::unique_ptr<ModuleTools> tools_;
     /// Several changes in a row are painted once.
-    QTimer repaint;
+    QTimer repaint_;
 };
 
 }  // namespace drafthost

@@ -10,12 +10,12 @@
 namespace drafthost {
 
 ModuleTools::ModuleTools(QMainWindow& frame, std::function<void(const QString&)> type)
-    : bar(new QToolBar(tr("Modules"), &frame)),
-      menu(frame.menuBar()->addMenu(tr("&Modules"))),
-      command(std::move(type)) {
-    bar->setObjectName(QStringLiteral("moduleTools"));
-    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    frame.addToolBar(bar);
+    : bar_(new QToolBar(tr("Modules"), &frame)),
+      menu_(frame.menuBar()->addMenu(tr("&Modules"))),
+      command_(std::move(type)) {
+    bar_->setObjectName(QStringLiteral("moduleTools"));
+    bar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    frame.addToolBar(bar_);
     showWhatIsThere();
 }
 
@@ -24,14 +24,14 @@ void ModuleTools::add(const QString& text, const QString& label, const QString& 
     auto* action = new QAction(QIcon(picture), label, this);
     action->setData(text);
     action->setToolTip(tr("%1 (command %2)").arg(label, text.trimmed().toUpper()));
-    connect(action, &QAction::triggered, this, [this, text] { command(text); });
-    bar->addAction(action);
-    menu->addAction(action);
+    connect(action, &QAction::triggered, this, [this, text] { command_(text); });
+    bar_->addAction(action);
+    menu_->addAction(action);
     showWhatIsThere();
 }
 
 void ModuleTools::remove(const QString& text) {
-    for (QAction* action : bar->actions()) {
+    for (QAction* action : bar_->actions()) {
         if (action->data().toString() == text) {
             delete action;
         }
@@ -40,10 +40,10 @@ void ModuleTools::remove(const QString& text) {
 }
 
 void ModuleTools::showWhatIsThere() {
-    const bool any = !bar->actions().isEmpty();
-    bar->setVisible(any);
-    bar->toggleViewAction()->setVisible(any);
-    menu->menuAction()->setVisible(any);
+    const bool any = !bar_->actions().isEmpty();
+    bar_->setVisible(any);
+    bar_->toggleViewAction()->setVisible(any);
+    menu_->menuAction()->setVisible(any);
 }
 
 }  // namespace drafthost

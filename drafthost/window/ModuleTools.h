@@ -24,9 +24,9 @@ class ModuleTools : public QObject {
   private:
     void showWhatIsThere();
 
-    QToolBar* bar;
-    QMenu* menu;
-    std::function<void(const QString&)> command;
+    QToolBar* bar_;
+    QMenu* menu_;
+    std::function<void(const QString&)> command_;
 };
 
 }  // namespace drafthost

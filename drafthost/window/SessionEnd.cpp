@@ -10,7 +10,7 @@
 
 namespace drafthost {
 
-SessionEnd::SessionEnd(Host& owner, std::function<void()> begin) : host(owner), onBegin(std::move(begin)) {
+SessionEnd::SessionEnd(Host& owner, std::function<void()> begin) : host_(owner), onBegin_(std::move(begin)) {
     qApp->installEventFilter(this);
 }
 
@@ -23,14 +23,14 @@ bool SessionEnd::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void SessionEnd::end() {
-    onBegin();
+    onBegin_();
     // From the top down; one that will not be closed is left with its event loop all the same.
     while (QWidget* dialog = QApplication::activeModalWidget()) {
         if (!dialog->close() || QApplication::activeModalWidget() == dialog) {
             break;
         }
     }
-    host.input().terminate();
+    host_.input().terminate();
     QCoreApplication::exit(0);
 }
 

@@ -22,8 +22,8 @@ class SessionEnd : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    Host& host;
-    std::function<void()> onBegin;
+    Host& host_;
+    std::function<void()> onBegin_;
 };
 
 }  // namespace drafthost

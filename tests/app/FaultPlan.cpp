@@ -16,8 +16,8 @@ namespace {
 
 using namespace fault;
 
-constexpr std::array<const char*, KindCount> kKindNames = {"write",  "open", "rename",   "fsync",    "mkdir",
-                                                           "unlink", "link", "truncate", "attribute"};
+constexpr std::array<const char*, KindCount> KindNames = {"write",  "open", "rename",   "fsync",    "mkdir",
+                                                          "unlink", "link", "truncate", "attribute"};
 
 struct Shared {
     std::array<std::atomic<unsigned>, KindCount> Counts;
@@ -56,8 +56,8 @@ Plan MakePlan() {
     syscall(SYS_close, file);
     plan.Counted = static_cast<Shared*>(page);
     plan.List = Variable("FAULT_LIST");
-    const auto kind = std::find(kKindNames.begin(), kKindNames.end(), Variable("FAULT_KIND"));
-    plan.Kind = kind == kKindNames.end() ? -1 : static_cast<int>(kind - kKindNames.begin());
+    const auto kind = std::find(KindNames.begin(), KindNames.end(), Variable("FAULT_KIND"));
+    plan.Kind = kind == KindNames.end() ? -1 : static_cast<int>(kind - KindNames.begin());
     plan.At = static_cast<unsigned>(std::atoi(Variable("FAULT_AT").c_str()));
     plan.Error = std::atoi(Variable("FAULT_ERROR").c_str());
     plan.Mode = Variable("FAULT_MODE").empty() ? 'o' : Variable("FAULT_MODE")[0];
@@ -76,7 +76,7 @@ void Tell(Kind kind, unsigned number, const std::string& path) {
                                               O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
     if (list >= 0) {
         const std::string line =
-            std::string(kKindNames[kind]) + "\t" + std::to_string(number) + "\t" + path + "\n";
+            std::string(KindNames[kind]) + "\t" + std::to_string(number) + "\t" + path + "\n";
         syscall(SYS_write, list, line.data(), line.size());
         syscall(SYS_close, list);
     }

@@ -21,14 +21,14 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr std::size_t kDrawings = 4;
+constexpr std::size_t Drawings = 4;
 
 class KilledFront : public ProgramTest {
   protected:
     void SetUp() override {
         ProgramTest::SetUp();
         for (const char* run : {"old", "new"}) {
-            for (std::size_t i = 0; i < kDrawings; ++i) {
+            for (std::size_t i = 0; i < Drawings; ++i) {
                 Write(Drawing(run, i), "0\nEOF\n");
             }
             Write(std::string(run) + ".scr", "(setq f (open \"" + (Folder / "tally").string() +
@@ -41,7 +41,7 @@ class KilledFront : public ProgramTest {
     }
     ProgramResult Start(const std::string& run, const std::string& jobs) {
         std::vector<std::string> arguments = {"--script", run + ".scr", "--jobs", jobs};
-        for (std::size_t i = 0; i < kDrawings; ++i) {
+        for (std::size_t i = 0; i < Drawings; ++i) {
             arguments.push_back(Drawing(run, i));
         }
         return Run(arguments);
@@ -83,7 +83,7 @@ class KilledFront : public ProgramTest {
         const auto tally = Tally();
         const std::string log = Read(Folder / "data/Ovrix/tnl log.html");
         std::size_t twice = 0;
-        for (std::size_t i = 0; i < kDrawings; ++i) {
+        for (std::size_t i = 0; i < Drawings; ++i) {
             const auto found = tally.find(run + " " + run + std::to_string(i));
             ASSERT_NE(found, tally.end()) << run << i << " was told as Done and never run";
             twice += found->second - 1;

@@ -52,7 +52,7 @@ TEST_F(RealRun, EverySampleIsDoneUnderEveryScriptAndStaysSound) {
 }
 
 TEST_F(RealRun, TheRunLogLinksEachDrawingToItsLogInTheArchive) {
-    constexpr std::size_t count = 50;
+    constexpr std::size_t Count = 50;
     std::vector<fs::path> samples;
     for (const auto& entry : fs::directory_iterator(fs::path(SAMPLES) / "drawings")) {
         samples.push_back(entry.path().filename());
@@ -60,7 +60,7 @@ TEST_F(RealRun, TheRunLogLinksEachDrawingToItsLogInTheArchive) {
     std::vector<std::string> drawings;
     std::vector<std::string> arguments = {"--script",
                                           Write("s.scr", "(princ (strcat \"this is \" currentfile))\n")};
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < Count; ++i) {
         const char* extension = i % 10 == 9 ? ".DXF" : ".dxf";
         drawings.push_back(CopySample(samples[i % samples.size()], "plan " + std::to_string(i) + extension));
         arguments.push_back(drawings.back());
@@ -99,7 +99,7 @@ TEST_F(RealRun, TheRunLogLinksEachDrawingToItsLogInTheArchive) {
         return found;
     };
     for (const char* step : {"Open document", "Turn on logfile", "WatchNewLogFile", "DoScriptComplete"}) {
-        EXPECT_EQ(times(step), count) << step;
+        EXPECT_EQ(times(step), Count) << step;
     }
     for (const char* step :
          {"DoStartBatch", "Delete log zip", "Open and write to tnl log.html", "CloseWatch"}) {

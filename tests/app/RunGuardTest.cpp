@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr const char* kChange = "(setvar \"LTSCALE\" 7.0)\n._qsave\n";
+constexpr const char* Change = "(setvar \"LTSCALE\" 7.0)\n._qsave\n";
 
 class RunGuard : public ProgramTest {
   protected:
@@ -65,7 +65,7 @@ TEST_F(RunGuard, WhatWouldChangeTheRunEndsTheDrawingAsError) {
                            "_.RSCRIPT",
                            "(arxunload \"tnl3-19-64.arx\")"};
     for (const std::string line : lines) {
-        const ProgramResult result = RunScript(line + "\n" + kChange);
+        const ProgramResult result = RunScript(line + "\n" + Change);
         EXPECT_EQ(result.Status, 1) << line << "\n" << result.Errors;
         ASSERT_EQ(records.size(), 2U) << line;
         for (const auto& record : records) {
@@ -92,7 +92,7 @@ TEST_F(RunGuard, ReadingIsFreeAndALenientRunGoesOnUnchanged) {
     EXPECT_EQ(RunScript("(Tarnel_SetScript)\n(Tarnel_SetRecoverMode)\n(TarnelDisableScriptChain)\n").Status,
               0);
     for (const std::string line : {"(TNL_Cancel_Batch)", "(Tarnel_SetScript \"other.scr\")", "_TARNEL"}) {
-        const ProgramResult result = RunScript(line + "\n" + kChange, {"--lenient"});
+        const ProgramResult result = RunScript(line + "\n" + Change, {"--lenient"});
         EXPECT_THAT(result.Out, HasSubstr("2 Done")) << line;
         for (const auto& record : records) {
             EXPECT_EQ(record["refused"].size(), 1U) << line;

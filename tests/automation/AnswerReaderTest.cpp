@@ -9,7 +9,7 @@
 namespace drafthost::automation {
 namespace {
 
-constexpr double kRight = std::numbers::pi / 2;
+constexpr double Right = std::numbers::pi / 2;
 
 TEST(AnswerReader, ReadsNumbersAndLengthsInTheDrawingsUnits) {
     const ReadingRules decimal;
@@ -33,22 +33,22 @@ TEST(AnswerReader, ReadsNumbersAndLengthsInTheDrawingsUnits) {
 TEST(AnswerReader, ReadsAnglesFromTheDrawingsBaseAndItsWay) {
     const ReadingRules plain;
     const ReadingRules grads{.angleUnits = 2};
-    const ReadingRules north{.angleBase = kRight, .clockwise = true};
-    EXPECT_NEAR(*readAngle("45d30'", plain), 45.5 * kRight / 90, 1e-12);
-    EXPECT_NEAR(*readAngle("-100g", plain), -kRight, 1e-12);
-    EXPECT_NEAR(*readAngle("100", grads), kRight, 1e-12);
+    const ReadingRules north{.angleBase = Right, .clockwise = true};
+    EXPECT_NEAR(*readAngle("45d30'", plain), 45.5 * Right / 90, 1e-12);
+    EXPECT_NEAR(*readAngle("-100g", plain), -Right, 1e-12);
+    EXPECT_NEAR(*readAngle("100", grads), Right, 1e-12);
     EXPECT_NEAR(*readAngle("1.5r", grads), 1.5, 1e-12);
     EXPECT_NEAR(*readAngle("N 90d E", plain), 0, 1e-12);
     EXPECT_FALSE(readAngle("45x", plain));
-    EXPECT_NEAR(angleOf(90, plain), kRight, 1e-12);
-    EXPECT_NEAR(angleOf(100, grads), kRight, 1e-12);
-    EXPECT_NEAR(directionOf(kRight, north), 0, 1e-12);
+    EXPECT_NEAR(angleOf(90, plain), Right, 1e-12);
+    EXPECT_NEAR(angleOf(100, grads), Right, 1e-12);
+    EXPECT_NEAR(directionOf(Right, north), 0, 1e-12);
     EXPECT_NEAR(typedAngle(directionOf(0.25, north), north), 0.25, 1e-12);
 }
 
 TEST(AnswerReader, ReadsPoints) {
     const ReadingRules rules{.lastPoint = {10, 10, 5}};
-    const ReadingRules north{.lengthUnits = 4, .angleBase = kRight, .clockwise = true};
+    const ReadingRules north{.lengthUnits = 4, .angleBase = Right, .clockwise = true};
     EXPECT_EQ(*readPoint("1,2", rules), (Point{1, 2, 0}));
     EXPECT_EQ(*readPoint("*1, 2,3", rules), (Point{1, 2, 3}));
     EXPECT_EQ(*readPoint("#1,2", rules), (Point{1, 2, 0}));

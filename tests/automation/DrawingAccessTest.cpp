@@ -25,7 +25,7 @@ std::string tags(std::string_view text) {
     return out;
 }
 
-constexpr std::string_view kDrawing = R"(0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|9 $HANDSEED|5 100|0 ENDSEC
+constexpr std::string_view DrawingText = R"(0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|9 $HANDSEED|5 100|0 ENDSEC
 0 SECTION|2 TABLES
 0 TABLE|2 LTYPE|5 5|70 1
 0 LTYPE|5 6|330 5|100 AcDbSymbolTableRecord|100 AcDbLinetypeTableRecord|2 Continuous|70 0|3 Solid line|72 65|73 0|40 0.0
@@ -66,7 +66,7 @@ class LispDrawing : public testing::Test {
   protected:
     LispDrawing() {
         std::string error;
-        drawing = Drawing::parse(tags(kDrawing), "test.dxf", error);
+        drawing = Drawing::parse(tags(DrawingText), "test.dxf", error);
         EXPECT_TRUE(drawing) << error;
         host.currentDrawing = drawing.get();
         run(world, R"((defun ent (h) (handent h))

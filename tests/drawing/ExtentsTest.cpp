@@ -21,11 +21,11 @@ Extents extentsOf(const std::string& entities, const std::string& blocks = "",
 
 void expectBox(const Extents& extents, double left, double bottom, double right, double top,
                const std::string& what) {
-    constexpr double tolerance = 1e-9;
-    EXPECT_NEAR(extents.min.x, left, tolerance) << what;
-    EXPECT_NEAR(extents.min.y, bottom, tolerance) << what;
-    EXPECT_NEAR(extents.max.x, right, tolerance) << what;
-    EXPECT_NEAR(extents.max.y, top, tolerance) << what;
+    constexpr double Tolerance = 1e-9;
+    EXPECT_NEAR(extents.min.x, left, Tolerance) << what;
+    EXPECT_NEAR(extents.min.y, bottom, Tolerance) << what;
+    EXPECT_NEAR(extents.max.x, right, Tolerance) << what;
+    EXPECT_NEAR(extents.max.y, top, Tolerance) << what;
 }
 
 TEST(Extents, measuresEveryKindOfEntity) {

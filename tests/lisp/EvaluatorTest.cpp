@@ -25,11 +25,11 @@ std::string withoutAddress(const std::string& text) {
 
 #if defined(__SANITIZE_ADDRESS__)
 // Its frames are several times as large, on a third of the stack, and what is freed stays with it for long.
-constexpr bool kSanitized = true;
-constexpr const char* kDepth = "4000";
+constexpr bool Sanitized = true;
+constexpr const char* Depth = "4000";
 #else
-constexpr bool kSanitized = false;
-constexpr const char* kDepth = "20000";
+constexpr bool Sanitized = false;
+constexpr const char* Depth = "20000";
 #endif
 
 class Lisp : public testing::Test {
@@ -209,7 +209,7 @@ TEST_F(Lisp, WhatGrowsWithoutEndIsStoppedAtTheHostsMemory) {
         {"(setq s nil) (vl-catch-all-apply '(lambda () (while t (setq l (list l l)))))",
          "; error: insufficient memory"},
     });
-    if (!kSanitized) {
+    if (!Sanitized) {
         check({{"(setq l nil) (repeat 100000 (setq l (cons 1 l))) (length l)", "100000"}});
     }
     setMemoryLimit(DefaultMemoryLimit);
@@ -233,18 +233,17 @@ TEST_F(Lisp, WhatIsNoFileHasAnEndAllTheSame) {
 }
 
 TEST_F(Lisp, DepthIsLimitedAndFreeingIsNot) {
-    world.set("DEPTH", Value::integer(std::stoi(kDepth)));
-    constexpr const char* kLimit =
-        "; error: hard error occurred *** internal stack limit reached (simulated)";
+    world.set("DEPTH", Value::integer(std::stoi(Depth)));
+    constexpr const char* Limit = "; error: hard error occurred *** internal stack limit reached (simulated)";
     check({
-        {"(defun f (n / a b c) (1+ (f (1+ n)))) (f 0)", kLimit},
-        {"(defun g (l) (mapcar 'g (list l))) (g 1)", kLimit},
-        {"(defun *error* (m) (g 1)) (f 0)", kLimit},
+        {"(defun f (n / a b c) (1+ (f (1+ n)))) (f 0)", Limit},
+        {"(defun g (l) (mapcar 'g (list l))) (g 1)", Limit},
+        {"(defun *error* (m) (g 1)) (f 0)", Limit},
         {"(setq *error* nil) (repeat 300000 (setq deep (list deep))) (strlen (vl-prin1-to-string deep))",
          "600003"},
         {"(setq other nil) (repeat 300000 (setq other (list other))) (equal deep other)", "T"},
         {"(setq deep nil other nil)", "nil"},
-        {"(defun up (n) (if (> n 0) (1+ (up (1- n))) 0)) (up depth)", kDepth},
+        {"(defun up (n) (if (> n 0) (1+ (up (1- n))) 0)) (up depth)", Depth},
         {"(defun down (n / r) (cond ((> n 0) (progn (foreach x '(1) (repeat 1 (setq r (apply 'down "
          "(list (1- n)))))) r)) (t 'bottom))) (down depth)",
          "BOTTOM"},

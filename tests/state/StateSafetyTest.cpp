@@ -52,8 +52,8 @@ class StateSafety : public testing::Test {
 TEST_F(StateSafety, AKillLeavesOneWholeState) {
     fillQueue(3000);
     SaveState(nullptr, 1);
-    constexpr int kills = 25;
-    for (int round = 0; round < kills; ++round) {
+    constexpr int Kills = 25;
+    for (int round = 0; round < Kills; ++round) {
         const pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {

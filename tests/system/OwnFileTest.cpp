@@ -102,12 +102,12 @@ TEST_F(OwnFile, ALinkOfAFoldersOwnerCountsForDrawingsUnlessEverybodyCanWriteTher
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can play another user";
     }
-    constexpr uid_t colleague = 65533;
-    ASSERT_EQ(::chown(folder.c_str(), colleague, colleague), 0);
+    constexpr uid_t Colleague = 65533;
+    ASSERT_EQ(::chown(folder.c_str(), Colleague, Colleague), 0);
     ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
     Put(In("third"), "x");
     ASSERT_EQ(::symlink("third", In("a.dxf").c_str()), 0);
-    ASSERT_EQ(::lchown(In("a.dxf").c_str(), colleague, colleague), 0);
+    ASSERT_EQ(::lchown(In("a.dxf").c_str(), Colleague, Colleague), 0);
     std::string target;
     const auto follows = [&](Trust trust) { return Follow(In("a.dxf"), trust, &target) == 0; };
     EXPECT_TRUE(AsOther([&] { return follows(Trust::FolderOwner) && !follows(Trust::Own); }));

@@ -80,13 +80,13 @@ TEST(MarkupEdit, SlashesThatAreNoEndStayHarmless) {
 }
 
 TEST(MarkupEdit, RandomEditsKeepTheIndexOfAFreshParse) {
-    constexpr int rounds = 60;
-    constexpr int editsPerRound = 80;
+    constexpr int Rounds = 60;
+    constexpr int EditsPerRound = 80;
     const std::array<QString, 5> names = {QStringLiteral("a"), QStringLiteral("bb"), QStringLiteral("File"),
                                           QStringLiteral("x1"), QStringLiteral("Options")};
     const std::array<QString, 5> values = {QString(), QStringLiteral("1"), QStringLiteral("a<b>&'\""),
                                            QStringLiteral(" two words "), QString::fromUtf8("ä€😀")};
-    for (unsigned seed = 0; seed < rounds; ++seed) {
+    for (unsigned seed = 0; seed < Rounds; ++seed) {
         std::mt19937 random(seed);
         const auto pick = [&](const auto& from) { return from[random() % from.size()]; };
         MarkupDocument document;
@@ -97,7 +97,7 @@ TEST(MarkupEdit, RandomEditsKeepTheIndexOfAFreshParse) {
                 "<?xml version='1.0'?>\n<root a=1>t<x1/> <bb></bb>\n<!--c--><a b=c>u</a></root>"));
         }
         document.FindElement();
-        for (int edit = 0; edit < editsPerRound; ++edit) {
+        for (int edit = 0; edit < EditsPerRound; ++edit) {
             const QString before = document.GetDocumentText();
             const unsigned action = random() % 12;
             if (action < 4) {
@@ -129,21 +129,21 @@ TEST(MarkupEdit, RandomEditsKeepTheIndexOfAFreshParse) {
 }
 
 TEST(MarkupEdit, GrowsPastOneSegmentOfPositions) {
-    constexpr int count = 70000;
+    constexpr int Count = 70000;
     MarkupDocument document;
     document.AddElement(u"r");
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < Count; ++i) {
         document.AddChildElement(u"e");
         document.SetChildAttribute(u"n", i);
     }
     MarkupDocument fresh;
     ASSERT_TRUE(fresh.SetDocumentText(document.GetDocumentText()));
-    EXPECT_EQ(fresh.Positions().Used(), unsigned{count} + 2);
+    EXPECT_EQ(fresh.Positions().Used(), unsigned{Count} + 2);
     int found = 0;
     while (fresh.FindChildElement(u"e")) {
         ASSERT_EQ(fresh.GetChildAttribute(u"n").toInt(), found++);
     }
-    EXPECT_EQ(found, count);
+    EXPECT_EQ(found, Count);
 }
 
 }  // namespace
