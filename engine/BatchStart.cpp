@@ -7,6 +7,7 @@
 #include "engine/FileInWork.h"
 #include "engine/HostVariables.h"
 #include "engine/record/FileQueue.h"
+#include "engine/record/ResBuf.h"
 #include "engine/record/TarnelData.h"
 #include "engine/Restartable.h"
 #include "engine/RunState.h"

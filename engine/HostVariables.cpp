@@ -3,6 +3,7 @@
 
 #include "engine/record/FileName.h"
 #include "engine/record/FileQueue.h"
+#include "engine/record/ResBuf.h"
 #include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
 #include "log/Trace.h"
@@ -16,6 +17,12 @@ void putString(const char* symbol, const QString& value) {
     chain.PutSym(QString::fromLatin1(symbol));
 }
 
+void setShort(const QString& variable, int value) {
+    ResBuf chain;
+    chain.AddShort(value);
+    chain.SetVar(variable);
+}
+
 }  // namespace
 
 void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi) {
@@ -25,10 +32,13 @@ void SaveSystemVars(int mask, int cmddia, int filedia, int cmdecho, int sdi) {
         if (!(mask & (1 << i))) {
             continue;
         }
-        data.SavedSysVars[i].GetVar(data.SysVarNames[i]);
-        ResBuf value;
-        value.AddShort(values[i]);
-        value.SetVar(data.SysVarNames[i]);
+        ResBuf before;
+        const bool isKnown = before.GetVar(data.SysVarNames[i]) == RTNORM;
+        data.SavedSysVars[i].reset();
+        if (isKnown) {
+            data.SavedSysVars[i] = static_cast<short>(before.Integer(0));
+        }
+        setShort(data.SysVarNames[i], values[i]);
         data.SysVarsSaved = true;
     }
 }
@@ -39,11 +49,10 @@ void ResetSystemVars() {
         return;
     }
     for (std::size_t i = 0; i < data.SavedSysVars.size(); ++i) {
-        if (data.SavedSysVars[i].IsEmpty()) {
-            continue;
+        if (data.SavedSysVars[i]) {
+            setShort(data.SysVarNames[i], *data.SavedSysVars[i]);
         }
-        data.SavedSysVars[i].SetVar(data.SysVarNames[i]);
-        data.SavedSysVars[i].Clear();
+        data.SavedSysVars[i].reset();
     }
     data.SysVarsSaved = false;
 }
@@ -56,8 +65,8 @@ void RestoreLeftSystemVars() {
         return;
     }
     for (std::size_t i = 0; i < left.SavedSysVars.size(); ++i) {
-        if (!left.SavedSysVars[i].IsEmpty()) {
-            left.SavedSysVars[i].SetVar(left.SysVarNames[i]);
+        if (left.SavedSysVars[i]) {
+            setShort(left.SysVarNames[i], *left.SavedSysVars[i]);
         }
     }
 }

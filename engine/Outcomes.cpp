@@ -6,6 +6,7 @@
 #include "engine/HostVariables.h"
 #include "engine/record/FileQueue.h"
 #include "engine/record/HostText.h"
+#include "engine/record/ResBuf.h"
 #include "engine/record/TarnelData.h"
 #include "engine/report/Report.h"
 #include "engine/RunState.h"

@@ -22,7 +22,7 @@ std::unique_ptr<WatchTimers> timers;
 bool StartWatch() {
     const CTarnelData& data = TarnelData();
     acDocManagerPtr()->pushResourceHandle();
-    OpenRunLog();
+    OpenRunLog(data.DataDir);
     const auto waiting = std::count(data.FileStatus.begin(), data.FileStatus.end(), ToDo);
     Trace("Create status window\n");
     timers = std::make_unique<WatchTimers>();

@@ -8,6 +8,7 @@
 #include "engine/HostInput.h"
 #include "engine/record/FileQueue.h"
 #include "engine/record/HostText.h"
+#include "engine/record/ResBuf.h"
 #include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
 #include "engine/ScriptChain.h"

@@ -86,7 +86,7 @@ void StartModule() {
     makeDataDir();
     findModule();
     CTarnelData& data = TarnelData();
-    BeginTrace(data.Version);
+    data.TraceFile = BeginTrace(data.DataDir, data.Version);
     Trace("InstallScriptHandler\n");
     InstallScriptHandler();
     Trace(QStringLiteral("OvrixSetupToolbar: %1\n").arg(OvrixSetupToolbar()));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/RunLog.h"
 
-#include "engine/record/TarnelData.h"
+#include "engine/record/FileName.h"
 #include "engine/report/Report.h"
 #include "log/NarrowFile.h"
 #include "log/RunLogText.h"
@@ -19,6 +19,7 @@ namespace {
 
 /// From the start of a run to its end, whether its file could be opened or not.
 bool isOpen = false;
+QString logFolder;
 NarrowFile RunLogStream;
 /// Text that the system has not taken yet; it is tried again with each line and at the end.
 std::string unwritten;
@@ -33,12 +34,12 @@ bool isFileLogged = false;
 int unopenedCount = 0;
 
 QString runLogPath() {
-    return DataFile(QStringLiteral("tnl log.html"));
+    return JoinPath(logFolder, u"tnl log.html");
 }
 
 /// With the number of the process: the front may still have to pack what a host that died has left.
 QString unopenedLogPath(int number) {
-    return DataFile(QStringLiteral("unopened-%1-%2.log").arg(getpid()).arg(number));
+    return JoinPath(logFolder, QStringLiteral("unopened-%1-%2.log").arg(getpid()).arg(number));
 }
 
 /// Empty, or the cause for which text is left.
@@ -85,7 +86,7 @@ void packLogs() {
     if (HostLogList.isEmpty()) {
         return;
     }
-    const QString file = DataFile(QStringLiteral("TNLLog.zip"));
+    const QString file = JoinPath(logFolder, u"TNLLog.zip");
     constexpr int Attempts = 2;
     for (int attempt = 1; attempt <= Attempts; ++attempt) {
         try {
@@ -107,10 +108,11 @@ void packLogs() {
 
 }  // namespace
 
-void OpenRunLog() {
+void OpenRunLog(const QString& folder) {
     Trace("Open and write to tnl log.html\n");
     if (!isOpen) {
         isOpen = true;
+        logFolder = folder;
         isToldBroken = false;
     }
     fileInWork.clear();

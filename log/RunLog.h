@@ -8,8 +8,9 @@
 
 #include <QString>
 
-/// Opens "tnl log.html" in the data folder, emptied, unless it is open already, and writes the opening lines.
-void OpenRunLog();
+/// Opens "tnl log.html" in a folder, emptied, unless it is open already, and writes the opening lines. The
+/// archive of the host's logs comes to stand beside it.
+void OpenRunLog(const QString& folder);
 /// One line with the time. Nothing while no log is open.
 void RunLogLine(const QString& html);
 /// The drawing in work is this one from here on.

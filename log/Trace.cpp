@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "log/Trace.h"
 
-#include "engine/record/TarnelData.h"
+#include "engine/record/FileName.h"
 #include "engine/report/Report.h"
 #include "log/NarrowFile.h"
 #include "text/CodePage.h"
@@ -16,19 +16,9 @@ namespace {
 /// Once from a start to the next: the trace is a comfort, and its loss must not drown what else is said.
 bool isLossTold = false;
 
-const std::string& tracePath() {
-    static std::string path;
-    static QString pathOf;
-    QString& file = TarnelData().TraceFile;
-    if (file.isEmpty()) {
-        file = DataFile(QStringLiteral("TNLapp.log"));
-    }
-    if (pathOf != file || path.empty()) {
-        pathOf = file;
-        path = QFile::encodeName(file).toStdString();
-    }
-    return path;
-}
+QString tracePath;
+/// The same for the system, since each line opens the file.
+std::string traceFile;
 
 /// The last word of a clean end is "Done". The comparison is one of wide characters while the log is narrow,
 /// so it holds for no log that this module wrote: the trail of earlier starts stays in the file.
@@ -44,21 +34,23 @@ bool endsInDone(QFile& file) {
 
 void Trace(const QString& text) {
     NarrowFile file;
-    if ((file.OpenForAppend(tracePath()) && file.Write(text)) || isLossTold) {
+    if (traceFile.empty() || (file.OpenForAppend(traceFile) && file.Write(text)) || isLossTold) {
         return;
     }
     isLossTold = true;
     ConsoleLine(QStringLiteral("%1: cannot be written: %2; lines of the trace are missing")
-                    .arg(TarnelData().TraceFile, qt_error_string()));
+                    .arg(tracePath, qt_error_string()));
 }
 
 void Trace(const char* text) {
     Trace(QString::fromLatin1(text));
 }
 
-void BeginTrace(const QString& version) {
+QString BeginTrace(const QString& folder, const QString& version) {
     isLossTold = false;
-    QFile last(DataFile(QStringLiteral("TNLapp.log")));
+    tracePath = JoinPath(folder, u"TNLapp.log");
+    traceFile = QFile::encodeName(tracePath).toStdString();
+    QFile last(tracePath);
     if (QFileInfo(last).isFile() && last.open(QIODevice::ReadOnly)) {
         const bool done = endsInDone(last);
         last.close();
@@ -74,4 +66,5 @@ void BeginTrace(const QString& version) {
     Trace(QString(33, QLatin1Char('_')) + QStringLiteral("%1 (%2 built on %3 %4)\n")
                                               .arg(DecodeText(when, LocalePage), version,
                                                    QStringLiteral(__DATE__), QStringLiteral(__TIME__)));
+    return tracePath;
 }

@@ -149,8 +149,9 @@ void TakeState(CTarnelData& data, const QByteArray& bytes, int full) {
     if (full != 0) {
         data.SysVarsSaved = reader.Inside(u"SysVars", [&] {
             for (std::size_t i = 0; i < data.SysVarNames.size(); ++i) {
-                if (document.FindChildElement(data.SysVarNames[i])) {
-                    data.SavedSysVars[i].AddShort(ParseNumber(document.GetChildText()));
+                // What is held already is the older value, and so the one from before the run.
+                if (document.FindChildElement(data.SysVarNames[i]) && !data.SavedSysVars[i]) {
+                    data.SavedSysVars[i] = static_cast<short>(ParseNumber(document.GetChildText()));
                 }
             }
         });

@@ -105,8 +105,8 @@ int SaveState(CTarnelData& data, const QString* target, int full, QString* error
     if (full != 0 && data.SysVarsSaved) {
         writer.Inside(u"SysVars", [&] {
             for (std::size_t i = 0; i < data.SysVarNames.size(); ++i) {
-                if (!data.SavedSysVars[i].IsEmpty()) {
-                    writer.Number(data.SysVarNames[i], data.SavedSysVars[i].Integer(0));
+                if (data.SavedSysVars[i]) {
+                    writer.Number(data.SysVarNames[i], *data.SavedSysVars[i]);
                 }
             }
         });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/record/ResBuf.h"
 
+#include "acedads.h"
 #include "acutads.h"
 #include "engine/record/HostText.h"
 
@@ -42,6 +43,27 @@ void ResBuf::Clear() {
     owned = true;
 }
 
+int ResBuf::GetVar(const QString& name) {
+    Clear();
+    resbuf* node = acutNewRb(RTNONE);
+    if (!node) {
+        return RTERROR;
+    }
+    const int result = acedGetVar(HostText(name), node);
+    if (result != RTNORM) {
+        acutRelRb(node);
+        return result;
+    }
+    append(node);
+    return result;
+}
+
+void ResBuf::GetArgs() {
+    Clear();
+    head = acedGetArgs();
+    index();
+}
+
 void ResBuf::index() {
     nodes.clear();
     for (resbuf* node = head; node; node = node->rbnext) {
@@ -61,11 +83,19 @@ void ResBuf::append(resbuf* node) {
     nodes.push_back(node);
 }
 
+void ResBuf::AddString(const QString& text) {
+    append(acutBuildList(RTSTR, HostText(text), RTNONE));
+}
+
 void ResBuf::AddShort(int value) {
     if (resbuf* node = acutNewRb(RTSHORT)) {
         node->resval.rint = static_cast<short>(value);
         append(node);
     }
+}
+
+void ResBuf::AddBool(bool value) {
+    append(acutBuildList(value ? RTT : RTNIL, RTNONE));
 }
 
 bool ResBuf::checked(int index) const {
@@ -128,4 +158,12 @@ void ResBuf::RemoveAt(int index) {
         acutRelRb(node);
     }
     nodes.erase(nodes.begin() + index);
+}
+
+int ResBuf::SetVar(const QString& name) const {
+    return head ? acedSetVar(HostText(name), head) : RTERROR;
+}
+
+int ResBuf::PutSym(const QString& name) const {
+    return acedPutSym(HostText(name), head);
 }

@@ -4,11 +4,11 @@
 // host opens and closes documents; it is written to the state file at each change of a file's status. It is
 // a plain struct that every part reads directly; what announces changes lives in TarnelSignals beside it.
 #include "engine/record/CheckedArray.h"
-#include "engine/record/ResBuf.h"
 
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <QByteArray>
 #include <QObject>
 #include <QRect>
@@ -97,7 +97,7 @@ struct CTarnelData {
     std::uint32_t MaxTime = 60;
     std::uint32_t AlarmTime = 40;
     QString StateFile;
-    /// Path of the trace log, empty until its first line.
+    /// Path of the trace log, empty until it was begun.
     QString TraceFile;
     int ShowWhitespace = 1;
     int ShowEOL = 1;
@@ -116,7 +116,7 @@ struct CTarnelData {
     bool WarnDialogCmdReplacement = true;
 
     /// Values of the host's variables before the run, in the order of SysVarNames.
-    std::array<ResBuf, 4> SavedSysVars;
+    std::array<std::optional<short>, 4> SavedSysVars;
     std::array<QString, 4> SysVarNames = {QStringLiteral("SDI"), QStringLiteral("CMDDIA"),
                                           QStringLiteral("FILEDIA"), QStringLiteral("CMDECHO")};
     bool SysVarsSaved = false;

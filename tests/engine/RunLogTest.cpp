@@ -161,7 +161,7 @@ TEST_F(RunLogTest, WhatCouldNotBeWrittenIsTriedAgain) {
 }
 
 TEST_F(RunLogTest, LineThatWasCutOffIsCompleted) {
-    OpenRunLog();
+    OpenRunLog(TarnelData().DataDir);
     const qsizetype before = Content(DataPath("tnl log.html")).size();
     // The disk is full in the middle of the next line.
     rlimit old{};
@@ -185,7 +185,7 @@ TEST_F(RunLogTest, LineThatWasCutOffIsCompleted) {
 }
 
 TEST_F(RunLogTest, FileThatTakesNoMoreIsReplacedByAWholeOne) {
-    OpenRunLog();
+    OpenRunLog(TarnelData().DataDir);
     RunLogLine("one");
     const QString path = QFileInfo(DataPath("tnl log.html")).canonicalFilePath();
     // From here on writing fails through the descriptor that the log has open, and nowhere else.

@@ -62,9 +62,9 @@ TEST_F(StateFile, IsWrittenByteForByte) {
     data.MainWindow = {10, 810, -20, 580};
     data.PreviousDirectories = {"/work", ""};
     data.SysVarsSaved = true;
-    data.SavedSysVars[0].AddShort(0);
-    data.SavedSysVars[1].AddShort(1);
-    data.SavedSysVars[3].AddShort(1);
+    data.SavedSysVars[0] = 0;
+    data.SavedSysVars[1] = 1;
+    data.SavedSysVars[3] = 1;
     addEntry(QStringLiteral("C:\\work"), QStringLiteral("a.dwg"), Done);
     addEntry(QStringLiteral("/r&d/"), QStringLiteral("b.dwg"), ToDo);
     const QByteArray root = "<TarnelRunner Version=\"3.0.0\" Build=\"17\">\r\n";
@@ -90,7 +90,7 @@ TEST_F(StateFile, IsWrittenByteForByte) {
     EXPECT_EQ(Plain(TarnelData().FileDirs[0]), "C:\\work\\");
     EXPECT_EQ(Plain(TarnelData().FileNames[1]), "b.dwg");
     EXPECT_EQ(TarnelData().FileOrder.size(), 2U);
-    EXPECT_TRUE(TarnelData().SysVarsSaved && TarnelData().SavedSysVars[2].IsEmpty());
+    EXPECT_TRUE(TarnelData().SysVarsSaved && !TarnelData().SavedSysVars[2]);
     EXPECT_EQ(TarnelData().PreviousDirectories, std::deque<QByteArray>{"/work"});
     SaveState(nullptr, 1);
     EXPECT_EQ(ReadBytes(path), saved);
@@ -196,9 +196,9 @@ TEST_F(StateFile, ASecondLoadKeepsTheFirstSavedVariables) {
     load("<SysVars><SDI>1</SDI><FILEDIA>0</FILEDIA></SysVars>");
     load("<SysVars><SDI>0</SDI></SysVars>");
     EXPECT_TRUE(TarnelData().SysVarsSaved);
-    EXPECT_EQ(TarnelData().SavedSysVars[0].Integer(0), 1);
-    EXPECT_EQ(TarnelData().SavedSysVars[2].Integer(0), 0);
-    EXPECT_TRUE(TarnelData().SavedSysVars[1].IsEmpty());
+    EXPECT_EQ(TarnelData().SavedSysVars[0], 1);
+    EXPECT_EQ(TarnelData().SavedSysVars[2], 0);
+    EXPECT_FALSE(TarnelData().SavedSysVars[1]);
 }
 
 TEST_F(StateFile, LoadingAnnouncesTheScriptAndSortsTheQueue) {

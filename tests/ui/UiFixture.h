@@ -26,7 +26,6 @@ class UiFixture : public ::testing::Test {
         data.FileOrder.clear();
         data.DataDir = folder.path();
         data.ModuleDir = folder.path() + QStringLiteral("/module/");
-        data.TraceFile.clear();
         data.MainWindow = {};
         data.WasMaximized = 0;
         data.LastTab = 0;
