@@ -10,7 +10,6 @@
 #include "text/NumberText.h"
 #include "text/WholeFile.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <numeric>
 
@@ -164,7 +163,6 @@ void TakeState(CTarnelData& data, const QByteArray& bytes, int full) {
     data.FileOrder.resize(data.FileNames.size());
     std::iota(data.FileOrder.begin(), data.FileOrder.end(), 0U);
     if (data.SortIdx != 6) {
-        std::stable_sort(data.FileOrder.begin(), data.FileOrder.end(),
-                         [&](std::uint32_t a, std::uint32_t b) { return CompareEntries(data, a, b) < 0; });
+        BuildFileOrder(data);
     }
 }

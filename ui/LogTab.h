@@ -2,7 +2,7 @@
 #pragma once
 // Page of the last run. The run log is not shown as it lies on disk: the names in it become links to the
 // host's log of each drawing, which comes out of the archive into the same view, with a way back.
-#include "ui/MainPage.h"
+#include "widgets/MainPage.h"
 
 #include <functional>
 #include <memory>

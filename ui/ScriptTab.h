@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Page of the script that a run executes on each drawing.
-#include "ui/MainPage.h"
+#include "widgets/MainPage.h"
 
 #include <memory>
 

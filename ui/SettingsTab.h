@@ -2,7 +2,7 @@
 #pragma once
 // Page of the options of a run: an HTML form, whose values go to the record on CollectSignal and come from it
 // on RefreshSignal. Nothing reaches the record in between.
-#include "ui/MainPage.h"
+#include "widgets/MainPage.h"
 
 #include <memory>
 

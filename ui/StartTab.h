@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // First page of the main dialog: a welcome with links to the help, to outside pages and to the other pages.
-#include "ui/MainPage.h"
+#include "widgets/MainPage.h"
 
 #include <memory>
 

@@ -7,7 +7,7 @@
 #include "log/Trace.h"
 #include "ui/HelpPages.h"
 #include "ui/Icons.h"
-#include "ui/MainPage.h"
+#include "ui/MainPages.h"
 #include "ui/Schedule.h"
 #include "ui/ScriptChecks.h"
 #include "ui_TarnelDlg.h"

@@ -45,6 +45,24 @@ void CResizableLayout::AddAnchor(QWidget* control, QPoint topLeft, QPoint bottom
     Arrange();
 }
 
+QRect CResizableLayout::Design(const QWidget* control) const {
+    for (const Item& item : items) {
+        if (item.Control == control) {
+            return item.Design;
+        }
+    }
+    return {};
+}
+
+void CResizableLayout::SetDesign(const QWidget* control, const QRect& place) {
+    for (Item& item : items) {
+        if (item.Control == control) {
+            item.Design = place;
+        }
+    }
+    Arrange();
+}
+
 void CResizableLayout::Arrange() {
     if (dialog == nullptr) {
         return;

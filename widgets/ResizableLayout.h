@@ -19,6 +19,10 @@ class CResizableLayout {
     void AddAnchor(QWidget* control, QPoint topLeft, QPoint bottomRight);
     /// Moves all controls to where they belong in the dialog's present size.
     void Arrange();
+    /// Place of one control in the dialog's first size, in pixels.
+    QRect Design(const QWidget* control) const;
+    /// Gives a control another place, as if the template had it.
+    void SetDesign(const QWidget* control, const QRect& place);
     /// Size of the dialog as the template gives it, in pixels.
     QSize DesignSize() const { return designSize; }
 

@@ -246,15 +246,16 @@ void acedPumpMessage() {
 }
 
 int acutWcMatch(const ACHAR* text, const ACHAR* pattern) {
-    return TextOf(text) == TextOf(pattern) ? RTNORM : RTERROR;
+    return acutWcMatchEx(text, pattern, false) ? RTNORM : RTERROR;
 }
 
 bool acutWcMatchEx(const ACHAR* text, const ACHAR* pattern, bool ignoreCase) {
-    // Stars and sets, which is what the module's patterns are made of.
+    // Stars, sets and alternatives, which is what the module's patterns are made of.
     QString expression = QRegularExpression::escape(TextOf(pattern));
     expression.replace(QLatin1String("\\*"), QLatin1String(".*"))
         .replace(QLatin1String("\\[\\~"), QLatin1String("[^"))
-        .replace(QLatin1String("\\]"), QLatin1String("]"));
+        .replace(QLatin1String("\\]"), QLatin1String("]"))
+        .replace(QLatin1String("\\,"), QLatin1String("|"));
     QRegularExpression::PatternOptions options = QRegularExpression::DotMatchesEverythingOption;
     if (ignoreCase) {
         options |= QRegularExpression::CaseInsensitiveOption;

@@ -2,7 +2,7 @@
 // What a picky user sees: nothing clipped, nothing overlapping, at every font and at the smallest size; and
 // the order in which the keyboard goes through a dialog.
 #include "tests/ui/UiFixture.h"
-#include "ui/MainPage.h"
+#include "ui/MainPages.h"
 #include "ui/Schedule.h"
 #include "ui/StatusDialog.h"
 #include "ui/TarnelDlg.h"

@@ -2,7 +2,7 @@
 // The main dialog by keys and mouse: pages, what it keeps, when a run may start.
 #include "tests/ui/UiFixture.h"
 #include "ui/Icons.h"
-#include "ui/MainPage.h"
+#include "ui/MainPages.h"
 #include "ui/ScriptChecks.h"
 #include "ui/TarnelDlg.h"
 #include "widgets/AutoTab.h"

@@ -8,7 +8,7 @@
 #include "html/HTMLayout.h"
 #include "html/HtmlResources.h"
 #include "ui/LogTab.h"
-#include "ui/MainPage.h"
+#include "ui/MainPages.h"
 #include "ui/Schedule.h"
 #include "ui/StatusDialog.h"
 #include "ui/TarnelDlg.h"

@@ -29,6 +29,7 @@ class UiFixture : public ::testing::Test {
         data.MainWindow = {};
         data.WasMaximized = 0;
         data.LastTab = 0;
+        data.PreviousDirectories = {folder.path().toUtf8()};
         data.Script = "zoom e\r\nqsave\r\n";
         data.SetScriptModified(false);
         data.WarnNoSave = data.WarnDialogCommand = data.WarnDialogCmdReplacement = true;

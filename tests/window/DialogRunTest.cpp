@@ -206,19 +206,15 @@ TEST_F(DialogRunTest, ARunGoesOverTheDrawingsThatAreOpen) {
         auto* queue = dialog.findChild<QTreeView*>(QStringLiteral("queue"));
         queue->setFocus();
         QTest::keyClick(queue, Qt::Key_A, Qt::ControlModifier);
-        // A button stays down for a moment.
-        QTest::keyClick(&dialog, Qt::Key_M, Qt::AltModifier);
-        QTest::qWait(150);
+        QTest::keyClick(queue, Qt::Key_Delete);
         EXPECT_EQ(queue->model()->rowCount(), 0);
         QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
-        QTest::qWait(150);
         EXPECT_EQ(queue->model()->rowCount(), 2) << "the new drawing has no file";
         QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
-        QTest::qWait(150);
         EXPECT_EQ(queue->model()->rowCount(), 2) << "none is there twice";
         onDialog = [&](QDialog& second) {
             EXPECT_EQ(countOf("1"), 2) << output;
-            press(second, "setToDo");
+            press(second, "allToDo");
             press(second, "close");
             returned = true;
         };
@@ -236,6 +232,38 @@ TEST_F(DialogRunTest, ARunGoesOverTheDrawingsThatAreOpen) {
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         EXPECT_NE(file.readAll(), before[i]) << names[i].toStdString() << " was not worked on";
     }
+}
+
+TEST_F(DialogRunTest, ARunGoesOverWhatWasChosenInAFolder) {
+    begin("qsave\r\n");
+    // The first opening begins in the current folder.
+    QFile::remove(stateFile());
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.path()));
+    bool returned = false;
+    onDialog = [&](QDialog& dialog) {
+        dialog.findChild<QTabWidget*>()->setCurrentIndex(1);
+        auto* files = dialog.findChild<QTreeView*>(QStringLiteral("fileList"));
+        auto* queue = dialog.findChild<QTreeView*>(QStringLiteral("queue"));
+        EXPECT_TRUE(until([&] { return files->model()->rowCount() == drawings; }));
+        press(dialog, "addAll");
+        EXPECT_EQ(queue->model()->rowCount(), drawings);
+        queue->setFocus();
+        queue->setCurrentIndex(queue->model()->index(0, 0));
+        QTest::keyClick(queue, Qt::Key_Delete);
+        answer = QMessageBox::Yes;
+        onDialog = [&](QDialog& second) {
+            press(second, "close");
+            returned = true;
+        };
+        press(dialog, "runScript");
+    };
+    host.input().type("TARNEL\n");
+    EXPECT_TRUE(until([&] {
+        return returned && !QApplication::activeModalWidget() && host.input().isIdle();
+    })) << output;
+    QDir::setCurrent(before);
+    EXPECT_EQ(countOf("1"), drawings - 1) << output;
 }
 
 TEST_F(DialogRunTest, CancelInTheMiddleLeavesTheRest) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/MainPage.h"
+#include "ui/MainPages.h"
 
-#include "ui/FilesTab.h"
+#include "files/FilesTab.h"
 #include "ui/LogTab.h"
 #include "ui/ScriptTab.h"
 #include "ui/SettingsTab.h"

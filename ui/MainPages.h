@@ -1,21 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// What the main dialog knows of its pages: a table, so that nothing else counts or lists them. A page takes
-// part in the dialog by the record's CollectSignal and RefreshSignal, and asks for another page by its name.
-#include "widgets/ResizableDialog.h"
+// What the main dialog knows of its pages: a table, so that nothing else counts or lists them.
+#include "widgets/MainPage.h"
 
 #include <span>
-
-class MainPage : public CResizableDialog {
-    Q_OBJECT
-  public:
-    using CResizableDialog::CResizableDialog;
-
-  Q_SIGNALS:
-    /// The page of that name is asked for.
-    void PageWanted(const QString& name);
-    void HelpWanted();
-};
 
 struct MainPageEntry {
     /// How the program speaks of the page; links of the start page are this name and "tab".
