@@ -3,7 +3,6 @@
 #include "engine/record/TarnelData.h"
 #include "files/FilesTab.h"
 #include "state/GroupFile.h"
-#include "state/StateFile.h"
 
 #include <QFileDialog>
 
@@ -47,7 +46,8 @@ void FilesTab::SaveGroup() {
         return;
     }
     Q_EMIT TarnelData().Signals.CollectSignal();
-    if (!SaveGroupFile(dialog.selectedFiles().first())) {
-        tell(this, LastStateError());
+    QString error;
+    if (!SaveGroupFile(dialog.selectedFiles().first(), &error)) {
+        tell(this, error);
     }
 }

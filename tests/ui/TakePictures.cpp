@@ -5,6 +5,7 @@
 #include "engine/record/FileQueue.h"
 #include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
+#include "files/FilterDlg.h"
 #include "html/HTMLayout.h"
 #include "html/HtmlResources.h"
 #include "ui/LogTab.h"
@@ -14,11 +15,13 @@
 #include "ui/TarnelDlg.h"
 #include "widgets/AutoTab.h"
 #include "widgets/BalloonHelp.h"
+#include "widgets/FocusListCtrl.h"
 #include "zip/ZipArchive.h"
 
 #include <cstdio>
 #include <QApplication>
 #include <QDateTimeEdit>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QMessageBox>
@@ -120,6 +123,27 @@ void fillRecord(const QString& data) {
     }
 }
 
+/// A home with folders and drawings to choose from, which the page finds as the user's.
+void makeHome(const QString& home) {
+    const QDir folder(home);
+    for (const char* name : {"Desktop", "Documents/letters", "plans/details/doors", "plans/survey",
+                             "Pictures", "plans/standards", ".config", "archive"}) {
+        folder.mkpath(QString::fromLatin1(name));
+    }
+    for (const char* name :
+         {"ground-floor.dxf", "first-floor.dxf", "roof.dxf", "sections.dwg", "site.dxf", "elevations.dwg"}) {
+        QFile(folder.filePath(QStringLiteral("plans/") + QLatin1String(name))).open(QIODevice::WriteOnly);
+    }
+    QFile::link(folder.filePath(QStringLiteral("archive")),
+                folder.filePath(QStringLiteral("plans/old plans")));
+    QFile places(folder.filePath(QStringLiteral(".config/user-dirs.dirs")));
+    if (places.open(QIODevice::WriteOnly)) {
+        places.write("XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\nXDG_PICTURES_DIR=\"$HOME/Pictures\"\n");
+    }
+    TarnelData().PreviousDirectories = {QFile::encodeName(folder.filePath(QStringLiteral("plans"))),
+                                        QFile::encodeName(home)};
+}
+
 void writeLog() {
     QFile log(DataFile(QStringLiteral("tnl log.html")));
     if (!log.open(QIODevice::WriteOnly)) {
@@ -152,12 +176,55 @@ void writeLog() {
     archive.Close();
 }
 
+/// The page as it looks in the middle of the work: rows chosen in both lists.
+void arrangeFiles(QWidget& dialog) {
+    auto* files = dialog.findChild<FocusListCtrl*>(QStringLiteral("fileList"));
+    auto* queue = dialog.findChild<FocusListCtrl*>(QStringLiteral("queue"));
+    files->SelectRows({1, 2});
+    queue->SelectRows({2, 3, 5});
+    queue->setFocus();
+}
+
+void takeFilesPage() {
+    TarnelData().LastTab = 1;
+    TarnelData().FileTabButtonText = false;
+    {
+        TarnelDlg dialog(nullptr);
+        dialog.show();
+        arrangeFiles(dialog);
+        take(dialog, QStringLiteral("files-pictures"));
+    }
+    TarnelData().FileTabButtonText = true;
+    {
+        TarnelDlg dialog(nullptr);
+        lengthen(dialog);
+        dialog.show();
+        dialog.resize(dialog.minimumSize());
+        arrangeFiles(dialog);
+        take(dialog, QStringLiteral("files-small"));
+        dialog.resize(1024, 600);
+        take(dialog, QStringLiteral("files-1024"));
+        dialog.findChild<FocusListCtrl*>(QStringLiteral("fileList"))->setFocus();
+        take(dialog, QStringLiteral("files-unfocused"));
+    }
+    TarnelData().UseFilter = 1;
+    TarnelData().Filter = QStringLiteral("*.dwg,*.dxf");
+    FilterDlg filter;
+    lengthen(filter);
+    filter.show();
+    take(filter, QStringLiteral("filter"));
+    TarnelData().UseFilter = 0;
+}
+
 void takePages() {
     TarnelDlg dialog(nullptr);
     lengthen(dialog);
     dialog.show();
     for (const MainPageEntry& page : MainPages()) {
         dialog.ShowPage(page.Name);
+        if (page.Name == u"files") {
+            arrangeFiles(dialog);
+        }
         take(dialog, page.Name);
     }
     auto* log = dialog.findChild<LogTab*>();
@@ -225,6 +292,11 @@ void takeDialogs() {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir home;
+    qputenv("HOME", QFile::encodeName(home.path()));
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+        qunsetenv(name);
+    }
     QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 2) {
@@ -245,8 +317,10 @@ int main(int argc, char** argv) {
     InitHtmlResources();
     QTemporaryDir data;
     fillRecord(data.path());
+    makeHome(home.path());
     writeLog();
     takePages();
+    takeFilesPage();
     takeDialogs();
     return 0;
 }
