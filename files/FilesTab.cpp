@@ -74,7 +74,13 @@ FilesTab::FilesTab(QWidget* parent)
     ShowFolder(data.PreviousDirectories.front());
 }
 
-FilesTab::~FilesTab() = default;
+FilesTab::~FilesTab() {
+    // The lists and the tree go after the page, and must not tell it of it.
+    for (QObject* control : {static_cast<QObject*>(ui->tree), static_cast<QObject*>(ui->queue),
+                             static_cast<QObject*>(ui->fileList)}) {
+        control->disconnect(this);
+    }
+}
 
 std::vector<CXPStyleButtonST*> FilesTab::buttons() const {
     return {ui->loadGroup,   ui->saveGroup, ui->filter,  ui->add,      ui->addAll,
