@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/BrowseModel.h"
 
+#include "engine/record/FileName.h"
 #include "engine/record/TarnelData.h"
 #include "files/FolderLinks.h"
 #include "files/StatusColors.h"
-#include "engine/record/FileName.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/DirWatcher.h"
 
+#include "engine/record/FileName.h"
 #include "files/FolderWatch.h"
 #include "log/Trace.h"
-#include "engine/record/FileName.h"
 
 #include <QFile>
 #include <QSocketNotifier>

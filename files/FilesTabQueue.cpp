@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The right half of the page: what the user does to the queue.
 #include "acdocman.h"
-#include "engine/record/HostText.h"
 #include "engine/record/FileQueue.h"
+#include "engine/record/HostText.h"
 #include "engine/record/TarnelData.h"
 #include "files/BrowseModel.h"
 #include "files/DragImage.h"

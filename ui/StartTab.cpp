@@ -4,6 +4,7 @@
 #include "acedads.h"
 #include "engine/record/HostText.h"
 #include "html/HTMLayout.h"
+#include "ui/MainPages.h"
 #include "ui_StartTab.h"
 
 namespace {

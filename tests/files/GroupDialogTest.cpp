@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Load Group and Save Group with the file dialog, every form and every refusal.
-#include "tests/files/PageFixture.h"
 #include "engine/record/FileQueue.h"
+#include "tests/files/PageFixture.h"
 
 #include <QFileDialog>
 #include <QLineEdit>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is done to the queue before a run, on values.
-#include "files/QueueEdit.h"
 #include "engine/record/FileQueue.h"
+#include "files/QueueEdit.h"
 
 #include <gtest/gtest.h>
 
