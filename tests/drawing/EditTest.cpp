@@ -40,6 +40,10 @@ TEST(Edit, changesOnlyTheBytesOfTheTag) {
                     "\r\n"));
     drawing->removeTag(line, 2);
     EXPECT_EQ(drawing->record(line).code(2), 62);
+    // The last tag of all before the end.
+    const auto open = parsed(drawn("0 SECTION 2 ENTITIES 0 LINE 8 OLD 0 EOF"));
+    open->setTag(find(*open, "LINE"), 1, "NEW");
+    EXPECT_EQ(open->serialise(), drawn("0 SECTION 2 ENTITIES 0 LINE 8 NEW 0 EOF"));
 }
 
 TEST(Edit, putsTagsInFrontOfExtendedData) {
@@ -208,6 +212,18 @@ TEST(Edit, walksEntitiesOfAllLayouts) {
     EXPECT_EQ(lastEntity(*drawing), added);
     EXPECT_EQ(layoutOf(*drawing, added)->name, "Model");
     EXPECT_GT(drawing->handle(added), 0x31U);
+}
+
+// What people start with, tag by tag: the file is looked over when the new drawing is changed.
+TEST(Edit, makesTheNewDrawingsThatAreKept) {
+    for (const bool metric : {false, true}) {
+        const auto drawing = Drawing::createNew(metric);
+        for (const char* date : {"$TDCREATE", "$TDUPDATE"}) {
+            setHeader(*drawing, date, 40, 2440587.5);
+        }
+        const std::string name = metric ? "new-metric.dxf" : "new-imperial.dxf";
+        EXPECT_EQ(drawing->serialise(), contentOf(std::string(NEW_DRAWINGS) + "/" + name)) << name;
+    }
 }
 
 TEST(Edit, makesNewDrawingsThatAreWhole) {

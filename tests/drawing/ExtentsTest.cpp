@@ -52,6 +52,8 @@ TEST(Extents, measuresEveryKindOfEntity) {
          {1, 1, 2, 2}},
         {"0 POLYLINE 70 64 0 VERTEX 70 192 10 1 20 2 30 3 0 VERTEX 70 128 10 0 20 0 71 1 0 SEQEND",
          {1, 2, 1, 2}},
+        {"0 POLYLINE 70 64 0 VERTEX 70 0 10 1 20 2 0 VERTEX 70 64 10 5 20 6 0 SEQEND", {1, 2, 5, 6}},
+        {"0 POLYLINE 70 0 0 VERTEX 70 128 10 1 20 2 0 VERTEX 70 0 10 5 20 6 0 SEQEND", {1, 2, 5, 6}},
         {"0 SOLID 10 0 20 0 11 1 21 0 12 0 22 1 13 5 23 1", {0, 0, 5, 1}},
         {"0 3DFACE 10 0 20 0 11 1 21 0 12 0 22 -1 13 5 23 1", {0, -1, 5, 1}},
         {"0 SPLINE 40 7 10 0 20 9 10 1 20 2", {0, 2, 1, 9}},
@@ -152,6 +154,24 @@ TEST(Zoom, writesExtentsIntoHeaderLayoutAndView) {
     EXPECT_TRUE(zoomExtents(*drawing).empty());
     EXPECT_EQ(headerPoint(*drawing, "$EXTMIN", {}).x, 1e20);
     EXPECT_EQ(currentView(*drawing).center, (Point{210, 148.5, 0}));
+}
+
+// On paper the window shows a viewport of its own: what it looks at is what it covers.
+TEST(Zoom, setsTheSheetsViewportOnPaper) {
+    const auto drawing = Drawing::createNew(true);
+    setHeader(*drawing, "$TILEMODE", 70, 0);
+    const RecordId sheet = addEntity(*drawing, "VIEWPORT", "0", true);
+    for (const auto& [code, value] : {std::pair{40, 8}, {41, 4}, {68, 1}, {69, 1}, {45, 4}}) {
+        drawing->put(sheet, code, value);
+    }
+    EXPECT_EQ(currentView(*drawing).aspect, 2);
+    setView(*drawing, {{30, 40, 0}, 10, 2});
+    std::string told;
+    const Record record = drawing->record(sheet);
+    for (const int code : {10, 20, 12, 22, 40, 41, 45}) {
+        told += formatReal(record.realOr(code, -1), 6) + " ";
+    }
+    EXPECT_EQ(told, "30.0 40.0 30.0 40.0 20.0 10.0 10.0 ");
 }
 
 TEST(Zoom, makesTheViewportWhereTheVersionHasOne) {

@@ -116,6 +116,11 @@ TEST(Keep, FilesWithSeveralNamesAreRefusedUnlessTheyMayBeParted) {
     setBreakLinks(false);
     EXPECT_EQ(contentOf(path), "new");
     EXPECT_EQ(contentOf(folder / "b.dxf"), "old");
+    // A drawing of somebody else that happens to have the copy's name is none.
+    writeTo(folder / "c.dxf", "old");
+    writeTo(folder / "c.bak", "else");
+    std::filesystem::create_hard_link(folder / "c.dxf", folder / "d.dxf");
+    EXPECT_FALSE(replaceFile(folder / "c.dxf", {"new"}, error));
     // The copy that a save has just made of the old file is a second name of it, and no other.
     std::filesystem::create_hard_link(path, folder / "a.bak");
     EXPECT_TRUE(replaceFile(path, {"newer"}, error)) << error;

@@ -87,6 +87,12 @@ TEST(Text, writesRealsThatReadBackTheSame) {
     EXPECT_EQ(parseReal("x"), 0);
     EXPECT_EQ(parseInteger(" 70.0"), 70);
     EXPECT_EQ(parseInteger("99999999999999999999"), 0);
+    EXPECT_EQ(parseInteger("99999999999999999999.5"), 0);
+    EXPECT_EQ(parseInteger("1e3"), 1000);
+    EXPECT_EQ(parseInteger("9007199254740993"), 9007199254740993) << "no way through a real";
+    EXPECT_EQ(parseInteger("9007199254740993x"), 9007199254740993);
+    EXPECT_EQ(kindOf(-5), ValueKind::Text) << "codes of LISP's lists";
+    EXPECT_EQ(kindOf(-6), ValueKind::Unknown);
     EXPECT_EQ(parseHandle("1fZ"), 0x1FU);
 }
 
