@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/View.h"
 #include "tests/commands/TestDrawings.h"
 #include "tests/commands/TestHost.h"
 
@@ -56,6 +59,47 @@ TEST_F(Zoom, APointMeansTheSameToACommandAndToLisp) {
     }
     type("(setvar \"LASTPOINT\" '(0.0 0.0 0.0))\nzoom c 1',0 1'\n");
     expectView(12, 0, 12);
+}
+
+// Points are typed in the user's coordinates; the drawing keeps the centre as the display sees it.
+TEST_F(Zoom, PointsAreTheUsersAndTheViewIsTheDisplays) {
+    Drawing& drawing = document().drawing();
+    const auto expectKept = [&](double x, double y) {
+        type("zoom c 3,4 6\n");
+        EXPECT_NEAR(currentView(document().drawing()).center.x, x, 1e-9) << output;
+        EXPECT_NEAR(currentView(document().drawing()).center.y, y, 1e-9) << output;
+        expectView(3, 4, 6);
+    };
+    const auto setUcs = [&](const Point& origin, const Point& x, const Point& y) {
+        setHeaderPoint(drawing, "$UCSORG", origin, 3);
+        setHeaderPoint(drawing, "$UCSXDIR", x, 3);
+        setHeaderPoint(drawing, "$UCSYDIR", y, 3);
+    };
+    setUcs({10, 20, 0}, {0, 1, 0}, {-1, 0, 0});
+    expectKept(6, 23);
+    EXPECT_EQ(integer("WORLDUCS"), 0);
+    // Axes that span nothing are none.
+    setUcs({10, 20, 0}, {1, 0, 0}, {1, 0, 0});
+    expectKept(13, 24);
+    setUcs({0, 0, 0}, {1, 0, 0}, {0, 1, 0});
+    expectKept(3, 4);
+    EXPECT_EQ(integer("WORLDUCS"), 1);
+    // From the front, onto a target at z = 10, and then turned by a quarter.
+    const RecordId view = findEntry(drawing, Table::Vport, "*ACTIVE");
+    drawing.putPoint(view, 16, {0, -1, 0}, true);
+    drawing.putPoint(view, 17, {0, 0, 10}, true);
+    type("zoom c 3,4 6\n");
+    EXPECT_EQ(currentView(drawing).center, (Point{3, -10, 0}));
+    drawing.put(view, 51, 90.0);
+    type("zoom c 3,4 6\n");
+    EXPECT_NEAR(currentView(drawing).center.x, 10, 1e-9);
+    EXPECT_NEAR(currentView(drawing).center.y, 3, 1e-9);
+    // A drawing that says nothing of all this.
+    open(write("bare.dxf",
+               "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n"
+               "0\nENDSEC\n0\nEOF\n"));
+    expectKept(3, 4);
+    EXPECT_EQ(integer("WORLDUCS"), 1);
 }
 
 TEST_F(Zoom, ExtentsAllAndObjectsComeFromTheEntities) {
