@@ -145,9 +145,8 @@ RunMonitor::Outcome work(const DataFolder& folder, RunParts parts, RunDescriptio
         // besides.
         ClearHostJournal(folder.Path(), files::Logs::Remove);
     }
-    if (!ReadRecord(folder.StateFile(), &saved, &error)) {
-        breakOff(error);
-    } else if (!setBackLeftWaiting(folder.StateFile(), monitors, parts.Places, &saved, &error)) {
+    if (!ReadRecord(folder.StateFile(), &saved, &error) ||
+        !setBackLeftWaiting(folder.StateFile(), monitors, parts.Places, &saved, &error)) {
         breakOff(error);
     } else if (!ledger->Reconcile(QueueOf(saved))) {
         breakOff(
