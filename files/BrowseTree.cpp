@@ -6,6 +6,7 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPainter>
 
 BrowseTree::BrowseTree(QWidget* parent) : QTreeView(parent), folders(new FolderModel(this)) {
     setModel(folders);
@@ -92,6 +93,14 @@ void BrowseTree::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
     if (!hasFocus() && selectionModel()->isSelected(index)) {
         DrawSelectionOutline(*painter, palette(), visualRect(index), false, false);
     }
+}
+
+// The ground of a selection reaches to the left edge; an outline has none.
+void BrowseTree::drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const {
+    if (!hasFocus() && selectionModel()->isSelected(index)) {
+        painter->fillRect(rect, palette().base());
+    }
+    QTreeView::drawBranches(painter, rect, index);
 }
 
 // Enter opens or closes a folder here; left to the dialog it would start a run.

@@ -40,7 +40,7 @@ class FilesTab : public MainPage {
     std::array<int, 4> ColumnWidths() const;
 
     /// Lists a folder that was not chosen in the tree, which only follows, opened there or not.
-    void ShowFolder(const QByteArray& folder, bool open = false);
+    void ShowFolder(QByteArray folder, bool open = false);
 
     void AddSelectedToQueue();
     void AddAll();

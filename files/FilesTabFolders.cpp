@@ -38,7 +38,8 @@ void FilesTab::onFolderSelected(const QByteArray& folder) {
     fillFileList(QFile::decodeName(folder));
 }
 
-void FilesTab::ShowFolder(const QByteArray& folder, bool open) {
+// A copy of the folder: it is mostly an entry of the history, which changes here.
+void FilesTab::ShowFolder(QByteArray folder, bool open) {
     BrowseTree::Hows how = BrowseTree::Silent;
     how.setFlag(BrowseTree::Expand, open);
     ui->tree->SelectPath(folder, how);

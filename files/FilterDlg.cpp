@@ -6,12 +6,20 @@
 #include "widgets/BalloonHelp.h"
 #include "widgets/ResizableLayout.h"
 
+#include <algorithm>
+
 FilterDlg::FilterDlg(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::FilterDlg>()) {
     ui->setupUi(this);
     CResizableLayout layout;
     layout.Attach(this);
     // The check box stands on the frame of its group and is only as wide as its text.
     ui->useFilter->resize(ui->useFilter->sizeHint().width(), ui->useFilter->height());
+    // The template's room is for narrower fonts than some desktops have.
+    const int missing = std::max(0, ui->caption->sizeHint().width() - ui->caption->width());
+    for (QWidget* wide : {static_cast<QWidget*>(this), static_cast<QWidget*>(ui->frame),
+                          static_cast<QWidget*>(ui->caption), static_cast<QWidget*>(ui->mask)}) {
+        wide->resize(wide->width() + missing, wide->height());
+    }
     setFixedSize(size());
     const CTarnelData& data = TarnelData();
     ui->useFilter->setChecked(data.UseFilter != 0);

@@ -272,6 +272,14 @@ TEST_F(FilesTabTest, ColumnsKeepTheirWidths) {
     EXPECT_GT(widths[1], 80) << "the names get what is left";
 }
 
+TEST_F(FilesTabTest, OpensWithTheFolderOfLastTime) {
+    TarnelData().PreviousDirectories = {folder.Bytes("sub"), folder.Bytes(), "/"};
+    open();
+    EXPECT_EQ(rows(files()), "d.dwg ");
+    const std::deque<QByteArray> expected = {folder.Bytes("sub"), folder.Bytes(), "/"};
+    EXPECT_EQ(TarnelData().PreviousDirectories, expected);
+}
+
 TEST_F(FilesTabTest, OpensWithoutAHistory) {
     TarnelData().PreviousDirectories.clear();
     open();
