@@ -1,10 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A copy of the tree in which one source at a time is changed, built and tested."""
+import ctypes
 import fcntl
 import hashlib
 import os
 import resource
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -19,6 +21,7 @@ while read -r _ target _; do
 done </proc/self/mounts
 exec "$@"
 """
+PR_SET_PDEATHSIG = 1
 
 
 class Refused(Exception):
@@ -30,7 +33,10 @@ def quiet(*command, **options):
                           text=True, errors="replace", **options)
 
 
-def limit_memory_and_files():
+def bound_to_us():
+    """For a child before it starts: it ends when this program does, however that ends, and takes no more than it
+    should of the machine."""
+    ctypes.CDLL(None).prctl(PR_SET_PDEATHSIG, signal.SIGKILL)
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     resource.setrlimit(resource.RLIMIT_FSIZE, (16 << 30, 16 << 30))
     resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
@@ -140,7 +146,7 @@ class Workshop:
                    "--stop-on-failure", "--output-on-failure", "--no-tests=error", "--timeout", "%d" % seconds]
         started = time.monotonic()
         try:
-            done = quiet(*command, env=known, timeout=seconds, preexec_fn=limit_memory_and_files, start_new_session=True)
+            done = quiet(*command, env=known, timeout=seconds, preexec_fn=bound_to_us, start_new_session=True)
             state = "passed" if done.returncode == 0 else "failed"
             output = done.stdout
         except subprocess.TimeoutExpired:
