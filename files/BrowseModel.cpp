@@ -59,6 +59,16 @@ QVariant BrowseModel::data(const QModelIndex& index, int role) const {
             return Path(index.row());
         case Qt::ForegroundRole:
             return isLink ? QVariant(LinkColor(QGuiApplication::palette())) : QVariant();
+        case Qt::FontRole: {
+            if (!isLink) {
+                return {};
+            }
+            // What is not set here comes from the list's own font.
+            QFont font;
+            font.setBold(true);
+            font.setUnderline(true);
+            return font;
+        }
         case IsLinkRole:
             return isLink;
         default:

@@ -104,6 +104,7 @@ TEST_F(FilesTabTest, ALinkIsEnteredAndNeverQueued) {
     open();
     ASSERT_EQ(rows(files()), "a.dwg b-link B.dwg c.dxf ");
     EXPECT_EQ(files()->model()->index(1, 0).data(Qt::ForegroundRole).value<QColor>(), QColor(Qt::blue));
+    EXPECT_TRUE(files()->model()->index(1, 0).data(Qt::FontRole).value<QFont>().underline());
     press("addAll");
     EXPECT_EQ(rows(queue()), "a.dwg B.dwg c.dxf ");
     doubleClick(files(), 1);
