@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "system/FileJournal.h"
 
+#include "system/Descriptor.h"
 #include "system/NewFile.h"
 #include "system/OwnFile.h"
 
@@ -65,22 +66,6 @@ std::string plain(std::string_view text) {
     return out;
 }
 
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) : fd(fd) {}
-    ~Descriptor() {
-        if (fd >= 0) {
-            ::close(fd);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int Get() const { return fd; }
-
-  private:
-    int fd;
-};
-
 bool readAll(int file, std::size_t most, std::string* text) {
     std::array<char, 65536> buffer{};
     for (ssize_t count = 0; (count = ::read(file, buffer.data(), buffer.size())) != 0;) {
@@ -107,7 +92,7 @@ std::optional<Contents> readJournal(const std::string& path) {
     struct stat info {};
     std::string text;
     // A name list decides what is deleted, so one that may have been put there by somebody is not read.
-    if (file.Get() < 0 || ::fstat(file.Get(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_nlink != 1 ||
+    if (!file.IsOpen() || ::fstat(file.Get(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_nlink != 1 ||
         !IsOwners(info, path) || !readAll(file.Get(), SIZE_MAX, &text)) {
         return std::nullopt;
     }
@@ -138,7 +123,7 @@ std::optional<Contents> readJournal(const std::string& path) {
 bool isMarkerOf(int folder, const std::string& name, const std::set<std::string>& hosts) {
     const Descriptor file(::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
     std::string text;
-    if (file.Get() < 0 || !readAll(file.Get(), LargestMarker, &text)) {
+    if (!file.IsOpen() || !readAll(file.Get(), LargestMarker, &text)) {
         return false;
     }
     return text.empty() || hosts.contains(OwnerLine(text));
@@ -154,7 +139,7 @@ bool removeLeft(const std::string& path, const std::string& kind, const Contents
     // What is looked at and what is removed is then in the same folder, whatever links change meanwhile.
     const Descriptor folder(::open(FolderOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     struct stat info {};
-    if (folder.Get() < 0 || ::fstatat(folder.Get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (!folder.IsOpen() || ::fstatat(folder.Get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
         return errno == ENOENT || errno == ENOTDIR;
     }
     const bool isTrusted = contents.Owner == ::geteuid() || contents.Owner == 0;

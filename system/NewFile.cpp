@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "system/NewFile.h"
 
+#include "system/Descriptor.h"
 #include "system/FileJournal.h"
 #include "system/OwnFile.h"
 
@@ -56,21 +57,18 @@ void forget(const std::string& name) {
 
 /// Takes a left file away. EWOULDBLOCK when it is being written, another error when it is not ours.
 int removeLeft(const std::string& name) {
-    const int left = ::open(name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
-    if (left < 0) {
+    const Descriptor left(::open(name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    struct stat info {};
+    if (!left.IsOpen()) {
         return errno == ENOENT ? 0 : errno;
     }
-    struct stat info {};
-    int error = 0;
-    if (::fstat(left, &info) != 0 || !S_ISREG(info.st_mode) || !IsOwners(info, name)) {
-        error = EPERM;
-    } else if (!lock(left)) {
-        error = EWOULDBLOCK;
-    } else if (isStillNamed(left, name) && ::unlink(name.c_str()) != 0) {
-        error = errno;
+    if (::fstat(left.Get(), &info) != 0 || !S_ISREG(info.st_mode) || !IsOwners(info, name)) {
+        return EPERM;
     }
-    ::close(left);
-    return error;
+    if (!lock(left.Get())) {
+        return EWOULDBLOCK;
+    }
+    return isStillNamed(left.Get(), name) && ::unlink(name.c_str()) != 0 ? errno : 0;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "system/OwnFile.h"
 
+#include "system/Descriptor.h"
 #include "system/NewFile.h"
 
 #include <fcntl.h>
@@ -108,8 +109,7 @@ int partFromOthers(int file, const std::string& path, int flags) {
     return ::open(path.c_str(), flags | O_NOFOLLOW | O_CLOEXEC);
 }
 
-int refuse(int file, int error) {
-    ::close(file);
+int refuse(int error) {
     errno = error;
     return -1;
 }
@@ -125,38 +125,29 @@ int make(const std::string& path, int flags) {
 /// -1 with ENOENT when the file was there and is to be made anew.
 int openPresent(const std::string& path, int flags) {
     // A pipe that somebody has put there must not make this wait for a reader.
-    int file = ::open(path.c_str(), (flags & ~O_TRUNC) | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    Descriptor file(
+        ::open(path.c_str(), (flags & ~O_TRUNC) | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat info {};
-    if (file < 0) {
+    if (!file.IsOpen() || ::fstat(file.Get(), &info) != 0) {
         return -1;
     }
-    if (::fstat(file, &info) != 0) {
-        return refuse(file, errno);
-    }
     if (!S_ISREG(info.st_mode)) {
-        return refuse(file, S_ISDIR(info.st_mode) ? EISDIR : ENXIO);
+        return refuse(S_ISDIR(info.st_mode) ? EISDIR : ENXIO);
     }
     if (!IsOwners(info, path)) {
-        return refuse(file, EPERM);
+        return refuse(EPERM);
     }
     if (info.st_nlink > 1 && (flags & O_TRUNC) != 0) {
-        return ::unlink(path.c_str()) == 0 ? refuse(file, ENOENT) : refuse(file, errno);
+        return ::unlink(path.c_str()) == 0 ? refuse(ENOENT) : -1;
     }
     if (info.st_nlink > 1 && (flags & O_APPEND) != 0) {
-        const int reader = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-        const int parted = reader < 0 ? -1 : partFromOthers(reader, path, flags);
-        const int error = errno;
-        if (reader >= 0) {
-            ::close(reader);
-        }
-        ::close(file);
-        errno = error;
-        return parted;
+        const Descriptor reader(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+        return reader.IsOpen() ? partFromOthers(reader.Get(), path, flags) : -1;
     }
-    if ((flags & O_TRUNC) != 0 && ::ftruncate(file, 0) != 0) {
-        return refuse(file, errno);
+    if ((flags & O_TRUNC) != 0 && ::ftruncate(file.Get(), 0) != 0) {
+        return -1;
     }
-    return file;
+    return file.Release();
 }
 
 }  // namespace
@@ -241,12 +232,9 @@ int MakeFolder(const std::string& given) {
     if (::mkdir(target.c_str(), 0777) != 0) {
         return errno == EEXIST && ::stat(target.c_str(), &info) == 0 && S_ISDIR(info.st_mode) ? 0 : errno;
     }
-    const int folder = ::open(target.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (folder >= 0) {
-        if (::fstat(folder, &info) == 0 && info.st_uid == 0) {
-            GiveToFolderOwner(folder, target);
-        }
-        ::close(folder);
+    const Descriptor folder(::open(target.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (folder.IsOpen() && ::fstat(folder.Get(), &info) == 0 && info.st_uid == 0) {
+        GiveToFolderOwner(folder.Get(), target);
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "text/WholeFile.h"
 
+#include "system/Descriptor.h"
 #include "system/NewFile.h"
 #include "system/OwnFile.h"
 
@@ -11,24 +12,6 @@
 #include <QFile>
 
 namespace {
-
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) : fd(fd) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { Close(); }
-    int Get() const { return fd; }
-    bool IsOpen() const { return fd >= 0; }
-    int Close() {
-        const int result = fd >= 0 && ::close(fd) != 0 ? errno : 0;
-        fd = -1;
-        return result;
-    }
-
-  private:
-    int fd;
-};
 
 int writeAll(int fd, const QByteArray& bytes) {
     const char* data = bytes.constData();
@@ -50,7 +33,7 @@ int writeAll(int fd, const QByteArray& bytes) {
 /// For a folder that lets nothing be made in it. The old text is touched only when the new one is sure to
 /// fit.
 int writeInPlace(const QByteArray& path, const QByteArray& bytes) {
-    const Descriptor file(files::OpenOwn(path.toStdString(), O_WRONLY));
+    const files::Descriptor file(files::OpenOwn(path.toStdString(), O_WRONLY));
     struct stat status {};
     if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0) {
         return errno;
@@ -80,7 +63,8 @@ int ReadWholeFile(const QString& path, QByteArray& bytes) {
     constexpr off_t Largest = 0x3fffffff;
     bytes.clear();
     // A pipe that somebody has put there must not make this wait for a writer.
-    const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const files::Descriptor file(
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0) {
         return errno;
@@ -137,11 +121,11 @@ int WriteWholeFile(const QString& path, const QByteArray& bytes, bool synced) {
 int SyncFile(const QString& path) {
     const QByteArray name = QFile::encodeName(path);
     const QByteArray folder = QFile::encodeName(path.first(path.lastIndexOf(u'/') + 1));
-    const Descriptor file(::open(name.constData(), O_RDONLY | O_CLOEXEC));
+    const files::Descriptor file(::open(name.constData(), O_RDONLY | O_CLOEXEC));
     if (!file.IsOpen() || ::fsync(file.Get()) != 0) {
         return errno;
     }
-    const Descriptor directory(
+    const files::Descriptor directory(
         ::open(folder.isEmpty() ? "." : folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // Some file systems know no syncing of folders; the file itself is safe then.
     if (directory.IsOpen() && ::fsync(directory.Get()) != 0 && errno != EINVAL && errno != EROFS) {

@@ -14,28 +14,13 @@
 #include <limits>
 
 #include "drafthost/drawing/KeepAttributes.h"
+#include "system/Descriptor.h"
 #include "system/FileJournal.h"
 #include "system/OwnFile.h"
 
 namespace drafthost {
 
 namespace {
-
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return fd_; }
-
-  private:
-    int fd_;
-};
 
 std::string because(const std::string& path, int code) {
     return path + ": " + std::strerror(code);
@@ -71,10 +56,10 @@ bool writeAll(int fd, const std::vector<std::string_view>& pieces) {
 }
 
 bool syncFolder(const std::string& folder) {
-    const Descriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const files::Descriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // Some network file systems cannot sync a folder and say so with EINVAL: their rename is as good as it
     // gets.
-    return fd.get() >= 0 && (::fsync(fd.get()) == 0 || errno == EINVAL);
+    return fd.IsOpen() && (::fsync(fd.Get()) == 0 || errno == EINVAL);
 }
 
 /// Some file systems tell of a failed write only when a descriptor is closed.
@@ -102,9 +87,9 @@ bool breakLinks = false;
 
 bool readFile(const std::string& path, std::string& bytes, std::string& error, const PieceCheck& check) {
     // What root may read of another user's must not come to light through a link that he has planted.
-    const Descriptor fd(files::OpenToRead(path, files::Trust::FolderOwner));
+    const files::Descriptor fd(files::OpenToRead(path, files::Trust::FolderOwner));
     struct stat info {};
-    if (fd.get() < 0 || ::fstat(fd.get(), &info) != 0) {
+    if (!fd.IsOpen() || ::fstat(fd.Get(), &info) != 0) {
         error = errno == ELOOP ? path + ": " + files::Because(errno) : because(path, errno);
         return false;
     }
@@ -131,7 +116,7 @@ bool readFile(const std::string& path, std::string& bytes, std::string& error, c
         const std::size_t end = size > Large ? std::min(size, done + Piece) : size;
         bytes.resize(end);
         const std::size_t from = done;
-        const ssize_t got = ::read(fd.get(), bytes.data() + done, end - done);
+        const ssize_t got = ::read(fd.Get(), bytes.data() + done, end - done);
         if (got < 0 && errno == EINTR) {
             continue;
         }
@@ -165,14 +150,14 @@ bool replaceFile(const std::string& path, const std::vector<std::string_view>& p
         return false;
     }
     const std::string folder = files::FolderOf(target);
-    const Descriptor old(::open(target.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    const files::Descriptor old(::open(target.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
     struct stat info {};
     const bool exists = ::lstat(target.c_str(), &info) == 0;
     if (exists && !S_ISREG(info.st_mode)) {
         error = S_ISDIR(info.st_mode) ? because(path, EISDIR) : path + ": not a regular file";
         return false;
     }
-    if (exists && (old.get() < 0 || ::fstat(old.get(), &info) != 0)) {
+    if (exists && (!old.IsOpen() || ::fstat(old.Get(), &info) != 0)) {
         error = because(path, errno);
         return false;
     }
@@ -183,8 +168,8 @@ bool replaceFile(const std::string& path, const std::vector<std::string_view>& p
         return false;
     }
     std::string temporary;
-    const Descriptor fd(openTemporary(folder, exists ? 0600 : 0666, temporary));
-    if (fd.get() < 0) {
+    const files::Descriptor fd(openTemporary(folder, exists ? 0600 : 0666, temporary));
+    if (!fd.IsOpen()) {
         error = because(path, errno);
         return false;
     }
@@ -193,13 +178,13 @@ bool replaceFile(const std::string& path, const std::vector<std::string_view>& p
         error = because(path, code);
         return false;
     };
-    if (const int code = exists ? keepAttributes(old.get(), info, fd.get()) : 0) {
+    if (const int code = exists ? keepAttributes(old.Get(), info, fd.Get()) : 0) {
         return fail(code);
     }
     if (!exists) {
-        files::GiveToFolderOwner(fd.get(), target);
+        files::GiveToFolderOwner(fd.Get(), target);
     }
-    if (!writeAll(fd.get(), pieces) || ::fsync(fd.get()) != 0 || !closesWell(fd.get())) {
+    if (!writeAll(fd.Get(), pieces) || ::fsync(fd.Get()) != 0 || !closesWell(fd.Get())) {
         return fail(errno);
     }
     if (::rename(temporary.c_str(), target.c_str()) != 0) {

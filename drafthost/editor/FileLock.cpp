@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "drafthost/drawing/FileBytes.h"
+#include "system/Descriptor.h"
 #include "system/FileJournal.h"
 #include "system/OwnFile.h"
 
@@ -79,25 +80,23 @@ bool isStale(const std::string& marker) {
 }
 
 int openLocked(const std::string& path, std::string& error) {
-    int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-    if (fd < 0) {
+    files::Descriptor file(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+    if (!file.IsOpen()) {
         error = path + " cannot be opened for writing: " + std::strerror(errno);
         return -1;
     }
     struct stat info {};
-    if (::fstat(fd, &info) == 0 && (info.st_mode & 0222) == 0) {
+    if (::fstat(file.Get(), &info) == 0 && (info.st_mode & 0222) == 0) {
         // Root may write it all the same, but it is meant to stay as it is.
         error = path + " is read-only.";
-        ::close(fd);
         return -1;
     }
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    if (::flock(file.Get(), LOCK_EX | LOCK_NB) != 0) {
         error = path + (errno == EWOULDBLOCK ? " is in use."
                                              : std::string(" cannot be locked: ") + std::strerror(errno));
-        ::close(fd);
         return -1;
     }
-    return fd;
+    return file.Release();
 }
 
 /// The marker made last that still stands.

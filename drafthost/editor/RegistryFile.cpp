@@ -9,6 +9,7 @@
 
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/lisp/Symbol.h"
+#include "system/Descriptor.h"
 #include "system/NewFile.h"
 #include "system/OwnFile.h"
 
@@ -223,15 +224,12 @@ bool RegistryFile::save(std::string& error) {
         return true;
     }
     int code = files::MakeFolder(files::FolderOf(path_));
-    const int lock = code == 0 ? files::OpenOwn(path_ + ".lock", O_RDWR) : -1;
-    if (code == 0 && (lock < 0 || ::flock(lock, LOCK_EX) != 0)) {
+    const files::Descriptor lock(code == 0 ? files::OpenOwn(path_ + ".lock", O_RDWR) : -1);
+    if (code == 0 && (!lock.IsOpen() || ::flock(lock.Get(), LOCK_EX) != 0)) {
         code = errno;
     }
     if (code != 0) {
         error = "The registry file " + path_ + " cannot be locked: " + files::Because(code);
-        if (lock >= 0) {
-            ::close(lock);
-        }
         return false;
     }
     std::string text, ignored;
@@ -252,7 +250,6 @@ bool RegistryFile::save(std::string& error) {
         keys_ = std::move(merged);
         changed_.clear();
     }
-    ::close(lock);
     return done;
 }
 

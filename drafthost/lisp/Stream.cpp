@@ -11,6 +11,7 @@
 #include "drafthost/lisp/Failure.h"
 #include "drafthost/lisp/FileText.h"
 #include "drafthost/lisp/Utf8.h"
+#include "system/Descriptor.h"
 #include "system/OwnFile.h"
 
 namespace drafthost::lisp {
@@ -20,23 +21,6 @@ namespace {
 constexpr std::size_t Piece = std::size_t{1} << 20;
 /// What has no size of its own, pipes and devices, is read so far and no further.
 constexpr std::size_t MostOfDevice = std::size_t{64} << 20;
-
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return fd_; }
-    int release() { return std::exchange(fd_, -1); }
-
-  private:
-    int fd_;
-};
 
 /// Waits a moment for a pipe.
 void await(int fd) {
@@ -49,9 +33,9 @@ void await(int fd) {
 
 std::optional<std::string> readWholeFile(const std::string& path, const std::function<void()>& turn) {
     // Without waiting: a pipe that nobody writes to would hold the host for good.
-    const Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const files::Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat info {};
-    if (fd.get() < 0 || ::fstat(fd.get(), &info) != 0 || S_ISDIR(info.st_mode)) {
+    if (!fd.IsOpen() || ::fstat(fd.Get(), &info) != 0 || S_ISDIR(info.st_mode)) {
         return std::nullopt;
     }
     std::string bytes;
@@ -62,7 +46,7 @@ std::optional<std::string> readWholeFile(const std::string& path, const std::fun
     }
     std::string piece(Piece, '\0');
     for (;;) {
-        const ssize_t count = ::read(fd.get(), piece.data(), piece.size());
+        const ssize_t count = ::read(fd.Get(), piece.data(), piece.size());
         if (count == 0) {
             return bytes;
         }
@@ -74,7 +58,7 @@ std::optional<std::string> readWholeFile(const std::string& path, const std::fun
             }
             Memory::require(bytes.size());
         } else if (errno == EAGAIN) {
-            await(fd.get());
+            await(fd.Get());
         } else if (errno != EINTR) {
             return std::nullopt;
         }
@@ -100,15 +84,15 @@ std::optional<Value> Stream::open(const std::string& path, char mode, const std:
         if (files::Follow(path, files::Trust::FolderOwner, &target) != 0) {
             return std::nullopt;
         }
-        Descriptor fd(::open(target.c_str(), how | (mode == 'a' ? O_APPEND : O_TRUNC), 0666));
-        if (fd.get() < 0 || ::fcntl(fd.get(), F_SETFL, mode == 'a' ? O_APPEND : 0) != 0) {
+        files::Descriptor fd(::open(target.c_str(), how | (mode == 'a' ? O_APPEND : O_TRUNC), 0666));
+        if (!fd.IsOpen() || ::fcntl(fd.Get(), F_SETFL, mode == 'a' ? O_APPEND : 0) != 0) {
             return std::nullopt;
         }
-        stream->file = ::fdopen(fd.get(), mode == 'a' ? "ab" : "wb");
+        stream->file = ::fdopen(fd.Get(), mode == 'a' ? "ab" : "wb");
         if (stream->file == nullptr) {
             return std::nullopt;
         }
-        fd.release();
+        fd.Release();
     }
     stream->opened = true;
     return Value::adopt(stream.release());
