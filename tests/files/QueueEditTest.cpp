@@ -53,10 +53,11 @@ TEST_F(QueueEditTest, AFileIsThereOnce) {
 TEST_F(QueueEditTest, AnOldGroupWithoutStatusesStaysUsable) {
     add("/d/a.dwg");
     add("/d/b.dwg");
-    data.FileStatus.resize(1);
+    data.FileStatus.erase(1);
     AddToQueue(data, {QStringLiteral("/d/c.dwg")});
     EXPECT_EQ(entries(), "/d/a.dwg:0 /d/b.dwg:5 /d/c.dwg:0 ");
-    data.FileStatus.resize(1);
+    data.FileStatus.erase(2);
+    data.FileStatus.erase(1);
     RemoveFromQueue(data, {0});
     EXPECT_EQ(entries(), "/d/b.dwg:5 /d/c.dwg:5 ");
 }
