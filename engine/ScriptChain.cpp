@@ -39,8 +39,8 @@ QString usersScript() {
 
 /// What a script file was given last.
 struct WrittenScript {
-    QString text;
-    std::optional<FileStamp> stamp;
+    QString Text;
+    std::optional<FileStamp> Stamp;
 };
 std::array<WrittenScript, 2> written;
 
@@ -48,10 +48,10 @@ std::array<WrittenScript, 2> written;
 /// some file systems more than the rest of the step. A disk that is full shows here first: the host will then
 /// find no script, and the cause must stand above.
 void writeScript(const QString& path, const QString& text, WrittenScript& before) {
-    if (before.stamp && before.text == text && StampOf(path) == before.stamp) {
+    if (before.Stamp && before.Text == text && StampOf(path) == before.Stamp) {
         return;
     }
-    before.stamp.reset();
+    before.Stamp.reset();
     CStdioFileEx file;
     QString cause;
     bool complete = file.Open(path, CStdioFileEx::modeCreate | CStdioFileEx::modeWrite, &cause);

@@ -88,11 +88,11 @@ std::vector<CXPStyleButtonST*> FilesTab::buttons() const {
 }
 
 void FilesTab::setUpButtons() {
-    constexpr std::array pictures = {"loadgroup", "savegroup", "filter",  "add",      "addall",
+    constexpr std::array Pictures = {"loadgroup", "savegroup", "filter",  "add",      "addall",
                                      "remove",    "removeall", "alltodo", "setstatus"};
     std::size_t next = 0;
     for (CXPStyleButtonST* button : buttons()) {
-        button->setIcon(picture(pictures.at(next++)));
+        button->setIcon(picture(Pictures.at(next++)));
     }
     if (TarnelData().FileTabButtonText) {
         return;
@@ -233,9 +233,9 @@ QPoint FilesTab::menuPoint(QWidget* at) const {
 
 // The slot of a click must not change the page that the click is in.
 void FilesTab::onHyperlink(HyperlinkEvent& event, int& handled) {
-    constexpr int click = 3;
+    constexpr int Click = 3;
     handled = 1;
-    if (event.Action != click) {
+    if (event.Action != Click) {
         return;
     }
     auto* strip = qobject_cast<CHTMLayout*>(sender());

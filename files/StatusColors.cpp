@@ -28,9 +28,9 @@ QColor readable(const QColor& color, const QPalette& palette) {
     if (ground.lightness() >= 128) {
         return color;
     }
-    constexpr double enough = 5;
+    constexpr double Enough = 5;
     QColor lighter = color;
-    for (float light = color.lightnessF(); contrast(lighter, ground) < enough && light < 1; light += 0.03F) {
+    for (float light = color.lightnessF(); contrast(lighter, ground) < Enough && light < 1; light += 0.03F) {
         lighter = QColor::fromHslF(color.hslHueF(), color.hslSaturationF(), std::min(light, 1.0F));
     }
     return lighter;

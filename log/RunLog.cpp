@@ -20,12 +20,12 @@ namespace {
 /// From the start of a run to its end, whether its file could be opened or not.
 bool isOpen = false;
 QString logFolder;
-NarrowFile RunLogStream;
+NarrowFile runLogStream;
 /// Text that the system has not taken yet; it is tried again with each line and at the end.
 std::string unwritten;
 /// A failure was told, and none is told again before something could be written.
 bool isToldBroken = false;
-QStringList HostLogList;
+QStringList hostLogList;
 /// The drawing in work as the log names it.
 QString fileInWork;
 /// The drawing in work has its entry.
@@ -45,10 +45,10 @@ QString unopenedLogPath(int number) {
 /// Empty, or the cause for which text is left.
 QString writeWhatIsLeft() {
     const bool ready =
-        RunLogStream.IsOpen() || RunLogStream.OpenNew(QFile::encodeName(runLogPath()).toStdString());
+        runLogStream.IsOpen() || runLogStream.OpenNew(QFile::encodeName(runLogPath()).toStdString());
     const QString cause = ready ? QString() : qt_error_string();
     if (ready) {
-        unwritten.erase(0, RunLogStream.Append(unwritten));
+        unwritten.erase(0, runLogStream.Append(unwritten));
     }
     return unwritten.empty() ? QString() : cause.isEmpty() ? qt_error_string() : cause;
 }
@@ -58,7 +58,7 @@ QString writeWhatIsLeft() {
 bool writeAnew() {
     QByteArray text;
     // Without an own file what stands there is of another run.
-    if (RunLogStream.IsOpen() && ReadWholeFile(runLogPath(), text) != 0) {
+    if (runLogStream.IsOpen() && ReadWholeFile(runLogPath(), text) != 0) {
         return false;
     }
     text += QByteArray::fromStdString(unwritten);
@@ -81,16 +81,16 @@ void write(const QString& text) {
 /// The host's logs go into the archive, and are deleted only once they are safe there.
 void packLogs() {
     // A host without a log of the drawing gives no name.
-    HostLogList.removeAll(QString());
-    HostLogList.removeDuplicates();
-    if (HostLogList.isEmpty()) {
+    hostLogList.removeAll(QString());
+    hostLogList.removeDuplicates();
+    if (hostLogList.isEmpty()) {
         return;
     }
     const QString file = JoinPath(logFolder, u"TNLLog.zip");
     constexpr int Attempts = 2;
     for (int attempt = 1; attempt <= Attempts; ++attempt) {
         try {
-            const PackedLogs result = PackHostLogs(file, HostLogList, true);
+            const PackedLogs result = PackHostLogs(file, hostLogList, true);
             for (const QString& failure : result.Failures) {
                 ConsoleLine(failure + QStringLiteral("; the log stays where it is"));
             }
@@ -135,7 +135,7 @@ void WatchNewLogFile(const QString& hostLogPath) {
     if (!isOpen) {
         return;
     }
-    HostLogList.append(hostLogPath);
+    hostLogList.append(hostLogPath);
     RunLogLine(ProcessingHtml(HostLogId(hostLogPath), fileInWork));
     isFileLogged = true;
 }
@@ -163,7 +163,7 @@ bool CloseRunLog() {
     }
     LogUnopenedFile({});
     packLogs();
-    HostLogList.clear();
+    hostLogList.clear();
     RunLogLine(BatchCompletedHtml());
     write(RunLogTail);
     if (!unwritten.empty()) {
@@ -178,9 +178,9 @@ bool CloseRunLog() {
 }
 
 void ResetRunLog() {
-    RunLogStream.Close();
+    runLogStream.Close();
     unwritten.clear();
-    HostLogList.clear();
+    hostLogList.clear();
     fileInWork.clear();
     isFileLogged = false;
     isOpen = false;

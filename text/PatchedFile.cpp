@@ -20,9 +20,9 @@ namespace {
 constexpr qsizetype PageSize = 4096;
 
 struct Written {
-    QString path;
-    QByteArray bytes;
-    struct stat status {};
+    QString Path;
+    QByteArray Bytes;
+    struct stat Status {};
 };
 /// What the last call left behind.
 std::optional<Written> last;
@@ -36,7 +36,7 @@ void remember(const QString& path, const QByteArray& bytes) {
     Written written{path, bytes, {}};
     std::string target;
     if (files::Follow(QFile::encodeName(path).toStdString(), files::Trust::Own, &target) == 0 &&
-        ::lstat(target.c_str(), &written.status) == 0) {
+        ::lstat(target.c_str(), &written.Status) == 0) {
         last = std::move(written);
     } else {
         last.reset();
@@ -74,10 +74,10 @@ std::pair<qsizetype, qsizetype> changedPart(const QByteArray& before, const QByt
 
 /// True when the file now holds the bytes.
 bool patch(const QString& path, const QByteArray& bytes) {
-    if (!last || last->path != path || last->bytes.size() != bytes.size()) {
+    if (!last || last->Path != path || last->Bytes.size() != bytes.size()) {
         return false;
     }
-    const auto [start, end] = changedPart(last->bytes, bytes);
+    const auto [start, end] = changedPart(last->Bytes, bytes);
     if (end > start && start / PageSize != (end - 1) / PageSize) {
         return false;
     }
@@ -90,15 +90,15 @@ bool patch(const QString& path, const QByteArray& bytes) {
         return false;
     }
     struct stat status {};
-    bool done = ::fstat(file, &status) == 0 && sameVersion(status, last->status);
+    bool done = ::fstat(file, &status) == 0 && sameVersion(status, last->Status);
     if (done && end > start) {
         done = ::pwrite(file, bytes.constData() + start, static_cast<std::size_t>(end - start), start) ==
                    end - start &&
-               ::fstat(file, &last->status) == 0;
+               ::fstat(file, &last->Status) == 0;
     }
     ::close(file);
     if (done) {
-        last->bytes = bytes;
+        last->Bytes = bytes;
     }
     return done;
 }

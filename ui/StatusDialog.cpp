@@ -8,23 +8,23 @@
 #include <QCloseEvent>
 
 struct StatusDialog::Parts {
-    Ui::StatusDialog ui;
-    CResizableLayout layout;
+    Ui::StatusDialog Form;
+    CResizableLayout Layout;
 };
 
 StatusDialog::StatusDialog(QWidget* parent, int fileCount)
     : QDialog(parent, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
       parts(std::make_unique<Parts>()) {
-    parts->ui.setupUi(this);
-    parts->layout.Attach(this);
-    setMinimumSize(parts->layout.DesignSize() / 2);
-    parts->ui.batch->setRange(0, std::max(fileCount, 1));
-    parts->ui.batch->setValue(0);
-    parts->ui.fileTime->setRange(0, 1);
+    parts->Form.setupUi(this);
+    parts->Layout.Attach(this);
+    setMinimumSize(parts->Layout.DesignSize() / 2);
+    parts->Form.batch->setRange(0, std::max(fileCount, 1));
+    parts->Form.batch->setValue(0);
+    parts->Form.fileTime->setRange(0, 1);
     // Enter, pressed once too often on Run Script, must not end the run that has just begun.
-    parts->ui.cancel->setAutoDefault(false);
-    parts->ui.fileText->setFocus();
-    connect(parts->ui.cancel, &QPushButton::clicked, this, &StatusDialog::CancelPressed);
+    parts->Form.cancel->setAutoDefault(false);
+    parts->Form.fileText->setFocus();
+    connect(parts->Form.cancel, &QPushButton::clicked, this, &StatusDialog::CancelPressed);
     if (parent != nullptr) {
         move(parent->frameGeometry().center() - rect().center());
     }
@@ -34,17 +34,18 @@ StatusDialog::~StatusDialog() = default;
 
 void StatusDialog::ShowFile(const QString& path, int limit) {
     Flash(false);
-    parts->ui.batch->setValue(parts->ui.batch->value() + 1);
-    parts->ui.fileText->setPlainText(path);
-    parts->ui.fileText->setToolTip(path);
+    parts->Form.batch->setValue(parts->Form.batch->value() + 1);
+    parts->Form.fileText->setPlainText(path);
+    parts->Form.fileText->setToolTip(path);
     showName();
-    parts->ui.fileTime->setFormat(limit > 0 ? tr("%v of %m s") : tr("no limit"));
-    parts->ui.fileTime->setRange(0, std::max(limit, 1));
-    parts->ui.fileTime->setValue(0);
+    parts->Form.fileTime->setFormat(limit > 0 ? tr("%v of %m s") : tr("no limit"));
+    parts->Form.fileTime->setRange(0, std::max(limit, 1));
+    parts->Form.fileTime->setValue(0);
 }
 
 void StatusDialog::StepFileTime() {
-    parts->ui.fileTime->setValue(std::min(parts->ui.fileTime->value() + 1, parts->ui.fileTime->maximum()));
+    parts->Form.fileTime->setValue(
+        std::min(parts->Form.fileTime->value() + 1, parts->Form.fileTime->maximum()));
 }
 
 void StatusDialog::Flash(bool on) {
@@ -65,12 +66,12 @@ void StatusDialog::reject() {}
 
 // Of a path that is longer than its field, the name at its end is what tells the drawing.
 void StatusDialog::showName() {
-    parts->ui.fileText->moveCursor(QTextCursor::End);
-    parts->ui.fileText->ensureCursorVisible();
+    parts->Form.fileText->moveCursor(QTextCursor::End);
+    parts->Form.fileText->ensureCursorVisible();
 }
 
 void StatusDialog::resizeEvent(QResizeEvent* event) {
     QDialog::resizeEvent(event);
-    parts->layout.Arrange();
+    parts->Layout.Arrange();
     showName();
 }

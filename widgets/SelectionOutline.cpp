@@ -5,9 +5,9 @@
 
 void DrawSelectionOutline(QPainter& painter, const QPalette& palette, const QRect& row, bool aboveSelected,
                           bool belowSelected) {
-    constexpr qreal corner = 5;
+    constexpr qreal Corner = 5;
     // An end that is open lies outside of what is painted, and takes its rounding with it.
-    const int beyond = static_cast<int>(2 * corner);
+    const int beyond = static_cast<int>(2 * Corner);
     QRectF shape = QRectF(row).adjusted(0.5, 0.5, -0.5, -0.5);
     shape.adjust(0, aboveSelected ? -beyond : 0, 0, belowSelected ? beyond : 0);
     painter.save();
@@ -15,7 +15,7 @@ void DrawSelectionOutline(QPainter& painter, const QPalette& palette, const QRec
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(palette.color(QPalette::Highlight), 1));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(shape, corner, corner);
+    painter.drawRoundedRect(shape, Corner, Corner);
     painter.restore();
 }
 

@@ -15,11 +15,11 @@ PromptReading refuse(std::string reason) {
 }
 
 PromptReading checkNumber(const PromptRequest& request, Value v) {
-    if ((request.initgetBits & kNoZero) != 0 && v.toDouble() == 0) {
-        return refuse((request.initgetBits & kNoNegative) != 0 ? "Value must be positive and nonzero."
-                                                               : "Value must be nonzero.");
+    if ((request.initgetBits & NoZero) != 0 && v.toDouble() == 0) {
+        return refuse((request.initgetBits & NoNegative) != 0 ? "Value must be positive and nonzero."
+                                                              : "Value must be nonzero.");
     }
-    if ((request.initgetBits & kNoNegative) != 0 && v.toDouble() < 0) {
+    if ((request.initgetBits & NoNegative) != 0 && v.toDouble() < 0) {
         return refuse("Value must be positive.");
     }
     return {std::move(v), {}};
@@ -69,9 +69,8 @@ PromptReading readText(const PromptRequest& request, const std::string& text, co
             }
             const auto p = readPoint(text, rules);
             if (p && request.base) {
-                return checkNumber(
-                    request,
-                    Value::real(between(*request.base, *p, (request.initgetBits & kPlaneDistance) != 0)));
+                return checkNumber(request, Value::real(between(*request.base, *p,
+                                                                (request.initgetBits & PlaneDistance) != 0)));
             }
             return p ? PromptReading{Value::point(*p), {}}
                      : refuse("Requires numeric distance or two points.");
@@ -125,7 +124,7 @@ PromptReading readValue(const PromptRequest& request, const Value& v, const Read
                 return p ? PromptReading{v, {}} : refuse("Requires numeric distance or two points.");
             }
             return {request.kind == PromptKind::Distance
-                        ? Value::real(between(*request.base, *p, (request.initgetBits & kPlaneDistance) != 0))
+                        ? Value::real(between(*request.base, *p, (request.initgetBits & PlaneDistance) != 0))
                         : angleBetween(request, *p, rules),
                     {}};
         }
@@ -154,8 +153,8 @@ PromptReading readAnswer(const PromptRequest& request, const PromptAnswer& answe
     }
     const bool isString = request.kind == PromptKind::String;
     if (!isString && answer.text.find_first_not_of(" \t") == std::string::npos) {
-        return (request.initgetBits & kNoEnter) != 0 ? refuse("Requires an answer.")
-                                                     : PromptReading{Value(), {}};
+        return (request.initgetBits & NoEnter) != 0 ? refuse("Requires an answer.")
+                                                    : PromptReading{Value(), {}};
     }
     if (!isString) {
         const std::vector<std::string_view> keywords(request.keywords.begin(), request.keywords.end());
@@ -164,7 +163,7 @@ PromptReading readAnswer(const PromptRequest& request, const PromptAnswer& answe
         }
     }
     PromptReading reading = readText(request, answer.text, rules);
-    if (!reading.value && (request.initgetBits & kArbitrary) != 0 && request.kind != PromptKind::Keyword) {
+    if (!reading.value && (request.initgetBits & Arbitrary) != 0 && request.kind != PromptKind::Keyword) {
         return {Value::string(answer.text), {}};
     }
     return reading;

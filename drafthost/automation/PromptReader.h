@@ -16,7 +16,7 @@ struct PromptReading {
 };
 
 /// Bits of (initget).
-enum InitGetBits { kNoEnter = 1, kNoZero = 2, kNoNegative = 4, kPlaneDistance = 64, kArbitrary = 128 };
+enum InitGetBits { NoEnter = 1, NoZero = 2, NoNegative = 4, PlaneDistance = 64, Arbitrary = 128 };
 
 PromptReading readAnswer(const PromptRequest& request, const PromptAnswer& answer, const ReadingRules& rules);
 

@@ -244,7 +244,7 @@ VariableValue worldUcs(Host&, Document* document) {
     return world ? 1 : 0;
 }
 
-const Action actions[] = {
+const Action Actions[] = {
     {"ACADPREFIX", supportFolders},
     {"CDATE", [](Host&, Document*) -> VariableValue { return calendarDate(now()); }},
     {"CMDACTIVE",
@@ -304,7 +304,7 @@ const Action actions[] = {
 }  // namespace
 
 void addComputedAction(VariableEntry& entry, const VariableRow& row) {
-    for (const Action& action : actions) {
+    for (const Action& action : Actions) {
         if (action.name == row.name) {
             entry.get = action.get;
             if (action.set) {

@@ -7,7 +7,7 @@ namespace drafthost {
 
 namespace {
 
-constexpr std::string_view sentinel("AutoCAD Binary DXF\r\n\x1A\0", 22);
+constexpr std::string_view Sentinel("AutoCAD Binary DXF\r\n\x1A\0", 22);
 
 void appendLittle(std::string& bytes, std::uint64_t value, unsigned count) {
     for (unsigned i = 0; i < count; ++i) {
@@ -100,7 +100,7 @@ bool Drawing::convert(const SaveFormat& format, std::string& bytes, std::string&
     bytes.reserve(bytes_.size() + bytes_.size() / 4);
     const int codeBytes = isBinary() ? index_.codeBytes() : (versionNumber_ >= 1012 ? 2 : 1);
     if (format.binary) {
-        bytes = sentinel;
+        bytes = Sentinel;
     }
     for (RecordId id = first(); id != NoRecord; id = next(id)) {
         const Record record = this->record(id);

@@ -15,7 +15,7 @@ namespace drafthost {
 namespace {
 
 constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view binarySentinel("AutoCAD Binary DXF\r\n\x1A\0", 22);
+constexpr std::string_view BinarySentinel("AutoCAD Binary DXF\r\n\x1A\0", 22);
 constexpr int NoCode = std::numeric_limits<int>::min();
 
 std::uint32_t load32(const char* bytes) {
@@ -170,7 +170,7 @@ bool TagIndex::build(std::string_view bytes, std::string& error) {
 }
 
 bool TagIndex::isBinary(std::string_view head) {
-    return head.starts_with(binarySentinel);
+    return head.starts_with(BinarySentinel);
 }
 
 bool TagIndex::canBegin(std::string_view head) {
@@ -286,7 +286,7 @@ bool TagIndex::buildAscii(std::string_view bytes, std::string& error) {
 bool TagIndex::buildBinary(std::string_view bytes, std::string& error) {
     const char* const data = bytes.data();
     const std::size_t size = bytes.size();
-    std::size_t position = binarySentinel.size();
+    std::size_t position = BinarySentinel.size();
     if (size < position + 2 || data[position] != 0) {
         error = atOffset(position, "the first group code is not 0");
         return false;

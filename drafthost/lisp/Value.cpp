@@ -53,15 +53,15 @@ Value Value::error(std::string text) {
 }
 
 namespace {
-const Value kNil;
+const Value Nil;
 }
 
 const Value& Value::car() const {
-    return isCons() ? static_cast<Cons*>(data_.object)->car : kNil;
+    return isCons() ? static_cast<Cons*>(data_.object)->car : Nil;
 }
 
 const Value& Value::cdr() const {
-    return isCons() ? static_cast<Cons*>(data_.object)->cdr : kNil;
+    return isCons() ? static_cast<Cons*>(data_.object)->cdr : Nil;
 }
 
 Usubr& Value::toUsubr() const {

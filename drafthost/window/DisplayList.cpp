@@ -66,9 +66,9 @@ QString plainText(QString text) {
 
 class Builder {
   public:
-    explicit Builder(const Drawing& source) : drawing(source) {
-        for (const RecordId id : tableEntries(drawing, Table::Layer)) {
-            const Record record = drawing.record(id);
+    explicit Builder(const Drawing& source) : drawing_(source) {
+        for (const RecordId id : tableEntries(drawing_, Table::Layer)) {
+            const Record record = drawing_.record(id);
             Layer layer;
             const auto index = record.integerOr(62, 7);
             layer.color = indexedColor(int(std::abs(index)));
@@ -76,24 +76,24 @@ class Builder {
                 layer.color = QColor::fromRgb(QRgb(record.integer(*rgb)));
             }
             layer.shown = index >= 0 && (record.integerOr(70, 0) & 1) == 0;
-            layers.emplace(upper(record.textOr(2, "")), layer);
+            layers_.emplace(upper(record.textOr(2, "")), layer);
         }
     }
 
     void add(RecordId entity, const Style& style, int depth) {
-        const Record record = drawing.record(entity);
+        const Record record = drawing_.record(entity);
         std::string layerName = upper(record.textOr(8, "0"));
         if (layerName == "0" && !style.layer.empty()) {
             layerName = style.layer;
         }
-        const auto layer = layers.find(layerName);
-        if (layer != layers.end() && !layer->second.shown) {
+        const auto layer = layers_.find(layerName);
+        if (layer != layers_.end() && !layer->second.shown) {
             return;
         }
         if (record.integerOr(60, 0) != 0) {
             return;
         }
-        const QColor color = colorOf(record, layer == layers.end() ? QColor() : layer->second.color, style);
+        const QColor color = colorOf(record, layer == layers_.end() ? QColor() : layer->second.color, style);
         const std::string_view type = record.type();
         if (type == "INSERT") {
             addInsert(entity, style, color, layerName, depth);
@@ -108,7 +108,7 @@ class Builder {
             item.path.moveTo(style.transform.map(QPointF(at.x, at.y)));
             item.bounds = QRectF(item.path.currentPosition(), QSizeF(0, 0));
             finish(std::move(item), color);
-        } else if (const auto path = entityPath(drawing, entity)) {
+        } else if (const auto path = entityPath(drawing_, entity)) {
             DisplayItem item;
             item.path = style.transform.map(*path);
             item.filled = type == "SOLID" || type == "TRACE";
@@ -195,11 +195,11 @@ class Builder {
 
     void addInsert(RecordId entity, const Style& style, const QColor& color, const std::string& layer,
                    int depth) {
-        const Record record = drawing.record(entity);
+        const Record record = drawing_.record(entity);
         const std::string name = record.textOr(2, "");
-        const Block* block = findBlock(drawing, name);
+        const Block* block = findBlock(drawing_, name);
         if (block != nullptr) {
-            const Point base = drawing.record(block->begin).pointOr(10, {});
+            const Point base = drawing_.record(block->begin).pointOr(10, {});
             const Point at = record.pointOr(10, {});
             const auto columns = std::clamp<std::int64_t>(record.integerOr(70, 1), 1, 1000);
             const auto rows = std::clamp<std::int64_t>(record.integerOr(71, 1), 1, 1000);
@@ -217,35 +217,35 @@ class Builder {
                 }
             }
         }
-        for (RecordId id = drawing.next(entity); id != NoRecord && drawing.type(id) == "ATTRIB";
-             id = drawing.next(id)) {
-            if ((drawing.record(id).integerOr(70, 0) & 1) == 0) {
+        for (RecordId id = drawing_.next(entity); id != NoRecord && drawing_.type(id) == "ATTRIB";
+             id = drawing_.next(id)) {
+            if ((drawing_.record(id).integerOr(70, 0) & 1) == 0) {
                 add(id, style, depth);
             }
         }
     }
 
     void addBlock(const std::string& name, const Style& style, int depth) {
-        const Block* block = findBlock(drawing, name);
-        if (block == nullptr || depth >= DeepestBlock || ++walked > MostBlocks ||
-            !open.insert(block->begin).second) {
+        const Block* block = findBlock(drawing_, name);
+        if (block == nullptr || depth >= DeepestBlock || ++walked_ > MostBlocks ||
+            !open_.insert(block->begin).second) {
             return;
         }
-        for (RecordId id = firstInBlock(drawing, *block); id != NoRecord && id != block->end;
-             id = drawing.next(id)) {
-            const std::string_view type = drawing.type(id);
+        for (RecordId id = firstInBlock(drawing_, *block); id != NoRecord && id != block->end;
+             id = drawing_.next(id)) {
+            const std::string_view type = drawing_.type(id);
             if (type != "ATTDEF" && type != "ATTRIB" && type != "VERTEX" && type != "SEQEND") {
                 add(id, style, depth + 1);
             }
         }
-        open.erase(block->begin);
+        open_.erase(block->begin);
     }
 
-    const Drawing& drawing;
-    std::unordered_map<std::string, Layer> layers;
+    const Drawing& drawing_;
+    std::unordered_map<std::string, Layer> layers_;
     /// Blocks being walked: one that holds itself ends there.
-    std::unordered_set<RecordId> open;
-    int walked = 0;
+    std::unordered_set<RecordId> open_;
+    int walked_ = 0;
 };
 
 }  // namespace

@@ -71,7 +71,7 @@ class RunLogs : public ProgramTest {
     }
 };
 
-const char* const kSay = "(princ (strcat \"this is \" currentfile))\n";
+const char* const Say = "(princ (strcat \"this is \" currentfile))\n";
 
 TEST_F(RunLogs, NamesComeBackAsTheyAreInEveryLocale) {
     const std::vector<std::string> names = {"quo\"te.dxf",      "li\nne.dxf", "<script>alert(1).dxf",
@@ -79,7 +79,7 @@ TEST_F(RunLogs, NamesComeBackAsTheyAreInEveryLocale) {
     for (const char* locale : {"C.UTF-8", "en_US.ISO-8859-1"}) {
         ASSERT_EQ(setenv("LC_ALL", locale, 1), 0);
         for (const char* jobs : {"1", "2"}) {
-            std::vector<std::string> arguments = {"--script", Write("s.scr", kSay), "--jobs", jobs};
+            std::vector<std::string> arguments = {"--script", Write("s.scr", Say), "--jobs", jobs};
             for (const std::string& name : names) {
                 arguments.push_back(Drawing(name));
             }
@@ -105,7 +105,7 @@ TEST_F(RunLogs, NamesComeBackAsTheyAreInEveryLocale) {
 }
 
 TEST_F(RunLogs, ADrawingThatDoesNotEndWellHasItsLogToTheLastWord) {
-    const std::string script = Write("s.scr", std::string(kSay) + R"(
+    const std::string script = Write("s.scr", std::string(Say) + R"(
 (if (= currentfile "error") (Tarnel_File_Error))
 (if (= currentfile "time") (while t))
 (if (= currentfile "dies") (progn (arxload ")" CRASH_MODULE R"(") (command "CRASH")))
@@ -138,7 +138,7 @@ TEST_F(RunLogs, ADrawingThatDoesNotEndWellHasItsLogToTheLastWord) {
 TEST_F(RunLogs, AHostThatIsKilledWithTheRunLeavesItsLogs) {
     const std::vector<std::string> names = {"a.dxf", "b.dxf"};
     std::vector<std::string> arguments = {
-        "--script", Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (while t))\n")};
+        "--script", Write("s.scr", std::string(Say) + "(if (= currentfile \"b\") (while t))\n")};
     for (const std::string& name : names) {
         arguments.push_back(Drawing(name));
     }
@@ -159,7 +159,7 @@ TEST_F(RunLogs, AHostThatIsKilledWithTheRunLeavesItsLogs) {
 
 TEST_F(RunLogs, WhatTheRunThatIsResumedHasLostIsToldAgain) {
     const std::string script =
-        Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (while (not (findfile \"go\"))))\n");
+        Write("s.scr", std::string(Say) + "(if (= currentfile \"b\") (while (not (findfile \"go\"))))\n");
     const std::vector<std::string> drawings = {Drawing("a.dxf"), Drawing("b.dxf"), Drawing("c.dxf")};
     EXPECT_EQ(Run({"--script", script, drawings[0], drawings[1], drawings[2]},
                   [&](pid_t front) {
@@ -190,7 +190,7 @@ TEST_F(RunLogs, WhatTheRunThatIsResumedHasLostIsToldAgain) {
 }
 
 TEST_F(RunLogs, ALogThatIsNotWholeIsToldAndIsNoSuccess) {
-    const std::string script = Write("s.scr", kSay);
+    const std::string script = Write("s.scr", Say);
     for (const char* file : {"tnl log.html", "TNLLog.zip"}) {
         fs::create_directories(Folder / "data/Ovrix" / file / "in the way");
         const ProgramResult result = Run({"--script", script, Drawing("a.dxf")});
@@ -217,7 +217,7 @@ TEST_F(RunLogs, OfDocumentsThatAScriptOpensBesidesNothingIsLeft) {
     Drawing("other-a.dxf");
     Drawing("other-b.dxf");
     const std::string script =
-        Write("s.scr", std::string(kSay) + "_.OPEN\n(strcat currentpath \"other-\" currentfile \".dxf\")\n" +
+        Write("s.scr", std::string(Say) + "_.OPEN\n(strcat currentpath \"other-\" currentfile \".dxf\")\n" +
                            "_.CLOSE\n(princ 1)\n");
     for (const char* jobs : {"1", "2"}) {
         const ProgramResult result =
@@ -230,7 +230,7 @@ TEST_F(RunLogs, OfDocumentsThatAScriptOpensBesidesNothingIsLeft) {
 
 // Whatever keeps the host from writing its logs, the front has what it said.
 TEST_F(RunLogs, WhatTheHostCannotWriteOfItsLogsTheFrontWrites) {
-    const std::string script = Write("s.scr", std::string(kSay) + "(repeat 20 (princ \"\\nmore\"))\n");
+    const std::string script = Write("s.scr", std::string(Say) + "(repeat 20 (princ \"\\nmore\"))\n");
     const auto start = [&](const std::string& jobs) {
         return Run(
             {"--script", script, "--jobs", jobs, Drawing("a.dxf"), Drawing("b.dxf"), Drawing("c.dxf")});
@@ -279,7 +279,7 @@ TEST_F(RunLogs, WhatTheHostCannotWriteOfItsLogsTheFrontWrites) {
 }
 
 TEST_F(RunLogs, ALogThatNobodyCouldWriteIsToldAgainAndAgain) {
-    const std::string script = Write("s.scr", std::string(kSay) + R"(
+    const std::string script = Write("s.scr", std::string(Say) + R"(
 (if (= currentfile "b") (progn (setvar "LOGFILEMODE" 0) (vl-file-delete (getvar "LOGFILENAME")) (vl-mkdir (getvar "LOGFILENAME")) (setvar "LOGFILEMODE" 1)))
 )");
     for (const char* jobs : {"1", "2"}) {
@@ -337,7 +337,7 @@ TEST_F(RunLogs, TheRestOfALogIsWrittenWhenThatGoes) {
 // The archive keeps what there is, under a name that says so.
 TEST_F(RunLogs, ALogThatIsCutIsToldAgainAndAgain) {
     const std::string script =
-        Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (while (not (findfile \"go\"))))\n");
+        Write("s.scr", std::string(Say) + "(if (= currentfile \"b\") (while (not (findfile \"go\"))))\n");
     Drawing("a.dxf");
     const std::string b = Drawing("b.dxf");
     ASSERT_EQ(Run({"--script", script, "a.dxf", "b.dxf"},
@@ -365,7 +365,7 @@ TEST_F(RunLogs, ALogThatIsCutIsToldAgainAndAgain) {
 // A full disk leaves logs with nothing in them, and a later run cannot make good for that.
 TEST_F(RunLogs, AnEmptyLogInTheArchiveIsNoSuccess) {
     const std::vector<std::string> arguments = {
-        "--script", Write("s.scr", std::string(kSay) + "(if (= currentfile \"b\") (Tarnel_File_Error))\n"),
+        "--script", Write("s.scr", std::string(Say) + "(if (= currentfile \"b\") (Tarnel_File_Error))\n"),
         Drawing("a.dxf"), Drawing("b.dxf")};
     ASSERT_EQ(Run(arguments).Status, 1);
     const auto logs = Logs();

@@ -117,12 +117,12 @@ class SeveralHosts : public ProgramTest {
     std::vector<std::string> Drawings;
 };
 
-const std::string kDawdle = "(setq i 0) (while (< i 20000) (setq i (1+ i)))\n";
-const std::string kCrash = "(arxload \"" CRASH_MODULE "\")\n(command \"CRASH\")\n";
+const std::string Dawdle = "(setq i 0) (while (< i 20000) (setq i (1+ i)))\n";
+const std::string Crash = "(arxload \"" CRASH_MODULE "\")\n(command \"CRASH\")\n";
 
 TEST_F(SeveralHosts, ACrashCostsOneDrawingAndOneRestart) {
     const std::vector<std::string> arguments =
-        Arguments(5, "(if (= currentfile \"p1002\") (progn " + kCrash + "))\n", {"--json", "r.json"});
+        Arguments(5, "(if (= currentfile \"p1002\") (progn " + Crash + "))\n", {"--json", "r.json"});
     const ProgramResult result = Run(arguments);
     EXPECT_EQ(result.Status, 1);
     EXPECT_THAT(result.Out, HasSubstr("4 Done, 1 Error"));
@@ -139,7 +139,7 @@ TEST_F(SeveralHosts, ACrashCostsOneDrawingAndOneRestart) {
 TEST_F(SeveralHosts, ThreeCrashesInARowEndTheRunOfAllHosts) {
     for (const char* jobs : {"1", "2"}) {
         Drawings.clear();
-        const ProgramResult result = Run(Arguments(9, kCrash, {"--jobs", jobs}));
+        const ProgramResult result = Run(Arguments(9, Crash, {"--jobs", jobs}));
         EXPECT_EQ(result.Status, 3);
         EXPECT_THAT(result.Errors, HasSubstr("third time in a row"));
         EXPECT_GT(CountInState(0), 0U) << "what was not reached still waits";
@@ -153,7 +153,7 @@ TEST_F(SeveralHosts, KilledHostsLoseNothingAndDoNothingTwice) {
         samples.push_back(entry.path());
     }
     const std::vector<std::string> arguments =
-        Arguments(200, kDawdle + "zoom e\nqsave\n", {"--jobs", "2", "--json", "r.json"});
+        Arguments(200, Dawdle + "zoom e\nqsave\n", {"--jobs", "2", "--json", "r.json"});
     for (std::size_t i = 0; i < Drawings.size(); ++i) {
         fs::copy_file(samples[i % samples.size()], Drawings[i], fs::copy_options::overwrite_existing);
     }
@@ -224,7 +224,7 @@ TEST_F(SeveralHosts, AKilledFrontGoesOnWithOneHostOrSeveral) {
     for (const char* jobs : {"1", "3"}) {
         Drawings.clear();
         fs::remove(Folder / "tally");
-        Run(Arguments(120, kDawdle, {"--jobs", "3"}), [this](pid_t front) {
+        Run(Arguments(120, Dawdle, {"--jobs", "3"}), [this](pid_t front) {
             WaitForTally(20);
             kill(front, SIGKILL);
         });
