@@ -13,8 +13,8 @@
 namespace {
 
 struct Font {
-    QFont font;
-    QFontMetrics metrics;
+    QFont Face;
+    QFontMetrics Metrics;
 };
 
 // The engine hands objects through as integers.
@@ -63,10 +63,10 @@ litehtml::uint_ptr HtmlPainter::create_font(const char* faceName, int size, int 
     font.setOverline((decoration & litehtml::font_decoration_overline) != 0);
     auto* made = new Font{font, QFontMetrics(font, widget)};
     if (fm != nullptr) {
-        fm->ascent = made->metrics.ascent();
-        fm->descent = made->metrics.descent();
-        fm->height = made->metrics.height();
-        fm->x_height = made->metrics.xHeight();
+        fm->ascent = made->Metrics.ascent();
+        fm->descent = made->Metrics.descent();
+        fm->height = made->Metrics.height();
+        fm->x_height = made->Metrics.xHeight();
         fm->draw_spaces = decoration != 0 || italic == litehtml::fontStyleItalic;
     }
     return reinterpret_cast<litehtml::uint_ptr>(made);
@@ -77,19 +77,19 @@ void HtmlPainter::delete_font(litehtml::uint_ptr font) {
 }
 
 int HtmlPainter::text_width(const char* text, litehtml::uint_ptr font) {
-    return toFont(font)->metrics.horizontalAdvance(QString::fromUtf8(text));
+    return toFont(font)->Metrics.horizontalAdvance(QString::fromUtf8(text));
 }
 
 void HtmlPainter::draw_text(litehtml::uint_ptr hdc, const char* text, litehtml::uint_ptr font,
                             litehtml::web_color color, const litehtml::position& pos) {
     if (Recording != nullptr) {
-        Recording->push_back({toRect(pos), QString::fromUtf8(text), toFont(font)->font});
+        Recording->push_back({toRect(pos), QString::fromUtf8(text), toFont(font)->Face});
         return;
     }
     QPainter* painter = toPainter(hdc);
-    painter->setFont(toFont(font)->font);
+    painter->setFont(toFont(font)->Face);
     painter->setPen(toColor(color));
-    painter->drawText(pos.left(), pos.bottom() - toFont(font)->metrics.descent(), QString::fromUtf8(text));
+    painter->drawText(pos.left(), pos.bottom() - toFont(font)->Metrics.descent(), QString::fromUtf8(text));
 }
 
 // The points of the pages are meant beside a desktop font of nine, and grow with it.

@@ -9,26 +9,26 @@ class Reader {
   public:
     explicit Reader(const QString& selector) : text(selector) {}
 
-    bool atEnd() const { return at >= text.size(); }
-    QChar peek() const { return atEnd() ? QChar() : text[at]; }
-    void skip() { ++at; }
-    bool skipBlanks() {
+    bool AtEnd() const { return at >= text.size(); }
+    QChar Peek() const { return AtEnd() ? QChar() : text[at]; }
+    void Skip() { ++at; }
+    bool SkipBlanks() {
         const qsizetype before = at;
-        while (!atEnd() && text[at].isSpace()) {
+        while (!AtEnd() && text[at].isSpace()) {
             ++at;
         }
         return at != before;
     }
-    QString name() {
+    QString Name() {
         const qsizetype begin = at;
-        while (!atEnd() && (text[at].isLetterOrNumber() || text[at] == u'-' || text[at] == u'_')) {
+        while (!AtEnd() && (text[at].isLetterOrNumber() || text[at] == u'-' || text[at] == u'_')) {
             ++at;
         }
         return text.mid(begin, at - begin);
     }
     /// Value of an attribute test up to its closing bracket.
-    bool value(QString& result) {
-        const QChar quote = peek();
+    bool Value(QString& result) {
+        const QChar quote = Peek();
         qsizetype end;
         if (quote == u'"' || quote == u'\'') {
             end = text.indexOf(quote, at + 1);
@@ -37,8 +37,8 @@ class Reader {
             }
             result = text.mid(at + 1, end - at - 1);
             at = end + 1;
-            skipBlanks();
-            return peek() == u']';
+            SkipBlanks();
+            return Peek() == u']';
         }
         end = text.indexOf(u']', at);
         if (end < 0) {
@@ -55,44 +55,44 @@ class Reader {
 };
 
 bool readTest(Reader& reader, HtmlCompound& compound) {
-    reader.skip();
-    reader.skipBlanks();
+    reader.Skip();
+    reader.SkipBlanks();
     HtmlAttributeTest test;
-    test.Name = reader.name().toLower();
+    test.Name = reader.Name().toLower();
     if (test.Name.isEmpty()) {
         return false;
     }
-    reader.skipBlanks();
-    if (reader.peek() == u'=') {
-        reader.skip();
-        reader.skipBlanks();
+    reader.SkipBlanks();
+    if (reader.Peek() == u'=') {
+        reader.Skip();
+        reader.SkipBlanks();
         test.HasValue = true;
-        if (!reader.value(test.Value)) {
+        if (!reader.Value(test.Value)) {
             return false;
         }
     }
-    if (reader.peek() != u']') {
+    if (reader.Peek() != u']') {
         return false;
     }
-    reader.skip();
+    reader.Skip();
     compound.Tests.push_back(test);
     return true;
 }
 
 bool readCompound(Reader& reader, HtmlCompound& compound) {
     bool any = false;
-    while (!reader.atEnd() && !reader.peek().isSpace() && reader.peek() != u',') {
+    while (!reader.AtEnd() && !reader.Peek().isSpace() && reader.Peek() != u',') {
         any = true;
-        const QChar first = reader.peek();
+        const QChar first = reader.Peek();
         if (first == u'[') {
             if (!readTest(reader, compound)) {
                 return false;
             }
         } else if (first == u'*') {
-            reader.skip();
+            reader.Skip();
         } else if (first == u'#' || first == u'.') {
-            reader.skip();
-            const QString word = reader.name();
+            reader.Skip();
+            const QString word = reader.Name();
             if (word.isEmpty()) {
                 return false;
             }
@@ -102,7 +102,7 @@ bool readCompound(Reader& reader, HtmlCompound& compound) {
                 compound.Classes.push_back(word);
             }
         } else {
-            compound.Tag = reader.name().toLower();
+            compound.Tag = reader.Name().toLower();
             if (compound.Tag.isEmpty()) {
                 return false;
             }
@@ -172,25 +172,25 @@ bool walk(const litehtml::element::ptr& element, const HtmlSelector& selector,
 HtmlSelector ParseHtmlSelector(const QString& text) {
     HtmlSelector selector;
     Reader reader(text);
-    reader.skipBlanks();
-    while (!reader.atEnd()) {
+    reader.SkipBlanks();
+    while (!reader.AtEnd()) {
         std::vector<HtmlCompound> chain;
-        while (!reader.atEnd() && reader.peek() != u',') {
+        while (!reader.AtEnd() && reader.Peek() != u',') {
             HtmlCompound compound;
             if (!readCompound(reader, compound)) {
                 return {};
             }
             chain.push_back(compound);
-            reader.skipBlanks();
+            reader.SkipBlanks();
         }
         if (chain.empty()) {
             return {};
         }
         selector.push_back(chain);
-        if (!reader.atEnd()) {
-            reader.skip();
-            reader.skipBlanks();
-            if (reader.atEnd()) {
+        if (!reader.AtEnd()) {
+            reader.Skip();
+            reader.SkipBlanks();
+            if (reader.AtEnd()) {
                 return {};
             }
         }

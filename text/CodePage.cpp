@@ -147,8 +147,8 @@ QByteArray EncodeText(QStringView text, int page, char substitute, bool* lossy) 
     } else if (IcuConverter icu(page); icu.IsOpen()) {
         out = icu.Encode(text, substitute, lost);
         // ICU begins with the mark for ASCII, in which such a text begins anyway: a declaration stands first.
-        if (constexpr QByteArrayView ascii = "~}"; page == HzPage && out.startsWith(ascii)) {
-            out.remove(0, ascii.size());
+        if (constexpr QByteArrayView Ascii = "~}"; page == HzPage && out.startsWith(Ascii)) {
+            out.remove(0, Ascii.size());
         }
     } else if (HasLibraryPage(page)) {
         out = EncodeByLibrary(text, page, substitute, lost);

@@ -35,14 +35,14 @@ constexpr Range Ranges[] = {
 constexpr int TableSize = 1072;
 
 constexpr std::array<ValueKind, TableSize> makeKinds() {
-    std::array<ValueKind, TableSize> Kinds{};
-    Kinds.fill(ValueKind::Unknown);
+    std::array<ValueKind, TableSize> kinds{};
+    kinds.fill(ValueKind::Unknown);
     for (const Range& range : Ranges) {
         for (int code = std::max(range.first, 0); code <= range.last; ++code) {
-            Kinds[code] = range.kind;
+            kinds[code] = range.kind;
         }
     }
-    return Kinds;
+    return kinds;
 }
 
 constexpr std::array<ValueKind, TableSize> Kinds = makeKinds();
