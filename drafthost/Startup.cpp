@@ -35,10 +35,14 @@ void loadList(Host& host) {
         host.printLine(error);
         return;
     }
-    const std::string text = lisp::decodeFile(std::move(bytes));
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        std::string line = text.substr(at, end - at);
+    const std::optional<std::string> text = lisp::decodeProgram(std::move(bytes), error);
+    if (!text) {
+        host.printLine("Cannot read " + path + ": " + error);
+        return;
+    }
+    for (std::size_t at = 0; at < text->size();) {
+        const std::size_t end = std::min(text->find('\n', at), text->size());
+        std::string line = text->substr(at, end - at);
         at = end + 1;
         line.erase(line.find_last_not_of(" \t\r") + 1);
         line.erase(0, line.find_first_not_of(" \t"));

@@ -19,8 +19,13 @@ bool ScriptReader::start(const std::string& path, std::string& error) {
         error = "Cannot read script " + error;
         return false;
     }
+    std::optional<std::string> text = lisp::decodeProgram(std::move(bytes), error);
+    if (!text) {
+        error = "Cannot read script " + file + ": " + error;
+        return false;
+    }
     path_ = file;
-    text_ = InputText(lisp::decodeFile(std::move(bytes)));
+    text_ = InputText(std::move(*text));
     state_ = State::Running;
     ++number_;
     return true;

@@ -15,8 +15,8 @@ class ScriptReader {
     enum class State { Idle, Running, Suspended };
 
     /// Reads the whole file (".scr" is added when there is none of that name) and makes it the running
-    /// script. Its text is what toUtf8 makes of it. False
-    /// and one line of cause when it cannot be read; a running script then stays.
+    /// script. Its text is what lisp::decodeProgram makes of it. False and one line of cause when it cannot
+    /// be read; a running script then stays.
     bool start(const std::string& path, std::string& error);
     /// Starts the last script again from its first line.
     bool restart(std::string& error);

@@ -36,7 +36,22 @@ std::string fromUtf16(std::u16string_view units) {
     return out;
 }
 
-std::string fromUtf16(std::string_view bytes, bool bigEndian) {
+/// The line of the first character, if any, that half a pair stands for.
+std::size_t lineOfHalfPair(std::u16string_view units) {
+    std::size_t line = 1;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        line += units[i] == u'\n' ? 1 : 0;
+        const bool isHigh = units[i] >= 0xD800 && units[i] < 0xDC00;
+        if (isHigh && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] < 0xE000) {
+            ++i;
+        } else if (units[i] >= 0xD800 && units[i] < 0xE000) {
+            return line;
+        }
+    }
+    return 0;
+}
+
+std::string fromUtf16(std::string_view bytes, bool bigEndian, std::size_t& unknownLine) {
     std::u16string units;
     units.reserve(bytes.size() / 2);
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
@@ -44,6 +59,7 @@ std::string fromUtf16(std::string_view bytes, bool bigEndian) {
         const auto second = static_cast<unsigned char>(bytes[i + 1]);
         units += static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first);
     }
+    unknownLine = lineOfHalfPair(units);
     return fromUtf16(units);
 }
 
@@ -88,12 +104,20 @@ std::string fromLatin(std::string_view bytes) {
     return text;
 }
 
+bool isComment(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    return first != std::string_view::npos && line[first] == ';';
+}
+
 }  // namespace
 
-std::string decodeFile(std::string bytes) {
+std::string decodeFile(std::string bytes, std::size_t* unknownLine) {
+    std::size_t ignored = 0;
+    std::size_t& unknown = unknownLine != nullptr ? *unknownLine : ignored;
+    unknown = 0;
     constexpr std::string_view Mark = "\xEF\xBB\xBF";
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
-        return fromUtf16(std::string_view(bytes).substr(2), bytes[0] == '\xFE');
+        return fromUtf16(std::string_view(bytes).substr(2), bytes[0] == '\xFE', unknown);
     }
     std::string locale = files::LocaleCodeset();
     if (bytes.starts_with(Mark)) {
@@ -107,7 +131,9 @@ std::string decodeFile(std::string bytes) {
     Page foreign("windows-" + std::to_string(files::LanguagePage()));
     std::string out;
     std::string text;
+    std::size_t number = 0;
     for (std::string_view rest = bytes; !rest.empty();) {
+        ++number;
         const std::string_view line = rest.substr(0, std::min(rest.find('\n'), rest.size() - 1) + 1);
         rest.remove_prefix(line.size());
         if (locale == "UTF-8" && isUtf8(line)) {
@@ -115,10 +141,22 @@ std::string decodeFile(std::string bytes) {
         } else if ((locale != "UTF-8" && own.decode(line, text)) || foreign.decode(line, text)) {
             out += text;
         } else {
+            unknown = unknown == 0 && !isComment(line) ? number : unknown;
             out += fromLatin(line);
         }
     }
     return out;
+}
+
+std::optional<std::string> decodeProgram(std::string bytes, std::string& cause) {
+    std::size_t unknownLine = 0;
+    std::string text = decodeFile(std::move(bytes), &unknownLine);
+    if (unknownLine == 0) {
+        return text;
+    }
+    cause = "line " + std::to_string(unknownLine) + " is text neither in " + files::LocaleCodeset() +
+            " nor in windows-" + std::to_string(files::LanguagePage());
+    return std::nullopt;
 }
 
 }  // namespace drafthost::lisp

@@ -110,7 +110,12 @@ Value load(Evaluator& e, Args args) {
         }
         fail("LOAD failed: " + prin1(args[0]));
     }
-    return e.evalText(decodeFile(std::move(*bytes)));
+    std::string cause;
+    const std::optional<std::string> text = decodeProgram(std::move(*bytes), cause);
+    if (!text) {
+        fail("LOAD failed: \"" + *path + "\": " + cause);
+    }
+    return e.evalText(*text);
 }
 
 // Each function is bound to one that loads the file, which defines it anew, and calls it.

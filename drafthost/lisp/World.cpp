@@ -80,7 +80,12 @@ EvalResult World::loadFile(const std::string& path) {
         if (!bytes) {
             fail("LOAD failed: \"" + path + "\"");
         }
-        return evaluator_->evalText(decodeFile(std::move(*bytes)));
+        std::string cause;
+        const std::optional<std::string> text = decodeProgram(std::move(*bytes), cause);
+        if (!text) {
+            fail("LOAD failed: \"" + path + "\": " + cause);
+        }
+        return evaluator_->evalText(*text);
     });
 }
 

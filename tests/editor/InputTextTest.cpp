@@ -113,6 +113,14 @@ TEST(FileText, FilesOfEveryEditorBecomeUtf8) {
     // A locale that is not installed names its encoding all the same.
     ::setenv("LC_ALL", "ru_RU.KOI8-R", 1);
     EXPECT_EQ(decodeFile("\xC4\xC1"), "да");
+    ::setenv("LC_ALL", "ja_JP.UTF-8", 1);
+    std::string cause;
+    EXPECT_EQ(lisp::decodeProgram("zoom\n; \xFC\xFC\n", cause).value_or(cause).substr(0, 5), "zoom\n")
+        << "a comment";
+    EXPECT_EQ(lisp::decodeProgram("zoom\n_.text \xFC\xFC\n\xFC\xFC\n", cause), std::nullopt);
+    EXPECT_EQ(cause, "line 2 is text neither in UTF-8 nor in windows-932");
+    EXPECT_EQ(lisp::decodeProgram(std::string("\xFF\xFEz\0\n\0\x01\xD8x\0", 10), cause), std::nullopt);
+    EXPECT_TRUE(cause.starts_with("line 2 ")) << cause;
     before != nullptr ? ::setenv("LC_ALL", kept.c_str(), 1) : ::unsetenv("LC_ALL");
 }
 
