@@ -37,6 +37,11 @@ void DirWatcher::SetWatchSubtree(bool on) {
     rearm();
 }
 
+void DirWatcher::SetMostFolders(std::size_t count) {
+    mostFolders = count;
+    rearm();
+}
+
 void DirWatcher::SetWatchDirs(bool on) {
     watchDirs = on;
     rearm();
@@ -58,7 +63,7 @@ void DirWatcher::rearm() {
     if (paused || directory.isEmpty()) {
         return;
     }
-    watch = std::make_shared<FolderWatch>(QFile::encodeName(directory), watchSubtree, watchDirs);
+    watch = std::make_shared<FolderWatch>(QFile::encodeName(directory), watchSubtree, watchDirs, mostFolders);
     if (watch->NoticesHandle() < 0 || watch->NewsHandle() < 0) {
         watch.reset();
         if (!std::exchange(limitTold, true)) {

@@ -170,8 +170,35 @@ void FilesTab::resizeEvent(QResizeEvent* event) {
     CResizableDialog::resizeEvent(event);
     if (queueModel != nullptr && ui->queue != nullptr && ui->queue->model() != nullptr) {
         arrangeButtons();
+        fitStrips();
         sizeColumns();
     }
+}
+
+// In a narrow page a strip breaks into lines; it takes the room of its list then, as its last links would be
+// hidden.
+void FilesTab::fitStrips() {
+    const auto needed = [this](CHTMLayout* strip) {
+        int height = Layout().Design(strip).height();
+        for (const HtmlElement& link : strip->Links()) {
+            height = std::max(height, link.Box().bottom() + 1);
+        }
+        return height;
+    };
+    QRect places = ui->places->geometry();
+    QRect tree = ui->tree->geometry();
+    const int more = needed(ui->places) - places.height();
+    places.setHeight(places.height() + more);
+    tree.setTop(tree.top() + more);
+    ui->places->setGeometry(places);
+    ui->tree->setGeometry(tree);
+
+    QRect counts = ui->counts->geometry();
+    QRect queue = ui->queue->geometry();
+    counts.setTop(counts.bottom() - needed(ui->counts) + 1);
+    queue.setBottom(counts.top() - 1);
+    ui->counts->setGeometry(counts);
+    ui->queue->setGeometry(queue);
 }
 
 // In a window lower than the template the three groups of buttons would run into one another.

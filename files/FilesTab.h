@@ -79,6 +79,7 @@ class FilesTab : public MainPage {
     void setUpLists();
     void connectAll();
     void arrangeButtons();
+    void fitStrips();
     void sizeColumns();
     int statusWidth() const;
     void balloon(QWidget* at, const QString& title, const QString& text, int life);

@@ -93,6 +93,7 @@ void FilesTab::updateFilesStrip() {
     if (page != countsPage) {
         countsPage = page;
         ui->counts->LoadHtml(page);
+        fitStrips();
     }
 }
 

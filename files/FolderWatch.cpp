@@ -41,10 +41,11 @@ bool isFolder(int parent, const dirent& entry) {
 
 }  // namespace
 
-FolderWatch::FolderWatch(QByteArray path, bool wholeTree, bool withFolderNames)
+FolderWatch::FolderWatch(QByteArray path, bool wholeTree, bool withFolderNames, std::size_t most)
     : folder(std::move(path)),
       subtree(wholeTree),
       folderNames(withFolderNames),
+      mostFolders(most),
       armedAt(fileClock()),
       notices(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       news(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
@@ -112,6 +113,9 @@ bool FolderWatch::addFolder(const QByteArray& path, bool isRoot) {
         NameChanges | IN_ONLYDIR | (isRoot ? IN_DELETE_SELF | IN_MOVE_SELF : IN_DONT_FOLLOW);
     // The table is locked around the call, so that no notice arrives for a folder that is not in it yet.
     const std::lock_guard lock(guard);
+    if (folders.size() >= mostFolders) {
+        return false;
+    }
     const int id = inotify_add_watch(notices, path.constData(), mask);
     if (id < 0) {
         return errno != ENOSPC;

@@ -13,7 +13,8 @@
 
 class FolderWatch {
   public:
-    FolderWatch(QByteArray folder, bool subtree, bool folderNames);
+    /// At most that many folders are watched, if the system has no lower limit.
+    FolderWatch(QByteArray folder, bool subtree, bool folderNames, std::size_t mostFolders);
     ~FolderWatch();
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
@@ -53,6 +54,7 @@ class FolderWatch {
     const QByteArray folder;
     const bool subtree;
     const bool folderNames;
+    const std::size_t mostFolders;
     const std::int64_t armedAt;
     int notices = -1;
     int news = -1;

@@ -10,6 +10,11 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTimerEvent>
+
+namespace {
+constexpr int ScrollInterval = 60;
+}  // namespace
 
 FocusListCtrl::FocusListCtrl(QWidget* parent) : QTreeView(parent) {
     setRootIsDecorated(false);
@@ -95,9 +100,44 @@ void FocusListCtrl::ScrollTo(int value) {
     verticalScrollBar()->setValue(value);
 }
 
+/// Rows to scroll by where the pointer rests in a drag: more of them the farther it is beyond the edge.
+int FocusListCtrl::scrollStep() const {
+    const int row = std::max(1, sizeHintForRow(0));
+    const int y = viewport()->mapFromGlobal(dragPoint).y();
+    const int edge = std::min(row / 2, viewport()->height() / 4);
+    if (y < edge) {
+        return -1 - (edge - y) / row;
+    }
+    const int below = y - (viewport()->height() - edge);
+    return below >= 0 ? 1 + below / row : 0;
+}
+
+void FocusListCtrl::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != scrollTimer.timerId()) {
+        QTreeView::timerEvent(event);
+        return;
+    }
+    const int step = dragging ? scrollStep() : 0;
+    QScrollBar* bar = verticalScrollBar();
+    const int before = bar->value();
+    const int row = verticalScrollMode() == ScrollPerPixel ? std::max(1, sizeHintForRow(0)) : 1;
+    bar->setValue(before + step * row);
+    if (bar->value() == before) {
+        scrollTimer.stop();
+    } else {
+        // Another row is under the pointer now.
+        Q_EMIT DragMoved(dragPoint);
+    }
+}
+
+void FocusListCtrl::endDrag() {
+    dragging = false;
+    scrollTimer.stop();
+}
+
 void FocusListCtrl::CancelDrag() {
     if (dragging) {
-        dragging = false;
+        endDrag();
         pressedOnRow = false;
         Q_EMIT DragCanceled();
     }
@@ -132,7 +172,13 @@ void FocusListCtrl::mousePressEvent(QMouseEvent* event) {
 
 void FocusListCtrl::mouseMoveEvent(QMouseEvent* event) {
     if (dragging) {
-        Q_EMIT DragMoved(event->globalPosition().toPoint());
+        dragPoint = event->globalPosition().toPoint();
+        if (scrollStep() == 0) {
+            scrollTimer.stop();
+        } else if (!scrollTimer.isActive()) {
+            scrollTimer.start(ScrollInterval, this);
+        }
+        Q_EMIT DragMoved(dragPoint);
         return;
     }
     if (!draggable || !pressedOnRow || (event->buttons() & Qt::LeftButton) == 0) {
@@ -150,7 +196,7 @@ void FocusListCtrl::mouseReleaseEvent(QMouseEvent* event) {
     if (!dragging) {
         QTreeView::mouseReleaseEvent(event);
     } else if (event->button() == Qt::LeftButton) {
-        dragging = false;
+        endDrag();
         Q_EMIT DragDropped();
         // The view has not seen the button go up.
         setState(NoState);

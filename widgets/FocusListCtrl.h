@@ -4,6 +4,7 @@
 // selected while the keyboard is elsewhere, and lets rows be dragged within it with the mouse. The drag is
 // one of its own and no exchange with other windows, so that it can be followed row by row and broken off
 // with Esc.
+#include <QBasicTimer>
 #include <QTreeView>
 #include <vector>
 
@@ -32,7 +33,8 @@ class FocusListCtrl : public QTreeView {
     /// Whether rows can be dragged with the left button.
     void SetRowsDraggable(bool on) { draggable = on; }
     bool IsDragging() const { return dragging; }
-    /// Ends a drag without a drop.
+    /// Ends a drag without a drop. While one goes on, the list scrolls when the pointer is at its upper or
+    /// lower edge or beyond.
     void CancelDrag();
 
   Q_SIGNALS:
@@ -48,13 +50,21 @@ class FocusListCtrl : public QTreeView {
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
+    int scrollStep() const;
+    void endDrag();
+
     bool draggable = false;
     bool dragging = false;
     bool pressedOnRow = false;
     QPoint pressedAt;
+    /// Where the pointer was last during a drag, on the screen, and what scrolls the list while it rests
+    /// there.
+    QPoint dragPoint;
+    QBasicTimer scrollTimer;
     int dropRow = -1;
 };

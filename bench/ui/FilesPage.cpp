@@ -83,9 +83,13 @@ void measureAdding(int count) {
         added.push_back(pathOf(i + count / 2));
     }
     qsizetype size = 0;
+    std::size_t entries = 0;
     compare(
         "add, half there already (hash set of the paths)", [&] { fillQueue(count); },
-        [&] { AddToQueue(TarnelData(), added); },
+        [&] {
+            AddToQueue(TarnelData(), added);
+            entries = TarnelData().FileNames.size();
+        },
         [&] {
             QSet<QString> set(queue.begin(), queue.end());
             for (const QString& path : added) {
@@ -93,7 +97,7 @@ void measureAdding(int count) {
             }
             size = set.size();
         });
-    if (size != qsizetype(count + count / 2)) {
+    if (size != qsizetype(count + count / 2) || entries != std::size_t(size)) {
         std::abort();
     }
 }
@@ -158,23 +162,34 @@ void measureTree(int folders) {
         }
         QCoreApplication::processEvents();
     };
-    compare(
-        "fill from a tree of folders (find)", [] {},
-        [&] {
-            page.ShowFolder(QFile::encodeName(place.path()));
-            wait();
-        },
-        [&] {
-            QProcess find;
-            find.start(QStringLiteral("find"),
-                       {place.path(), QStringLiteral("-type"), QStringLiteral("f"), QStringLiteral("("),
-                        QStringLiteral("-iname"), QStringLiteral("*.dxf"), QStringLiteral("-o"),
-                        QStringLiteral("-iname"), QStringLiteral("*.dwg"), QStringLiteral(")")});
-            find.waitForFinished(-1);
-            if (find.readAllStandardOutput().count('\n') != qsizetype(folders) * 10) {
-                std::abort();
-            }
-        });
+    // Without the read-only files each file is asked for its rights, which find does on request only.
+    for (const bool withReadOnly : {true, false}) {
+        data.IncludeReadOnly = withReadOnly ? 1 : 0;
+        QStringList arguments = {place.path(),         QStringLiteral("-type"),  QStringLiteral("f"),
+                                 QStringLiteral("("),  QStringLiteral("-iname"), QStringLiteral("*.dxf"),
+                                 QStringLiteral("-o"), QStringLiteral("-iname"), QStringLiteral("*.dwg"),
+                                 QStringLiteral(")")};
+        if (!withReadOnly) {
+            arguments << QStringLiteral("-perm") << QStringLiteral("/222");
+        }
+        compare(
+            withReadOnly ? "fill from a tree of folders (find)"
+                         : "fill from a tree of folders, writable files (find -perm /222)",
+            [] {},
+            [&] {
+                page.ShowFolder(QFile::encodeName(place.path()));
+                wait();
+            },
+            [&] {
+                QProcess find;
+                find.start(QStringLiteral("find"), arguments);
+                find.waitForFinished(-1);
+                if (find.readAllStandardOutput().count('\n') != qsizetype(folders) * 10) {
+                    std::abort();
+                }
+            });
+    }
+    data.IncludeReadOnly = 0;
     data.Recurse = data.UseFilter = 0;
 }
 
@@ -211,6 +226,26 @@ void measureList(int count) {
     figures(count);
 }
 
+void measureOpening(int count) {
+    const auto openPage = [](std::vector<double>& times) {
+        times.push_back(timed([] {
+            FilesTab page;
+            page.resize(1000, 600);
+            page.show();
+            page.grab();
+        }));
+    };
+    std::vector<double> full, empty;
+    for (int round = 0; round < 3 * rounds; ++round) {
+        fillQueue(count);
+        openPage(full);
+        fillQueue(0);
+        openPage(empty);
+    }
+    std::printf("open the page: %.1f ms, with an empty queue %.1f ms, ratio %.2f\n", median(full),
+                median(empty), median(full) / median(empty));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -223,6 +258,7 @@ int main(int argc, char** argv) {
     measureAdding(count);
     measureSorting(count);
     measureList(count);
+    measureOpening(count);
     measureTree(folders);
     return 0;
 }

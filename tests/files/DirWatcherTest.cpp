@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The watcher on real folders: what counts as a change, what does not, and how often it is told.
 #include "files/DirWatcher.h"
+#include "log/Trace.h"
 #include "tests/files/Folder.h"
 
 #include <gtest/gtest.h>
@@ -90,6 +91,27 @@ TEST_F(DirWatcherTest, EverythingBelowAlsoWhatComesLater) {
     EXPECT_TRUE(told()) << "its files have gone";
     outside.Write("one/two/e.dxf");
     EXPECT_TRUE(silent()) << "what has left the tree is not watched";
+}
+
+TEST_F(DirWatcherTest, BeyondTheLimitTheRestIsWatchedAndItIsToldOnce) {
+    const Folder logs;
+    const QString trace = BeginTrace(logs.Path(), QStringLiteral("3.0.0"));
+    for (const char* name : {"one/a", "two/b", "three/c"}) {
+        folder.Make(name);
+    }
+    watcher.SetMostFolders(3);
+    watch(folder.Path(), true, false);
+    folder.Write("here.dxf");
+    EXPECT_TRUE(told()) << "what fits under the limit is watched";
+    folder.Make("four");
+    watch(folder.Path(), true, false);
+    QFile log(trace);
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QByteArray text = log.readAll();
+    EXPECT_EQ(text.count("The system's limit of watched folders is reached; not watched from here on: " +
+                         folder.Bytes() + '/'),
+              1)
+        << text.toStdString();
 }
 
 TEST_F(DirWatcherTest, PausedAndElsewhereNothingIsTold) {

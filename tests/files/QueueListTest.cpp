@@ -229,6 +229,49 @@ TEST_F(QueueListTest, ThreeRowsDragged) {
     EXPECT_FALSE(queue()->IsDragging());
 }
 
+TEST_F(QueueListTest, AListLongerThanItsWindowScrollsUnderADrag) {
+    custom(300);
+    open();
+    click(queue(), 1);
+    dragFrom(1);
+    const QRect window = queue()->viewport()->rect();
+    const auto shows = [&](int row) { return queue()->visualRect(queue()->model()->index(row, 0)); };
+    moveTo(QPoint(20, window.bottom() - 2));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows(60).intersects(window); }, 20000))
+        << "without a move of the mouse";
+    moveTo(window.center());
+    const QRect before = shows(60);
+    QTest::qWait(200);
+    EXPECT_EQ(shows(60), before) << "away from the edge it rests";
+    moveTo(QPoint(20, -200));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows(0).intersects(window); }, 20000)) << "faster outside";
+    moveTo(middle(queue(), 4));
+    drop(middle(queue(), 4));
+    EXPECT_EQ(rows(queue()).substr(0, 14), "0 2 3 4 1* 5 6");
+}
+
+TEST_F(QueueListTest, TheLinksOfTheStripsShowInANarrowPageToo) {
+    open();
+    const auto height = [&] { return tab->findChild<CHTMLayout*>(QStringLiteral("counts"))->height(); };
+    tab->resize(1300, 300);
+    settle();
+    const int plain = height();
+    for (const int width : {1300, 420, 300, 1300}) {
+        tab->resize(width, 300);
+        settle();
+        for (const char* name : {"places", "counts"}) {
+            auto* strip = tab->findChild<CHTMLayout*>(QLatin1String(name));
+            for (const HtmlElement& link : strip->Links()) {
+                EXPECT_TRUE(strip->viewport()->rect().contains(link.Box().center()))
+                    << width << ' ' << link.Attribute(QStringLiteral("href")).toStdString();
+            }
+            EXPECT_FALSE(strip->geometry().intersects(queue()->geometry()));
+            EXPECT_FALSE(strip->geometry().intersects(tree()->geometry()));
+        }
+        EXPECT_EQ(height() > plain, width < 1000) << width;
+    }
+}
+
 TEST_F(QueueListTest, ADragThatMovesNothing) {
     custom(5);
     open();
