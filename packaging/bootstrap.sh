@@ -48,7 +48,7 @@ up_to_date() {
     [ -e "$1" ] || return 1
     local parts=()
     local part
-    for part in CMakeLists.txt CMakePresets.json system arx drafthost text zip state engine log support files host app \
+    for part in CMakeLists.txt CMakePresets.json system arx drafthost text zip state engine log support files script host app \
         ui html widgets res; do
         if [ -e "$root/$part" ]; then parts+=("$root/$part"); fi
     done

@@ -2,8 +2,8 @@
 #include "ui/MainPages.h"
 
 #include "files/FilesTab.h"
+#include "script/ScriptTab.h"
 #include "ui/LogTab.h"
-#include "ui/ScriptTab.h"
 #include "ui/SettingsTab.h"
 #include "ui/StartTab.h"
 

@@ -65,6 +65,7 @@ void TarnelDlg::createPages() {
         pages.push_back(entry.Make(this));
         connect(pages.back(), &MainPage::PageWanted, this, &TarnelDlg::ShowPage);
         connect(pages.back(), &MainPage::HelpWanted, this, &ShowHelp);
+        connect(pages.back(), &MainPage::CloseWanted, this, &TarnelDlg::OnCancel);
     }
     Trace("Add the Pages to the Tab\n");
     for (std::size_t i = 0; i < pages.size(); ++i) {

@@ -13,4 +13,6 @@ class MainPage : public CResizableDialog {
     /// The page of that name is asked for.
     void PageWanted(const QString& name);
     void HelpWanted();
+    /// As the dialog's Close button.
+    void CloseWanted();
 };

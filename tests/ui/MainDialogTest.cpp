@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main dialog by keys and mouse: pages, what it keeps, when a run may start.
+#include "script/ScriptEditor.h"
 #include "tests/ui/UiFixture.h"
 #include "ui/Icons.h"
 #include "ui/MainPages.h"
@@ -9,7 +10,6 @@
 #include "widgets/BalloonHelp.h"
 
 #include <QFile>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTreeView>
@@ -63,23 +63,23 @@ TEST_F(MainDialogTest, TheLetterOfAPageLeadsIntoIt) {
     TarnelDlg dialog(nullptr);
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
-    EXPECT_EQ(dialog.focusWidget(), dialog.findChild<QPlainTextEdit*>(QStringLiteral("script")));
+    EXPECT_EQ(dialog.focusWidget(), dialog.findChild<ScriptEditor*>());
     tabs(dialog)->tabBar()->setFocus();
     QTest::keyClick(&dialog, Qt::Key_Tab, Qt::ControlModifier);
     EXPECT_FALSE(tabs(dialog)->tabBar()->hasFocus());
-    auto* script = dialog.findChild<QPlainTextEdit*>(QStringLiteral("script"));
+    auto* script = dialog.findChild<ScriptEditor*>();
     // From the titles, and for the page that is shown already.
     for (int i = 0; i < 2; ++i) {
         tabs(dialog)->tabBar()->setFocus();
         QTest::keyClick(&dialog, Qt::Key_S, Qt::AltModifier);
         QCoreApplication::processEvents();
         EXPECT_TRUE(script->hasFocus()) << "round " << i;
-        script->moveCursor(QTextCursor::End);
+        script->SendScintilla(QsciScintillaBase::SCI_DOCUMENTEND);
         QTest::keyClicks(dialog.focusWidget(), QStringLiteral("regen"));
         QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
         EXPECT_TRUE(dialog.isVisible()) << "Enter has started a run";
     }
-    EXPECT_TRUE(script->toPlainText().endsWith(QStringLiteral("regen\nregen\n")));
+    EXPECT_TRUE(script->Text().endsWith("regen\rregen\r"));
     // The arrows walk along the titles and stay there.
     tabs(dialog)->tabBar()->setFocus();
     QTest::keyClick(tabs(dialog)->tabBar(), Qt::Key_Right);
@@ -103,10 +103,11 @@ TEST_F(MainDialogTest, EnterAndEscReachTheDialogFromEveryPage) {
             dialog.findChild<QTreeView*>(QStringLiteral("queue"))->setFocus();
             dialog.ShowPage(entry.Name);
             // In a script Enter is a new line.
-            if (qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) && key == Qt::Key_Return) {
+            if (qobject_cast<ScriptEditor*>(QApplication::focusWidget()) && key == Qt::Key_Return) {
                 continue;
             }
             QTest::keyClick(QApplication::focusWidget(), key);
+            QCoreApplication::processEvents();
             EXPECT_FALSE(dialog.isVisible()) << page;
             EXPECT_EQ(dialog.result(), key == Qt::Key_Return ? QDialog::Accepted : QDialog::Rejected) << page;
         }
@@ -243,8 +244,8 @@ TEST_F(MainDialogTest, ControlsGoIntoTheRecordOnlyWhenCollected) {
     addFile(QStringLiteral("/d/a.dwg"));
     TarnelDlg dialog(nullptr);
     dialog.show();
-    auto* script = dialog.findChild<QPlainTextEdit*>(QStringLiteral("script"));
-    script->selectAll();
+    auto* script = dialog.findChild<ScriptEditor*>();
+    script->SendScintilla(QsciScintillaBase::SCI_SELECTALL);
     QTest::keyClicks(script, QStringLiteral("regen"));
     QTest::keyClick(script, Qt::Key_Return);
     auto* readOnly = dialog.findChild<QAbstractButton*>(QStringLiteral("readonly"));

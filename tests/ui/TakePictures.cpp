@@ -111,8 +111,13 @@ void take(QWidget& window, const QString& name) {
 void fillRecord(const QString& data) {
     CTarnelData& record = TarnelData();
     record.DataDir = data;
-    record.ModuleDir = data + u'/';
-    record.Script = "._-layer _make walls _color 3 walls\r\n\r\n._zoom _extents\r\n._qsave\r\n";
+    // The ready scripts stand beside the programs.
+    record.ModuleDir = QCoreApplication::applicationDirPath() + u'/';
+    record.Script =
+        "._-layer _make walls _color 3 walls\r\n\r\n(setq name (strcat currentpath \"/pdf/\" "
+        "currentfile))\r\n"
+        "._zoom _extents\r\n._qsave\r\n";
+    record.ScriptDescription = QStringLiteral("Makes the layer of the walls");
     const struct {
         const char* Path;
         FileStatusValue Status;

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The editor by its keys: bytes that go in and come out, and the colours that it shows.
+#include "script/ScriptEditor.h"
+
+#include <gtest/gtest.h>
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+class ScriptEditorTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        editor.SetUpStyles();
+        editor.SetUpAsPage();
+        editor.resize(600, 400);
+        editor.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&editor));
+        editor.setFocus();
+    }
+    void type(const char* text) { QTest::keyClicks(&editor, QString::fromUtf8(text)); }
+    /// The style of each byte, after what a painting asks for.
+    std::string styles() {
+        editor.grab();
+        std::string all;
+        const long length = editor.SendScintilla(QsciScintillaBase::SCI_GETLENGTH);
+        for (long at = 0; at < length; ++at) {
+            all += static_cast<char>('a' + editor.SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT,
+                                                                static_cast<unsigned long>(at)));
+        }
+        return all;
+    }
+    long color(unsigned int message, int style) {
+        return editor.SendScintilla(message, static_cast<unsigned long>(style));
+    }
+
+    ScriptEditor editor;
+};
+
+TEST_F(ScriptEditorTest, BytesThatAreNoTextStayAsTheyAre) {
+    const QByteArray bytes("z\xE4\xFF\xC3\xA4\r\n\x80 e\0x\r\n", 14);
+    editor.SetText(bytes);
+    EXPECT_EQ(editor.Text(), bytes);
+    editor.ConvertLineEnds(ScriptEditor::LineEnds::Cr);
+    editor.SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 0UL);
+    QInputMethodEvent composed;
+    composed.setCommitString(QStringLiteral("ö"));
+    QApplication::sendEvent(&editor, &composed);
+    QTest::keyClick(&editor, Qt::Key_Return);
+    editor.ConvertLineEnds(ScriptEditor::LineEnds::CrLf);
+    EXPECT_EQ(editor.Text(), "\xC3\xB6\r\n" + bytes);
+    EXPECT_EQ(editor.Text(3), QByteArray("\xC3\xB6\r"));
+    QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(editor.Text(), bytes) << "undo ends at the text that was put in";
+}
+
+TEST_F(ScriptEditorTest, TypingColoursWhatIsSeen) {
+    type("(setq a 1)");
+    QTest::keyClick(&editor, Qt::Key_Return);
+    type("zoom");
+    EXPECT_EQ(editor.Text(), QByteArray("(setq a 1)\rzoom"));
+    EXPECT_EQ(styles(),
+              "ldddd"
+              "akacl"
+              "akkkk");
+    // A string opened above changes what stands below it.
+    editor.SetText("x\rzoom");
+    EXPECT_EQ(styles(), "kakkkk");
+    editor.SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 0UL);
+    type("\"\\");
+    EXPECT_EQ(styles(), "iiiiiiii") << "a string goes on over a line end behind a backslash";
+}
+
+TEST_F(ScriptEditorTest, TheColoursAreReadableOnEveryDesktop) {
+    using S = QsciScintillaBase;
+    const std::pair<int, long> table[] = {{0, 0},         {3, 0x800000},  {4, 0xFF00FF},  {2, 0x0000FF},
+                                          {8, 0x0000FF},  {10, 0x008000}, {11, 0x800000}, {34, 0x008000},
+                                          {35, 0x0000FF}, {1, 0},         {9, 0}};
+    QPalette dark;
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, Qt::white);
+    QApplication::setPalette(dark);
+    ScriptEditor other;
+    other.SetUpStyles("Tahoma", 10);
+    for (ScriptEditor* one : {&editor, &other}) {
+        for (const auto& [style, foreground] : table) {
+            const auto number = static_cast<unsigned long>(style);
+            EXPECT_EQ(one->SendScintilla(S::SCI_STYLEGETFORE, number), foreground) << style;
+            EXPECT_EQ(one->SendScintilla(S::SCI_STYLEGETBACK, number), 0xFFFFFF) << style;
+        }
+    }
+    EXPECT_EQ(other.SendScintilla(S::SCI_STYLEGETSIZE, 3UL), 10);
+    QApplication::setPalette({});
+}
+
+TEST_F(ScriptEditorTest, EscapeIsTold) {
+    const QSignalSpy escaped(&editor, &ScriptEditor::Escaped);
+    type("a");
+    QTest::keyClick(&editor, Qt::Key_Left);
+    EXPECT_EQ(escaped.size(), 0);
+    QTest::keyClick(&editor, Qt::Key_Escape);
+    EXPECT_EQ(escaped.size(), 1);
+}
+
+}  // namespace
