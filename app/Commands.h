@@ -14,6 +14,10 @@ ExitStatus RunDrawings(const RunOptions& options);
 /// or double a drawing is refused before anything is written.
 ExitStatus MergeRuns(const MergeOptions& options);
 
+/// `tarnel check`: what can be seen wrong in scripts without running them, a line each on standard output.
+/// SomeNotDone when there is one, BrokenOff when a file cannot be read.
+ExitStatus CheckScripts(const std::vector<std::string>& files);
+
 /// `tarnel desk`: the host with its window, with the module loaded. It takes the place of this process, so
 /// that the terminal, signals and the exit status are the window's own. Does not return when the window could
 /// be started; else one line on standard error and the exit status.

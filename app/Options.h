@@ -24,8 +24,13 @@ constexpr unsigned DefaultAlarmTime = 40;
 struct RunOptions {
     enum class RetryKind { None, Failed, All };
 
-    /// Script file; empty only with Resume or Retry, which then keep the script of the interrupted run.
+    /// Script file; empty with Lines, and with Resume or Retry, which then keep the script of the interrupted
+    /// run.
     std::string Script;
+    /// Lines that are the script, in place of a file.
+    std::vector<std::string> Lines;
+    /// Tell before a new run what can be seen wrong in its script.
+    bool CheckScript = true;
     /// Drawings and folders, as typed.
     std::vector<std::string> Drawings;
     /// Files that name drawings.

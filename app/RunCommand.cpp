@@ -13,6 +13,7 @@
 #include "app/RunPlan.h"
 #include "app/RunRecord.h"
 #include "app/RunReport.h"
+#include "app/ScriptCheck.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -236,6 +237,13 @@ ExitStatus prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
     }
     if (status != AllDone || options.DryRun) {
         return status;
+    }
+    if (options.CheckScript && !options.Quiet) {
+        // The record holds the script without the line that describes it.
+        const QByteArray script = (plan->Description.HasHeading ? ";\n" : "") + plan->Record.Script;
+        for (const std::string& line : CheckScriptLines(ScriptName(options), script, files->Host)) {
+            Complain(line);
+        }
     }
     return TakeForNewRun(folder, &description, error) && CommitNewRun(*folder, description, plan, error)
                ? AllDone

@@ -15,11 +15,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
+bool hasScript(const RunOptions& options) {
+    return !options.Script.empty() || !options.Lines.empty();
+}
+
 /// The script as the module reads it.
-bool takeScript(const std::string& file, RunPlan* plan, std::string* error) {
+bool takeScript(const RunOptions& options, RunPlan* plan, std::string* error) {
     CTarnelData* record = &plan->Record;
+    const std::string file = ScriptName(options);
     QByteArray bytes;
-    if (!ReadInput(file, &bytes, error)) {
+    for (const std::string& line : options.Lines) {
+        bytes += line + "\r\n";
+    }
+    if (options.Lines.empty() && !ReadInput(options.Script, &bytes, error)) {
         return false;
     }
     const ScriptText script = DecodeScript(bytes);
@@ -33,14 +41,14 @@ bool takeScript(const std::string& file, RunPlan* plan, std::string* error) {
     record->Script = script.Script;
     record->ScriptDescription = TakeDescription(record->Script);
     if (record->Script.trimmed().isEmpty()) {
-        *error = (IsStandardInput(file) ? std::string("standard input") : file) + ": the script is empty";
+        *error = file + ": the script is empty";
         return false;
     }
     plan->Description.HasHeading = record->Script.size() != script.Script.size();
     record->SetScriptModified(false);
-    record->LastScriptFile = IsStandardInput(file)
-                                 ? QString()
-                                 : QString::fromStdString(fs::absolute(file).lexically_normal().string());
+    const bool isFile = options.Lines.empty() && !IsStandardInput(options.Script);
+    record->LastScriptFile =
+        isFile ? QString::fromStdString(fs::absolute(file).lexically_normal().string()) : QString();
     return true;
 }
 
@@ -143,7 +151,7 @@ void refuseWhatIsNoDrawing(RunQueue* queue, RunPlan* plan) {
 
 bool changeSettings(const RunOptions& options, RunPlan* plan, std::string* error) {
     CTarnelData& record = plan->Record;
-    if (!options.Script.empty() && !takeScript(options.Script, plan, error)) {
+    if (hasScript(options) && !takeScript(options, plan, error)) {
         return false;
     }
     record.MaxTime = options.MaxTime.value_or(record.MaxTime);
@@ -153,7 +161,7 @@ bool changeSettings(const RunOptions& options, RunPlan* plan, std::string* error
     description.Recover = description.Recover || options.Recover;
     description.Lenient = description.Lenient || options.Lenient;
     description.MustSave = description.MustSave || options.MustSave;
-    plan->Changed = plan->Changed || !options.Script.empty() || options.MaxTime || options.AlarmTime ||
+    plan->Changed = plan->Changed || hasScript(options) || options.MaxTime || options.AlarmTime ||
                     options.ReadOnly || options.Recover || options.Lenient || options.MustSave;
     return true;
 }
@@ -166,7 +174,7 @@ bool holdToItsRun(const RunOptions& options, const std::string& file, const RunD
     if (run.Script.empty() || (!isKnown && !options.Resume)) {
         return true;
     }
-    if (options.Script.empty() && ScriptDigest(record).toStdString() != run.Script) {
+    if (!hasScript(options) && ScriptDigest(record).toStdString() != run.Script) {
         *error = file +
                  ": the script there is not that of the run; give --script FILE to go on with another one, "
                  "or start anew";
@@ -206,9 +214,16 @@ std::vector<DrawingRecord> recordsOf(const RunPlan& plan, bool newLog) {
 
 }  // namespace
 
+std::string ScriptName(const RunOptions& options) {
+    if (!options.Lines.empty()) {
+        return "-e";
+    }
+    return IsStandardInput(options.Script) ? "standard input" : options.Script;
+}
+
 ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* error) {
     plan->Description = NewDescription();
-    if (!takeScript(options.Script, plan, error)) {
+    if (!takeScript(options, plan, error)) {
         return WrongUsage;
     }
     std::vector<std::string> notes;

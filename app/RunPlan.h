@@ -26,6 +26,9 @@ struct RunPlan {
     bool Changed = true;
 };
 
+/// What messages call a script: its file, or where else it comes from.
+std::string ScriptName(const RunOptions& options);
+
 /// A new queue out of what the options name. Nothing is written and the folder is not looked at. The exit
 /// status with one line when that does not go.
 ExitStatus PlanNewRun(const RunOptions& options, RunPlan* plan, std::string* error);

@@ -29,6 +29,13 @@ void declareRun(CLI::App* run, RunOptions* options) {
                     "of an earlier version (.grp); - is standard input")
         ->type_name("FILE")
         ->allow_extra_args(false);
+    run->add_option("-e,--execute", options->Lines,
+                    "A line of the script, in place of a file; several make several lines")
+        ->type_name("COMMANDS")
+        ->allow_extra_args(false);
+    run->add_flag_function(
+        "--no-check", [options](std::int64_t) { options->CheckScript = false; },
+        "Do not tell before the run what can be seen wrong in the script");
     run->add_option("--mask", options->Mask, "Which files of a folder, any case")
         ->type_name("MASKS")
         ->capture_default_str();
@@ -114,8 +121,10 @@ void declareMerge(CLI::App* merge, MergeOptions* options) {
 /// A value that came out empty, such as that of a shell variable that is not set, means nothing, and would
 /// stand for the option not given.
 void refuseEmptyValues(CLI::App* command) {
-    for (CLI::Option* option :
-         command->get_options([](const CLI::Option* one) { return one->get_items_expected_max() > 0; })) {
+    for (CLI::Option* option : command->get_options([](const CLI::Option* one) {
+             // An empty line of a script is Enter.
+             return one->get_items_expected_max() > 0 && !one->check_lname("execute");
+         })) {
         option->check(
             [](const std::string& value) { return std::string(value.empty() ? "the value is empty" : ""); });
     }
@@ -132,8 +141,11 @@ std::string checkUsage(const RunOptions& options) {
     if (std::count(options.Lists.begin(), options.Lists.end(), "-") + (options.Script == "-" ? 1 : 0) > 1) {
         return "standard input can be read only once; give - to --script or to one --list";
     }
-    if (!options.KeepsQueue() && options.Script.empty()) {
-        return "a script is needed: --script FILE";
+    if (!options.KeepsQueue() && options.Script.empty() && options.Lines.empty()) {
+        return "a script is needed: --script FILE, or -e COMMANDS";
+    }
+    if (!options.Script.empty() && !options.Lines.empty()) {
+        return "--script and -e are two scripts; give one of them";
     }
     if (!options.MaxMemory.empty() && !files::MemoryLimit(options.MaxMemory)) {
         return "--max-memory takes a size from 64M on, not \"" + options.MaxMemory + "\"";
@@ -175,7 +187,11 @@ int runProgram(int argc, char** argv) {
     install->add_option("--data-dir", installDir, "Folder for it (in its folder Ovrix) instead of the user's")
         ->type_name("DIR");
     install->add_flag("--replace", installReplaces, "In the place of another one of the same name");
-    for (CLI::App* command : {run, merge, bundle, install}) {
+    CLI::App* check =
+        app.add_subcommand("check", "Tell what can be seen wrong in scripts without running them");
+    std::vector<std::string> scripts;
+    check->add_option("scripts", scripts, "The scripts; - is standard input")->required();
+    for (CLI::App* command : {run, merge, bundle, install, check}) {
         refuseEmptyValues(command);
     }
     CLI::App* desk = app.add_subcommand("desk", "Open the window, with the command TARNEL");
@@ -190,6 +206,9 @@ int runProgram(int argc, char** argv) {
         Complain(std::string(wrong.what()) + " (tarnel " + command->get_name() +
                  " --help tells what there is)");
         return WrongUsage;
+    }
+    if (check->parsed()) {
+        return CheckScripts(scripts);
     }
     if (merge->parsed()) {
         return MergeRuns(mergeOptions);

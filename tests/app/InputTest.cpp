@@ -137,7 +137,7 @@ TEST_F(Input, WhatIsNoDrawingEndsFailOpenWithoutAHost) {
     const std::string list = Write("l.lst", "readme.txt\nPLAN.DXF\nrooms.dxf.bak\n");
     for (const char* jobs : {"1", "3"}) {
         const ProgramResult result = Run({"--script", script, "--list", list, "folder.dxf", "pipe.dxf",
-                                          "zero.dxf", "--jobs", jobs, "--json", "out.json"});
+                                          "zero.dxf", "--jobs", jobs, "--json", "out.json", "--no-check"});
         EXPECT_EQ(result.Status, 1);
         EXPECT_THAT(result.Out, HasSubstr("1 Done, 5 FailOpen"));
         EXPECT_EQ(std::count(result.Errors.begin(), result.Errors.end(), '\n'), 5) << result.Errors;
@@ -274,6 +274,51 @@ TEST_F(Input, AScriptInAScriptIsReadAlike) {
     const ProgramResult result = Run({"--script", script, "--max-time", "3", "a.dxf"});
     before ? setenv("LC_ALL", kept.c_str(), 1) : unsetenv("LC_ALL");
     EXPECT_NE(Read(Folder / "a.dxf").find("\xD1\xF2\xE5\xED\xE0"), std::string::npos) << result.Out;
+}
+
+TEST_F(Input, LinesInPlaceOfAScriptAndWhatIsWrongWithThem) {
+    fs::copy_file(fs::path(SAMPLES) / "drawings/rooms-2000.dxf", Folder / "a.dxf");
+    const ProgramResult done = Run({"-e", "._-layer _m fresh-layer", "-e", "", "-e", "._qsave", "a.dxf"});
+    EXPECT_EQ(done.Status, 0) << done.Out << done.Errors;
+    EXPECT_EQ(done.Errors, "");
+    EXPECT_THAT(Read(Folder / "a.dxf"), HasSubstr("fresh-layer"));
+    EXPECT_EQ(Run({"--resume"}).Status, 0) << "the script is kept";
+    const ProgramResult wrong = Run({"-e", "._zom", "a.dxf"});
+    EXPECT_EQ(wrong.Status, 1);
+    EXPECT_EQ(wrong.Errors,
+              "tarnel: -e:1: unknown command ZOM\n"
+              "tarnel: -e:1: no QSAVE or SAVEAS: changes to the drawings are not saved\n");
+    EXPECT_EQ(Run({"-e", "._zom", "a.dxf", "--no-check"}).Errors, "");
+    EXPECT_EQ(Run({"-e", "._zom", "a.dxf", "--quiet"}).Errors, "");
+    EXPECT_EQ(Run({"-e", "zoom", "--script", "s.scr", "a.dxf"}).Status, 2);
+    EXPECT_THAT(Run({"-e", " ", "a.dxf"}).Errors, HasSubstr("-e: the script is empty"));
+}
+
+TEST_F(Input, ScriptsAreCheckedWithoutARun) {
+    std::vector<std::string> samples = {"check"};
+    for (const char* name : {"zoom-save.scr", "layer-fixup.scr"}) {
+        samples.push_back(fs::path(SAMPLES) / name);
+    }
+    const ProgramResult clean = Call(samples);
+    EXPECT_EQ(clean.Status, 0);
+    EXPECT_EQ(clean.Out + clean.Errors, "");
+    Write("s.scr", ";DESCRIPTION:x\r\n._zom\r\n(princ\r\n");
+    const ProgramResult told = Call({"check", "s.scr"});
+    EXPECT_EQ(told.Status, 1);
+    EXPECT_EQ(told.Out,
+              "s.scr:1: no QSAVE or SAVEAS: changes to the drawings are not saved\n"
+              "s.scr:2: unknown command ZOM\n"
+              "s.scr:3: the parenthesis that opens here is never closed\n");
+    // In a run the lines are those of the file as well.
+    fs::copy_file(fs::path(SAMPLES) / "drawings/rooms-2000.dxf", Folder / "a.dxf");
+    EXPECT_THAT(Run({"--script", "s.scr", "a.dxf"}).Errors, HasSubstr("s.scr:2: unknown command ZOM"));
+    const ProgramResult gone = Call({"check", "s.scr", "gone.scr"});
+    EXPECT_EQ(gone.Status, 3);
+    EXPECT_THAT(gone.Errors, HasSubstr("gone.scr: "));
+    EXPECT_THAT(gone.Out, HasSubstr("s.scr:2:")) << "the others are told all the same";
+    Host = "/bin/false";
+    EXPECT_THAT(Call({"check", "s.scr"}).Out, Not(HasSubstr("ZOM"))) << "no host, no judgement of commands";
+    EXPECT_EQ(Call({"check"}).Status, 2);
 }
 
 }  // namespace
