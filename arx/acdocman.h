@@ -42,6 +42,9 @@ class ARX_EXPORT AcApDocManager {
     virtual Acad::ErrorStatus sendStringToExecute(AcApDocument* document, const ACHAR* text,
                                                   bool activate = true, bool wrapUpInactiveDoc = false,
                                                   bool echoString = true) = 0;
+    /// While switched off, the current document stays: none is opened, made or chosen in its place.
+    virtual Acad::ErrorStatus disableDocumentActivation() = 0;
+    virtual Acad::ErrorStatus enableDocumentActivation() = 0;
     virtual void pushResourceHandle() = 0;
     virtual void popResourceHandle() = 0;
 };

@@ -15,6 +15,7 @@
 #include "drafthost/Launch.h"
 #include "drafthost/window/CommandLineWidget.h"
 #include "drafthost/window/DrawingView.h"
+#include "drafthost/window/FramePlace.h"
 #include "drafthost/window/MainFrame.h"
 #include "drafthost/window/ModuleTools.h"
 #include "drafthost/window/SessionEnd.h"
@@ -81,6 +82,10 @@ int main(int argc, char** argv) {
         line->append(QString::fromUtf8(text.data(), qsizetype(text.size())));
     });
     ApiHost::setFrame(frame.get(), frame.get(), frame->view());
+    ApiHost::setDocking([&host, window = frame.get()] { keepTools(*window, host.registry()); },
+                        [&host, window = frame.get()](QDockWidget* tool) {
+                            return restoreTool(*window, *tool, host.registry());
+                        });
     setSharedToolbar({[&tools = frame->moduleTools()](const std::string& text, const std::string& label,
                                                       const std::string& picture) {
                           tools.add(QString::fromStdString(text), QString::fromStdString(label),

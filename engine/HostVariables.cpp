@@ -99,8 +99,12 @@ bool DrawingHasChanges() {
 void SetScriptVariables() {
     const CTarnelData& data = TarnelData();
     const std::uint32_t entry = data.FileOrder[static_cast<std::size_t>(data.CurrentFile)];
-    const CFileName file(EntryPath(data, entry));
     Trace("SetVars\n");
+    SetScriptVariables(EntryPath(data, entry));
+}
+
+void SetScriptVariables(const QString& path) {
+    const CFileName file(path);
     putString("currentfileandpath", file.GetDirectory() + file.GetName());
     putString("currentpath", file.GetDirectory());
     putString("currentfile", file.GetName());

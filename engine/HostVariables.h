@@ -25,3 +25,5 @@ bool DrawingIsModified();
 bool DrawingHasChanges();
 /// LISP variables of the drawing in work: currentfileandpath, currentpath, currentfile, currentext.
 void SetScriptVariables();
+/// The same of a path.
+void SetScriptVariables(const QString& path);

@@ -4,12 +4,15 @@
 #include "engine/record/FileName.h"
 #include "engine/record/TarnelData.h"
 #include "html/HTMLayout.h"
+#include "script/KeyCapture.h"
 #include "script/ScriptEditor.h"
 #include "script/ScriptFile.h"
 #include "text/WholeFile.h"
 #include "ui_ScriptTab.h"
 #include "widgets/XPStyleButton.h"
 
+#include <algorithm>
+#include <array>
 #include <QDir>
 #include <QFileDialog>
 #include <QIcon>
@@ -113,8 +116,33 @@ void ScriptTab::setUpButtons() {
     set(ui->load, "loadscript", tr("Find Script"), &ScriptTab::OnLoad);
     set(ui->save, "save", tr("Save Script"), &ScriptTab::OnSave);
     set(ui->saveAs, "save", tr("Save Script As..."), &ScriptTab::OnSaveAs);
+    set(ui->stepThru, "step", tr("Step-Thru the Script line-by-line"), &ScriptTab::OnStepThru);
+    set(ui->capture, "capture", tr("Capture Keystrokes from AutoCAD"), &ScriptTab::OnCapture);
     connect(ui->showLineEnds, &QCheckBox::toggled, ui->editor, &ScriptEditor::ShowLineEnds);
     connect(ui->showWhitespace, &QCheckBox::toggled, ui->editor, &ScriptEditor::ShowWhitespace);
+}
+
+// In a narrow page the row of buttons would run into the list beside it: each takes what its text needs then.
+void ScriptTab::resizeEvent(QResizeEvent* event) {
+    CResizableDialog::resizeEvent(event);
+    const std::array row = {ui->newScript, ui->load, ui->save, ui->saveAs, ui->stepThru, ui->capture};
+    constexpr int Gap = 4;
+    constexpr int Margins = 16;
+    const auto needed = [](const QPushButton* button) {
+        return button->fontMetrics().horizontalAdvance(button->text()) + button->iconSize().width() + Margins;
+    };
+    int left = ui->editor->width();
+    for (const QPushButton* button : row) {
+        left -= needed(button) + Gap;
+    }
+    const int more = (left + Gap) / static_cast<int>(row.size());
+    int x = ui->editor->x();
+    for (QPushButton* button : row) {
+        const QRect place = button->geometry();
+        const int width = std::min(place.width(), needed(button) + more);
+        button->setGeometry(std::min(place.left(), x), place.top(), width, place.height());
+        x = button->geometry().right() + 1 + Gap;
+    }
 }
 
 void ScriptTab::setUpQuickScripts() {
@@ -310,6 +338,16 @@ void ScriptTab::OnSaveAs() {
     data.LastScriptFile = path;
     showFileName();
     FillQuickScripts();
+}
+
+void ScriptTab::OnStepThru() {
+    TarnelData().DebugRequested = true;
+    Q_EMIT CloseWanted();
+}
+
+void ScriptTab::OnCapture() {
+    StartKeyCapture();
+    Q_EMIT CloseWanted();
 }
 
 void ScriptTab::FillQuickScripts() {

@@ -36,6 +36,12 @@ class ScriptTab : public MainPage {
     void OnSave();
     void OnSaveAs();
     void OnQuickScript();
+    /// These leave the dialog for what works in the drawing itself.
+    void OnStepThru();
+    void OnCapture();
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void setUpEditor();

@@ -2,9 +2,10 @@
 #include "ui/DialogUi.h"
 
 #include "acframe.h"
-#include "acutads.h"
+#include "engine/record/TarnelData.h"
 #include "engine/Watch.h"
 #include "html/HtmlResources.h"
+#include "script/DebugScriptBar.h"
 #include "ui/LogTab.h"
 #include "ui/StatusDialog.h"
 #include "ui/TarnelDlg.h"
@@ -124,8 +125,21 @@ void DialogUi::CloseStatus() {
     delete status;
 }
 
+bool DialogUi::IsStepThroughVisible() const {
+    return IsDebugScriptVisible();
+}
+
+// Whoever asks for this brings the dialog himself, or ends the module.
+void DialogUi::CloseStepThrough() {
+    KillDebugScript(AfterDebugScript::Nothing);
+}
+
 void DialogUi::OpenStepThrough() {
-    acutPrintf(ACRX_T("The step-through of scripts is not part of this version.\n"));
+    DebugScriptCommand();
+}
+
+bool DialogUi::IsKeyCaptureOn() const {
+    return TarnelData().CaptureActive;
 }
 
 void DialogUi::RefreshActiveWindow() {

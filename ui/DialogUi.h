@@ -24,8 +24,9 @@ class DialogUi : public RunUi {
     void Flash(bool on) override;
     void ShowFileStatus(std::uint32_t entry, const QString& path, const QString& status) override;
     void CloseStatus() override;
-    bool IsStepThroughVisible() const override { return false; }
-    void CloseStepThrough() override {}
+    bool IsStepThroughVisible() const override;
+    void CloseStepThrough() override;
+    bool IsKeyCaptureOn() const override;
     void OpenStepThrough() override;
     void RefreshActiveWindow() override;
 

@@ -20,6 +20,8 @@ std::unique_ptr<Reactors> theReactors;
 QMainWindow* theFrame = nullptr;
 QWidget* theMainWindow = nullptr;
 QWidget* theView = nullptr;
+std::function<void()> keepDocking;
+std::function<bool(QDockWidget*)> restoreDocking;
 
 }  // namespace
 
@@ -34,12 +36,18 @@ ApiHost::~ApiHost() {
     forgetDocuments();
     theHost = nullptr;
     setFrame(nullptr, nullptr, nullptr);
+    setDocking({}, {});
 }
 
 void ApiHost::setFrame(QMainWindow* frame, QWidget* mainWindow, QWidget* view) {
     theFrame = frame;
     theMainWindow = mainWindow;
     theView = view;
+}
+
+void ApiHost::setDocking(std::function<void()> keep, std::function<bool(QDockWidget*)> restore) {
+    keepDocking = std::move(keep);
+    restoreDocking = std::move(restore);
 }
 
 Host& apiHost() {
@@ -85,6 +93,14 @@ QWidget* acedGetAcadDwgView() {
 }
 QWidget* adsw_acadMainWnd() {
     return drafthost::theMainWindow;
+}
+void AdUiSaveDockingToolPositions() {
+    if (drafthost::keepDocking) {
+        drafthost::keepDocking();
+    }
+}
+bool AdUiRestoreDockingToolPosition(QDockWidget* tool) {
+    return drafthost::restoreDocking && drafthost::restoreDocking(tool);
 }
 void acedPumpMessage() {
     QCoreApplication::processEvents();

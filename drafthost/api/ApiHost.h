@@ -3,6 +3,7 @@
 // The one host that the functions of arx/ work on. They are plain functions without a host among their
 // arguments, so there has to be one place that knows it.
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,7 @@
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
 
+class QDockWidget;
 class QMainWindow;
 class QWidget;
 
@@ -26,6 +28,8 @@ class ApiHost {
     /// What modules get as the host's windows; all null without a frame. The frame comes twice because its
     /// type is not known here.
     static void setFrame(QMainWindow* frame, QWidget* mainWindow, QWidget* view);
+    /// How the frame keeps the places of docking tools and finds them again.
+    static void setDocking(std::function<void()> keep, std::function<bool(QDockWidget*)> restore);
 };
 
 /// The host in force.

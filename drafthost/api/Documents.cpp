@@ -112,6 +112,15 @@ class DocumentManager : public AcApDocManager {
         return Acad::eOk;
     }
 
+    Acad::ErrorStatus disableDocumentActivation() override {
+        apiHost().setActivationEnabled(false);
+        return Acad::eOk;
+    }
+    Acad::ErrorStatus enableDocumentActivation() override {
+        apiHost().setActivationEnabled(true);
+        return Acad::eOk;
+    }
+
     // Resources of modules are found by themselves here.
     void pushResourceHandle() override {}
     void popResourceHandle() override {}

@@ -84,8 +84,11 @@ class Host {
     OpenResult newDocument(const std::string& templatePath = {});
     /// Closes without a question; changes are dropped.
     void closeDocument(Document& document);
-    /// Makes a document current.
+    /// Makes a document current; nothing while that is switched off.
     void activate(Document& document);
+    /// Off: whatever would put another document in the place of the current one is refused with one line.
+    void setActivationEnabled(bool on) { activationEnabled_ = on; }
+    bool activationEnabled() const { return activationEnabled_; }
     /// True while the document is in the list, so not closed.
     bool isOpen(const Document* document) const;
     /// Calls the function with each document made current in turn, then goes back to the one before.
@@ -200,6 +203,7 @@ class Host {
     bool lostLog_ = false;
     bool lineOpen_ = false;
     bool hasFrame_ = false;
+    bool activationEnabled_ = true;
     ChangesBox changesBox_;
     std::optional<double> screenAspect_;
     int newDocuments_ = 0;

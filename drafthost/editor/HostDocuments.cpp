@@ -57,7 +57,18 @@ Document* Host::openFile(const std::string& path) const {
     return nullptr;
 }
 
+namespace {
+
+OpenResult staysCurrent() {
+    return {nullptr, "The current drawing has to stay; another one cannot be opened now.", false};
+}
+
+}  // namespace
+
 OpenResult Host::openDocument(const std::string& name, OpenMode mode) {
+    if (!activationEnabled_) {
+        return staysCurrent();
+    }
     OpenResult result;
     const std::string path = absolute(name);
     const bool single = isSingleDocument();
@@ -108,6 +119,9 @@ OpenResult Host::openDocument(const std::string& name, OpenMode mode) {
 }
 
 OpenResult Host::newDocument(const std::string& templatePath) {
+    if (!activationEnabled_) {
+        return staysCurrent();
+    }
     OpenResult result;
     std::unique_ptr<Drawing> drawing;
     if (templatePath.empty()) {
@@ -173,7 +187,9 @@ void Host::detach(Document& document) {
 }
 
 void Host::activate(Document& document) {
-    if (!isOpen(&document) || current_ == &document) {
+    // The place of one that has been closed is free.
+    const bool isTaken = !activationEnabled_ && isOpen(current_);
+    if (!isOpen(&document) || current_ == &document || isTaken) {
         return;
     }
     freshLine();

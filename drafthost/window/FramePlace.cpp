@@ -3,7 +3,10 @@
 
 #include "drafthost/editor/RegistryFile.h"
 
+#include <QDataStream>
+#include <QDockWidget>
 #include <QGuiApplication>
+#include <QIODevice>
 #include <QMainWindow>
 #include <QScreen>
 #include <QStyle>
@@ -63,6 +66,44 @@ void restorePlace(QMainWindow& frame, const RegistryFile& registry) {
 void keepPlace(const QMainWindow& frame, RegistryFile& registry) {
     registry.write(UserRoot, key("Geometry"), frame.saveGeometry().toBase64().toStdString());
     registry.write(UserRoot, key("Panels"), frame.saveState().toBase64().toStdString());
+}
+
+void keepTools(const QMainWindow& frame, RegistryFile& registry) {
+    for (const QDockWidget* tool : frame.findChildren<QDockWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (!tool->objectName().startsWith(u'{')) {
+            continue;
+        }
+        QByteArray place;
+        QDataStream stream(&place, QIODevice::WriteOnly);
+        stream << qint32(frame.dockWidgetArea(const_cast<QDockWidget*>(tool))) << tool->isFloating()
+               << tool->geometry();
+        registry.write(UserRoot, key(("Tools\\" + tool->objectName().toStdString()).c_str()),
+                       place.toBase64().toStdString());
+    }
+}
+
+bool restoreTool(QMainWindow& frame, QDockWidget& tool, const RegistryFile& registry) {
+    const QByteArray place = stored(registry, ("Tools\\" + tool.objectName().toStdString()).c_str());
+    QDataStream stream(place);
+    qint32 area = 0;
+    bool floats = false;
+    QRect geometry;
+    stream >> area >> floats >> geometry;
+    const bool isArea = area == Qt::LeftDockWidgetArea || area == Qt::RightDockWidgetArea ||
+                        area == Qt::TopDockWidgetArea || area == Qt::BottomDockWidgetArea;
+    if (stream.status() != QDataStream::Ok || !isArea || !geometry.isValid()) {
+        return false;
+    }
+    frame.addDockWidget(static_cast<Qt::DockWidgetArea>(area), &tool);
+    if (floats) {
+        tool.setFloating(true);
+        if (const QScreen* screen = QGuiApplication::screenAt(geometry.center())) {
+            tool.setGeometry(placedInside(geometry, screen->availableGeometry()));
+        }
+    } else {
+        frame.resizeDocks({&tool}, {geometry.width()}, Qt::Horizontal);
+    }
+    return true;
 }
 
 }  // namespace drafthost

@@ -108,6 +108,12 @@ bool MainFrame::activateTab(int index) {
         return false;
     }
     host_.activate(*open[std::size_t(index)]);
+    if (host_.current() != open[std::size_t(index)]) {
+        statusBar()->showMessage(tr("The current drawing has to stay while the script is stepped through."),
+                                 5000);
+        repaint_.start(0);
+        return false;
+    }
     return true;
 }
 

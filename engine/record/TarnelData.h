@@ -37,7 +37,8 @@ class TarnelSignals : public QObject {
     void CollectSignal();
     void RefreshSignal();
     void ScriptModifiedChanged(bool modified);
-    void KeyCaptured(int key);
+    /// A character that was typed in the host's frame; the Enter key is 13.
+    void KeyCaptured(char32_t character);
     void PauseToggled();
 };
 
@@ -104,7 +105,9 @@ struct CTarnelData {
     bool FileTabButtonText = true;
     bool DoDirRefresh = false;
     bool BatchRunning = false;
+    /// The main dialog was left to step through the script, or to record keys.
     bool DebugRequested = false;
+    bool CaptureActive = false;
     bool DisableScriptChain = false;
     bool RecoverMode = false;
     /// Position in FileOrder of the file in work, -1 when none.

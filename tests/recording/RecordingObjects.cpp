@@ -61,6 +61,14 @@ class DocManager final : public AcApDocManager {
         host().Send(TextOf(text));
         return Acad::eOk;
     }
+    Acad::ErrorStatus disableDocumentActivation() override {
+        host().Note(QStringLiteral("disableDocumentActivation"));
+        return Acad::eOk;
+    }
+    Acad::ErrorStatus enableDocumentActivation() override {
+        host().Note(QStringLiteral("enableDocumentActivation"));
+        return Acad::eOk;
+    }
     void pushResourceHandle() override { ++host().ResourceDepth; }
     void popResourceHandle() override { --host().ResourceDepth; }
 };
@@ -239,6 +247,14 @@ QWidget* adsw_acadMainWnd() {
 
 QWidget* acedGetAcadDwgView() {
     return nullptr;
+}
+
+void AdUiSaveDockingToolPositions() {
+    host().Note(QStringLiteral("saveDockingToolPositions"));
+}
+
+bool AdUiRestoreDockingToolPosition(QDockWidget*) {
+    return false;
 }
 
 void acedPumpMessage() {

@@ -292,4 +292,19 @@ TEST_F(ScriptTabTest, EscapeInTheTextIsTheCloseButton) {
     EXPECT_EQ(wanted.size(), 1);
 }
 
+TEST_F(ScriptTabTest, ANarrowPageKeepsItsButtonsApart) {
+    open();
+    for (const int width : {1200, 780, 600, 1200}) {
+        tab->resize(width, 400);
+        QCoreApplication::processEvents();
+        QRect last;
+        for (const char* name : {"newScript", "load", "save", "saveAs", "stepThru", "capture"}) {
+            const QRect place = button(name)->geometry();
+            EXPECT_GT(place.left(), last.right()) << name << " at " << width;
+            EXPECT_LT(place.right(), scripts()->x()) << name << " at " << width;
+            last = place;
+        }
+    }
+}
+
 }  // namespace
