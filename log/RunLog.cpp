@@ -153,6 +153,9 @@ void LogUnopenedFile(const QString& said) {
     const bool isWritten = log.OpenNew(QFile::encodeName(path).toStdString()) && log.Write(text);
     if (!isWritten) {
         ConsoleLine(QStringLiteral("%1: cannot be written: %2").arg(path, qt_error_string()));
+        // Nobody else would know of what has come to stand there.
+        log.Close();
+        QFile::remove(path);
     }
     WatchNewLogFile(isWritten ? path : QString());
 }

@@ -291,6 +291,10 @@ void ClearJournal(const std::string& path, Logs logs) {
     bool all = true;
     for (const auto& [name, kind] : contents->Standing) {
         all = removeLeft(name, kind, *contents, logs) && all;
+        // A log that lacks text goes by another name.
+        if (kind == "log") {
+            all = removeLeft(name + ".cut", kind, *contents, logs) && all;
+        }
     }
     // What could not be removed, as on a drive that is away, is tried again by the next one.
     if (all) {

@@ -42,9 +42,10 @@ TEST_F(JournalTest, WhatIsNotedGoesAndNothingElse) {
             journal.NoteMarker(In(name));
         }
         journal.NoteLog(In("host.log"));
+        journal.NoteLog(In("short.log"));
     });
-    for (const char* name :
-         {"new\nline%0A", "left", "done", "left too", "host.log", "empty.dwk", "other.dwk"}) {
+    for (const char* name : {"new\nline%0A", "left", "done", "left too", "host.log", "short.log.cut",
+                             "other.log.cut", "empty.dwk", "other.dwk"}) {
         Put(In(name), "");
     }
     Put(In("ours.dwk"), owner);
@@ -52,11 +53,13 @@ TEST_F(JournalTest, WhatIsNotedGoesAndNothingElse) {
     ClearJournal(path, Logs::Keep);
     EXPECT_TRUE(IsThere(path)) << "it still names the log";
     EXPECT_TRUE(IsThere(In("host.log")));
+    EXPECT_TRUE(IsThere(In("short.log.cut")));
     ClearJournal(path, Logs::Remove);
-    for (const char* name : {"new\nline%0A", "left", "host.log", "ours.dwk", "empty.dwk", "journal"}) {
+    for (const char* name :
+         {"new\nline%0A", "left", "host.log", "short.log.cut", "ours.dwk", "empty.dwk", "journal"}) {
         EXPECT_FALSE(IsThere(In(name))) << name;
     }
-    for (const char* name : {"done", "left too", "other.dwk", "theirs.dwk"}) {
+    for (const char* name : {"done", "left too", "other.log.cut", "other.dwk", "theirs.dwk"}) {
         EXPECT_TRUE(IsThere(In(name))) << name;
     }
 }
