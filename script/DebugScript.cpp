@@ -57,7 +57,6 @@ DebugScript::DebugScript(QWidget* parent)
     }
     ui->editor->SendScintilla(S::SCI_SETEOLMODE, static_cast<unsigned long>(S::SC_EOL_CR));
     ui->editor->SetText(WithoutCommentLines(data.Script));
-    ui->editor->ConvertLineEnds(ScriptEditor::LineEnds::Cr);
     ui->showWhitespace->setChecked(data.ShowWhitespace != 0);
     ui->showLineEnds->setChecked(data.ShowEOL != 0);
     ui->editor->ShowLineEnds(data.ShowEOL != 0);
@@ -189,8 +188,7 @@ void DebugScript::OnPauseToggled() {
 void DebugScript::update() {
     static const QByteArray WayBack = QByteArrayLiteral("TARNEL\r\n");
     CTarnelData& data = TarnelData();
-    ui->editor->ConvertLineEnds(ScriptEditor::LineEnds::CrLf);
-    data.Script = ui->editor->Text(LongestScript - 1);
+    data.Script = ui->editor->RecordText(LongestScript - 1);
     if (data.Script.toUpper().endsWith(WayBack)) {
         data.Script.chop(WayBack.size());
     }

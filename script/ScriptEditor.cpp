@@ -16,6 +16,21 @@ constexpr unsigned long Green = 0x008000;
 constexpr unsigned long Blue = 0x800000;
 constexpr unsigned long Magenta = 0xFF00FF;
 
+/// CR LF, CR and LF alike become the line end given.
+QByteArray withLineEnds(const QByteArray& text, QByteArrayView lineEnd) {
+    QByteArray lines;
+    lines.reserve(text.size() + text.size() / 16);
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (text[at] != '\r' && text[at] != '\n') {
+            lines += text[at];
+            continue;
+        }
+        lines += lineEnd;
+        at += text[at] == '\r' && at + 1 < text.size() && text[at + 1] == '\n' ? 1 : 0;
+    }
+    return lines;
+}
+
 }  // namespace
 
 ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintillaBase(parent) {
@@ -79,21 +94,22 @@ void ScriptEditor::SetUpAsPage() {
 }
 
 void ScriptEditor::SetText(const QByteArray& text) {
+    // Not by the component, which does so line by line and takes a hundred times as long.
+    const QByteArray lines = withLineEnds(text, "\r");
     // By its length, as a text may hold a NUL.
     SendScintilla(SCI_CLEARALL);
-    SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(text.size()), text.constData());
+    SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(lines.size()), lines.constData());
     // Undo leads back to this text and not to the one before it.
     SendScintilla(SCI_EMPTYUNDOBUFFER);
 }
 
-QByteArray ScriptEditor::Text(qsizetype most) const {
-    const auto length = static_cast<qsizetype>(SendScintilla(SCI_GETLENGTH));
-    const auto* bytes = static_cast<const char*>(SendScintillaPtrResult(SCI_GETCHARACTERPOINTER));
-    return {bytes, most < 0 ? length : std::min(most, length)};
+QByteArray ScriptEditor::Text() const {
+    return {static_cast<const char*>(SendScintillaPtrResult(SCI_GETCHARACTERPOINTER)),
+            static_cast<qsizetype>(SendScintilla(SCI_GETLENGTH))};
 }
 
-void ScriptEditor::ConvertLineEnds(LineEnds to) {
-    SendScintilla(SCI_CONVERTEOLS, static_cast<unsigned long>(to));
+QByteArray ScriptEditor::RecordText(qsizetype most) const {
+    return withLineEnds(Text(), "\r\n").left(most);
 }
 
 void ScriptEditor::onStyleNeeded(int position) {

@@ -8,8 +8,6 @@
 class ScriptEditor : public QsciScintillaBase {
     Q_OBJECT
   public:
-    enum class LineEnds { CrLf = SC_EOL_CRLF, Cr = SC_EOL_CR };
-
     explicit ScriptEditor(QWidget* parent = nullptr);
 
     /// The styles of all script text, in the font given, or the component's own without one. The ground is
@@ -18,10 +16,11 @@ class ScriptEditor : public QsciScintillaBase {
     /// No margins, no scroll bar at the bottom, and a line ends with CR as typed.
     void SetUpAsPage();
 
+    /// Its line ends become CR: a line of the editor is what the host's command line takes.
     void SetText(const QByteArray& text);
-    /// At most that many bytes; all of them without a limit.
-    QByteArray Text(qsizetype most = -1) const;
-    void ConvertLineEnds(LineEnds to);
+    QByteArray Text() const;
+    /// The text as the record holds it, with CR LF, at most that many bytes of it.
+    QByteArray RecordText(qsizetype most) const;
     void ShowLineEnds(bool on) { SendScintilla(SCI_SETVIEWEOL, on ? 1UL : 0UL); }
     void ShowWhitespace(bool on) { SendScintilla(SCI_SETVIEWWS, on ? 1UL : 0UL); }
 

@@ -190,7 +190,6 @@ void ScriptTab::showText() {
     const bool outer = std::exchange(Updating, true);
     ui->description->setText(TarnelData().ScriptDescription);
     ui->editor->SetText(TarnelData().Script);
-    ui->editor->ConvertLineEnds(ScriptEditor::LineEnds::Cr);
     Updating = outer;
 }
 
@@ -215,13 +214,9 @@ void ScriptTab::OnRefresh() {
 
 void ScriptTab::takeText() {
     CTarnelData& data = TarnelData();
-    const bool outer = std::exchange(Updating, true);
-    ui->editor->ConvertLineEnds(ScriptEditor::LineEnds::CrLf);
-    data.Script = ui->editor->Text(LongestScript - 1);
+    data.Script = ui->editor->RecordText(LongestScript - 1);
     data.ShowWhitespace = ui->showWhitespace->isChecked() ? 1 : 0;
     data.ShowEOL = ui->showLineEnds->isChecked() ? 1 : 0;
-    ui->editor->ConvertLineEnds(ScriptEditor::LineEnds::Cr);
-    Updating = outer;
 }
 
 void ScriptTab::GatherFromUi() {
@@ -299,9 +294,6 @@ void ScriptTab::writeScript(const QString& path) {
     const CTarnelData& data = TarnelData();
     // A file that cannot be written is told of by nothing, and the flag goes all the same.
     WriteWholeFile(path, MakeScriptFile({data.ScriptDescription, data.Script}));
-    const bool outer = std::exchange(Updating, true);
-    ui->editor->ConvertLineEnds(ScriptEditor::LineEnds::Cr);
-    Updating = outer;
     TarnelData().SetScriptModified(false);
 }
 

@@ -67,7 +67,6 @@ int main(int argc, char** argv) {
     for (int round = 0; round < rounds; ++round) {
         load.push_back(timed([&] {
             editor.SetText(script);
-            editor.ConvertLineEnds(ScriptEditor::LineEnds::Cr);
             editor.viewport()->grab();
         }));
         plainLoad.push_back(timed([&] {

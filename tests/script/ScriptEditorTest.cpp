@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <QApplication>
+#include <QClipboard>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -41,22 +42,31 @@ class ScriptEditorTest : public ::testing::Test {
 TEST_F(ScriptEditorTest, BytesThatAreNoTextStayAsTheyAre) {
     const QByteArray bytes("z\xE4\xFF\xC3\xA4\r\n\x80 e\0x\r\n", 14);
     editor.SetText(bytes);
-    EXPECT_EQ(editor.Text(), bytes);
-    editor.ConvertLineEnds(ScriptEditor::LineEnds::Cr);
+    QByteArray inside = bytes;
+    inside.replace("\r\n", "\r");
+    EXPECT_EQ(editor.Text(), inside);
     editor.SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 0UL);
     QInputMethodEvent composed;
     composed.setCommitString(QStringLiteral("ö"));
     QApplication::sendEvent(&editor, &composed);
     QTest::keyClick(&editor, Qt::Key_Return);
-    editor.ConvertLineEnds(ScriptEditor::LineEnds::CrLf);
-    EXPECT_EQ(editor.Text(), "\xC3\xB6\r\n" + bytes);
-    EXPECT_EQ(editor.Text(3), QByteArray("\xC3\xB6\r"));
+    EXPECT_EQ(editor.RecordText(1000), "\xC3\xB6\r\n" + bytes);
+    EXPECT_EQ(editor.RecordText(3), QByteArray("\xC3\xB6\r"));
     QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
     QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
     QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
     QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
     QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(editor.Text(), bytes) << "undo ends at the text that was put in";
+    EXPECT_EQ(editor.Text(), inside) << "undo ends at the text that was put in";
+}
+
+TEST_F(ScriptEditorTest, EveryLineEndIsOne) {
+    editor.SetText("a\rb\nc\r\nd\n\re\r\r\n");
+    EXPECT_EQ(editor.Text(), QByteArray("a\rb\rc\rd\r\re\r\r"));
+    EXPECT_EQ(editor.RecordText(100), QByteArray("a\r\nb\r\nc\r\nd\r\n\r\ne\r\n\r\n"));
+    QApplication::clipboard()->setText(QStringLiteral("x\ny"));
+    editor.SendScintilla(QsciScintillaBase::SCI_PASTE);
+    EXPECT_TRUE(editor.Text().contains("x\ry")) << "also of what is pasted";
 }
 
 TEST_F(ScriptEditorTest, TypingColoursWhatIsSeen) {
