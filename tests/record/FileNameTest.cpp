@@ -46,6 +46,7 @@ TEST(FileName, JoinsWithTheSeparatorOfTheDirectory) {
     EXPECT_EQ(Plain(JoinPath(u"/odd\\", u"a.dwg")), "/odd\\/a.dwg");
     EXPECT_EQ(Plain(JoinPath(u"", u"a.dwg")), "a.dwg");
     EXPECT_EQ(Plain(TrimSeparators(QStringLiteral("/work//\\"))), "/work");
+    EXPECT_EQ(Plain(TrimSeparators(QStringLiteral("///"))), "");
 }
 
 }  // namespace
