@@ -96,7 +96,6 @@ void DebugScript::setUpStepping() {
     ScriptEditor& editor = *ui->editor;
     editor.SendScintilla(S::SCI_SETHSCROLLBAR, 0UL);
     editor.SendScintilla(S::SCI_SETMARGINTYPEN, 0UL, static_cast<long>(S::SC_MARGIN_SYMBOL));
-    editor.SendScintilla(S::SCI_SETMARGINWIDTHN, 0UL, 16L);
     editor.SendScintilla(S::SCI_SETMARGINSENSITIVEN, 0UL, 0L);
     editor.SendScintilla(S::SCI_MARKERDEFINE, LineMarker, static_cast<long>(S::SC_MARK_ARROW));
     editor.setEnabled(false);
