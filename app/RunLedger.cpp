@@ -98,7 +98,9 @@ std::vector<const DrawingRecord*> RunLedger::Take(const HostEvent& event, Clock:
             reason = event.Text;
             break;
         case HostEvent::Kind::Saved:
-            if (current) {
+            // A path once, however often the script saves.
+            if (current &&
+                std::find(current->Saved.begin(), current->Saved.end(), event.Text) == current->Saved.end()) {
                 current->Saved.push_back(event.Text);
             }
             break;

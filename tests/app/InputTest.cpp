@@ -283,6 +283,14 @@ TEST_F(Input, LinesInPlaceOfAScriptAndWhatIsWrongWithThem) {
     EXPECT_EQ(done.Errors, "");
     EXPECT_THAT(Read(Folder / "a.dxf"), HasSubstr("fresh-layer"));
     EXPECT_EQ(Run({"--resume"}).Status, 0) << "the script is kept";
+    Run({"-e", "._-layer _m second", "-e", "", "-e", "._qsave", "-e", "._-layer _m third", "-e", "", "-e",
+         "._qsave", "a.dxf", "--json", "twice.json"});
+    const std::string records = Read(Folder / "twice.json");
+    const std::size_t saved = records.find("\"saved\"");
+    ASSERT_NE(saved, std::string::npos);
+    const std::string list = records.substr(saved, records.find(']', saved) - saved);
+    EXPECT_THAT(list, HasSubstr("a.dxf"));
+    EXPECT_EQ(list.find(','), std::string::npos) << "a path once: " << list;
     const ProgramResult wrong = Run({"-e", "._zom", "a.dxf"});
     EXPECT_EQ(wrong.Status, 1);
     EXPECT_EQ(wrong.Errors,
