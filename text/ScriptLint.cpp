@@ -209,6 +209,8 @@ class Linter {
         }
         if (name == u"OPTIONS" || name == u"PREFERENCES") {
             remark(line, name + QStringLiteral(" shows a dialog, which stops the script"));
+        } else if (name == u"PLOT" && !isCertain && lower.contains("-layer")) {
+            // It may be an option of that command.
         } else if (name == u"PLOT" || name == u"LAYER") {
             remark(line, QStringLiteral("%1 shows a dialog, which stops the script; -%1 does not").arg(name));
         }

@@ -40,6 +40,7 @@ TEST(ScriptLint, WhatMayBeMeantIsLeftAlone) {
     const char* scripts[] = {
         // Answers that are no commands, blank lines, options and numbers.
         "-layer m Walls c 3\nWalls\n\n_.zoom\n_extents\n.5\n.\n-5,3\n_.qsave\n",
+        "-layer\nplot\nn\nWalls\n\n_.qsave\n",
         // Text with brackets, and brackets over lines in the middle of one.
         "text 0,0 5 0 Room (3\n:) done\nqsave\n",
         "zoom (list 0\n 0) 5\nqsave\n",
