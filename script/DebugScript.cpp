@@ -63,7 +63,7 @@ DebugScript::DebugScript(QWidget* parent)
     ui->editor->ShowWhitespace(data.ShowWhitespace != 0);
     connect(ui->showLineEnds, &QCheckBox::toggled, ui->editor, &ScriptEditor::ShowLineEnds);
     connect(ui->showWhitespace, &QCheckBox::toggled, ui->editor, &ScriptEditor::ShowWhitespace);
-    LastLine = static_cast<int>(ui->editor->SendScintilla(S::SCI_GETLINECOUNT)) - 1;
+    lastLine = static_cast<int>(ui->editor->SendScintilla(S::SCI_GETLINECOUNT)) - 1;
     if (isCapture) {
         setUpCapture();
     } else {
@@ -123,7 +123,7 @@ void DebugScript::OnExecute() {
 }
 
 void DebugScript::markLine() {
-    ui->editor->SendScintilla(S::SCI_MARKERADD, static_cast<unsigned long>(CurrentLine),
+    ui->editor->SendScintilla(S::SCI_MARKERADD, static_cast<unsigned long>(currentLine),
                               static_cast<long>(LineMarker));
 }
 
@@ -134,18 +134,18 @@ void DebugScript::executeLine() {
         return editor.SendScintilla(S::SCI_POSITIONFROMLINE, static_cast<unsigned long>(line));
     };
     QByteArray line;
-    if (CurrentLine <= LastLine) {
-        const long start = startOf(CurrentLine);
-        const long length = editor.SendScintilla(S::SCI_LINELENGTH, static_cast<unsigned long>(CurrentLine));
+    if (currentLine <= lastLine) {
+        const long start = startOf(currentLine);
+        const long length = editor.SendScintilla(S::SCI_LINELENGTH, static_cast<unsigned long>(currentLine));
         line = editor.Text().sliced(start, length);
     }
     AcApDocManager* documents = acDocManagerPtr();
     const QString text = QString::fromLocal8Bit(line);
     documents->sendStringToExecute(documents->curDocument(), HostText(text), true, false, true);
-    ++CurrentLine;
+    ++currentLine;
     editor.SendScintilla(S::SCI_MARKERDELETEALL, LineMarker);
-    if (CurrentLine != LastLine) {
-        editor.SendScintilla(S::SCI_GOTOLINE, static_cast<unsigned long>(CurrentLine));
+    if (currentLine != lastLine) {
+        editor.SendScintilla(S::SCI_GOTOLINE, static_cast<unsigned long>(currentLine));
         markLine();
     } else {
         ui->execute->setEnabled(false);
@@ -158,38 +158,38 @@ void DebugScript::executeLine() {
 void DebugScript::OnKeyCaptured(char32_t character) {
     const QWidget* focus = window()->focusWidget();
     // What is typed here is no input of the host.
-    if (Paused || (focus != nullptr && (focus == this || isAncestorOf(focus)))) {
+    if (paused || (focus != nullptr && (focus == this || isAncestorOf(focus)))) {
         return;
     }
     if (character == Escape) {
         return;
     }
     if (character == Backspace) {
-        if (CapturedCount > 0) {
+        if (capturedCount > 0) {
             ui->editor->SendScintilla(S::SCI_DELETEBACK);
-            --CapturedCount;
+            --capturedCount;
         }
         return;
     }
-    ++CapturedCount;
+    ++capturedCount;
     const QByteArray bytes = QString::fromUcs4(&character, 1).toLocal8Bit();
     ui->editor->SendScintilla(S::SCI_ADDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
     ui->editor->SendScintilla(S::SCI_SCROLLCARET);
 }
 
 void DebugScript::OnPauseToggled() {
-    Paused = !Paused;
-    setWindowTitle(Paused ? QStringLiteral("TNL Keystroke Capture - Paused")
+    paused = !paused;
+    setWindowTitle(paused ? QStringLiteral("TNL Keystroke Capture - Paused")
                           : QStringLiteral("TNL Keystroke Capture"));
 }
 
 // What leads back to the main dialog is no part of the script.
 void DebugScript::update() {
-    static const QByteArray WayBack = QByteArrayLiteral("TARNEL\r\n");
+    static const QByteArray wayBack = QByteArrayLiteral("TARNEL\r\n");
     CTarnelData& data = TarnelData();
     data.Script = ui->editor->RecordText(LongestScript - 1);
-    if (data.Script.toUpper().endsWith(WayBack)) {
-        data.Script.chop(WayBack.size());
+    if (data.Script.toUpper().endsWith(wayBack)) {
+        data.Script.chop(wayBack.size());
     }
     Q_EMIT CloseWanted();
 }

@@ -40,11 +40,11 @@ class DebugScript : public CResizableDialog {
     std::unique_ptr<Ui::DebugScript> ui;
     const bool isCapture;
     /// The line to execute next, from 0, and the last one: with a line end behind the script it is empty.
-    int CurrentLine = 0;
-    int LastLine = 0;
-    bool Paused = false;
+    int currentLine = 0;
+    int lastLine = 0;
+    bool paused = false;
     /// Characters that were added and not taken back.
-    int CapturedCount = 0;
+    int capturedCount = 0;
 };
 
 /// A script without its comment lines, which begin with a semicolon, each with its line end.

@@ -30,7 +30,7 @@ QByteArray MakeScriptFile(const ScriptFileText& text) {
 }
 
 QString ScriptFileTitle(const QString& path) {
-    const QString title = CFileName(path).GetName();
+    QString title = CFileName(path).GetName();
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return title;

@@ -176,7 +176,7 @@ void ScriptTab::watchFolders() {
 }
 
 void ScriptTab::onChanged() {
-    if (!Updating) {
+    if (!updating) {
         TarnelData().SetScriptModified(true);
     }
 }
@@ -187,10 +187,10 @@ void ScriptTab::OnModifiedChanged(bool modified) {
 }
 
 void ScriptTab::showText() {
-    const bool outer = std::exchange(Updating, true);
+    const bool outer = std::exchange(updating, true);
     ui->description->setText(TarnelData().ScriptDescription);
     ui->editor->SetText(TarnelData().Script);
-    Updating = outer;
+    updating = outer;
 }
 
 void ScriptTab::showFileName() {
@@ -199,7 +199,7 @@ void ScriptTab::showFileName() {
 
 void ScriptTab::OnRefresh() {
     CTarnelData& data = TarnelData();
-    const bool outer = std::exchange(Updating, true);
+    const bool outer = std::exchange(updating, true);
     if (!data.ScriptModified() && !data.LastScriptFile.isEmpty()) {
         LoadScript(data.LastScriptFile);
     } else {
@@ -209,7 +209,7 @@ void ScriptTab::OnRefresh() {
     ui->showLineEnds->setChecked(data.ShowEOL != 0);
     ui->editor->ShowLineEnds(data.ShowEOL != 0);
     ui->editor->ShowWhitespace(data.ShowWhitespace != 0);
-    Updating = outer;
+    updating = outer;
 }
 
 void ScriptTab::takeText() {
@@ -231,13 +231,13 @@ void ScriptTab::GatherFromUi() {
                 QMessageBox::Yes);
     if (save) {
         // With the text as it stood before this gathering.
-        const bool outer = std::exchange(InSave, true);
+        const bool outer = std::exchange(inSave, true);
         OnSave();
-        InSave = outer;
+        inSave = outer;
     }
     takeText();
     // Save itself goes on to write what has been gathered; anybody else was promised the same.
-    if (save && !InSave) {
+    if (save && !inSave) {
         writeScript(data.LastScriptFile);
     }
 }
@@ -298,10 +298,10 @@ void ScriptTab::writeScript(const QString& path) {
 }
 
 void ScriptTab::OnSave() {
-    if (!InSave) {
-        InSave = true;
+    if (!inSave) {
+        inSave = true;
         GatherFromUi();
-        InSave = false;
+        inSave = false;
     }
     const CTarnelData& data = TarnelData();
     if (!data.Script.isEmpty() && !data.LastScriptFile.isEmpty()) {
@@ -310,9 +310,9 @@ void ScriptTab::OnSave() {
 }
 
 void ScriptTab::OnSaveAs() {
-    InSave = true;
+    inSave = true;
     GatherFromUi();
-    InSave = false;
+    inSave = false;
     CTarnelData& data = TarnelData();
     if (data.Script.isEmpty()) {
         return;
@@ -352,9 +352,9 @@ void ScriptTab::FillQuickScripts() {
         for (const QString& name : folder.entryList({QStringLiteral("*.scr")}, QDir::Files, QDir::Name)) {
             const QString path = folder.filePath(name);
             auto* item = new QListWidgetItem(ScriptFileTitle(path));
-            item->setData(Qt::UserRole, static_cast<int>(QuickScriptPaths.size()));
+            item->setData(Qt::UserRole, static_cast<int>(quickScriptPaths.size()));
             item->setToolTip(item->text() + u'\n' + path);
-            QuickScriptPaths.push_back(path);
+            quickScriptPaths.push_back(path);
             ui->quickScripts->addItem(item);
             item->setSelected(samePath(path, TarnelData().LastScriptFile));
         }
@@ -363,7 +363,7 @@ void ScriptTab::FillQuickScripts() {
 }
 
 QString ScriptTab::pathOf(const QListWidgetItem* item) const {
-    return QuickScriptPaths.at(static_cast<std::size_t>(item->data(Qt::UserRole).toInt()));
+    return quickScriptPaths.at(static_cast<std::size_t>(item->data(Qt::UserRole).toInt()));
 }
 
 /// The list shows what is loaded and not what was clicked.

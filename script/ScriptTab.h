@@ -60,9 +60,9 @@ class ScriptTab : public MainPage {
     std::unique_ptr<Ui::ScriptTab> ui;
     /// Paths of the list's entries, which hold an index here. A new list is appended, so that an index stays
     /// good.
-    std::vector<QString> QuickScriptPaths;
-    bool Updating = false;
-    bool InSave = false;
+    std::vector<QString> quickScriptPaths;
+    bool updating = false;
+    bool inSave = false;
     DirWatcher moduleScripts;
     DirWatcher ownScripts;
 };
