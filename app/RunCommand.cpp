@@ -196,6 +196,21 @@ bool checkRecordFile(const RunOptions& options, const DataFolder& folder, const 
     return options.JsonFile.empty() || CheckRecordSpares(options.JsonFile, inputs, {folder.Path()}, error);
 }
 
+/// What can be seen wrong in the script, before a new run starts. The first lines are enough here.
+void tellOfScript(const RunOptions& options, const RunPlan& plan, const std::string& host) {
+    constexpr std::size_t MostTold = 20;
+    // The record holds the script without the line that describes it.
+    const QByteArray script = (plan.Description.HasHeading ? ";\n" : "") + plan.Record.Script;
+    const std::vector<std::string> lines = CheckScriptLines(ScriptName(options), script, host);
+    for (std::size_t i = 0; i < std::min(lines.size(), MostTold); ++i) {
+        Complain(lines[i]);
+    }
+    if (lines.size() > MostTold) {
+        Complain(std::to_string(lines.size() - MostTold) + " more like these: tarnel check " +
+                 ScriptName(options));
+    }
+}
+
 /// From the options to a run that stands on the disk and may begin, or the exit status.
 ExitStatus prepare(const RunOptions& options, DataFolder* folder, HostFiles* files, RunPlan* plan,
                    std::string* error) {
@@ -239,11 +254,7 @@ ExitStatus prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
         return status;
     }
     if (options.CheckScript && !options.Quiet) {
-        // The record holds the script without the line that describes it.
-        const QByteArray script = (plan->Description.HasHeading ? ";\n" : "") + plan->Record.Script;
-        for (const std::string& line : CheckScriptLines(ScriptName(options), script, files->Host)) {
-            Complain(line);
-        }
+        tellOfScript(options, *plan, files->Host);
     }
     return TakeForNewRun(folder, &description, error) && CommitNewRun(*folder, description, plan, error)
                ? AllDone

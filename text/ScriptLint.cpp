@@ -3,9 +3,13 @@
 
 #include <algorithm>
 #include <array>
+#include <QHash>
 #include <string_view>
 
 namespace {
+
+/// A bracket in the middle of a line that does not close within so many lines is text.
+constexpr int LinesOfAnswer = 50;
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -113,7 +117,7 @@ class Linter {
         const std::size_t start = at;
         const int firstLine = line;
         int depth = 0;
-        while (at < text.size()) {
+        while (at < text.size() && (atLineStart || line - firstLine <= LinesOfAnswer)) {
             const char c = text[at];
             if (c == '\n') {
                 ++line;
@@ -214,15 +218,25 @@ class Linter {
         } else if (name == u"PLOT" || name == u"LAYER") {
             remark(line, QStringLiteral("%1 shows a dialog, which stops the script; -%1 does not").arg(name));
         }
-        if (isCertain && judgesNames && !isCommand(name) &&
-            !lower.contains(QByteArray("c:" + name.toLower().toLatin1()))) {
+        if (isCertain && judgesNames && isUnknown(name)) {
             remark(line, QStringLiteral("unknown command %1").arg(name));
         }
+    }
+
+    /// Once for each name, as the whole script is looked through for what it defines itself.
+    bool isUnknown(const QString& name) {
+        const auto seen = unknown.constFind(name);
+        if (seen != unknown.constEnd()) {
+            return *seen;
+        }
+        const bool defined = lower.contains(QByteArray("c:" + name.toLower().toLatin1()));
+        return *unknown.insert(name, !defined && !isCommand(name));
     }
 
     std::string_view text;
     const std::function<bool(const QString&)>& isCommand;
     QByteArray lower;
+    QHash<QString, bool> unknown;
     std::vector<ScriptRemark> remarks;
     std::size_t at = 0;
     int line = 1;

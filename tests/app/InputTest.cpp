@@ -320,6 +320,14 @@ TEST_F(Input, ScriptsAreCheckedWithoutARun) {
     // In a run the lines are those of the file as well.
     fs::copy_file(fs::path(SAMPLES) / "drawings/rooms-2000.dxf", Folder / "a.dxf");
     EXPECT_THAT(Run({"--script", "s.scr", "a.dxf"}).Errors, HasSubstr("s.scr:2: unknown command ZOM"));
+    std::string many;
+    for (int i = 0; i < 300; ++i) {
+        many += "._zom\n";
+    }
+    Write("many.scr", many);
+    const ProgramResult cut = Run({"--script", "many.scr", "a.dxf"});
+    EXPECT_EQ(std::count(cut.Errors.begin(), cut.Errors.end(), '\n'), 21);
+    EXPECT_THAT(cut.Errors, HasSubstr("281 more like these: tarnel check many.scr"));
     const ProgramResult gone = Call({"check", "s.scr", "gone.scr"});
     EXPECT_EQ(gone.Status, 3);
     EXPECT_THAT(gone.Errors, HasSubstr("gone.scr: "));
