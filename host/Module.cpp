@@ -80,6 +80,7 @@ void printState(const char* what) {
 }  // namespace
 
 void StartModule() {
+    SetConsole(HostPrint);
     ResetRun();
     context = std::make_unique<ModuleContext>();
     acDocManagerPtr()->pushResourceHandle();

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/report/Report.h"
 
-#include "engine/record/HostText.h"
-
 #include <QByteArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -12,6 +10,8 @@
 #include <cerrno>
 
 namespace {
+
+void (*console)(const QString&) = nullptr;
 
 /// Looked up once: a script may set the variable to what it likes later on. What the host starts has no
 /// business with it.
@@ -46,7 +46,13 @@ bool Report(const QJsonObject& event) {
     return true;
 }
 
+void SetConsole(void (*print)(const QString&)) {
+    console = print;
+}
+
 void ConsoleLine(const QString& text) {
-    HostPrint(QStringLiteral("\nTarnel: ") + text + QLatin1Char('\n'));
+    if (console != nullptr) {
+        console(QStringLiteral("\nTarnel: ") + text + QLatin1Char('\n'));
+    }
     Report({{QStringLiteral("event"), QStringLiteral("message")}, {QStringLiteral("text"), text}});
 }

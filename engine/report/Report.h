@@ -10,6 +10,9 @@ class QJsonObject;
 
 /// Sends an event. False when no program listens.
 bool Report(const QJsonObject& event);
+/// What writes to the host's command line, as the text stands; null for nothing. Whoever brings a host sets
+/// it, so that all that only tells needs none.
+void SetConsole(void (*print)(const QString&));
 /// One line with the prefix "Tarnel: " at the start of a line of the command line, and a message to the
 /// program that listens.
 void ConsoleLine(const QString& text);

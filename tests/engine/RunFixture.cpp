@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/engine/RunFixture.h"
 #include "engine/record/FileQueue.h"
+#include "engine/record/HostText.h"
+#include "engine/report/Report.h"
 
 #include "rxregsvc.h"
 #include "state/StateFile.h"
@@ -51,6 +53,7 @@ void RecordingUi::ShowFileStatus(std::uint32_t, const QString& path, const QStri
 void RunTest::SetUp() {
     qputenv("XDG_DATA_HOME", QFile::encodeName(dir.path() + QStringLiteral("/share")));
     host.Reset();
+    SetConsole(HostPrint);
     host.Modules[QStringLiteral("tnl3-19-64.arx")] = dir.path() + QStringLiteral("/module/tnl3-19-64.arx");
     acrxEntryPoint(AcRx::kInitAppMsg, this);
     acrxEntryPoint(AcRx::kLoadDwgMsg, nullptr);
