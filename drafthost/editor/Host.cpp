@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <random>
 
@@ -113,7 +114,14 @@ std::string Host::nextLogName(const std::string& drawing) {
     static std::mt19937 random{std::random_device{}()};
     char tail[48];
     std::snprintf(tail, sizeof tail, "_%d_1_%04x.log", ++logs_, unsigned(random() & 0xFFFF));
-    return drawing + tail;
+    // A name has its limit, and a log that lacks text gets four bytes more. Not in the middle of a character.
+    constexpr std::size_t LongestName = 255 - 4;
+    std::size_t length = std::min(drawing.size(), LongestName - std::strlen(tail));
+    while (length > 0 && length < drawing.size() &&
+           (static_cast<unsigned char>(drawing[length]) & 0xC0) == 0x80) {
+        --length;
+    }
+    return drawing.substr(0, length) + tail;
 }
 
 // --- files ---

@@ -168,7 +168,7 @@ class Host {
     /// on the command line and at the end by the exit status.
     void giveAway(const LogRest& rest);
     bool lostLog() const { return lostLog_; }
-    /// File name for the next log of a drawing, new in this session.
+    /// File name for the next log of a drawing, new in this session; of a long name its beginning.
     std::string nextLogName(const std::string& drawing);
 
     /// For InputStream: frees documents that were closed and whose code has returned by now.

@@ -3,6 +3,7 @@
 #include "app/DrawingList.h"
 #include "app/Files.h"
 #include "tests/app/Program.h"
+#include "zip/ZipArchive.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -335,6 +336,25 @@ TEST_F(Input, ScriptsAreCheckedWithoutARun) {
     Host = "/bin/false";
     EXPECT_THAT(Call({"check", "s.scr"}).Out, Not(HasSubstr("ZOM"))) << "no host, no judgement of commands";
     EXPECT_EQ(Call({"check"}).Status, 2);
+}
+
+TEST_F(Input, TheLongestNamesKeepTheirLogs) {
+    std::string umlauts;
+    for (int i = 0; i < 125; ++i) {
+        umlauts += "\xC3\xA4";
+    }
+    const std::vector<std::string> names = {std::string(251, 'x') + ".dxf", umlauts + ".dxf"};
+    std::vector<std::string> arguments = {"-e", "._zoom e", "-e", "._qsave"};
+    for (const std::string& name : names) {
+        fs::copy_file(fs::path(SAMPLES) / "drawings/rooms-2000.dxf", Folder / name);
+        arguments.push_back(name);
+    }
+    const ProgramResult result = Run(arguments);
+    EXPECT_EQ(result.Status, 0) << result.Out << result.Errors;
+    EXPECT_EQ(result.Errors, "");
+    CZipArchive archive;
+    ASSERT_TRUE(archive.Open((Folder / "data/Ovrix/TNLLog.zip").string(), CZipArchive::Existing));
+    EXPECT_EQ(archive.Count(), 2);
 }
 
 }  // namespace
