@@ -235,7 +235,7 @@ TEST_F(StepThroughTest, CancelThrowsTheCaptureAway) {
 
 TEST_F(StepThroughTest, OpensAndClosesAHundredTimesAndUnloads) {
     begin("zoom e\r\n");
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < 100; ++i) {
         opensBy(i % 2 == 0 ? "stepThru" : "capture");
         backBy("close");
     }
