@@ -17,6 +17,7 @@
 #include <QFileDialog>
 #include <QIcon>
 #include <QMessageBox>
+#include <QStyle>
 
 namespace {
 
@@ -146,7 +147,13 @@ void ScriptTab::resizeEvent(QResizeEvent* event) {
 }
 
 void ScriptTab::setUpQuickScripts() {
-    connect(ui->quickScripts, &QListWidget::itemClicked, this, &ScriptTab::OnQuickScript);
+    // On desktops where one click activates, the click is told as that as well.
+    connect(ui->quickScripts, &QListWidget::itemClicked, this, [this] {
+        const QStyle* style = ui->quickScripts->style();
+        if (style->styleHint(QStyle::SH_ItemView_ActivateItemOnSingleClick, nullptr, ui->quickScripts) == 0) {
+            OnQuickScript();
+        }
+    });
     // Enter; on some desktops also a double click, which has loaded the script at its first half.
     connect(ui->quickScripts, &QListWidget::itemActivated, this, &ScriptTab::OnQuickScript);
     // A long title is shortened; the tip has all of it.
@@ -355,11 +362,15 @@ void ScriptTab::FillQuickScripts() {
             item->setData(Qt::UserRole, static_cast<int>(quickScriptPaths.size()));
             item->setToolTip(item->text() + u'\n' + path);
             quickScriptPaths.push_back(path);
-            ui->quickScripts->addItem(item);
+            int row = 0;
+            while (row < ui->quickScripts->count() &&
+                   ui->quickScripts->item(row)->text().compare(item->text(), Qt::CaseInsensitive) <= 0) {
+                ++row;
+            }
+            ui->quickScripts->insertItem(row, item);
             item->setSelected(samePath(path, TarnelData().LastScriptFile));
         }
     }
-    ui->quickScripts->sortItems();
 }
 
 QString ScriptTab::pathOf(const QListWidgetItem* item) const {

@@ -15,11 +15,23 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QProxyStyle>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
 namespace {
+
+/// A desktop on which one click opens what a list shows.
+class OneClick : public QProxyStyle {
+  public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_ItemView_ActivateItemOnSingleClick
+                   ? 1
+                   : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
 
 class ScriptTabTest : public ::testing::Test {
   protected:
@@ -245,6 +257,22 @@ TEST_F(ScriptTabTest, ReadyScriptsAreListedLoadedAndRefused) {
     answer({Yes}, [&] { clickScript("Mine"); });
     EXPECT_EQ(editor()->Text(), QByteArray("qsave\r"));
     EXPECT_EQ(TarnelData().LastScriptFile, folder.Path("data/Scripts/mine.scr"));
+}
+
+TEST_F(ScriptTabTest, OneClickAsksOnceOnEveryDesktop) {
+    for (const char* name : {"module/Scripts/a.scr", "module/Scripts/B.scr", "module/Scripts/c.scr"}) {
+        folder.Write(name, "regen\r\n");
+    }
+    OneClick style;
+    TarnelData().LastScriptFile = folder.Path("module/Scripts/a.scr");
+    open();
+    EXPECT_EQ(listed(), "a*, B, c, ") << "whatever the case of the letters";
+    scripts()->setStyle(&style);
+    type("x");
+    answer({No}, [&] { clickScript("B"); });
+    answer({Yes}, [&] { clickScript("c"); });
+    EXPECT_EQ(editor()->Text(), QByteArray("regen\r"));
+    scripts()->setStyle(nullptr);
 }
 
 TEST_F(ScriptTabTest, AScriptThatIsInstalledMeanwhileShows) {
