@@ -16,8 +16,8 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QMessageBox>
-#include <QStyle>
 
 namespace {
 
@@ -147,18 +147,26 @@ void ScriptTab::resizeEvent(QResizeEvent* event) {
 }
 
 void ScriptTab::setUpQuickScripts() {
-    // On desktops where one click activates, the click is told as that as well.
-    connect(ui->quickScripts, &QListWidget::itemClicked, this, [this] {
-        const QStyle* style = ui->quickScripts->style();
-        if (style->styleHint(QStyle::SH_ItemView_ActivateItemOnSingleClick, nullptr, ui->quickScripts) == 0) {
-            OnQuickScript();
-        }
-    });
-    // Enter; on some desktops also a double click, which has loaded the script at its first half.
-    connect(ui->quickScripts, &QListWidget::itemActivated, this, &ScriptTab::OnQuickScript);
+    connect(ui->quickScripts, &QListWidget::itemClicked, this, &ScriptTab::OnQuickScript);
+    ui->quickScripts->installEventFilter(this);
     // A long title is shortened; the tip has all of it.
     ui->quickScripts->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     ui->quickScripts->viewport()->setCursor(Qt::PointingHandCursor);
+}
+
+// Enter loads a ready script; left to the dialog it would start a run. The signal for both, a key and a
+// click, comes a second time on desktops where one click opens things.
+bool ScriptTab::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == ui->quickScripts && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        QListWidgetItem* current = ui->quickScripts->currentItem();
+        if ((key == Qt::Key_Return || key == Qt::Key_Enter) && current != nullptr) {
+            current->setSelected(true);
+            OnQuickScript();
+            return true;
+        }
+    }
+    return CResizableDialog::eventFilter(watched, event);
 }
 
 // The user's own folder is always watched: that is how a script shows that is installed meanwhile.

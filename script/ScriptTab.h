@@ -42,6 +42,7 @@ class ScriptTab : public MainPage {
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void setUpEditor();

@@ -9,7 +9,9 @@
 #include "widgets/AutoTab.h"
 #include "widgets/BalloonHelp.h"
 
+#include <QDir>
 #include <QFile>
+#include <QListWidget>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTreeView>
@@ -238,6 +240,25 @@ TEST_F(MainDialogTest, ScriptChecksMatchTheWholeText) {
     TarnelData().Script = "options\nxplot";
     TarnelData().WarnNoSave = TarnelData().WarnDialogCommand = TarnelData().WarnDialogCmdReplacement = false;
     EXPECT_TRUE(RunScriptChecks([](const ScriptQuestion&) { return false; }));
+}
+
+TEST_F(MainDialogTest, EnterOnAReadyScriptLoadsItAndStartsNothing) {
+    addFile(QStringLiteral("/d/a.dwg"));
+    QDir(folder.path()).mkpath(QStringLiteral("Scripts"));
+    QFile file(folder.filePath(QStringLiteral("Scripts/ready.scr")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("regen\r\nqsave\r\n");
+    file.close();
+    TarnelData().LastTab = 2;
+    TarnelDlg dialog(nullptr);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    auto* scripts = dialog.findChild<QListWidget*>(QStringLiteral("quickScripts"));
+    scripts->setFocus();
+    QTest::keyClick(scripts, Qt::Key_Down);
+    QTest::keyClick(scripts, Qt::Key_Return);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.findChild<ScriptEditor*>()->Text(), QByteArray("regen\rqsave\r"));
 }
 
 TEST_F(MainDialogTest, ControlsGoIntoTheRecordOnlyWhenCollected) {

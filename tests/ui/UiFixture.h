@@ -31,6 +31,7 @@ class UiFixture : public ::testing::Test {
         data.LastTab = 0;
         data.PreviousDirectories = {folder.path().toUtf8()};
         data.Script = "zoom e\r\nqsave\r\n";
+        data.LastScriptFile.clear();
         data.SetScriptModified(false);
         data.WarnNoSave = data.WarnDialogCommand = data.WarnDialogCmdReplacement = true;
         data.MaxTime = 60;
