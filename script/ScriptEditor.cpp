@@ -4,6 +4,8 @@
 #include "script/ScriptLexer.h"
 #include "system/UserLanguage.h"
 
+#include <algorithm>
+#include <QKeyEvent>
 #include <vector>
 
 namespace {
@@ -112,15 +114,32 @@ QByteArray ScriptEditor::RecordText(qsizetype most) const {
     return withLineEnds(Text(), "\r\n").left(most);
 }
 
+// The component takes the letter of a shortcut that nobody knows as typed. The third level of a keyboard
+// comes as Ctrl and Alt together.
+void ScriptEditor::keyPressEvent(QKeyEvent* event) {
+    const Qt::KeyboardModifiers held =
+        event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if (held == Qt::NoModifier || held == (Qt::ControlModifier | Qt::AltModifier)) {
+        QsciScintillaBase::keyPressEvent(event);
+        return;
+    }
+    QKeyEvent command(event->type(), event->key(), event->modifiers(), QString(), event->isAutoRepeat(),
+                      static_cast<quint16>(event->count()));
+    QsciScintillaBase::keyPressEvent(&command);
+    event->setAccepted(command.isAccepted());
+}
+
 void ScriptEditor::onStyleNeeded(int position) {
     const auto lineOf = [this](long at) {
         return SendScintilla(SCI_LINEFROMPOSITION, static_cast<unsigned long>(at));
     };
-    const auto startOf = [this](long line) {
+    const auto startOf = [this](long line) -> long {
         return SendScintilla(SCI_POSITIONFROMLINE, static_cast<unsigned long>(line));
     };
     const long length = SendScintilla(SCI_GETLENGTH);
-    const long start = startOf(lineOf(SendScintilla(SCI_GETENDSTYLED)));
+    // The last byte of a line may look otherwise for what stands first in the next, as in a string that ends
+    // nowhere; so the line before counts as changed too.
+    const long start = startOf(std::max(lineOf(SendScintilla(SCI_GETENDSTYLED)) - 1, 0L));
     const long next = startOf(lineOf(position) + 1);
     const long end = next < 0 || next > length ? length : next;
     if (end <= start) {

@@ -28,6 +28,9 @@ class ScriptEditor : public QsciScintillaBase {
     /// The Escape key, which does nothing in the text itself.
     void Escaped();
 
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
     void setStyle(int style, unsigned long color, const char* font, int size);
     void onStyleNeeded(int position);

@@ -2,11 +2,15 @@
 // The editor by its keys: bytes that go in and come out, and the colours that it shows.
 #include "script/ScriptEditor.h"
 
+#include "script/ScriptLexer.h"
+
 #include <gtest/gtest.h>
 #include <QApplication>
 #include <QClipboard>
 #include <QSignalSpy>
 #include <QTest>
+#include <random>
+#include <vector>
 
 namespace {
 
@@ -84,6 +88,53 @@ TEST_F(ScriptEditorTest, TypingColoursWhatIsSeen) {
     editor.SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 0UL);
     type("\"\\");
     EXPECT_EQ(styles(), "iiiiiiii") << "a string goes on over a line end behind a backslash";
+}
+
+TEST_F(ScriptEditorTest, EditsAnywhereLeaveTheColoursOfTheWhole) {
+    using S = QsciScintillaBase;
+    std::mt19937 random(11);
+    const std::string alphabet = "\"\"\"\\\\';( \r\r\rab1";
+    for (int round = 0; round < 400; ++round) {
+        editor.SetText({});
+        for (int edit = 0; edit < 30; ++edit) {
+            const auto length = static_cast<unsigned long>(editor.Text().size());
+            const unsigned long at = random() % (length + 1);
+            if (random() % 3 == 0 && at < length) {
+                editor.SendScintilla(S::SCI_DELETERANGE, at, 1L);
+            } else {
+                const char text[] = {alphabet[random() % alphabet.size()], '\0'};
+                editor.SendScintilla(S::SCI_INSERTTEXT, at, text);
+            }
+            // As a painting does: from where the colours are known, often only as far as a window shows.
+            const long known = editor.SendScintilla(S::SCI_GETENDSTYLED);
+            const auto shown = static_cast<long>(random() % (length + 2));
+            if (shown > known) {
+                editor.SendScintilla(S::SCI_COLOURISE, static_cast<unsigned long>(known), shown);
+            }
+        }
+        editor.SendScintilla(S::SCI_COLOURISE,
+                             static_cast<unsigned long>(editor.SendScintilla(S::SCI_GETENDSTYLED)), -1L);
+        const QByteArray text = editor.Text();
+        const auto size = static_cast<std::size_t>(text.size());
+        std::vector<ScriptStyle> expected(size);
+        LexScript({text.constData(), size}, 0, size, ScriptStyle::Default, expected);
+        for (std::size_t at = 0; at < size; ++at) {
+            ASSERT_EQ(editor.SendScintilla(S::SCI_GETSTYLEAT, static_cast<unsigned long>(at)),
+                      static_cast<long>(expected[at]))
+                << text.toPercentEncoding().toStdString() << " at " << at;
+        }
+    }
+}
+
+TEST_F(ScriptEditorTest, ShortcutsAreNoText) {
+    editor.SetText("a");
+    QTest::keyClick(&editor, 's', Qt::AltModifier);
+    QTest::keyClick(&editor, 's', Qt::MetaModifier);
+    QTest::keyClick(&editor, 'k', Qt::ControlModifier);
+    EXPECT_EQ(editor.Text(), QByteArray("a"));
+    // The third level of a keyboard comes with both.
+    QTest::keyClick(&editor, '{', Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(editor.Text(), QByteArray("{a"));
 }
 
 TEST_F(ScriptEditorTest, TheColoursAreReadableOnEveryDesktop) {
