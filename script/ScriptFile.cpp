@@ -2,6 +2,9 @@
 #include "script/ScriptFile.h"
 
 #include "engine/record/FileName.h"
+#include "text/CodePage.h"
+#include "text/ScriptText.h"
+#include "text/UserText.h"
 
 #include <QFile>
 
@@ -11,9 +14,22 @@ const QByteArray Mark = QByteArrayLiteral(";DESCRIPTION:");
 /// A first line is read up to here.
 constexpr qint64 LongestLine = 4096;
 
+/// A mark is no part of a script, and the zeros of wide text could be neither read nor typed.
+QByteArray narrowText(const QByteArray& bytes) {
+    if (bytes.startsWith("\xEF\xBB\xBF") && IsUtf8Page(LocalePage)) {
+        return bytes.sliced(3);
+    }
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) {
+        ScriptText text = DecodeScript(bytes);
+        return text.Fault.isEmpty() ? std::move(text.Script) : bytes;
+    }
+    return bytes;
+}
+
 }  // namespace
 
-ScriptFileText TakeScriptFile(const QByteArray& bytes) {
+ScriptFileText TakeScriptFile(const QByteArray& file) {
+    const QByteArray bytes = narrowText(file);
     const qsizetype end = bytes.startsWith(Mark) ? bytes.indexOf('\n') : -1;
     if (end < 0) {
         return {{}, bytes};
@@ -22,11 +38,11 @@ ScriptFileText TakeScriptFile(const QByteArray& bytes) {
     if (description.endsWith('\r')) {
         description.chop(1);
     }
-    return {QString::fromLocal8Bit(description), bytes.sliced(end + 1)};
+    return {DecodeUserText(description).Text, bytes.sliced(end + 1)};
 }
 
 QByteArray MakeScriptFile(const ScriptFileText& text) {
-    return Mark + text.Description.toLocal8Bit() + "\r\n" + text.Script;
+    return Mark + EncodeText(text.Description, LocalePage) + "\r\n" + text.Script;
 }
 
 QString ScriptFileTitle(const QString& path) {
@@ -35,7 +51,7 @@ QString ScriptFileTitle(const QString& path) {
     if (!file.open(QIODevice::ReadOnly)) {
         return title;
     }
-    QByteArray line = file.readLine(LongestLine);
+    QByteArray line = narrowText(file.readLine(LongestLine));
     if (!line.startsWith(Mark)) {
         return title;
     }
@@ -46,5 +62,5 @@ QString ScriptFileTitle(const QString& path) {
     while (line.startsWith(' ')) {
         line.remove(0, 1);
     }
-    return QString::fromLocal8Bit(line);
+    return DecodeUserText(line).Text;
 }

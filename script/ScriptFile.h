@@ -11,7 +11,8 @@ struct ScriptFileText {
 };
 
 /// Takes a file's bytes apart. Without a description, or with one that no line end closes, all is the script.
-ScriptFileText TakeScriptFile(const QByteArray& bytes);
+/// A byte order mark goes; UTF-16 that begins with one comes in the narrow encoding if that can write it.
+ScriptFileText TakeScriptFile(const QByteArray& file);
 /// What a file holds: always a description, in the narrow encoding, then the script as it stands.
 QByteArray MakeScriptFile(const ScriptFileText& text);
 /// What a list calls the script of a file: its description without blanks in front, else the file's name

@@ -275,6 +275,44 @@ TEST_F(ScriptTabTest, OneClickAsksOnceOnEveryDesktop) {
     scripts()->setStyle(nullptr);
 }
 
+TEST_F(ScriptTabTest, FilesOfOtherSystemsAreRead) {
+    const QByteArray utf8 =
+        ";DESCRIPTION:Stra\xC3\x9F"
+        "e\r\n-layer m W\xC3\xA4nde\r\n";
+    const QString description = QString::fromUtf8(
+        "Stra\xC3\x9F"
+        "e");
+    const QString text16 = QString::fromUtf8(utf8);
+    const QByteArray wide(reinterpret_cast<const char*>(text16.utf16()), text16.size() * 2);
+    QByteArray page = utf8;
+    page.replace("\xC3\x9F", "\xDF").replace("\xC3\xA4", "\xE4");
+    const struct {
+        QByteArray File;
+        QByteArray Text;
+    } cases[] = {
+        {utf8, "-layer m W\xC3\xA4nde\r"},
+        {"\xEF\xBB\xBF" + utf8, "-layer m W\xC3\xA4nde\r"},
+        {"\xFF\xFE" + wide, "-layer m W\xC3\xA4nde\r"},
+        {page, "-layer m W\xE4nde\r"},
+    };
+    for (const auto& one : cases) {
+        folder.Write("module/Scripts/s.scr", one.File);
+        open();
+        // UTF-16 is listed by its name, as are files without a description.
+        const bool isWide = one.File.startsWith('\xFF');
+        EXPECT_EQ(scripts()->item(0)->text(), isWide ? QStringLiteral("s") : description);
+        tab->LoadScript(folder.Path("module/Scripts/s.scr"));
+        EXPECT_EQ(text("description"), description);
+        EXPECT_EQ(editor()->Text(), one.Text);
+        type("z");
+        answer({Yes}, [&] { click("save"); });
+        EXPECT_EQ(content("module/Scripts/s.scr"),
+                  ";DESCRIPTION:Stra\xC3\x9F"
+                  "e\r\nz" +
+                      one.Text + '\n');
+    }
+}
+
 TEST_F(ScriptTabTest, AScriptThatIsInstalledMeanwhileShows) {
     open();
     EXPECT_EQ(listed(), "");
