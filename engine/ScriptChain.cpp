@@ -8,9 +8,9 @@
 #include "engine/report/Report.h"
 #include "engine/RunState.h"
 #include "log/Trace.h"
-#include "text/CodePage.h"
 #include "text/ScriptText.h"
 #include "text/StdioFileEx.h"
+#include "text/UserText.h"
 #include "text/WholeFile.h"
 
 #include <QFile>
@@ -30,7 +30,7 @@ QString forHost(QString path) {
 }
 
 QString usersScript() {
-    QString text = DecodeText(TarnelData().Script, LocalePage);
+    QString text = DecodeUserText(TarnelData().Script).Text;
     if (!text.endsWith(QLatin1Char('\n'))) {
         text += QLatin1Char('\n');
     }

@@ -9,6 +9,8 @@
 #include "engine/RunState.h"
 #include "script/KeyCapture.h"
 #include "script/ScriptEditor.h"
+#include "text/CodePage.h"
+#include "text/UserText.h"
 #include "ui_DebugScript.h"
 #include "widgets/XPStyleButton.h"
 
@@ -140,7 +142,7 @@ void DebugScript::executeLine() {
         line = editor.Text().sliced(start, length);
     }
     AcApDocManager* documents = acDocManagerPtr();
-    const QString text = QString::fromLocal8Bit(line);
+    const QString text = DecodeUserText(line).Text;
     documents->sendStringToExecute(documents->curDocument(), HostText(text), true, false, true);
     ++currentLine;
     editor.SendScintilla(S::SCI_MARKERDELETEALL, LineMarker);
@@ -172,7 +174,7 @@ void DebugScript::OnKeyCaptured(char32_t character) {
         return;
     }
     ++capturedCount;
-    const QByteArray bytes = QString::fromUcs4(&character, 1).toLocal8Bit();
+    const QByteArray bytes = EncodeText(QString::fromUcs4(&character, 1), LocalePage);
     ui->editor->SendScintilla(S::SCI_ADDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
     ui->editor->SendScintilla(S::SCI_SCROLLCARET);
 }

@@ -6,10 +6,10 @@
 #include "state/LastSave.h"
 #include "state/StateFields.h"
 #include "text/Base64.h"
-#include "text/CodePage.h"
 #include "text/MarkupDocument.h"
 #include "text/MarkupFile.h"
 #include "text/PatchedFile.h"
+#include "text/UserText.h"
 #include "text/WholeFile.h"
 
 namespace {
@@ -23,8 +23,9 @@ class Writer {
         document.AddChildElement(name, QString::number(static_cast<int>(field)));
     }
     void String(QStringView name, const QString& field) { document.AddChildElement(name, field); }
+    // What a file of another system holds is kept as the text that it is, not as its bytes.
     void Narrow(QStringView name, const QByteArray& field) {
-        document.AddChildElement(name, DecodeText(field, LocalePage));
+        document.AddChildElement(name, DecodeUserText(field).Text);
     }
     void Boolean(QStringView name, bool field) { document.AddChildElement(name, field ? u"1" : u"0"); }
     void ScriptModified(QStringView name, const CTarnelData& data) { Boolean(name, data.ScriptModified()); }

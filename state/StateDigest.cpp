@@ -3,7 +3,7 @@
 
 #include "engine/record/FileQueue.h"
 #include "engine/record/TarnelData.h"
-#include "text/CodePage.h"
+#include "text/UserText.h"
 
 #include <QCryptographicHash>
 
@@ -31,14 +31,14 @@ QByteArray QueueDigest(const CTarnelData& data) {
 
 QByteArray ScriptDigest(const CTarnelData& data) {
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    add(hash, DecodeText(data.Script, LocalePage));
+    add(hash, DecodeUserText(data.Script).Text);
     return hash.result().toHex();
 }
 
 QByteArray RunDigest(const CTarnelData& data) {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     addQueue(hash, data);
-    add(hash, DecodeText(data.Script, LocalePage));
+    add(hash, DecodeUserText(data.Script).Text);
     for (const std::uint32_t value : {data.MaxTime, data.AlarmTime, std::uint32_t(data.ProcessReadOnly),
                                       std::uint32_t(data.SortIdx), std::uint32_t(data.SortReverse)}) {
         add(hash, QString::number(value));

@@ -4,6 +4,7 @@
 #include "acutads.h"
 #include "engine/record/HostText.h"
 #include "engine/record/TarnelData.h"
+#include "text/UserText.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ bool fits(const QString& script, const QString& pattern) {
 
 bool RunScriptChecks(const std::function<bool(const ScriptQuestion&)>& ask) {
     CTarnelData& data = TarnelData();
-    const QString script = QString::fromLocal8Bit(data.Script);
+    const QString script = DecodeUserText(data.Script).Text;
     if (data.WarnNoSave && !fits(script, QStringLiteral("*qsave*")) &&
         !fits(script, QStringLiteral("*saveas*"))) {
         if (!ask({QStringLiteral("The script does not contain a QSAVE or SAVEAS command.\nAny changes made "

@@ -161,6 +161,23 @@ TEST_F(RunTest, ScriptTextStandsBetweenTheCallsOfTheModule) {
     EXPECT_EQ(written, head + "zoom\r\n\r\n");
 }
 
+TEST_F(RunTest, AScriptOfAnotherSystemReachesTheHostAsTheTextThatItIs) {
+    QByteArray written;
+    host.OnCommand = [&](const QStringList& words) {
+        if (words[0] == QLatin1String("._script")) {
+            written = Content(words[1].mid(1, words[1].size() - 2));
+        }
+        return RTNORM;
+    };
+    SetQueue({MakeFile("a.dxf")},
+             "-layer m Stra\xDF"
+             "e\r\n-layer m W\xC3\xA4nde\r\n");
+    StartRun();
+    EXPECT_EQ(written.toStdString(),
+              "(TNL_Script_Start)\r\n(TNL_Script_SetVars)\r\n-layer m Stra\xC3\x9F"
+              "e\r\n-layer m W\xC3\xA4nde\r\n(TNL_Script_Complete)\r\n");
+}
+
 TEST_F(RunTest, RefusedStartLeavesTheRunBegunAndTheNextCommandTidiesUp) {
     SetQueue({MakeFile("a.dxf")});
     host.DocumentCount = 3;

@@ -233,6 +233,23 @@ TEST_F(StepThroughTest, CancelThrowsTheCaptureAway) {
     EXPECT_EQ(bar(), nullptr);
 }
 
+TEST_F(StepThroughTest, ALineOfAnotherSystemIsTypedAsTheTextThatItIs) {
+    const QString path = folder.filePath(QStringLiteral("old.scr"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        "-layer m Stra\xDF"
+        "e\r\n\r\n(setq there (tblsearch \"LAYER\" \"Stra\\U+00DFe\"))\r\n");
+    file.close();
+    begin("zoom e</Script>\r\n<LastScriptFile>" + path.toUtf8() + "</LastScriptFile>\r\n<Script>");
+    opensBy("stepThru");
+    while (execute()) {
+    }
+    EXPECT_NE(lisp("(princ (strcat \"ma\" (if there \"de\" \"-\")))").find("made"), std::string::npos)
+        << output;
+    backBy("close");
+}
+
 TEST_F(StepThroughTest, OpensAndClosesAHundredTimesAndUnloads) {
     begin("zoom e\r\n");
     for (int i = 0; i < 100; ++i) {
