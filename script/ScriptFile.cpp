@@ -20,8 +20,8 @@ QByteArray narrowText(const QByteArray& bytes) {
         return bytes.sliced(3);
     }
     if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) {
-        ScriptText text = DecodeScript(bytes);
-        return text.Fault.isEmpty() ? std::move(text.Script) : bytes;
+        const ScriptText text = DecodeScript(bytes);
+        return text.Fault.isEmpty() ? text.Script : bytes;
     }
     return bytes;
 }
