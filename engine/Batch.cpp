@@ -95,14 +95,15 @@ void DoBatch() {
     ResetSystemVars();
     Trace("Showing MainDlg\n");
     const RunUi::Answer answer = CurrentUi().RunMainDialog();
+    const QString fault = answer == RunUi::Cancel ? QString() : ScriptFault();
     Trace("Saving State\n");
     const bool saved = SaveRunState();
     if (answer == RunUi::Cancel) {
         afterCancel();
         return;
     }
-    if (!saved) {
-        RefuseRun(RunFault());
+    if (!saved || !fault.isEmpty()) {
+        RefuseRun(saved ? fault : RunFault());
         return;
     }
     Trace("Send Start Batch\n");

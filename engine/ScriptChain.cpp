@@ -78,6 +78,11 @@ QString ComposeScript() {
     return text;
 }
 
+QString ScriptFault() {
+    const QString fault = DecodeUserText(TarnelData().Script).Fault();
+    return fault.isEmpty() ? fault : QStringLiteral("the script: ") + fault;
+}
+
 int LinesOfScript() {
     QString text = usersScript();
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));

@@ -12,6 +12,9 @@
 QString ComposeScript();
 /// Lines of its own that stand in front of the user's.
 constexpr int LinesBeforeScript = 2;
+/// One line about a line of the user's script that is text in no encoding, so that no drawing may get it;
+/// empty without one.
+QString ScriptFault();
 /// Lines of the user's script, as the host counts them.
 int LinesOfScript();
 /// The two files of the chain, as the host is told them.

@@ -3,6 +3,7 @@
 
 #include "engine/record/FileName.h"
 #include "engine/record/TarnelData.h"
+#include "engine/ScriptChain.h"
 #include "html/HTMLayout.h"
 #include "script/KeyCapture.h"
 #include "script/ScriptEditor.h"
@@ -348,6 +349,11 @@ void ScriptTab::OnSaveAs() {
 }
 
 void ScriptTab::OnStepThru() {
+    takeText();
+    if (const QString fault = ScriptFault(); !fault.isEmpty()) {
+        QMessageBox::critical(this, tr("Step Thru Script"), tr("No line is sent. In %1.").arg(fault));
+        return;
+    }
     TarnelData().DebugRequested = true;
     Q_EMIT CloseWanted();
 }

@@ -4,6 +4,7 @@
 #include "engine/record/FileQueue.h"
 #include "engine/record/TarnelData.h"
 #include "engine/RunState.h"
+#include "engine/ScriptChain.h"
 #include "log/Trace.h"
 #include "ui/HelpPages.h"
 #include "ui/Icons.h"
@@ -165,6 +166,14 @@ bool TarnelDlg::hasToDo() const {
 }
 
 bool TarnelDlg::scriptMayRun() {
+    if (const QString fault = ScriptFault(); !fault.isEmpty()) {
+        QMessageBox::critical(this, QStringLiteral("Script Warning"),
+                              tr("No run is started. In %1.").arg(fault));
+        return false;
+    }
+    if (Run().Scheduled) {
+        return true;
+    }
     const bool may = RunScriptChecks([this](const ScriptQuestion& question) {
         QMessageBox box(QMessageBox::Warning, QStringLiteral("Script Warning"), question.Text,
                         QMessageBox::Yes | QMessageBox::No, this);
@@ -189,7 +198,7 @@ void TarnelDlg::OnOK() {
                            ui->runScript->mapToGlobal(edge), QMessageBox::Information, 10000);
         return;
     }
-    if (!Run().Scheduled && !scriptMayRun()) {
+    if (!scriptMayRun()) {
         return;
     }
     keepGeometry();
@@ -209,4 +218,5 @@ void TarnelDlg::onSchedule() {
     }
     Run().Scheduled = true;
     OnOK();
+    Run().Scheduled = result() == QDialog::Accepted;
 }

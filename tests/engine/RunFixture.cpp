@@ -20,6 +20,7 @@ void RecordingUi::note(const QString& text) {
 
 RunUi::Answer RecordingUi::RunMainDialog() {
     note(QStringLiteral("dialog"));
+    InDialog();
     if (DialogAnswers.empty()) {
         return Cancel;
     }

@@ -19,6 +19,8 @@ inline void PrintTo(const QString& text, std::ostream* out) {
 class RecordingUi : public RunUi {
   public:
     std::deque<Answer> DialogAnswers;
+    /// What the user does in the main dialog before the answer.
+    std::function<void()> InDialog = [] {};
     std::deque<Answer> QuestionAnswers;
     bool StepThroughVisible = false;
 

@@ -4,6 +4,7 @@
 #include "state/StateDigest.h"
 #include "state/StateFile.h"
 #include "tests/engine/RunFixture.h"
+#include "tests/files/Language.h"
 
 #include <QDir>
 #include <QFile>
@@ -34,6 +35,17 @@ class FullDisk {
 };
 
 }  // namespace
+
+TEST_F(RunTest, AScriptThatIsTextInNoEncodingStartsNoRun) {
+    const Language japanese("ja_JP.UTF-8");
+    SetQueue({MakeFile(QStringLiteral("a.dwg"))});
+    ui.InDialog = [] { TarnelData().Script = "-layer m \x90\x7D\r\n\r\n-layer m \x85\r\n"; };
+    StartRun();
+    EXPECT_TRUE(host.Printed.contains("no run is started: the script: line 3 is no text in"))
+        << host.Printed.toStdString();
+    EXPECT_EQ(SavedStatuses(), QStringLiteral("0"));
+    EXPECT_FALSE(TarnelData().BatchRunning);
+}
 
 TEST_F(RunTest, SaveThatFailsForAMomentCostsNothing) {
     SetQueue({MakeFile("a.dxf"), MakeFile("b.dxf")});

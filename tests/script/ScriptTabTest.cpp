@@ -6,6 +6,7 @@
 #include "script/ScriptEditor.h"
 #include "script/ScriptTab.h"
 #include "tests/files/Folder.h"
+#include "tests/files/Language.h"
 #include "tests/recording/RecordingHost.h"
 #include "widgets/XPStyleButton.h"
 
@@ -356,6 +357,19 @@ TEST_F(ScriptTabTest, EscapeInTheTextIsTheCloseButton) {
     QTest::keyClick(editor(), Qt::Key_Escape);
     QCoreApplication::processEvents();
     EXPECT_EQ(wanted.size(), 1);
+}
+
+TEST_F(ScriptTabTest, ADamagedScriptIsShownAndNotStepped) {
+    const Language japanese("ja_JP.UTF-8");
+    folder.Write("module/Scripts/s.scr", "zoom e\r\n-layer m \x85\r\n");
+    open();
+    const QSignalSpy wanted(tab.get(), &ScriptTab::CloseWanted);
+    tab->LoadScript(folder.Path("module/Scripts/s.scr"));
+    EXPECT_EQ(editor()->Text(), QByteArray("zoom e\r-layer m \x85\r"));
+    answer({QMessageBox::Ok}, [&] { click("stepThru"); });
+    EXPECT_NE(asked.back().find("No line is sent. In the script: line 2"), std::string::npos) << asked.back();
+    EXPECT_EQ(wanted.size(), 0);
+    EXPECT_FALSE(TarnelData().DebugRequested);
 }
 
 TEST_F(ScriptTabTest, ANarrowPageKeepsItsButtonsApart) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main dialog by keys and mouse: pages, what it keeps, when a run may start.
 #include "script/ScriptEditor.h"
+#include "tests/files/Language.h"
 #include "tests/ui/UiFixture.h"
 #include "ui/Icons.h"
 #include "ui/MainPages.h"
@@ -181,6 +182,24 @@ TEST_F(MainDialogTest, RunScriptNeedsAFileToDo) {
     press(dialog, "runScript");
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(MainDialogTest, ADamagedScriptIsNeitherRunNorScheduled) {
+    const Language japanese("ja_JP.UTF-8");
+    addFile(QStringLiteral("/d/a.dwg"));
+    TarnelData().Script = "zoom e\r\n-layer m \x85\r\nqsave\r\n";
+    for (const bool scheduled : {false, true}) {
+        TarnelDlg dialog(nullptr);
+        dialog.show();
+        ::Run().Scheduled = scheduled;
+        answerNext(QMessageBox::Ok);
+        press(dialog, "runScript");
+        EXPECT_TRUE(dialog.isVisible());
+        ASSERT_EQ(questions.size(), scheduled ? 2 : 1);
+        EXPECT_TRUE(questions.back().contains(QStringLiteral("the script: line 2 is no text in")))
+            << questions.back().toStdString();
+    }
+    ::Run().Scheduled = false;
 }
 
 TEST_F(MainDialogTest, EachQuestionAnsweredBothWays) {
