@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <numbers>
 
+#include "drafthost/automation/DefaultList.h"
 #include "drafthost/automation/Lisp.h"
 #include "drafthost/automation/Session.h"
 #include "drafthost/drawing/Blocks.h"
@@ -20,6 +23,22 @@ constexpr EntityName Missing = EntityName{1} << 63;
 bool isPointCode(int code) {
     return (code >= 10 && code <= 18) || code == 110 || code == 111 || code == 112 || code == 210 ||
            (code >= 1010 && code <= 1013);
+}
+
+/// Angles are degrees in the file and radians for programs.
+bool isAngleCode(int code) {
+    return code >= 50 && code <= 58;
+}
+constexpr double RadiansPerDegree = std::numbers::pi / 180;
+
+/// Without the noise of the conversion: 30 degrees were 30 before.
+double degreesOf(double radians) {
+    constexpr double Steps = 1e10;
+    const double degrees = radians / RadiansPerDegree;
+    const double rounded = std::nearbyint(degrees * Steps) / Steps;
+    return std::fabs(rounded - degrees) <= 4 * std::numeric_limits<double>::epsilon() * std::fabs(degrees)
+               ? rounded
+               : degrees;
 }
 
 bool isReference(int code) {
@@ -109,7 +128,7 @@ Value groupValue(const Drawing& drawing, const Record& record, std::size_t i) {
     }
     switch (kindOf(code)) {
         case ValueKind::Real:
-            return Value::real(record.real(i));
+            return Value::real(isAngleCode(code) ? record.real(i) * RadiansPerDegree : record.real(i));
         case ValueKind::Int16:
         case ValueKind::Int32:
         case ValueKind::Int64:
@@ -134,16 +153,16 @@ Value recordList(const Drawing& drawing, RecordId id, const Applications& applic
     const Layout* layout = layoutOf(drawing, id);
     const auto owner = ownerTag(record);
     const std::size_t end = record.xdata();
-    ListBuilder list;
-    list.add(pair(-1, Value::ename(nameOf(id))));
-    list.add(pair(0, Value::string(std::string(record.type()))));
+    std::vector<Value> list;
+    list.push_back(pair(-1, Value::ename(nameOf(id))));
+    list.push_back(pair(0, Value::string(std::string(record.type()))));
     if (owner) {
-        list.add(pair(330, groupValue(drawing, record, *owner)));
+        list.push_back(pair(330, groupValue(drawing, record, *owner)));
     }
     bool spaceShown = layout == nullptr;
     const auto showSpace = [&] {
-        list.add(pair(67, Value::integer(layout->model ? 0 : 1)));
-        list.add(pair(410, Value::string(layout->name)));
+        list.push_back(pair(67, Value::integer(layout->model ? 0 : 1)));
+        list.push_back(pair(410, Value::string(layout->name)));
         spaceShown = true;
     };
     for (std::size_t i = 1; i < end;) {
@@ -154,19 +173,20 @@ Value recordList(const Drawing& drawing, RecordId id, const Applications& applic
             showSpace();
         }
         if (i != owner && !derived && code != 999) {
-            list.add(pair(code, groupValue(drawing, record, i)));
+            list.push_back(pair(code, groupValue(drawing, record, i)));
         }
         i += width;
     }
     if (!spaceShown) {
         showSpace();
     }
+    addDefaults(record, list);
     if (!applications.empty()) {
         if (Value data = extendedData(drawing, record, applications)) {
-            list.add(pair(-3, std::move(data)));
+            list.push_back(pair(-3, std::move(data)));
         }
     }
-    return list.take();
+    return Value::list(list);
 }
 
 Value tableList(const Drawing& drawing, RecordId id) {
@@ -203,7 +223,6 @@ bool fitsGroup(int code, const Value& v) {
         case ValueKind::Int16:
         case ValueKind::Int32:
         case ValueKind::Bool:
-            return v.isInt();
         case ValueKind::Int64:
             return v.isNumber();
         case ValueKind::Handle:
@@ -254,7 +273,7 @@ drafthost::Value toTag(const Drawing& drawing, int code, const Value& v) {
         return v.toString();
     }
     if (isPointCode(code) || kindOf(code) == ValueKind::Real) {
-        return v.toDouble();
+        return isAngleCode(code) ? degreesOf(v.toDouble()) : v.toDouble();
     }
     return v.isInt() ? std::int64_t{v.toInt()} : static_cast<std::int64_t>(std::llround(v.toReal()));
 }
@@ -279,6 +298,10 @@ void setIfChanged(Drawing& drawing, RecordId id, std::size_t i, int code, const 
 }  // namespace
 
 void setGroup(Drawing& drawing, RecordId id, std::size_t i, int code, const Value& value) {
+    // An angle that was only read and given back stays as it was typed.
+    if (isAngleCode(code) && lisp::equalValues(groupValue(drawing, drawing.record(id), i), value)) {
+        return;
+    }
     const std::size_t width = groupWidth(drawing.record(id), i);
     const auto point = toPoint(value);
     if (width == 1 || !point) {
@@ -292,6 +315,28 @@ void setGroup(Drawing& drawing, RecordId id, std::size_t i, int code, const Valu
         drawing.insertTag(id, i + 2, code + 20, (*point)[2]);
     }
 }
+
+namespace {
+
+/// At the end of the part in which the group belongs, in front of extended data where that is not known.
+std::size_t placeOfGroup(const Record& record, int code) {
+    if (record.type() == "LWPOLYLINE" && (code == 43 || code == 38 || code == 39)) {
+        return record.find(10).value_or(record.xdata());
+    }
+    for (const DefaultGroup& group : defaultGroups(record.type())) {
+        const std::size_t begin = group.code == code ? record.subclass(group.subclass) : record.size();
+        if (begin < record.size()) {
+            std::size_t end = begin + 1;
+            while (end < record.xdata() && record.code(end) != 100) {
+                ++end;
+            }
+            return end;
+        }
+    }
+    return record.xdata();
+}
+
+}  // namespace
 
 void addGroup(Drawing& drawing, RecordId id, int code, const Value& value) {
     // Properties that every entity may have stand together behind the layer; the rest goes to the end.
@@ -312,7 +357,7 @@ void addGroup(Drawing& drawing, RecordId id, int code, const Value& value) {
         default:
             break;
     }
-    const std::size_t before = drawing.record(id).xdata();
+    const std::size_t before = placeOfGroup(drawing.record(id), code);
     const auto point = isPointCode(code) ? toPoint(value) : std::nullopt;
     if (!point) {
         drawing.insertTag(id, before, code, toTag(drawing, code, value));

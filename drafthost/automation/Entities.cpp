@@ -45,23 +45,25 @@ Value modify(Evaluator& e, Args args) {
     return done ? args[0] : Value();
 }
 
-std::optional<RecordId> make(Evaluator& e, const Value& list) {
+std::optional<Made> make(Evaluator& e, const Value& list) {
     Drawing& drawing = drawingOf(e);
     checkGroups(list);
     bool tables = false;
-    const auto id = makeRecord(drawing, list, tables);
-    if (id || tables) {
+    auto made = makeRecord(drawing, list, sessionOf(e).making, tables);
+    if (made || tables) {
         sessionOf(e).host.drawingChanged(tables);
     }
-    return id;
+    return made;
 }
 
 Value makeEntity(Evaluator& e, Args args) {
-    return make(e, args[0]) ? args[0] : Value();
+    const auto made = make(e, args[0]);
+    return !made ? Value() : made->block.empty() ? args[0] : Value::string(made->block);
 }
 
 Value makeNamed(Evaluator& e, Args args) {
-    return nameOrNil(make(e, args[0]).value_or(NoRecord));
+    const auto made = make(e, args[0]);
+    return !made ? Value() : made->block.empty() ? nameOrNil(made->record) : Value::string(made->block);
 }
 
 // Deletes an entity, or gives back one that was deleted in this session.

@@ -2,8 +2,11 @@
 #include "drafthost/automation/EntityEdit.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <map>
 
+#include "drafthost/automation/DefaultList.h"
 #include "drafthost/automation/DxfList.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Header.h"
@@ -12,21 +15,78 @@
 #include "drafthost/drawing/View.h"
 
 namespace drafthost::automation {
-namespace {
 
-/// Groups that name the record or tell where it stands; they are not for the list to change.
-bool isFixed(int code) {
+bool isFixedGroup(int code) {
     return code < 0 || code == 0 || code == 5 || code == 105 || code == 100 || code == 102 || code == 330 ||
            code == 410 || code == 67;
 }
+
+namespace {
 
 bool isEntity(const Drawing& drawing, RecordId id) {
     const std::string_view type = drawing.type(id);
     return !tableOf(type) && type != "BLOCK" && type != "ENDBLK" && drawing.record(id).find(8);
 }
 
-/// Whether linetype and colour of the list are ones that the drawing can have.
-bool propertiesAreValid(const Drawing& drawing, const Value& list) {
+}  // namespace
+
+std::string typeOfList(const Value& list) {
+    const Value* type = groupOf(list, 0);
+    return type == nullptr ? "" : lisp::upperCase(type->toString());
+}
+
+namespace {
+
+/// Groups of which an entity of any kind has one.
+bool isSingle(std::string_view type, int code) {
+    static constexpr std::array Plain = {"LINE", "CIRCLE",  "ARC",   "POINT",  "TEXT",  "INSERT",
+                                         "RAY",  "ELLIPSE", "XLINE", "VERTEX", "SOLID", "LAYER"};
+    if (code == 8 || code == 6 || code == 62 || code == 48 || code == 60 || code == 370 || code == 420 ||
+        code == 39 || code == 210 || code == 67 || code == 410) {
+        return true;
+    }
+    return code >= 0 && code != 100 && code != 102 && code != 330 && code != 360 &&
+           std::ranges::find(Plain, type) != Plain.end();
+}
+
+Value converted(const Value& pair) {
+    const int code = pair.car().toInt();
+    const Value& value = pair.cdr();
+    const ValueKind kind = code < 0 ? ValueKind::Text : kindOf(code);
+    const bool whole = kind == ValueKind::Int16 || kind == ValueKind::Int32 || kind == ValueKind::Bool;
+    if (whole && value.isReal()) {
+        return Value::cons(pair.car(),
+                           Value::integer(static_cast<std::int32_t>(std::lround(value.toReal()))));
+    }
+    return pair;
+}
+
+}  // namespace
+
+Value takenList(const Value& list, std::string_view type) {
+    const std::vector<Value> items = list.items();
+    std::vector<Value> taken;
+    bool inGroup = false;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const int code = items[i].car().toInt();
+        if (code == 102 && items[i].cdr().isString()) {
+            inGroup = items[i].cdr().toString().find('{') != std::string::npos;
+        }
+        const bool later = !inGroup && isSingle(type, code) &&
+                           std::any_of(items.begin() + static_cast<std::ptrdiff_t>(i) + 1, items.end(),
+                                       [&](const Value& other) { return other.car().toInt() == code; });
+        if (!later) {
+            taken.push_back(converted(items[i]));
+        }
+    }
+    return Value::list(taken);
+}
+
+bool referencesAreValid(const Drawing& drawing, std::string_view type, const Value& list) {
+    const auto names = [&](int code, Table table) {
+        const Value* name = groupOf(list, code);
+        return name == nullptr || findEntry(drawing, table, name->toString()) != NoRecord;
+    };
     if (const Value* linetype = groupOf(list, 6)) {
         const std::string name = foldCase(linetype->toString());
         if (name != foldCase("BYLAYER") && name != foldCase("BYBLOCK") && name != foldCase("CONTINUOUS") &&
@@ -34,11 +94,19 @@ bool propertiesAreValid(const Drawing& drawing, const Value& list) {
             return false;
         }
     }
+    const bool text = type == "TEXT" || type == "MTEXT" || type == "ATTRIB" || type == "ATTDEF";
+    if (text && groupOf(list, 7) != nullptr &&
+        foldCase(groupOf(list, 7)->toString()) != foldCase("Standard") && !names(7, Table::Style)) {
+        return false;
+    }
+    if (type == "INSERT" && groupOf(list, 2) != nullptr &&
+        findBlock(drawing, groupOf(list, 2)->toString()) == nullptr) {
+        return false;
+    }
     const Value* colour = groupOf(list, 62);
-    return colour == nullptr || (colour->toInt() >= -256 && colour->toInt() <= 256);
+    return colour == nullptr || !colour->isInt() || (colour->toInt() >= -256 && colour->toInt() <= 256);
 }
 
-/// A layer that an entity is put on comes into being.
 bool needLayer(Drawing& drawing, const Value& list, bool& tablesChanged) {
     const Value* layer = groupOf(list, 8);
     if (layer == nullptr) {
@@ -54,6 +122,8 @@ bool needLayer(Drawing& drawing, const Value& list, bool& tablesChanged) {
     return true;
 }
 
+namespace {
+
 std::map<int, std::vector<std::size_t>> groupsOf(const Record& record) {
     std::map<int, std::vector<std::size_t>> groups;
     const std::size_t end = record.xdata();
@@ -63,7 +133,7 @@ std::map<int, std::vector<std::size_t>> groupsOf(const Record& record) {
         if (code == 102) {
             inGroup = record.raw(i).find('{') != std::string_view::npos;
         }
-        if (!isFixed(code) && !inGroup && code != 999) {
+        if (!isFixedGroup(code) && !inGroup && code != 999) {
             groups[code].push_back(i);
         }
     }
@@ -95,7 +165,7 @@ void rewrite(Drawing& drawing, RecordId id, const std::vector<Value>& items) {
             skip = item.cdr().toString().find('{') != std::string::npos;
             continue;
         }
-        if (skip || (isFixed(code) && code != 100)) {
+        if (skip || (isFixedGroup(code) && code != 100)) {
             continue;
         }
         if (code == 100 && item.cdr().toString() == "AcDbEntity" && skipMarker) {
@@ -111,166 +181,6 @@ void rewrite(Drawing& drawing, RecordId id, const std::vector<Value>& items) {
     }
 }
 
-std::string upperType(const Value& list) {
-    const Value* type = groupOf(list, 0);
-    std::string name = type == nullptr ? "" : lisp::upperCase(type->toString());
-    return name;
-}
-
-/// The subclass markers that a list from an old program leaves out.
-std::string_view subclassOf(std::string_view type) {
-    static const std::map<std::string_view, std::string_view> markers = {
-        {"LINE", "AcDbLine"},           {"CIRCLE", "AcDbCircle"}, {"POINT", "AcDbPoint"},
-        {"TEXT", "AcDbText"},           {"MTEXT", "AcDbMText"},   {"LWPOLYLINE", "AcDbPolyline"},
-        {"SOLID", "AcDbTrace"},         {"TRACE", "AcDbTrace"},   {"3DFACE", "AcDbFace"},
-        {"ELLIPSE", "AcDbEllipse"},     {"SPLINE", "AcDbSpline"}, {"INSERT", "AcDbBlockReference"},
-        {"POLYLINE", "AcDb2dPolyline"}, {"RAY", "AcDbRay"},       {"XLINE", "AcDbXline"},
-        {"ARC", "AcDbCircle"},          {"ATTRIB", "AcDbText"},   {"ATTDEF", "AcDbText"},
-    };
-    const auto found = markers.find(type);
-    return found == markers.end() ? std::string_view() : found->second;
-}
-
-/// Groups without which a type makes no entity.
-bool hasEssentials(const std::string& type, const Value& list) {
-    static const std::map<std::string_view, std::vector<int>> needed = {
-        {"LINE", {10, 11}},      {"CIRCLE", {10, 40}}, {"ARC", {10, 40, 50, 51}}, {"POINT", {10}},
-        {"TEXT", {10, 40, 1}},   {"MTEXT", {10, 1}},   {"INSERT", {2, 10}},       {"LWPOLYLINE", {10}},
-        {"SOLID", {10, 11, 12}}, {"VERTEX", {10}},     {"ELLIPSE", {10, 11, 40}}, {"3DFACE", {10, 11, 12}},
-    };
-    const auto found = needed.find(type);
-    return found == needed.end() ||
-           std::ranges::all_of(found->second, [&](int code) { return groupOf(list, code) != nullptr; });
-}
-
-/// The polyline or insert that a sub-entity at the end of the drawing belongs to, while it is open.
-RecordId openMain(const Drawing& drawing) {
-    RecordId last = lastEntity(drawing);
-    if (last == NoRecord) {
-        return NoRecord;
-    }
-    const std::string_view type = drawing.type(last);
-    const Record record = drawing.record(last);
-    if (type != "POLYLINE" && !(type == "INSERT" && record.integerOr(66, 0) == 1)) {
-        return NoRecord;
-    }
-    for (RecordId id = nextEntity(drawing, last, true); id != NoRecord; id = nextEntity(drawing, id, true)) {
-        if (drawing.type(id) == "SEQEND") {
-            return NoRecord;
-        }
-    }
-    return last;
-}
-
-std::optional<RecordId> makeEntity(Drawing& drawing, const std::string& type, const Value& list,
-                                   bool& tablesChanged) {
-    const bool sub = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
-    const RecordId main = sub ? openMain(drawing) : NoRecord;
-    if ((sub && main == NoRecord) || !hasEssentials(type, list) || !propertiesAreValid(drawing, list)) {
-        return std::nullopt;
-    }
-    if (type == "INSERT" && findBlock(drawing, groupOf(list, 2)->toString()) == nullptr) {
-        return std::nullopt;
-    }
-    if (!needLayer(drawing, list, tablesChanged)) {
-        return std::nullopt;
-    }
-    const Value* layer = groupOf(list, 8);
-    const Value* space = groupOf(list, 67);
-    const bool paper = space != nullptr ? space->toInt() == 1 : !modelIsCurrent(drawing);
-    const RecordId id = addEntity(
-        drawing, type, layer != nullptr ? layer->toString() : headerText(drawing, "$CLAYER", "0"), paper);
-    if (id == NoRecord) {
-        return std::nullopt;
-    }
-    if (main != NoRecord && drawing.versionNumber() >= 1015) {
-        drawing.put(id, 330, formatHandle(drawing.handle(main)), {5});
-    }
-    const bool marked = drawing.versionNumber() >= 1012;
-    bool hasMarkers = false;
-    for (const Value& item : list.items()) {
-        hasMarkers |= item.car().toInt() == 100 && item.cdr().toString() != "AcDbEntity";
-    }
-    if (marked) {
-        for (const int code : {6, 62, 48, 60, 370, 420, 430, 440}) {
-            if (const Value* value = groupOf(list, code)) {
-                appendGroup(drawing, id, code, *value);
-            }
-        }
-        if (!hasMarkers && !subclassOf(type).empty()) {
-            drawing.appendTag(id, 100, std::string(subclassOf(type)));
-        }
-    }
-    const auto isCommon = [&](int code) {
-        return code == 6 || code == 62 || code == 48 || code == 60 || code == 370 || code == 420 ||
-               code == 430 || code == 440;
-    };
-    const bool countVertices = type == "LWPOLYLINE" && groupOf(list, 90) == nullptr;
-    if (countVertices) {
-        const auto count =
-            std::ranges::count_if(list.items(), [](const Value& v) { return v.car().toInt() == 10; });
-        drawing.appendTag(id, 90, static_cast<std::int64_t>(count));
-    }
-    for (const Value& item : list.items()) {
-        const int code = item.car().toInt();
-        if (code == 8 || (marked && isCommon(code)) || (code == 100 && !marked) ||
-            (isFixed(code) && code != 100) || (code == 100 && item.cdr().toString() == "AcDbEntity")) {
-            continue;
-        }
-        if (type == "ARC" && marked && !hasMarkers && code == 50) {
-            drawing.appendTag(id, 100, "AcDbArc");
-        }
-        appendGroup(drawing, id, code, item.cdr());
-    }
-    if (type == "TEXT" && marked && !hasMarkers) {
-        drawing.appendTag(id, 100, "AcDbText");
-    }
-    if (const Value* data = groupOf(list, -3)) {
-        setExtendedData(drawing, id, *data);
-    }
-    return id;
-}
-
-std::optional<RecordId> makeTableRecord(Drawing& drawing, Table table, const Value& list) {
-    const Value* name = groupOf(list, 2);
-    if (name == nullptr || name->toString().empty() ||
-        findEntry(drawing, table, name->toString()) != NoRecord || !propertiesAreValid(drawing, list)) {
-        return std::nullopt;
-    }
-    const RecordId id = addEntry(drawing, table, name->toString());
-    bool ignored = false;
-    modifyRecord(drawing, id, list, ignored);
-    return id;
-}
-
-std::optional<RecordId> makeObject(Drawing& drawing, const std::string& type, const Value& list) {
-    const std::vector<RecordId> all = objects(drawing);
-    if (all.empty() || !drawing.hasHandles()) {
-        return std::nullopt;
-    }
-    const RecordId id = drawing.insertRecord(all.back(), type);
-    drawing.appendTag(id, 5, formatHandle(drawing.allocateHandle()));
-    drawing.appendTag(id, 330, "0");
-    bool marked = false;
-    for (const Value& item : list.items()) {
-        const int code = item.car().toInt();
-        if (code == 100) {
-            marked = true;
-        }
-        if (!marked && !isFixed(code)) {
-            drawing.appendTag(id, 100, type == "XRECORD" ? "AcDbXrecord" : "AcDbDictionary");
-            marked = true;
-        }
-        if (!isFixed(code) || code == 100) {
-            appendGroup(drawing, id, code, item.cdr());
-        }
-    }
-    if (!marked) {
-        drawing.appendTag(id, 100, type == "XRECORD" ? "AcDbXrecord" : "AcDbDictionary");
-    }
-    return id;
-}
-
 }  // namespace
 
 bool isLocked(const Drawing& drawing, RecordId id) {
@@ -282,8 +192,70 @@ bool isLocked(const Drawing& drawing, RecordId id) {
     return layer != NoRecord && (drawing.record(layer).integerOr(70, 0) & Locked) != 0;
 }
 
-bool modifyRecord(Drawing& drawing, RecordId id, const Value& list, bool& tablesChanged) {
-    const std::string type = upperType(list);
+namespace {
+
+/// The same of what the list changes: what the drawing has had wrong all along is left alone.
+bool changedReferencesAreValid(const Drawing& drawing, RecordId id, const Value& list) {
+    const Record record = drawing.record(id);
+    std::vector<Value> fresh;
+    for (const Value& item : list.items()) {
+        const int code = item.car().toInt();
+        const bool named = code == 2 || code == 6 || code == 7;
+        if (!named || !item.cdr().isString() || record.textOr(code, "") != item.cdr().toString()) {
+            fresh.push_back(item);
+        }
+    }
+    return referencesAreValid(drawing, record.type(), Value::list(fresh));
+}
+
+/// Moves an entity between model space and the active sheet, where the list wants that.
+bool moveToSpace(Drawing& drawing, RecordId id, const Value& list) {
+    const Layout* now = layoutOf(drawing, id);
+    const Value* sheet = groupOf(list, 410);
+    const Value* space = groupOf(list, 67);
+    if (now == nullptr || (sheet == nullptr && space == nullptr)) {
+        return true;
+    }
+    const bool paper = !now->model;
+    const bool spaceSays = space != nullptr && space->isInt() && (space->toInt() == 1) != paper;
+    const bool sheetSays = sheet != nullptr && foldCase(sheet->toString()) != foldCase(now->name);
+    if (!spaceSays && !sheetSays) {
+        return true;
+    }
+    const Layout* wanted = nullptr;
+    for (const Layout& layout : layouts(drawing)) {
+        const bool byName = sheetSays && foldCase(layout.name) == foldCase(sheet->toString());
+        const bool bySpace = !sheetSays && (layout.model == paper) && (layout.model || isActivePaper(layout));
+        if (byName || bySpace) {
+            wanted = &layout;
+        }
+    }
+    const auto inSection = [](const Layout& layout) { return layout.model || isActivePaper(layout); };
+    if (wanted == nullptr || !inSection(*wanted) || !inSection(*now)) {
+        return false;
+    }
+    const Layout target = *wanted;
+    if (target.model) {
+        if (const auto i = drawing.record(id).find(67)) {
+            drawing.removeTag(id, *i);
+        }
+    } else {
+        drawing.put(id, 67, std::int64_t{1}, {100, 330, 5});
+    }
+    if (const auto i = drawing.record(id).find(410)) {
+        drawing.setTag(id, *i, target.name);
+    }
+    if (target.blockRecord != NoRecord && drawing.record(id).find(330)) {
+        drawing.put(id, 330, formatHandle(drawing.handle(target.blockRecord)));
+    }
+    return true;
+}
+
+}  // namespace
+
+bool modifyRecord(Drawing& drawing, RecordId id, const Value& given, bool& tablesChanged) {
+    const std::string type = typeOfList(given);
+    const Value list = takenList(given, lisp::upperCase(drawing.type(id)));
     if (!type.empty() && type != lisp::upperCase(drawing.type(id))) {
         return false;
     }
@@ -294,7 +266,8 @@ bool modifyRecord(Drawing& drawing, RecordId id, const Value& list, bool& tables
     }
     const bool entity = isEntity(drawing, id);
     if (isLocked(drawing, id) ||
-        ((entity || drawing.type(id) == "LAYER") && !propertiesAreValid(drawing, list))) {
+        ((entity || drawing.type(id) == "LAYER") && !changedReferencesAreValid(drawing, id, list)) ||
+        (entity && !moveToSpace(drawing, id, list))) {
         return false;
     }
     // A layer that the drawing lacks but the entity already names is left alone.
@@ -304,7 +277,10 @@ bool modifyRecord(Drawing& drawing, RecordId id, const Value& list, bool& tables
         return false;
     }
     const auto table = tableOf(drawing.type(id));
-    const std::vector<Value> items = list.items();
+    std::vector<Value> items = list.items();
+    if (drawing.type(id) == "LWPOLYLINE") {
+        dropVertexDefaults(items);
+    }
     std::map<int, std::vector<const Value*>> wanted;
     bool inGroup = false;
     for (const Value& item : items) {
@@ -312,7 +288,7 @@ bool modifyRecord(Drawing& drawing, RecordId id, const Value& list, bool& tables
         if (code == 102) {
             inGroup = item.cdr().isString() && item.cdr().toString().find('{') != std::string::npos;
         }
-        if (!isFixed(code) && !inGroup) {
+        if (!isFixedGroup(code) && !inGroup && !isDefault(drawing.record(id), code, item.cdr())) {
             wanted[code].push_back(&item.cdr());
         }
     }
@@ -361,21 +337,6 @@ bool modifyRecord(Drawing& drawing, RecordId id, const Value& list, bool& tables
         setExtendedData(drawing, id, *data);
     }
     return true;
-}
-
-std::optional<RecordId> makeRecord(Drawing& drawing, const Value& list, bool& tablesChanged) {
-    const std::string type = upperType(list);
-    if (type.empty() || type == "BLOCK" || type == "ENDBLK" || type == "BLOCK_RECORD" || type == "VIEWPORT") {
-        return std::nullopt;
-    }
-    if (const auto table = tableOf(type)) {
-        tablesChanged = true;
-        return makeTableRecord(drawing, *table, list);
-    }
-    if (type == "XRECORD" || type == "DICTIONARY") {
-        return makeObject(drawing, type, list);
-    }
-    return makeEntity(drawing, type, list, tablesChanged);
 }
 
 }  // namespace drafthost::automation

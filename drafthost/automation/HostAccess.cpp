@@ -104,11 +104,6 @@ Value redraw(Evaluator& e, Args args) {
     return {};
 }
 
-// All that this would load is there from the start.
-Value loadExtensions(Evaluator&, Args) {
-    return Value::nullSymbol();
-}
-
 constexpr Subr Functions[] = {
     {"GETVAR", 1, 1, getVariable},
     {"SETVAR", 2, 2, setVariable},
@@ -125,7 +120,6 @@ constexpr Subr Functions[] = {
     {"ARXUNLOAD", 1, 2, unloadModule},
     {"ARX", 0, 0, loadedModules},
     {"REDRAW", 0, 2, redraw},
-    {"VL-LOAD-COM", 0, 0, loadExtensions},
 };
 
 }  // namespace

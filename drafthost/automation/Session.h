@@ -4,9 +4,11 @@
 // functions keep from one call to the next. To the language a session is what its world runs in.
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "drafthost/automation/EntityMake.h"
 #include "drafthost/automation/LispHost.h"
 #include "drafthost/drawing/Record.h"
 #include "drafthost/lisp/World.h"
@@ -26,6 +28,11 @@ struct TableCursor {
     std::size_t index = 0;
 };
 
+/// What a layer above keeps for a session.
+struct SessionExtension {
+    virtual ~SessionExtension() = default;
+};
+
 class Session final : public lisp::WorldHost {
   public:
     explicit Session(LispHost& host);
@@ -38,8 +45,14 @@ class Session final : public lisp::WorldHost {
     /// Objects selected before a command starts ("implied"); empty when none.
     std::vector<EntityName> pickFirst;
 
+    /// Of the object model, from its first use on.
+    std::unique_ptr<SessionExtension> extension;
+    /// Finds a function that was never defined, by its name; nil when there is none.
+    Value (*findLibraryFunction)(const lisp::Symbol&) = nullptr;
+
     // Kept for the functions of LISP.
     InitGet initGet;
+    Making making;
     std::map<std::string, TableCursor> tableCursors;
     std::map<EntityName, std::size_t> dictionaryCursors;  ///< entries given by (dictnext)
     std::map<EntityName, std::vector<RecordId>> deleted;  ///< records that (entdel) can give back
@@ -68,6 +81,9 @@ class Session final : public lisp::WorldHost {
     }
     bool callModuleFunction(const Exsubr& function, std::span<const Value> args, Value& result) override {
         return host.callModuleFunction(function, args, result);
+    }
+    Value libraryFunction(const lisp::Symbol& name) override {
+        return findLibraryFunction == nullptr ? Value() : findLibraryFunction(name);
     }
     bool checkInterrupt() override { return host.checkInterrupt(); }
     bool documentGone() override { return host.documentGone(); }

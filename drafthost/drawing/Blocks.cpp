@@ -165,6 +165,23 @@ RecordId firstInBlock(const Drawing& drawing, const Block& block) {
     return id == NoRecord || endsEntities(drawing.type(id)) ? NoRecord : id;
 }
 
+std::vector<RecordId> entitiesOf(const Drawing& drawing, const Block& block) {
+    std::vector<RecordId> result;
+    const std::string name = foldCase(block.name);
+    const bool model = name == foldCase("*Model_Space") || name == foldCase("$MODEL_SPACE");
+    const bool paper = name == foldCase("*Paper_Space") || name == foldCase("$PAPER_SPACE");
+    const Structure::Section& section = drawing.structure().entitiesSection;
+    const bool inSection = (model || paper) && section.begin != NoRecord;
+    RecordId id = drawing.next(inSection ? section.begin : block.begin);
+    for (; id != NoRecord && !endsEntities(drawing.type(id)); id = drawing.next(id)) {
+        if (!isSubEntity(drawing, id) &&
+            (!inSection || (drawing.record(id).integerOr(67, 0) != 0) == paper)) {
+            result.push_back(id);
+        }
+    }
+    return result;
+}
+
 RecordId pastEntities(const Drawing& drawing, RecordId end) {
     return end == NoRecord || endsEntities(drawing.type(end)) ? end : drawing.next(end);
 }

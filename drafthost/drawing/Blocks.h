@@ -39,6 +39,8 @@ RecordId firstEntity(const Drawing& drawing);
 RecordId nextEntity(const Drawing& drawing, RecordId entity, bool subEntities);
 /// The newest main entity: the last one of the ENTITIES section.
 RecordId lastEntity(const Drawing& drawing);
+/// Main entities of a block; for model space and the active paper space those of the ENTITIES section.
+std::vector<RecordId> entitiesOf(const Drawing& drawing, const Block& block);
 /// First entity of a block, or NoRecord.
 RecordId firstInBlock(const Drawing& drawing, const Block& block);
 

@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QString>
 
+#include "drafthost/activex/Functions.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
@@ -99,7 +100,9 @@ std::optional<VariableValue> fromLisp(const lisp::Value& value) {
 }
 
 DocumentLisp::DocumentLisp(Host& host, Document& document)
-    : host_(host), document_(document), session_(*this) {}
+    : host_(host), document_(document), session_(*this) {
+    activex::install(session_);
+}
 DocumentLisp::~DocumentLisp() = default;
 
 std::string DocumentLisp::shown(const lisp::Value& value) {

@@ -236,7 +236,7 @@ Value Evaluator::evalCall(const Value& form) {
 
 Value Evaluator::callSubr(const Subr& f, Args args) {
     checkCount(args.size(), f.minArgs, f.maxArgs);
-    return f.call(*this, args);
+    return f.call != nullptr ? f.call(*this, args) : f.named(*this, f, args);
 }
 
 Value Evaluator::callUsubr(const Usubr& f, Args args) {
@@ -288,6 +288,10 @@ Value Evaluator::findFunction(const Value& designator) {
         Value bound = slot(designator.toSymbol());
         if (bound.isSymbol() && !bound.same(Value::truth())) {
             bound = Value(slot(bound.toSymbol()));
+        }
+        if (!bound) {
+            bound = host.libraryFunction(*designator.toSymbol());
+            slot(designator.toSymbol()) = bound;
         }
         return bound.isCons() ? findFunction(bound) : bound.isFunction() ? bound : Value();
     }

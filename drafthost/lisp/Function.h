@@ -21,6 +21,8 @@ struct Subr {
     int maxArgs;
     Value (*call)(Evaluator&, Args) = nullptr;
     Value (*special)(Evaluator&, const Value& forms) = nullptr;
+    /// One function for many names, which it is told by.
+    Value (*named)(Evaluator&, const Subr&, Args) = nullptr;
 };
 
 /// A function made by defun or lambda.

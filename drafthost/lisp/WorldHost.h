@@ -31,6 +31,9 @@ class WorldHost {
     /// the result is what the module returned (nil when nothing, the null symbol for void).
     virtual bool callModuleFunction(const Exsubr& function, std::span<const Value> args, Value& result) = 0;
 
+    /// A function that no table defines, found by its name when it is called; nil when there is none.
+    virtual Value libraryFunction(const Symbol& /*name*/) { return {}; }
+
     /// Called every few milliseconds of evaluation. The host runs its event loop and answers true,
     /// once, when a cancel was pending: the evaluation then ends with "Function cancelled".
     virtual bool checkInterrupt() = 0;

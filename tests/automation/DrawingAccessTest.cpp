@@ -96,7 +96,7 @@ TEST_F(LispDrawing, ShowsRecordsAsLists) {
     check({
         {R"((vl-remove-if '(lambda (p) (member (car p) '(-1 330))) (entget (ent "30") '("*"))))",
          R"(((0 . "LINE") (5 . "30") (100 . "AcDbEntity") (67 . 0) (410 . "Model") (8 . "Walls") (62 . 1) )"
-         R"((100 . "AcDbLine") (10 0.0 0.0 0.0) (11 10.0 5.0 0.0) (-3 ("ACAD" (1000 . "note") (1070 . 7)))))"},
+         R"((100 . "AcDbLine") (10 0.0 0.0 0.0) (11 10.0 5.0 0.0) (210 0.0 0.0 1.0) (-3 ("ACAD" (1000 . "note") (1070 . 7)))))"},
         {R"((assoc -3 (entget (ent "30"))))", "nil"},
         {R"((all 10 (entget (ent "32"))))", "((10 0.0 0.0) (10 100.0 50.0))"},
         {R"((equal (dxf 330 "30") (ent "1F")))", "T"},
@@ -183,7 +183,7 @@ TEST_F(LispDrawing, MakesAndDeletes) {
     check({
         {R"((cdr (assoc 8 (entmake '((0 . "LINE") (8 . "Fresh") (62 . 2) (10 0.0 0.0 0.0) (11 1.0 1.0 0.0))))))",
          "\"Fresh\""},
-        {"(mapcar 'car (entget (entlast)))", "(-1 0 330 5 100 67 410 8 62 100 10 11)"},
+        {"(mapcar 'car (entget (entlast)))", "(-1 0 330 5 100 67 410 8 62 100 10 11 210)"},
         {R"((entmake '((0 . "CIRCLE") (10 0.0 0.0))))", "nil"},
         {R"((entmake '((0 . "INSERT") (2 . "None") (10 0.0 0.0))))", "nil"},
         {R"((entmake '((0 . "LAYER") (100 . "AcDbSymbolTableRecord") (100 . "AcDbLayerTableRecord")

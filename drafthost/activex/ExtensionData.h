@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+// What programs hang on a record: extended data, and the dictionary of its own.
+
+#include "drafthost/activex/Model.h"
+
+namespace drafthost::activex {
+
+/// The extension dictionary of a record, or NoRecord.
+RecordId extensionDictionary(const Drawing& drawing, RecordId id);
+/// Makes it; NoRecord in drawings that cannot have one (before R13).
+RecordId makeExtensionDictionary(Drawing& drawing, RecordId id);
+
+/// An empty object of the OBJECTS section, owned by `owner`; NoRecord where the drawing has no such section.
+RecordId addObject(Drawing& drawing, std::string_view type, std::string_view subclass, RecordId owner);
+void addDictionaryEntry(Drawing& drawing, RecordId dictionary, const std::string& name, RecordId object);
+
+/// GetXData: application, and the symbols for types and values.
+void readExtendedData(Call& call);
+/// SetXData: types and values; only the applications that they name are changed.
+void writeExtendedData(Call& call);
+
+/// A tag's value as the model shows it, and how wide it is in tags.
+Value tagForModel(const Drawing& drawing, const Record& record, std::size_t i, std::size_t& width);
+/// Appends a tag with a value of the model.
+void appendFromModel(Drawing& drawing, RecordId id, int code, const Value& value);
+
+}  // namespace drafthost::activex
