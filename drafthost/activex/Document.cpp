@@ -31,11 +31,13 @@ void command(Call& call, std::initializer_list<std::string> answers) {
     }
     // The command is not the user's, and nothing is to be read of it.
     auto& host = call.session().host;
-    const auto echo = host.getVar("CMDECHO").value_or(Value::integer(1));
+    const std::optional<Value> echo = host.getVar("CMDECHO");
     host.setVar("CMDECHO", Value::integer(0));
     const auto status = host.commandS(values);
     call.e.checkDocument();
-    host.setVar("CMDECHO", echo);
+    if (echo) {
+        host.setVar("CMDECHO", *echo);
+    }
     if (status != automation::CommandStatus::Done) {
         failAutomation("Description was not provided.");
     }

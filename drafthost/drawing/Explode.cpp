@@ -211,8 +211,11 @@ bool addPartOf(Drawing& drawing, RecordId reference, RecordId source, const Tran
     }
     if (!similar && type == "LWPOLYLINE") {
         const auto pieces = explodePolyline(drawing, source, error);
-        bool done = pieces.has_value();
-        for (const RecordId piece : pieces.value_or(Made())) {
+        if (!pieces) {
+            return false;
+        }
+        bool done = true;
+        for (const RecordId piece : *pieces) {
             done = done && addPartOf(drawing, reference, piece, map, made, error);
             drawing.deleteRecord(piece);
         }
