@@ -55,7 +55,11 @@ Result nothing(Call&) {
 }
 Result zoomExtents(Call& call) {
     const std::vector<Value> answers = {Value::string("_.ZOOM"), Value::string("_E")};
-    call.session().host.commandS(answers);
+    const auto status = call.session().host.commandS(answers);
+    call.e.checkDocument();
+    if (status != automation::CommandStatus::Done) {
+        failAutomation("Description was not provided.");
+    }
     return {};
 }
 Result interfaceObject(Call& call) {
@@ -115,20 +119,19 @@ std::string pathOf(const Call& call, std::string text) {
     return text;
 }
 
-void openInto(Call& call, Database& database, const std::string& file) {
+void openInto(Database& database, const std::string& file) {
     std::string error;
     auto drawing = Drawing::open(file, error);
     if (drawing == nullptr) {
         failAutomation(error.empty() ? file + " not found" : error);
     }
-    (void)call;
     database.own = std::move(drawing);
     database.drawing = database.own.get();
     database.path = file;
 }
 
 Result openBeside(Call& call) {
-    openInto(call, *call.self.database, pathOf(call, call.text(0)));
+    openInto(*call.self.database, pathOf(call, call.text(0)));
     return {};
 }
 
@@ -215,14 +218,14 @@ const Class& besideClass(bool document) {
 
 Result openDocument(Call& call) {
     auto database = std::make_shared<Database>();
-    openInto(call, *database, pathOf(call, call.text(0)));
+    openInto(*database, pathOf(call, call.text(0)));
     database->readOnly = call.has(1) && call.boolean(1);
     return makeObject(besideClass(true), database);
 }
 Result addDocument(Call& call) {
     auto database = std::make_shared<Database>();
     if (call.has(0)) {
-        openInto(call, *database, pathOf(call, call.text(0)));
+        openInto(*database, pathOf(call, call.text(0)));
         database->path.clear();
     } else {
         const auto metric = call.session().host.getVar("MEASUREINIT");

@@ -318,8 +318,12 @@ Result getMargins(Call& call) {
 Result refresh(Call&) {
     return {};
 }
-Result noNames(Call&) {
+/// This host has no plotters.
+Result devices(Call&) {
     return Result::strings({"None"});
+}
+Result noNames(Call&) {
+    return Result::strings({});
 }
 /// The page setup of another layout or of a saved setup.
 Result copySetup(Call& call) {
@@ -377,7 +381,7 @@ constexpr Method LayoutMethods[] = {
     {"GetPaperSize", 2, 2, getPaperSize},
     {"GetPaperMargins", 2, 2, getMargins},
     {"RefreshPlotDeviceInfo", 0, 0, refresh},
-    {"GetPlotDeviceNames", 0, 0, noNames},
+    {"GetPlotDeviceNames", 0, 0, devices},
     {"GetPlotStyleTableNames", 0, 0, noNames},
     {"GetCanonicalMediaNames", 0, 0, noNames},
     {"CopyFrom", 1, 1, copySetup},

@@ -53,18 +53,19 @@ ClassMap makeEntityClasses() {
                               {attributeProperties(), attributeDefinitionProperties(), textProperties()}));
     add("ATTRIB",
         entityClass("IAcadAttributeReference", "AcDbAttribute", {attributeProperties(), textProperties()}));
-    add("INSERT",
-        entityClass("IAcadBlockReference", "AcDbBlockReference", {insertProperties()}, {insertMethods()}));
-    add("INSERT#", entityClass("IAcadMInsertBlock", "AcDbMInsertBlock",
-                               {multiInsertProperties(), insertProperties()}, {insertMethods()}));
-    add("INSERT@",
-        entityClass("IAcadExternalReference", "AcDbBlockReference", {insertProperties()}, {insertMethods()}));
+    add("INSERT", entityClass("IAcadBlockReference", "AcDbBlockReference", {insertProperties()},
+                              {insertMethods(), explodeMethods()}));
+    add("INSERT#",
+        entityClass("IAcadMInsertBlock", "AcDbMInsertBlock", {multiInsertProperties(), insertProperties()},
+                    {insertMethods(), explodeMethods()}));
+    add("INSERT@", entityClass("IAcadExternalReference", "AcDbBlockReference", {insertProperties()},
+                               {insertMethods(), explodeMethods()}));
     add("LWPOLYLINE", entityClass("IAcadLWPolyline", "AcDbPolyline", {lightPolylineProperties()},
-                                  {lightPolylineMethods(), curveMethods()}));
-    add("POLYLINE",
-        entityClass("IAcadPolyline", "AcDb2dPolyline", {polylineProperties()}, {polylineMethods()}));
-    add("POLYLINE8",
-        entityClass("IAcad3DPolyline", "AcDb3dPolyline", {polylineProperties()}, {polylineMethods()}));
+                                  {lightPolylineMethods(), curveMethods(), explodeMethods()}));
+    add("POLYLINE", entityClass("IAcadPolyline", "AcDb2dPolyline", {polylineProperties()},
+                                {polylineMethods(), explodeMethods()}));
+    add("POLYLINE8", entityClass("IAcad3DPolyline", "AcDb3dPolyline", {polylineProperties()},
+                                 {polylineMethods(), explodeMethods()}));
     add("POLYLINE16", entityClass("IAcadPolygonMesh", "AcDbPolygonMesh", {polylineProperties()}));
     add("POLYLINE64", entityClass("IAcadPolyfaceMesh", "AcDbPolyFaceMesh", {polylineProperties()}));
     add("SPLINE", entityClass("IAcadSpline", "AcDbSpline", {splineProperties()}));

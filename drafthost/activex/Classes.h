@@ -17,6 +17,7 @@ Methods recordMethods();
 Properties entityProperties();
 Methods entityMethods();
 Methods curveMethods();
+Methods explodeMethods();
 Properties lineProperties();
 Properties circleProperties();
 Properties arcProperties();

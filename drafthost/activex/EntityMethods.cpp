@@ -11,6 +11,7 @@
 #include "drafthost/drawing/Curve.h"
 #include "drafthost/drawing/EntityCopy.h"
 #include "drafthost/drawing/EntityTransform.h"
+#include "drafthost/drawing/Explode.h"
 #include "drafthost/drawing/Extents.h"
 #include "drafthost/drawing/Intersect.h"
 
@@ -238,6 +239,21 @@ Result offset(Call& call) {
     return Result::objects(all);
 }
 
+Result explode(Call& call) {
+    checkUnlocked(call);
+    std::string error;
+    const auto made = explodeEntity(call.drawing(), call.id(), error);
+    if (!made) {
+        failAutomation(error);
+    }
+    call.changed();
+    std::vector<Value> all;
+    for (const RecordId id : *made) {
+        all.push_back(call.object(id));
+    }
+    return Result::objects(all);
+}
+
 Result nothing(Call& call) {
     checkUsable(call.self);
     return {};
@@ -261,12 +277,16 @@ constexpr Method EveryEntity[] = {
     {"Highlight", 1, 1, nothing},
     {"Update", 0, 0, nothing},
 };
+constexpr Method ExplodeMethod[] = {{"Explode", 0, 0, explode}};
 constexpr Method CurveMethods[] = {{"Offset", 1, 1, offset}};
 
 }  // namespace
 
 Methods entityMethods() {
     return EveryEntity;
+}
+Methods explodeMethods() {
+    return ExplodeMethod;
 }
 Methods curveMethods() {
     return CurveMethods;

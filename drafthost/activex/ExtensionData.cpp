@@ -8,16 +8,6 @@
 
 namespace drafthost::activex {
 
-RecordId extensionDictionary(const Drawing& drawing, RecordId id) {
-    const Record record = drawing.record(id);
-    for (std::size_t i = 0; i + 1 < record.xdata(); ++i) {
-        if (record.code(i) == 102 && record.text(i) == "{ACAD_XDICTIONARY") {
-            return drawing.findHandle(record.handle(i + 1));
-        }
-    }
-    return NoRecord;
-}
-
 RecordId addObject(Drawing& drawing, std::string_view type, std::string_view subclass, RecordId owner) {
     const std::vector<RecordId> all = objects(drawing);
     if (all.empty() || !drawing.hasHandles()) {

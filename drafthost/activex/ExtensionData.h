@@ -3,12 +3,11 @@
 // What programs hang on a record: extended data, and the dictionary of its own.
 
 #include "drafthost/activex/Model.h"
+#include "drafthost/drawing/Objects.h"
 
 namespace drafthost::activex {
 
-/// The extension dictionary of a record, or NoRecord.
-RecordId extensionDictionary(const Drawing& drawing, RecordId id);
-/// Makes it; NoRecord in drawings that cannot have one (before R13).
+/// Gives a record an extension dictionary; NoRecord in drawings that cannot have one (before R13).
 RecordId makeExtensionDictionary(Drawing& drawing, RecordId id);
 
 /// An empty object of the OBJECTS section, owned by `owner`; NoRecord where the drawing has no such section.

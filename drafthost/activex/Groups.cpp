@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/activex/Groups.h"
 
-#include <cmath>
-#include <limits>
-
 #include "drafthost/automation/EntityEdit.h"
 #include "drafthost/drawing/SymbolTables.h"
 
@@ -75,15 +72,6 @@ Transform ocsOf(const Record& record) {
 Point intoOcs(const Transform& ocs, const Point& p) {
     const auto dot = [&](const Point& axis) { return axis.x * p.x + axis.y * p.y + axis.z * p.z; };
     return {dot(ocs.x), dot(ocs.y), dot(ocs.z)};
-}
-
-double degreesOf(double radians) {
-    constexpr double Steps = 1e10;
-    const double degrees = radians / RadiansPerDegree;
-    const double rounded = std::nearbyint(degrees * Steps) / Steps;
-    return std::abs(rounded - degrees) <= 4 * std::numeric_limits<double>::epsilon() * std::abs(degrees)
-               ? rounded
-               : degrees;
 }
 
 Result getGroup(Call& call, const Property& property) {

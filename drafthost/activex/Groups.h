@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "drafthost/activex/Model.h"
+#include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/Transform.h"
 
 namespace drafthost::activex {
@@ -26,10 +27,6 @@ void removeGroup(Drawing& drawing, RecordId id, int code);
 Transform ocsOf(const Record& record);
 /// The way back; the map must be a rotation.
 Point intoOcs(const Transform& ocs, const Point& world);
-
-/// Degrees of the file for radians, without the noise of the conversion.
-double degreesOf(double radians);
-inline constexpr double RadiansPerDegree = 0.017453292519943295;
 
 /// Fails when an entity lies on a locked layer.
 void checkUnlocked(const Call& call);

@@ -4,8 +4,6 @@
 #include "drafthost/activex/Classes.h"
 #include "drafthost/activex/Groups.h"
 #include "drafthost/drawing/Blocks.h"
-#include "drafthost/drawing/EntityCopy.h"
-#include "drafthost/drawing/Explode.h"
 #include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/SymbolTables.h"
 
@@ -112,28 +110,6 @@ Result dynamicProperties(Call&) {
     return Result::objects({});
 }
 
-Result explode(Call& call) {
-    checkUnlocked(call);
-    std::string error;
-    const auto made = explodeEntity(call.drawing(), call.id(), error);
-    if (!made) {
-        failAutomation(error);
-    }
-    call.changed();
-    std::vector<Value> all;
-    for (const RecordId id : *made) {
-        all.push_back(call.object(id));
-    }
-    return Result::objects(all);
-}
-
-Result insertUnits(Call&) {
-    return Result::text("Unitless");
-}
-Result unitsFactor(Call&) {
-    return Result::real(1);
-}
-
 Result xrefPath(Call& call) {
     const Block* block = findBlock(call.drawing(), call.record().textOr(2, ""));
     return Result::text(block == nullptr ? "" : call.drawing().record(block->begin).textOr(1, ""));
@@ -170,8 +146,6 @@ constexpr Property Insert[] = {
     {"Rotation", Access::Angle, 50, 0},
     {"HasAttributes", Access::Custom, 0, 0, hasAttributes},
     {"IsDynamicBlock", Access::Custom, 0, 0, isDynamic},
-    {"InsUnits", Access::Custom, 0, 0, insertUnits},
-    {"InsUnitsFactor", Access::Custom, 0, 0, unitsFactor},
     {"Path", Access::Custom, 0, 0, xrefPath, putXrefPath},
 };
 constexpr Property MultiInsert[] = {
@@ -184,7 +158,6 @@ constexpr Method InsertMethods[] = {
     {"GetAttributes", 0, 0, getAttributes},
     {"GetConstantAttributes", 0, 0, constantAttributes},
     {"GetDynamicBlockProperties", 0, 0, dynamicProperties},
-    {"Explode", 0, 0, explode},
 };
 
 }  // namespace

@@ -2,6 +2,8 @@
 // What every record has, and the entities that are more than a line: hatches, dimensions, leaders, images,
 // viewports.
 
+#include <cmath>
+
 #include "drafthost/activex/Classes.h"
 #include "drafthost/activex/ExtensionData.h"
 #include "drafthost/activex/Groups.h"
@@ -154,20 +156,33 @@ void putCustomScale(Call& call, const Value& value) {
     setGroup(call.drawing(), call.id(), 45, groupReal(call.record(), 41, 0) / scale);
     call.changed();
 }
-Result standardScale(Call&) {
-    return Result::integer(1);
+/// The numbers of the fixed scales.
+constexpr std::pair<int, double> FixedScales[] = {
+    {2, 1},        {3, 0.5},  {4, 0.25},      {5, 0.2},    {6, 0.125}, {7, 0.1},
+    {8, 1.0 / 16}, {9, 0.05}, {10, 1.0 / 30}, {11, 0.025}, {12, 0.02}, {13, 0.01},
+    {14, 2},       {15, 4},   {16, 8},        {17, 10},    {18, 100}};
+constexpr int CustomScale = 1;
+
+Result standardScale(Call& call) {
+    const double held = customScale(call).value.toReal();
+    for (const auto& [number, scale] : FixedScales) {
+        if (std::abs(held - scale) <= 1e-9 * scale) {
+            return Result::integer(number);
+        }
+    }
+    return Result::integer(CustomScale);
 }
 void putStandardScale(Call& call, const Value& value) {
-    // acVpCustomScale is what a viewport of this host has; the fixed ones are set as such.
-    static constexpr std::pair<int, double> Fixed[] = {
-        {2, 1},        {3, 0.5},  {4, 0.25},      {5, 0.2},    {6, 0.125}, {7, 0.1},
-        {8, 1.0 / 16}, {9, 0.05}, {10, 1.0 / 30}, {11, 0.025}, {12, 0.02}, {13, 0.01},
-        {14, 2},       {15, 4},   {16, 8},        {17, 10},    {18, 100}};
     const int wanted = integerOf(value);
-    for (const auto& [number, scale] : Fixed) {
+    for (const auto& [number, scale] : FixedScales) {
         if (number == wanted) {
             putCustomScale(call, Value::real(scale));
+            return;
         }
+    }
+    // The scale itself is put after this.
+    if (wanted != CustomScale) {
+        failAutomation("Invalid input");
     }
 }
 

@@ -5,7 +5,6 @@
 #include "drafthost/activex/Groups.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Curve.h"
-#include "drafthost/drawing/Explode.h"
 
 namespace drafthost::activex {
 namespace {
@@ -231,21 +230,6 @@ Result curveArea(Call& call) {
     return Result::real(curve->area());
 }
 
-Result explode(Call& call) {
-    checkUnlocked(call);
-    std::string error;
-    const auto made = explodeEntity(call.drawing(), call.id(), error);
-    if (!made) {
-        failAutomation(error);
-    }
-    call.changed();
-    std::vector<Value> all;
-    for (const RecordId id : *made) {
-        all.push_back(call.object(id));
-    }
-    return Result::objects(all);
-}
-
 constexpr std::int64_t SplineFrame = 16;
 
 std::vector<RecordId> verticesOf(const Drawing& drawing, RecordId polyline) {
@@ -351,7 +335,7 @@ constexpr Property LightPolyline[] = {
 };
 constexpr Method LightPolylineMethods[] = {
     {"GetBulge", 1, 1, getBulge}, {"SetBulge", 2, 2, setBulge},   {"GetWidth", 3, 3, getWidth},
-    {"SetWidth", 3, 3, setWidth}, {"AddVertex", 2, 2, addVertex}, {"Explode", 0, 0, explode},
+    {"SetWidth", 3, 3, setWidth}, {"AddVertex", 2, 2, addVertex},
 };
 constexpr Property Polyline[] = {
     {"Coordinates", Access::Custom, 10, 0, heavyCoordinates, putHeavyCoordinates},
@@ -366,7 +350,6 @@ constexpr Property Polyline[] = {
 constexpr Method PolylineMethods[] = {
     {"GetBulge", 1, 1, heavyBulge},
     {"SetBulge", 2, 2, setHeavyBulge},
-    {"Explode", 0, 0, explode},
 };
 constexpr Property Spline[] = {
     {"ControlPoints", Access::Custom, 10, 0, controlPoints},

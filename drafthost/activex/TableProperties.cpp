@@ -212,8 +212,6 @@ constexpr Property Layer[] = {
     {"Lineweight", Access::Integer, 370, -3},
     {"Plottable", Access::Bool, 290, 1},
     {"Description", Access::Custom, 0, 0, getDescription, putDescription},
-    {"PlotStyleName", Access::Text, 0, 0, nullptr, nullptr, true, "ByLayer"},
-    {"Material", Access::Text, 0, 0, nullptr, nullptr, true, "Global"},
     Used,
 };
 constexpr Property Linetype[] = {Name, {"Description", Access::Text, 3}};

@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <numbers>
 
 #include "drafthost/automation/DefaultList.h"
 #include "drafthost/automation/Lisp.h"
 #include "drafthost/automation/Session.h"
+#include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/lisp/Compare.h"
 #include "drafthost/lisp/Printer.h"
@@ -28,17 +27,6 @@ bool isPointCode(int code) {
 /// Angles are degrees in the file and radians for programs.
 bool isAngleCode(int code) {
     return code >= 50 && code <= 58;
-}
-constexpr double RadiansPerDegree = std::numbers::pi / 180;
-
-/// Without the noise of the conversion: 30 degrees were 30 before.
-double degreesOf(double radians) {
-    constexpr double Steps = 1e10;
-    const double degrees = radians / RadiansPerDegree;
-    const double rounded = std::nearbyint(degrees * Steps) / Steps;
-    return std::fabs(rounded - degrees) <= 4 * std::numeric_limits<double>::epsilon() * std::fabs(degrees)
-               ? rounded
-               : degrees;
 }
 
 bool isReference(int code) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/drawing/Blocks.h"
 
+#include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/Structure.h"
 
 #include <algorithm>
@@ -258,6 +259,10 @@ std::vector<RecordId> deleteEntity(Drawing& drawing, RecordId entity) {
         removed.push_back(id);
         const bool last = drawing.type(id) == "SEQEND";
         id = last ? NoRecord : drawing.next(id);
+    }
+    for (std::size_t i = removed.size(); i-- > 0;) {
+        const std::vector<RecordId> owned = ownedObjects(drawing, removed[i]);
+        removed.insert(removed.end(), owned.begin(), owned.end());
     }
     for (const RecordId record : removed) {
         drawing.deleteRecord(record);

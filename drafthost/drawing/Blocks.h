@@ -58,7 +58,8 @@ bool isActivePaper(const Layout& layout);
 /// A new entity at the end of the current space (`paper`: active paper space), with layer, handle, owner and
 /// the AcDbEntity marker where the version has them; its own tags are the caller's.
 RecordId addEntity(Drawing& drawing, std::string_view type, std::string_view layer, bool paper);
-/// Removes an entity with its sub-entities; returns all the records removed, for restoreRecord.
+/// Removes an entity with its sub-entities and the objects that they own; returns all the records removed,
+/// for restoreRecord.
 std::vector<RecordId> deleteEntity(Drawing& drawing, RecordId entity);
 
 }  // namespace drafthost

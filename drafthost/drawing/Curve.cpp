@@ -4,12 +4,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drafthost/drawing/Angles.h"
+
 namespace drafthost {
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
-constexpr double Degree = Pi / 180;
+constexpr double Pi = std::numbers::pi;
 constexpr double OnCurve = 1e-6;
 
 double dot(const Point& a, const Point& b) {
@@ -162,8 +163,8 @@ std::optional<Curve> Curve::of(const Drawing& drawing, RecordId entity) {
         curve.pieces_.push_back(arcOf(record, 0, 2 * Pi));
         curve.closed_ = curve.periodic_ = true;
     } else if (type == "ARC") {
-        const double from = record.realOr(50, 0) * Degree;
-        const double to = record.realOr(51, 0) * Degree;
+        const double from = record.realOr(50, 0) * RadiansPerDegree;
+        const double to = record.realOr(51, 0) * RadiansPerDegree;
         curve.pieces_.push_back(arcOf(record, from, to <= from ? to + 2 * Pi : to));
     } else if (type == "ELLIPSE") {
         curve.pieces_.push_back(ellipseOf(record));
@@ -208,7 +209,29 @@ std::optional<Curve> Curve::of(const Drawing& drawing, RecordId entity) {
 }
 
 bool Curve::isPlanar() const {
-    return true;
+    std::vector<Point> points;
+    for (const CurvePiece& piece : pieces_) {
+        points.insert(points.end(), piece.controls.begin(), piece.controls.end());
+        if (piece.kind != CurvePiece::Kind::Nurbs) {
+            // Three points tell the plane of an arc.
+            const double middle = (piece.from + piece.to) / 2;
+            points.insert(points.end(), {piece.at(piece.from), piece.at(middle), piece.at(piece.to)});
+        }
+    }
+    Point normal;
+    double size = 0;
+    for (std::size_t i = 2; i < points.size(); ++i) {
+        const Point n = cross(points[i - 1] - points[0], points[i] - points[0]);
+        size = std::max(size, drafthost::length(points[i] - points[0]));
+        normal = drafthost::length(n) > drafthost::length(normal) ? n : normal;
+    }
+    if (drafthost::length(normal) <= 1e-12 * size * size) {
+        return true;
+    }
+    const Point unit = normalised(normal);
+    return std::all_of(points.begin(), points.end(), [&](const Point& p) {
+        return std::abs(dot(unit, p - points[0])) <= 1e-9 * std::max(1.0, size);
+    });
 }
 
 const CurvePiece* Curve::pieceAt(double& t) const {

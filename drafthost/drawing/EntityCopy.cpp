@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/drawing/EntityCopy.h"
 
-#include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/Structure.h"
 #include "drafthost/drawing/View.h"
 
@@ -218,6 +218,9 @@ void deleteBlock(Drawing& drawing, const std::string& name) {
         }
     }
     for (const RecordId id : records) {
+        for (const RecordId object : ownedObjects(drawing, id)) {
+            drawing.deleteRecord(object);
+        }
         drawing.deleteRecord(id);
     }
     if (block.blockRecord != NoRecord) {

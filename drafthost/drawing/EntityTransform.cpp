@@ -4,16 +4,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
 
+#include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/Blocks.h"
 
 namespace drafthost {
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
-constexpr double Degree = Pi / 180;
+constexpr double Pi = std::numbers::pi;
 constexpr double Tolerance = 1e-9;
 
 double dot(const Point& a, const Point& b) {
@@ -52,12 +51,9 @@ struct PlaneMap {
     bool mirrored = false;
 
     double angle(double degrees) const {
-        const Point v = flat.vector({std::cos(degrees * Degree), std::sin(degrees * Degree), 0});
-        return turned(std::atan2(v.y, v.x));
-    }
-    static double turned(double radians) {
-        const double degrees = std::round(radians / Degree * 1e10) / 1e10;
-        return degrees < 0 ? degrees + 360 : degrees;
+        const Point v =
+            flat.vector({std::cos(degrees * RadiansPerDegree), std::sin(degrees * RadiansPerDegree), 0});
+        return directionInDegrees(std::atan2(v.y, v.x));
     }
 };
 
@@ -179,7 +175,8 @@ void transformText(Editor& edit, const PlaneMap& plane, bool mirrorText) {
     constexpr std::int64_t Backward = 2;
     const Record before = edit.record();
     const double old = before.realOr(50, 0);
-    const Point along = plane.flat.vector({std::cos(old * Degree), std::sin(old * Degree), 0});
+    const Point along =
+        plane.flat.vector({std::cos(old * RadiansPerDegree), std::sin(old * RadiansPerDegree), 0});
     double angle = std::atan2(along.y, along.x);
     const double width = LetterWidth * static_cast<double>(letters(before.textOr(1, ""))) *
                          before.realOr(40, 0) * before.realOr(41, 1) * plane.scale;
@@ -210,13 +207,13 @@ void transformText(Editor& edit, const PlaneMap& plane, bool mirrorText) {
             }
         }
     }
-    edit.put(50, PlaneMap::turned(std::remainder(angle, 2 * Pi)), 0);
+    edit.put(50, directionInDegrees(angle), 0);
     edit.normal(plane.normal);
 }
 
 void transformInsert(Editor& edit, const PlaneMap& plane) {
     const Record before = edit.record();
-    const double old = before.realOr(50, 0) * Degree;
+    const double old = before.realOr(50, 0) * RadiansPerDegree;
     const Point along = plane.flat.vector({std::cos(old), std::sin(old), 0});
     double angle = std::atan2(along.y, along.x);
     double sx = before.realOr(41, 1) * plane.scale;
@@ -230,7 +227,7 @@ void transformInsert(Editor& edit, const PlaneMap& plane) {
     edit.put(41, sx, 1);
     edit.put(42, sy, 1);
     edit.put(43, sz, 1);
-    edit.put(50, PlaneMap::turned(std::remainder(angle, 2 * Pi)), 0);
+    edit.put(50, directionInDegrees(angle), 0);
     edit.scale({44, 45}, plane.scale);
     edit.normal(plane.normal);
 }
@@ -258,7 +255,7 @@ void transformMText(Editor& edit, const Transform& map, const PlaneMap& plane) {
         if (before.code(i) == 11) {
             along = before.point(i);
         } else if (before.code(i) == 50) {
-            const double angle = before.real(i) * Degree;
+            const double angle = before.real(i) * RadiansPerDegree;
             along = plane.before.vector({std::cos(angle), std::sin(angle), 0});
         }
     }
@@ -280,9 +277,9 @@ void transformMText(Editor& edit, const Transform& map, const PlaneMap& plane) {
     }
     const Point flat = into(plane.after, mapped);
     edit.points(11, [&](const Point&) { return mapped; });
-    edit.reals(50, [&](double) { return PlaneMap::turned(std::atan2(flat.y, flat.x)); });
+    edit.reals(50, [&](double) { return directionInDegrees(std::atan2(flat.y, flat.x)); });
     if (!before.find(11) && !before.find(50)) {
-        edit.put(50, PlaneMap::turned(std::atan2(flat.y, flat.x)), 0);
+        edit.put(50, directionInDegrees(std::atan2(flat.y, flat.x)), 0);
     }
     edit.scale({40, 41, 42, 43, 46, 48}, plane.scale);
     edit.normal(plane.normal);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/Curve.h"
 #include "drafthost/drawing/EntityCopy.h"
 #include "drafthost/drawing/EntityTransform.h"
@@ -11,8 +12,6 @@
 namespace drafthost {
 
 namespace {
-
-constexpr double Degree = 3.14159265358979323846 / 180;
 
 using Made = std::vector<RecordId>;
 
@@ -44,11 +43,6 @@ void appendPoint(Drawing& drawing, RecordId id, int code, const Point& p) {
     drawing.appendTag(id, code + 20, p.z);
 }
 
-double degrees(double radians) {
-    const double d = std::fmod(std::round(radians / Degree * 1e10) / 1e10, 360.0);
-    return d < 0 ? d + 360 : d;
-}
-
 RecordId addPiece(Drawing& drawing, RecordId source, const CurvePiece& piece, const Transform& plane) {
     if (piece.kind == CurvePiece::Kind::Line) {
         const RecordId line = addPart(drawing, source, "LINE", "AcDbLine");
@@ -69,8 +63,8 @@ RecordId addPiece(Drawing& drawing, RecordId source, const CurvePiece& piece, co
     if (drawing.versionNumber() >= 1012) {
         drawing.appendTag(arc, 100, "AcDbArc");
     }
-    drawing.appendTag(arc, 50, degrees(std::min(piece.fromAngle, piece.toAngle)));
-    drawing.appendTag(arc, 51, degrees(std::max(piece.fromAngle, piece.toAngle)));
+    drawing.appendTag(arc, 50, directionInDegrees(std::min(piece.fromAngle, piece.toAngle)));
+    drawing.appendTag(arc, 51, directionInDegrees(std::max(piece.fromAngle, piece.toAngle)));
     return arc;
 }
 
@@ -140,7 +134,7 @@ RecordId stretchArc(Drawing& drawing, RecordId source, const Transform& map, con
     if (length(minor) > length(major)) {
         std::swap(major, minor);
         minor = minor * -1.0;
-        shift += 90 * Degree;
+        shift += 90 * RadiansPerDegree;
     }
     const RecordId id = addEntityTo(drawing, target, "ELLIPSE", drawing.record(source).textOr(8, "0"));
     takeProperties(drawing, source, id);
@@ -155,7 +149,7 @@ RecordId stretchArc(Drawing& drawing, RecordId source, const Transform& map, con
     drawing.appendTag(id, 40, ratio);
     const bool whole = drawing.type(source) == "CIRCLE";
     drawing.appendTag(id, 41, whole ? 0.0 : piece.fromAngle - shift);
-    drawing.appendTag(id, 42, whole ? 360 * Degree : piece.toAngle - shift);
+    drawing.appendTag(id, 42, whole ? 360 * RadiansPerDegree : piece.toAngle - shift);
     return id;
 }
 
@@ -175,7 +169,7 @@ bool stretchFlat(Drawing& drawing, RecordId id, const Transform& map) {
         return false;
     }
     const bool text = record.type() != "INSERT";
-    const double angle = record.realOr(50, 0) * Degree;
+    const double angle = record.realOr(50, 0) * RadiansPerDegree;
     const Point along = map.vector({std::cos(angle), std::sin(angle), 0});
     const Point up = map.vector({-std::sin(angle), std::cos(angle), 0});
     if (std::abs(along.x * up.x + along.y * up.y) > 1e-9 * length(along) * length(up) ||
@@ -187,7 +181,7 @@ bool stretchFlat(Drawing& drawing, RecordId id, const Transform& map) {
             drawing.putPoint(id, code, map(drawing.record(id).point(*i)), true);
         }
     }
-    drawing.put(id, 50, degrees(std::atan2(along.y, along.x)), {10, 41, 42, 43, 40, 1});
+    drawing.put(id, 50, directionInDegrees(std::atan2(along.y, along.x)), {10, 41, 42, 43, 40, 1});
     if (text) {
         drawing.put(id, 40, record.realOr(40, 1) * length(up));
         drawing.put(id, 41, record.realOr(41, 1) * length(along) / length(up), {1});
@@ -289,7 +283,7 @@ Transform insertTransform(const Drawing& drawing, RecordId insert, int column, i
     const auto extrusion = record.find(210);
     const Transform ocs = extrusion ? Transform::ofExtrusion(record.point(*extrusion)) : Transform();
     const Point grid{column * record.realOr(44, 0), row * record.realOr(45, 0), 0};
-    const Transform turn = Transform::rotation(record.realOr(50, 0) * Degree);
+    const Transform turn = Transform::rotation(record.realOr(50, 0) * RadiansPerDegree);
     return ocs * Transform::translation(record.pointOr(10, {})) * turn * Transform::translation(grid) *
            Transform::scale(record.realOr(41, 1), record.realOr(42, 1), record.realOr(43, 1)) *
            Transform::translation(base * -1.0);

@@ -4,13 +4,13 @@
 #include <cmath>
 #include <optional>
 
+#include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/EntityTransform.h"
 
 namespace drafthost {
 
 namespace {
 
-constexpr double Degree = 3.14159265358979323846 / 180;
 constexpr std::int64_t PolylinePath = 2;
 
 /// Walks over the tags of a hatch and changes what it passes.
@@ -58,9 +58,9 @@ class HatchWalk {
         set(i + 1, p.y);
     }
     double turned(double degrees) const {
-        const Point v = flat_.vector({std::cos(degrees * Degree), std::sin(degrees * Degree), 0});
-        const double angle = std::round(std::atan2(v.y, v.x) / Degree * 1e10) / 1e10;
-        return angle < 0 ? angle + 360 : angle;
+        const Point v =
+            flat_.vector({std::cos(degrees * RadiansPerDegree), std::sin(degrees * RadiansPerDegree), 0});
+        return directionInDegrees(std::atan2(v.y, v.x));
     }
 
     void elevation() {

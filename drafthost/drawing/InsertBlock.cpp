@@ -4,6 +4,7 @@
 #include <cmath>
 #include <filesystem>
 
+#include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/EntityTransform.h"
 #include "drafthost/drawing/Explode.h"
 #include "drafthost/drawing/Header.h"
@@ -13,12 +14,7 @@ namespace drafthost {
 
 namespace {
 
-constexpr double Degree = 3.14159265358979323846 / 180;
 constexpr std::int64_t ConstantAttribute = 2;
-
-double degrees(double radians) {
-    return std::round(radians / Degree * 1e10) / 1e10;
-}
 
 /// The groups of an attribute's text, from its definition.
 void appendAttributeText(Drawing& drawing, RecordId made, RecordId definition, const std::string& value) {
@@ -108,7 +104,7 @@ RecordId insertBlockReference(Drawing& drawing, const InsertRequest& request, co
         }
     }
     if (request.rotation != 0) {
-        drawing.appendTag(insert, 50, degrees(request.rotation));
+        drawing.appendTag(insert, 50, degreesOf(request.rotation));
     }
     if (definitions.empty()) {
         return insert;

@@ -3,6 +3,8 @@
 
 #include "drafthost/drawing/Structure.h"
 
+#include <algorithm>
+
 namespace drafthost {
 
 std::vector<RecordId> objects(const Drawing& drawing) {
@@ -53,6 +55,42 @@ RecordId findInDictionary(const Drawing& drawing, RecordId dictionary, std::stri
         }
     }
     return NoRecord;
+}
+
+RecordId extensionDictionary(const Drawing& drawing, RecordId id) {
+    const Record record = drawing.record(id);
+    for (std::size_t i = 0; i + 1 < record.xdata(); ++i) {
+        if (record.code(i) == 102 && record.text(i) == "{ACAD_XDICTIONARY") {
+            return drawing.findHandle(record.handle(i + 1));
+        }
+    }
+    return NoRecord;
+}
+
+std::vector<RecordId> ownedObjects(const Drawing& drawing, RecordId id) {
+    std::vector<RecordId> owned;
+    const RecordId first = extensionDictionary(drawing, id);
+    // Two records that claim one dictionary do not both own it.
+    if (first == NoRecord || drawing.record(first).handleOr(330, 0) != drawing.handle(id)) {
+        return owned;
+    }
+    owned.push_back(first);
+    for (std::size_t next = 0; next < owned.size(); ++next) {
+        const RecordId owner = owned[next];
+        for (const DictionaryEntry& entry : dictionaryEntries(drawing, owner)) {
+            const RecordId object = drawing.findHandle(entry.handle);
+            const bool known = std::find(owned.begin(), owned.end(), object) != owned.end();
+            if (object != NoRecord && !known &&
+                drawing.record(object).handleOr(330, 0) == drawing.handle(owner)) {
+                owned.push_back(object);
+            }
+        }
+        if (const RecordId own = extensionDictionary(drawing, owner);
+            own != NoRecord && std::find(owned.begin(), owned.end(), own) == owned.end()) {
+            owned.push_back(own);
+        }
+    }
+    return owned;
 }
 
 }  // namespace drafthost

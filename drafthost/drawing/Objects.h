@@ -22,4 +22,10 @@ std::vector<DictionaryEntry> dictionaryEntries(const Drawing& drawing, RecordId 
 /// The object that a dictionary names, or NoRecord.
 RecordId findInDictionary(const Drawing& drawing, RecordId dictionary, std::string_view name);
 
+/// The extension dictionary of a record, or NoRecord.
+RecordId extensionDictionary(const Drawing& drawing, RecordId id);
+/// The extension dictionary of a record and all objects in it that name it as their owner, in any depth: what
+/// goes when the record goes.
+std::vector<RecordId> ownedObjects(const Drawing& drawing, RecordId id);
+
 }  // namespace drafthost

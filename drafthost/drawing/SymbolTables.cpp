@@ -2,6 +2,7 @@
 #include "drafthost/drawing/SymbolTables.h"
 
 #include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/Structure.h"
 
 #include <algorithm>
@@ -221,6 +222,9 @@ void deleteEntry(Drawing& drawing, Table table, RecordId entry) {
     const RecordId head = drawing.structure().table(table).begin;
     const auto count = static_cast<std::int64_t>(drawing.structure().table(table).entries.size());
     const bool counted = head != NoRecord && drawing.record(head).integerOr(70, 0) == count;
+    for (const RecordId object : ownedObjects(drawing, entry)) {
+        drawing.deleteRecord(object);
+    }
     drawing.deleteRecord(entry);
     if (counted) {
         drawing.put(head, 70, count - 1);
