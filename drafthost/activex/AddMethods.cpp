@@ -299,12 +299,20 @@ Result insertBlock(Call& call) {
     return call.object(made);
 }
 Result insertMany(Call& call) {
-    const Result made = insertBlock(call);
+    // What does not fit is told before anything is drawn.
+    const std::int64_t rows = call.integer(6);
+    const std::int64_t columns = call.integer(7);
+    const double rowSpacing = call.real(8);
+    const double columnSpacing = call.real(9);
+    if (rows < 1 || columns < 1) {
+        failAutomation("Invalid input");
+    }
+    Result made = insertBlock(call);
     const RecordId id = objectOf(made.value).record;
-    setGroup(call.drawing(), id, 70, std::int64_t{call.integer(7)});
-    setGroup(call.drawing(), id, 71, std::int64_t{call.integer(6)});
-    setGroup(call.drawing(), id, 44, call.real(9));
-    setGroup(call.drawing(), id, 45, call.real(8));
+    setGroup(call.drawing(), id, 70, columns);
+    setGroup(call.drawing(), id, 71, rows);
+    setGroup(call.drawing(), id, 44, columnSpacing);
+    setGroup(call.drawing(), id, 45, rowSpacing);
     return made;
 }
 

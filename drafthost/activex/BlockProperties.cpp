@@ -297,7 +297,7 @@ Result setWindow(Call& call) {
     return setReals(call, {48, 49, 140, 141}, {low[0], low[1], high[0], high[1]});
 }
 Value pair(const Call& call, int first, int second) {
-    return makeArray(vbDouble, {Value::real(groupReal(call.record(), first, 0, Setup)),
+    return makeArray(VbDouble, {Value::real(groupReal(call.record(), first, 0, Setup)),
                                 Value::real(groupReal(call.record(), second, 0, Setup))});
 }
 Result getWindow(Call& call) {

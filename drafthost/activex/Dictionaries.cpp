@@ -181,14 +181,14 @@ Result getData(Call& call) {
         const Value value = tagForModel(call.drawing(), r, i, width);
         if (r.code(i) != 280 || !types.empty()) {
             types.push_back(Value::integer(r.code(i)));
-            values.push_back(value.isCons()    ? makeArrayVariant(vbDouble, value.items())
-                             : value.isEname() ? makeVariant(vbString, Value::string(r.text(i)))
+            values.push_back(value.isCons()    ? makeArrayVariant(VbDouble, value.items())
+                             : value.isEname() ? makeVariant(VbString, Value::string(r.text(i)))
                                                : makeVariant(value));
         }
         i += width;
     }
-    call.put(0, types.empty() ? Value() : makeArray(vbInteger, types));
-    call.put(1, types.empty() ? Value() : makeArray(vbVariant, values));
+    call.put(0, types.empty() ? Value() : makeArray(VbInteger, types));
+    call.put(1, types.empty() ? Value() : makeArray(VbVariant, values));
     return {};
 }
 Result setData(Call& call) {
@@ -362,7 +362,7 @@ Result fullOrder(Call& call) {
     for (const RecordId id : drawOrder(call)) {
         all.push_back(call.object(id));
     }
-    call.put(0, makeArray(vbObject, all));
+    call.put(0, makeArray(VbObject, all));
     return {};
 }
 Result setOrder(Call& call) {

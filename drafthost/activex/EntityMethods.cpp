@@ -204,7 +204,7 @@ Result boundingBox(Call& call) {
         failAutomation("Null extents");
     }
     const auto corner = [](const Point& p) {
-        return makeArray(vbDouble, {Value::real(p.x), Value::real(p.y), Value::real(p.z)});
+        return makeArray(VbDouble, {Value::real(p.x), Value::real(p.y), Value::real(p.z)});
     };
     call.put(0, corner(box.min));
     call.put(1, corner(box.max));

@@ -90,12 +90,12 @@ void readExtendedData(Call& call) {
         const Value value = tagForModel(call.drawing(), record, i, width);
         if (shown) {
             types.push_back(Value::integer(record.code(i)));
-            values.push_back(value.isCons() ? makeArrayVariant(vbDouble, value.items()) : makeVariant(value));
+            values.push_back(value.isCons() ? makeArrayVariant(VbDouble, value.items()) : makeVariant(value));
         }
         i += width;
     }
-    call.put(1, types.empty() ? Value() : makeArray(vbInteger, types));
-    call.put(2, types.empty() ? Value() : makeArray(vbVariant, values));
+    call.put(1, types.empty() ? Value() : makeArray(VbInteger, types));
+    call.put(2, types.empty() ? Value() : makeArray(VbVariant, values));
 }
 
 namespace {

@@ -340,7 +340,10 @@ Value dump(Evaluator& e, Args args) {
     auto& host = automation::sessionOf(e).host;
     host.print("; " + std::string(object.cls->interface) + "\n; Property values:\n");
     for (const auto& [name, rest] : lines) {
-        host.print(";   " + name + rest + "\n");
+        host.print(";   ");
+        host.print(name);
+        host.print(rest);
+        host.print("\n");
     }
     if (optional(args, 1)) {
         std::map<std::string, int> methods;

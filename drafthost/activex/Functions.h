@@ -12,7 +12,7 @@ std::span<const lisp::Subr> curveFunctions();
 /// Gives a session the object model: its functions, its logical constants, and all names that begin with
 /// "vla-", which are found when they are called.
 void install(automation::Session& session);
-/// Binds the constants of the model ("acRed", "vlax-vbDouble").
+/// Binds the constants of the model ("acRed", "vlax-VbDouble").
 void defineConstants(lisp::Evaluator& e);
 
 }  // namespace drafthost::activex

@@ -84,14 +84,14 @@ void Call::put(std::size_t i, Value value) const {
 }
 
 double realOf(const Value& v) {
-    return coerce(vbDouble, v).toReal();
+    return coerce(VbDouble, v).toReal();
 }
 std::int32_t integerOf(const Value& v) {
     const Value& plain = unwrapped(v);
     if (plain.same(trueSymbol()) || plain.same(Value::truth())) {
         return 1;
     }
-    return coerce(vbLong, v).toInt();
+    return coerce(VbLong, v).toInt();
 }
 const std::string& textOf(const Value& v) {
     const Value& plain = unwrapped(v);
@@ -101,7 +101,7 @@ const std::string& textOf(const Value& v) {
     return plain.toString();
 }
 bool booleanOf(const Value& v) {
-    return coerce(vbBoolean, v).same(trueSymbol());
+    return coerce(VbBoolean, v).same(trueSymbol());
 }
 Point pointOf(const Value& v) {
     const std::vector<double> numbers = numbersOf(v);
@@ -283,22 +283,22 @@ Value modelValue(const Result& result) {
             return result.value ? trueSymbol() : falseSymbol();
         case Shape::Point:
         case Shape::Reals:
-            return makeArrayVariant(vbDouble, result.value.items());
+            return makeArrayVariant(VbDouble, result.value.items());
         case Shape::Longs:
-            return makeArrayVariant(vbLong, result.value.items());
+            return makeArrayVariant(VbLong, result.value.items());
         case Shape::Objects:
-            return makeArrayVariant(vbObject, result.value.items());
+            return makeArrayVariant(VbObject, result.value.items());
         case Shape::Strings:
-            return makeArrayVariant(vbString, result.value.items());
+            return makeArrayVariant(VbString, result.value.items());
         case Shape::Variants: {
             std::vector<Value> items;
             for (const Value& item : result.value.items()) {
-                items.push_back(item.isCons() ? makeArrayVariant(vbDouble, item.items()) : makeVariant(item));
+                items.push_back(item.isCons() ? makeArrayVariant(VbDouble, item.items()) : makeVariant(item));
             }
-            return makeArrayVariant(vbVariant, items);
+            return makeArrayVariant(VbVariant, items);
         }
         case Shape::Variant:
-            return result.value.isCons() ? makeArrayVariant(vbDouble, result.value.items())
+            return result.value.isCons() ? makeArrayVariant(VbDouble, result.value.items())
                                          : makeVariant(result.value);
     }
     return {};

@@ -30,7 +30,7 @@ Value makeOne(Evaluator&, Args args) {
         return makeVariant(given);
     }
     const int type = intArg(args[1]);
-    if ((type & vbArray) != 0 && arrayOf(unwrapped(given)) == nullptr) {
+    if ((type & VbArray) != 0 && arrayOf(unwrapped(given)) == nullptr) {
         failNoCoercion(given);
     }
     return makeVariant(type, coerce(type, given));
@@ -48,10 +48,10 @@ Value changeType(Evaluator&, Args args) {
     const Variant& variant = variantArg(args[0]);
     const int type = intArg(args[1]);
     const Value& v = variant.value();
-    if (type == vbString && !v.isString()) {
-        return v.isNumber() ? makeVariant(vbString, Value::string(lisp::princ(v))) : Value();
+    if (type == VbString && !v.isString()) {
+        return v.isNumber() ? makeVariant(VbString, Value::string(lisp::princ(v))) : Value();
     }
-    if (v.isString() && type != vbString) {
+    if (v.isString() && type != VbString) {
         char* end = nullptr;
         const double number = std::strtod(v.toString().c_str(), &end);
         const bool whole = end != v.toString().c_str() && *end == '\0';
@@ -66,8 +66,8 @@ Value changeType(Evaluator&, Args args) {
 
 Value makeSafeArray(Evaluator&, Args args) {
     const int type = intArg(args[0]);
-    const bool known = (type >= vbInteger && type <= vbDouble) || type == vbString || type == vbObject ||
-                       type == vbBoolean || type == vbVariant;
+    const bool known = (type >= VbInteger && type <= VbDouble) || type == VbString || type == VbObject ||
+                       type == VbBoolean || type == VbVariant;
     if (!known) {
         fail("bad argument value: safe array type " + std::to_string(type));
     }
@@ -199,18 +199,18 @@ Value point3d(Evaluator&, Args args) {
         failType("point", args[0]);
     }
     reals.resize(3, Value::real(0));
-    return makeArrayVariant(vbDouble, reals);
+    return makeArrayVariant(VbDouble, reals);
 }
 
 Value matrix(Evaluator&, Args args) {
     constexpr int Rows = 4;
-    auto* array = new SafeArray(vbDouble, {{0, Rows - 1}, {0, Rows - 1}});
+    auto* array = new SafeArray(VbDouble, {{0, Rows - 1}, {0, Rows - 1}});
     Value result = Value::adopt(array);
     if (listArg(args[0]).items().size() != Rows) {
         failType("matrix", args[0]);
     }
     fill(*array, 0, 0, args[0]);
-    return makeVariant(vbArray + vbDouble, result);
+    return makeVariant(VbArray + VbDouble, result);
 }
 
 constexpr Subr Functions[] = {

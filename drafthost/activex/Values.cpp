@@ -12,18 +12,18 @@ constexpr std::int32_t LargestShort = 32767;
 
 Value zeroOf(int type) {
     switch (type) {
-        case vbInteger:
-        case vbLong:
+        case VbInteger:
+        case VbLong:
             return Value::integer(0);
-        case vbSingle:
-        case vbDouble:
+        case VbSingle:
+        case VbDouble:
             return Value::real(0);
-        case vbString:
+        case VbString:
             return Value::string("");
-        case vbBoolean:
+        case VbBoolean:
             return falseSymbol();
-        case vbVariant:
-            return makeVariant(vbEmpty, {});
+        case VbVariant:
+            return makeVariant(VbEmpty, {});
         default:
             return {};
     }
@@ -43,7 +43,7 @@ bool isLogical(const Value& v) {
 }  // namespace
 
 std::string Variant::shown() const {
-    const std::string held = (type_ & vbArray) != 0 ? "..." : lisp::prin1(value_);
+    const std::string held = (type_ & VbArray) != 0 ? "..." : lisp::prin1(value_);
     return "#<variant " + std::to_string(type_) + " " + held + ">";
 }
 
@@ -69,28 +69,28 @@ Value makeVariant(const Value& v) {
         return v;
     }
     if (const SafeArray* array = arrayOf(v)) {
-        return makeVariant(vbArray + array->elementType(), v);
+        return makeVariant(VbArray + array->elementType(), v);
     }
     if (v.isNil()) {
-        return makeVariant(vbEmpty, {});
+        return makeVariant(VbEmpty, {});
     }
     if (v.same(nullValue())) {
-        return makeVariant(vbNull, {});
+        return makeVariant(VbNull, {});
     }
     if (v.same(trueSymbol()) || v.same(falseSymbol())) {
-        return makeVariant(vbBoolean, v);
+        return makeVariant(VbBoolean, v);
     }
     if (v.isInt()) {
-        return makeVariant(vbLong, v);
+        return makeVariant(VbLong, v);
     }
     if (v.isReal()) {
-        return makeVariant(vbDouble, v);
+        return makeVariant(VbDouble, v);
     }
     if (v.isString()) {
-        return makeVariant(vbString, v);
+        return makeVariant(VbString, v);
     }
     if (v.isForeign()) {
-        return makeVariant(vbObject, v);
+        return makeVariant(VbObject, v);
     }
     failNoCoercion(v);
 }
@@ -105,7 +105,7 @@ Value makeArray(int elementType, const std::vector<Value>& items) {
 }
 
 Value makeArrayVariant(int elementType, const std::vector<Value>& items) {
-    return makeVariant(vbArray + elementType, makeArray(elementType, items));
+    return makeVariant(VbArray + elementType, makeArray(elementType, items));
 }
 
 Variant* variantOf(const Value& value) {
@@ -130,16 +130,16 @@ Value nullValue() {
 }
 
 Value coerce(int type, const Value& given) {
-    if (type == vbVariant) {
+    if (type == VbVariant) {
         return variantOf(given) != nullptr ? given : makeVariant(given);
     }
     const Value& v = unwrapped(given);
     switch (type) {
-        case vbEmpty:
-        case vbNull:
+        case VbEmpty:
+        case VbNull:
             return {};
-        case vbInteger:
-        case vbLong: {
+        case VbInteger:
+        case VbLong: {
             if (isLogical(v) && !v.isNil()) {
                 return Value::integer(isTrue(v) ? -1 : 0);
             }
@@ -147,38 +147,38 @@ Value coerce(int type, const Value& given) {
                 break;
             }
             const double number = v.isInt() ? v.toInt() : std::nearbyint(v.toReal());
-            if (type == vbInteger && std::abs(number) > LargestShort + 1.0) {
+            if (type == VbInteger && std::abs(number) > LargestShort + 1.0) {
                 fail("ActiveX Server returned an error: Overflow");
             }
             return v.isInt() ? v : Value::integer(static_cast<std::int32_t>(number));
         }
-        case vbSingle:
+        case VbSingle:
             if (v.isNumber()) {
                 return Value::real(static_cast<double>(static_cast<float>(v.toDouble())));
             }
             break;
-        case vbDouble:
+        case VbDouble:
             if (v.isNumber()) {
                 return Value::real(v.toDouble());
             }
             break;
-        case vbString:
+        case VbString:
             if (v.isString()) {
                 return v;
             }
             break;
-        case vbBoolean:
+        case VbBoolean:
             if (v.isNumber() || isLogical(v)) {
                 return isTrue(v) ? trueSymbol() : falseSymbol();
             }
             break;
-        case vbObject:
+        case VbObject:
             if (v.isForeign() || v.isNil()) {
                 return v;
             }
             break;
         default:
-            if (type >= vbArray && arrayOf(v) != nullptr) {
+            if (type >= VbArray && arrayOf(v) != nullptr) {
                 return v;
             }
             break;

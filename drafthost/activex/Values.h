@@ -25,17 +25,17 @@ using automation::stringArg;
 
 /// What a variant or the elements of an array hold, numbered as vlax-vb… are.
 enum VariantType {
-    vbEmpty = 0,
-    vbNull = 1,
-    vbInteger = 2,
-    vbLong = 3,
-    vbSingle = 4,
-    vbDouble = 5,
-    vbString = 8,
-    vbObject = 9,
-    vbBoolean = 11,
-    vbVariant = 12,
-    vbArray = 8192,
+    VbEmpty = 0,
+    VbNull = 1,
+    VbInteger = 2,
+    VbLong = 3,
+    VbSingle = 4,
+    VbDouble = 5,
+    VbString = 8,
+    VbObject = 9,
+    VbBoolean = 11,
+    VbVariant = 12,
+    VbArray = 8192,
 };
 
 class Variant final : public lisp::Foreign {

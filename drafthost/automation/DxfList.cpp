@@ -207,7 +207,6 @@ bool fitsGroup(int code, const Value& v) {
     }
     switch (kindOf(code)) {
         case ValueKind::Real:
-            return v.isNumber();
         case ValueKind::Int16:
         case ValueKind::Int32:
         case ValueKind::Bool:

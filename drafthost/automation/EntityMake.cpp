@@ -155,7 +155,7 @@ void appendGroups(Drawing& drawing, RecordId id, const std::string& type, const 
     // A point of an attribute comes before its tag, whatever the order of the list.
     std::vector<Value> items = list.items();
     if (fill && (type == "ATTRIB" || type == "ATTDEF")) {
-        std::ranges::stable_partition(items, [](const Value& item) {
+        std::stable_partition(items.begin(), items.end(), [](const Value& item) {
             const int code = item.car().toInt();
             return code != 2 && code != 3 && code != 70 && code != 73 && code != 74 && code != 280;
         });
@@ -166,10 +166,9 @@ void appendGroups(Drawing& drawing, RecordId id, const std::string& type, const 
             (isFixedGroup(code) && code != 100) || (code == 100 && item.cdr().toString() == "AcDbEntity")) {
             continue;
         }
-        if (second && parts.begins != 0 &&
-            (code == parts.begins || (parts.begins == 2 && (code == 70 || code == 3)))) {
-            begin();
-        } else if (second && type == "TEXT" && code == 73) {
+        const bool byTag = parts.begins == 2 && (code == 70 || code == 3);
+        const bool byAlignment = type == "TEXT" && code == 73;
+        if (second && ((parts.begins != 0 && code == parts.begins) || byTag || byAlignment)) {
             begin();
         }
         appendGroup(drawing, id, code, item.cdr());

@@ -305,7 +305,6 @@ std::optional<double> Curve::parameterAtDistance(double distance) const {
 }
 
 double Curve::nearestOn(const CurvePiece& piece, const Point& p, bool extend, double& distance) const {
-    double best = piece.from;
     const auto measure = [&](double t) { return drafthost::length(piece.at(t) - p); };
     if (piece.kind == CurvePiece::Kind::Line) {
         const double square = dot(piece.u, piece.u);
@@ -313,9 +312,9 @@ double Curve::nearestOn(const CurvePiece& piece, const Point& p, bool extend, do
         if (!extend) {
             share = std::clamp(share, 0.0, 1.0);
         }
-        best = piece.from + share * (piece.to - piece.from);
-        distance = measure(best);
-        return best;
+        const double foot = piece.from + share * (piece.to - piece.from);
+        distance = measure(foot);
+        return foot;
     }
     constexpr int Samples = 64;
     const double width = (piece.to - piece.from) / Samples;
@@ -332,7 +331,7 @@ double Curve::nearestOn(const CurvePiece& piece, const Point& p, bool extend, do
         const double b = high - (high - low) / 3;
         (measure(a) < measure(b) ? high : low) = measure(a) < measure(b) ? b : a;
     }
-    best = (low + high) / 2;
+    double best = (low + high) / 2;
     for (const double t : {piece.from, piece.to}) {
         if (measure(t) <= measure(best)) {
             best = t;

@@ -53,8 +53,10 @@ Weighted evaluate(const std::vector<Weighted>& controls, const std::vector<doubl
     }
     for (int r = 1; r <= degree; ++r) {
         for (int i = degree; i >= r; --i) {
-            const double low = knots[static_cast<std::size_t>(span - degree + i)];
-            const double high = knots[static_cast<std::size_t>(span + i + 1 - r)];
+            const auto from = static_cast<std::ptrdiff_t>(span) - degree + i;
+            const auto to = static_cast<std::ptrdiff_t>(span) + i + 1 - r;
+            const double low = knots[static_cast<std::size_t>(from)];
+            const double high = knots[static_cast<std::size_t>(to)];
             const double f = high > low ? (t - low) / (high - low) : 0;
             d[static_cast<std::size_t>(i)] =
                 mix(d[static_cast<std::size_t>(i) - 1], d[static_cast<std::size_t>(i)], f);

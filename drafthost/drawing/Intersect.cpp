@@ -215,13 +215,17 @@ RecordId offsetPolyline(Drawing& drawing, RecordId entity, double distance) {
     const bool closed = (drawing.record(entity).integerOr(70, 0) & 1) != 0;
     const bool bent =
         std::any_of(v.begin(), v.end(), [](const PolylineVertex& one) { return one.bulge != 0; });
-    if (v.size() < 2 || bent) {
+    const std::size_t segments = v.size() < 2 ? 0 : v.size() - (closed ? 0 : 1);
+    if (segments == 0 || bent) {
         return NoRecord;
     }
-    const std::size_t segments = v.size() - (closed ? 0 : 1);
     std::vector<std::pair<Point, Point>> sides;  // a point and a direction
     for (std::size_t i = 0; i < segments; ++i) {
-        const Point along = normalised(v[(i + 1) % v.size()].place - v[i].place);
+        const Point step = v[(i + 1) % v.size()].place - v[i].place;
+        if (length(step) == 0) {
+            return NoRecord;
+        }
+        const Point along = normalised(step);
         sides.push_back({v[i].place + Point{along.y, -along.x, 0} * distance, along});
     }
     std::vector<Point> corners;

@@ -68,7 +68,7 @@ void RunTest::TearDown() {
 }
 
 QString RunTest::MakeFile(const QString& name) {
-    const QString path = dir.filePath(name);
+    QString path = dir.filePath(name);
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write("x") == 1);

@@ -39,8 +39,7 @@ TEST(UserText, OddLinesAreReadAloneAndTold) {
 
 TEST(UserText, MarksAndWideTextAreRead) {
     const std::vector<QByteArray> cases = {
-        "\xEF\xBB\xBF"
-        "a\xC3\xA9\n",
+        QByteArray("\xEF\xBB\xBF") + "a\xC3\xA9\n",
         QByteArray("\xFF\xFE"
                    "a\0\xE9\0\n\0",
                    8),
