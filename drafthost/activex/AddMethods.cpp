@@ -5,6 +5,7 @@
 
 #include "drafthost/activex/Classes.h"
 #include "drafthost/activex/Groups.h"
+#include "drafthost/drawing/EntityBuilder.h"
 #include "drafthost/drawing/EntityCopy.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Import.h"
@@ -14,54 +15,22 @@
 namespace drafthost::activex {
 namespace {
 
-/// A new entity in the block, with layer, colour and linetype of the drawing's current ones.
-class NewEntity {
+/// A new entity in the block.
+class NewEntity : public EntityBuilder<NewEntity> {
   public:
     NewEntity(Call& call, std::string_view type, std::string_view marker)
-        : call_(call), drawing_(call.drawing()), target_{call.record().textOr(2, "")} {
-        id_ = addEntityTo(drawing_, target_, type, headerText(drawing_, "$CLAYER", "0"));
-        if (id_ == NoRecord) {
+        : EntityBuilder(call.drawing(), {call.record().textOr(2, "")}, type, marker), call_(call) {
+        if (!made()) {
             failAutomation("The block has no place in the drawing.");
         }
-        takeCurrentProperties(drawing_, id_);
-        mark(marker);
     }
-    NewEntity& mark(std::string_view marker) {
-        if (drawing_.versionNumber() >= 1012 && !marker.empty()) {
-            drawing_.appendTag(id_, 100, std::string(marker));
-        }
-        return *this;
-    }
-    NewEntity& point(int code, const Point& p) {
-        drawing_.appendTag(id_, code, p.x);
-        drawing_.appendTag(id_, code + 10, p.y);
-        drawing_.appendTag(id_, code + 20, p.z);
-        return *this;
-    }
-    NewEntity& real(int code, double value) {
-        drawing_.appendTag(id_, code, value);
-        return *this;
-    }
-    NewEntity& integer(int code, std::int64_t value) {
-        drawing_.appendTag(id_, code, value);
-        return *this;
-    }
-    NewEntity& text(int code, const std::string& value) {
-        drawing_.appendTag(id_, code, value);
-        return *this;
-    }
-    RecordId id() const { return id_; }
-    const BlockTarget& target() const { return target_; }
     Result done() {
         call_.changed();
-        return call_.object(id_);
+        return call_.object(id());
     }
 
   private:
     Call& call_;
-    Drawing& drawing_;
-    BlockTarget target_;
-    RecordId id_ = NoRecord;
 };
 
 double positive(double value) {
@@ -177,26 +146,10 @@ Result addHeavy(Call& call, bool space) {
     Drawing& drawing = call.drawing();
     RecordId behind = main.id();
     const bool marked = drawing.versionNumber() >= 1012;
-    const auto sub = [&](const char* type) {
-        const RecordId id = drawing.insertRecord(behind, type);
-        if (drawing.hasHandles()) {
-            drawing.appendTag(id, 5, formatHandle(drawing.allocateHandle()));
-        }
-        if (drawing.versionNumber() >= 1015) {
-            drawing.appendTag(id, 330, formatHandle(drawing.handle(main.id())));
-        }
-        if (marked) {
-            drawing.appendTag(id, 100, "AcDbEntity");
-        }
-        if (drawing.record(main.id()).integerOr(67, 0) == 1) {
-            drawing.appendTag(id, 67, std::int64_t{1});
-        }
-        drawing.appendTag(id, 8, drawing.record(main.id()).textOr(8, "0"));
-        behind = id;
-        return id;
-    };
+    const std::string layer = drawing.record(main.id()).textOr(8, "0");
     for (const Point& p : points) {
-        const RecordId id = sub("VERTEX");
+        const RecordId id = addPart(drawing, main.id(), behind, "VERTEX", layer);
+        behind = id;
         if (marked) {
             drawing.appendTag(id, 100, "AcDbVertex");
             drawing.appendTag(id, 100, space ? "AcDb3dPolylineVertex" : "AcDb2dVertex");
@@ -206,7 +159,7 @@ Result addHeavy(Call& call, bool space) {
         drawing.appendTag(id, 30, p.z);
         drawing.appendTag(id, 70, std::int64_t{space ? 32 : 0});
     }
-    sub("SEQEND");
+    addPart(drawing, main.id(), behind, "SEQEND", layer);
     return main.done();
 }
 Result addPolyline(Call& call) {

@@ -8,8 +8,10 @@
 #include "drafthost/activex/Groups.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/EntityCopy.h"
+#include "drafthost/drawing/NewLayout.h"
 #include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/Xref.h"
 
 namespace drafthost::activex {
 
@@ -124,55 +126,48 @@ Result xrefDatabase(Call&) {
     return Value();
 }
 
-/// A detached reference takes its insertions, its block and all names that came with it away.
-Result detach(Call& call) {
-    Drawing& drawing = call.drawing();
-    const std::string name = entryName(drawing, call.id());
-    if ((begin(call).integerOr(70, 0) & External) == 0) {
-        failAutomation("Not applicable");
-    }
-    std::vector<RecordId> inserts;
-    for (const Block& block : blocks(drawing)) {
-        for (const RecordId id : entitiesOf(drawing, block)) {
-            if (drawing.type(id) == "INSERT" &&
-                foldCase(drawing.record(id).textOr(2, "")) == foldCase(name)) {
-                inserts.push_back(id);
-            }
+Xref xrefOf(Call& call) {
+    const RecordId block = begin(call).id();
+    for (const Xref& xref : xrefs(call.drawing())) {
+        if (xref.block == block) {
+            return xref;
         }
     }
-    for (const RecordId id : inserts) {
-        deleteEntity(drawing, id);
-    }
-    deleteBlock(drawing, name);
-    for (const Table table : {Table::Layer, Table::Ltype, Table::Style, Table::Dimstyle}) {
-        for (const RecordId id : tableEntries(drawing, table)) {
-            if (foldCase(entryName(drawing, id)).starts_with(foldCase(name) + "|")) {
-                deleteEntry(drawing, table, id);
-            }
-        }
-    }
-    call.changed(true);
-    return {};
+    failAutomation("Not applicable");
 }
-Result setUnloaded(Call& call, bool unloaded) {
-    constexpr std::int64_t Unloaded = 32;
-    const Record record = begin(call);
-    const std::int64_t bits = record.integerOr(70, 0);
-    if ((bits & External) == 0) {
-        failAutomation("Not applicable");
+std::string xrefFileOf(Call& call, const Xref& xref) {
+    const auto folder = call.session().host.getVar("DWGPREFIX");
+    const std::string file = xrefFile(xref.path, folder && folder->isString() ? folder->toString() : "");
+    if (file.empty()) {
+        failAutomation("File not found");
     }
-    call.drawing().put(record.id(), 70, unloaded ? bits & ~Unloaded : bits | Unloaded);
+    return file;
+}
+Result detach(Call& call) {
+    detachXref(call.drawing(), xrefOf(call).name);
     call.changed(true);
     return {};
 }
 Result unload(Call& call) {
-    return setUnloaded(call, true);
+    setXrefLoaded(call.drawing(), xrefOf(call), false);
+    call.changed(true);
+    return {};
 }
 Result reload(Call& call) {
-    return setUnloaded(call, false);
+    const Xref xref = xrefOf(call);
+    xrefFileOf(call, xref);
+    setXrefLoaded(call.drawing(), xref, true);
+    call.changed(true);
+    return {};
 }
-Result bind(Call&) {
-    failAutomation("An external reference cannot be bound here: its drawing is not read.");
+Result bind(Call& call) {
+    const Xref xref = xrefOf(call);
+    std::string error;
+    if (!bindXref(call.drawing(), xref.name, xrefFileOf(call, xref), booleanOf(call.arg(0)), error)) {
+        failAutomation(error);
+    }
+    call.changed(true);
+    return {};
 }
 
 constexpr Property BlockProperty[] = {
@@ -214,7 +209,6 @@ bool isModel(const Call& call) {
 void putLayoutName(Call& call, const Value& value) {
     Drawing& drawing = call.drawing();
     const std::string& name = textOf(value);
-    const std::string old = layoutName(call).value.toString();
     if (isModel(call) || name.empty() || name.find_first_of("<>/\\\":;?*|,=`") != std::string::npos) {
         failAutomation("Invalid input");
     }
@@ -223,14 +217,7 @@ void putLayoutName(Call& call, const Value& value) {
             failAutomation("Duplicate key");
         }
     }
-    setGroup(drawing, call.id(), 1, name, LayoutPart);
-    const RecordId dictionary = findInDictionary(drawing, rootDictionary(drawing), "ACAD_LAYOUT");
-    for (const DictionaryEntry& entry :
-         dictionary == NoRecord ? std::vector<DictionaryEntry>() : dictionaryEntries(drawing, dictionary)) {
-        if (foldCase(entry.name) == foldCase(old)) {
-            drawing.setTag(dictionary, entry.tag, name);
-        }
-    }
+    renameLayout(drawing, call.id(), name);
     call.changed();
 }
 Result layoutBlock(Call& call) {
@@ -407,23 +394,8 @@ void deleteLayout(Call& call) {
         if (model) {
             call.session().host.setVar("CTAB", Value::string("Model"));
         }
-        all = layouts(drawing);
     }
-    const auto now = std::find_if(all.begin(), all.end(), [&](const Layout& l) { return l.object == id; });
-    const std::string block = now->blockName;
-    const std::uint64_t handle = drawing.handle(id);
-    const RecordId dictionary = findInDictionary(drawing, rootDictionary(drawing), "ACAD_LAYOUT");
-    if (dictionary != NoRecord) {
-        for (const DictionaryEntry& entry : dictionaryEntries(drawing, dictionary)) {
-            if (entry.handle == handle) {
-                drawing.removeTag(dictionary, entry.tag + 1);
-                drawing.removeTag(dictionary, entry.tag);
-                break;
-            }
-        }
-    }
-    drawing.deleteRecord(id);
-    deleteBlock(drawing, block);
+    removeLayout(drawing, id);
     call.changed(true);
 }
 

@@ -7,8 +7,9 @@
 #include "drafthost/activex/Classes.h"
 #include "drafthost/activex/ExtensionData.h"
 #include "drafthost/activex/Groups.h"
-#include "drafthost/activex/NewLayout.h"
 #include "drafthost/drawing/EntityCopy.h"
+#include "drafthost/drawing/EntityGroups.h"
+#include "drafthost/drawing/NewLayout.h"
 #include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/SymbolTables.h"
 
@@ -162,21 +163,10 @@ Result addGroup(Call& call) {
         return known;
     }
     checkName(name);
-    Drawing& drawing = call.drawing();
-    RecordId dictionary = namedDictionary(call, "ACAD_GROUP");
-    if (dictionary == NoRecord) {
-        const RecordId root = rootDictionary(drawing);
-        dictionary = root == NoRecord ? NoRecord : addObject(drawing, "DICTIONARY", "AcDbDictionary", root);
-        if (dictionary == NoRecord) {
-            failAutomation("Not applicable");
-        }
-        addDictionaryEntry(drawing, root, "ACAD_GROUP", dictionary);
+    const RecordId made = makeGroup(call.drawing(), name, "");
+    if (made == NoRecord) {
+        failAutomation("Not applicable");
     }
-    const RecordId made = addObject(drawing, "GROUP", "AcDbGroup", dictionary);
-    drawing.appendTag(made, 300, "");
-    drawing.appendTag(made, 70, std::int64_t{0});
-    drawing.appendTag(made, 71, std::int64_t{1});
-    addDictionaryEntry(drawing, dictionary, name, made);
     call.changed();
     return call.object(made);
 }

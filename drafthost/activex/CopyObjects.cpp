@@ -2,9 +2,9 @@
 #include "drafthost/activex/CopyObjects.h"
 
 #include "drafthost/activex/Classes.h"
-#include "drafthost/activex/NewLayout.h"
 #include "drafthost/drawing/EntityCopy.h"
 #include "drafthost/drawing/Import.h"
+#include "drafthost/drawing/NewLayout.h"
 #include "drafthost/drawing/SymbolTables.h"
 
 namespace drafthost::activex {

@@ -8,6 +8,7 @@
 #include "drafthost/activex/ExtensionData.h"
 #include "drafthost/activex/Groups.h"
 #include "drafthost/automation/EntityNames.h"
+#include "drafthost/drawing/DrawOrder.h"
 #include "drafthost/drawing/Objects.h"
 
 namespace drafthost::activex {
@@ -251,55 +252,12 @@ constexpr Method GroupMethod[] = {
     {"Highlight", 1, 1, nothing},
 };
 
-/// Entities of the table's block in their order of drawing: those named with another handle stand where that
-/// one is.
 std::vector<RecordId> drawOrder(Call& call) {
-    const Drawing& drawing = call.drawing();
-    const Record r = call.record();
-    std::map<std::uint64_t, std::uint64_t> sortHandles;
-    for (std::size_t i = r.subclass("AcDbSortentsTable"); i + 1 < r.size(); ++i) {
-        if (r.code(i) == 331 && r.code(i + 1) == 5) {
-            sortHandles[r.handle(i)] = r.handle(i + 1);
-        }
-    }
-    std::uint64_t owner = 0;
-    for (std::size_t i = r.subclass("AcDbSortentsTable"); i < r.size(); ++i) {
-        if (r.code(i) == 330) {
-            owner = r.handle(i);
-        }
-    }
-    const RecordId block = drawing.findHandle(owner);
-    std::vector<RecordId> all;
-    if (const Block* found = block == NoRecord ? nullptr : blockOf(drawing, block)) {
-        all = entitiesOf(drawing, *found);
-    }
-    const auto place = [&](RecordId id) {
-        const auto given = sortHandles.find(drawing.handle(id));
-        return given == sortHandles.end() ? drawing.handle(id) : given->second;
-    };
-    std::stable_sort(all.begin(), all.end(), [&](RecordId a, RecordId b) { return place(a) < place(b); });
-    return all;
+    return readDrawOrder(call.drawing(), call.id());
 }
 
 void writeOrder(Call& call, const std::vector<RecordId>& order) {
-    Drawing& drawing = call.drawing();
-    std::vector<std::uint64_t> handles;
-    for (const RecordId id : order) {
-        handles.push_back(drawing.handle(id));
-    }
-    std::vector<std::uint64_t> places = handles;
-    std::sort(places.begin(), places.end());
-    for (std::size_t i = drawing.record(call.id()).size(); i-- > 1;) {
-        const int code = drawing.record(call.id()).code(i);
-        const bool own = code == 5 && i < drawing.record(call.id()).find(100).value_or(0);
-        if (code == 331 || (code == 5 && !own)) {
-            drawing.removeTag(call.id(), i);
-        }
-    }
-    for (std::size_t i = 0; i < handles.size(); ++i) {
-        drawing.appendTag(call.id(), 331, formatHandle(handles[i]));
-        drawing.appendTag(call.id(), 5, formatHandle(places[i]));
-    }
+    writeDrawOrder(call.drawing(), call.id(), order);
     call.changed();
 }
 
@@ -311,39 +269,25 @@ std::vector<RecordId> recordsArg(Call& call, std::size_t i) {
     return ids;
 }
 
-/// Moves entities to a place in the order: behind all others, before all, or beside one.
-void reorder(Call& call, const std::vector<RecordId>& moved, RecordId target, bool above) {
+void move(Call& call, const std::vector<RecordId>& moved, RecordId target, bool above) {
     std::vector<RecordId> order = drawOrder(call);
-    const auto isMoved = [&](RecordId id) {
-        return std::find(moved.begin(), moved.end(), id) != moved.end();
-    };
-    std::vector<RecordId> taken;
-    std::copy_if(order.begin(), order.end(), std::back_inserter(taken), isMoved);
-    std::erase_if(order, isMoved);
-    auto place = above ? order.end() : order.begin();
-    if (target != NoRecord) {
-        place = std::find(order.begin(), order.end(), target);
-        if (place != order.end() && above) {
-            ++place;
-        }
-    }
-    order.insert(place, taken.begin(), taken.end());
+    reorder(order, moved, target, above);
     writeOrder(call, order);
 }
 Result moveToTop(Call& call) {
-    reorder(call, recordsArg(call, 0), NoRecord, true);
+    move(call, recordsArg(call, 0), NoRecord, true);
     return {};
 }
 Result moveToBottom(Call& call) {
-    reorder(call, recordsArg(call, 0), NoRecord, false);
+    move(call, recordsArg(call, 0), NoRecord, false);
     return {};
 }
 Result moveAbove(Call& call) {
-    reorder(call, recordsArg(call, 0), call.objectArg(1).record, true);
+    move(call, recordsArg(call, 0), call.objectArg(1).record, true);
     return {};
 }
 Result moveBelow(Call& call) {
-    reorder(call, recordsArg(call, 0), call.objectArg(1).record, false);
+    move(call, recordsArg(call, 0), call.objectArg(1).record, false);
     return {};
 }
 Result swapOrder(Call& call) {

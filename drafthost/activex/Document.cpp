@@ -12,6 +12,7 @@
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Purge.h"
 #include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/UndoLog.h"
 #include "drafthost/drawing/View.h"
 #include "drafthost/lisp/Utf8.h"
 
@@ -128,7 +129,7 @@ void putActiveSpace(Call& call, const Value& value) {
     call.session().host.setVar("TILEMODE", Value::integer(integerOf(value) == 1 ? 1 : 0));
 }
 Result inModelViewport(Call& call) {
-    return Result::boolean(modelIsCurrent(call.drawing()));
+    return Result::boolean(modelSpaceIsCurrent(call.drawing()));
 }
 void putModelViewport(Call& call, const Value& value) {
     if (modelIsCurrent(call.drawing())) {
@@ -216,6 +217,15 @@ Result regen(Call& call) {
     return {};
 }
 Result nothing(Call&) {
+    return {};
+}
+/// What lies between the two is undone in one step.
+Result startUndoMark(Call& call) {
+    call.drawing().undo().beginGroup();
+    return {};
+}
+Result endUndoMark(Call& call) {
+    call.drawing().undo().endGroup();
     return {};
 }
 Result purgeEverything(Call& call) {
@@ -357,8 +367,8 @@ constexpr Property DocumentProperty[] = {
     {"Preferences", Access::Custom, 0, 0, preferences},
 };
 constexpr Method DocumentMethod[] = {
-    {"StartUndoMark", 0, 0, nothing},
-    {"EndUndoMark", 0, 0, nothing},
+    {"StartUndoMark", 0, 0, startUndoMark},
+    {"EndUndoMark", 0, 0, endUndoMark},
     {"Regen", 1, 1, regen},
     {"PurgeAll", 0, 0, purgeEverything},
     {"AuditInfo", 1, 1, audit},

@@ -233,6 +233,7 @@ Result offset(Call& call) {
     }
     call.changed();
     std::vector<Value> all;
+    all.reserve(made.size());
     for (const RecordId id : made) {
         all.push_back(call.object(id));
     }

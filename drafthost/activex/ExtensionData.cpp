@@ -8,45 +8,6 @@
 
 namespace drafthost::activex {
 
-RecordId addObject(Drawing& drawing, std::string_view type, std::string_view subclass, RecordId owner) {
-    const std::vector<RecordId> all = objects(drawing);
-    if (all.empty() || !drawing.hasHandles()) {
-        return NoRecord;
-    }
-    const RecordId made = drawing.insertRecord(all.back(), type);
-    drawing.appendTag(made, 5, formatHandle(drawing.allocateHandle()));
-    drawing.appendTag(made, 330, formatHandle(owner == NoRecord ? 0 : drawing.handle(owner)));
-    if (!subclass.empty()) {
-        drawing.appendTag(made, 100, std::string(subclass));
-    }
-    return made;
-}
-
-void addDictionaryEntry(Drawing& drawing, RecordId dictionary, const std::string& name, RecordId object) {
-    const std::size_t end = drawing.record(dictionary).xdata();
-    drawing.insertTag(dictionary, end, 3, name);
-    drawing.insertTag(dictionary, end + 1, 350, formatHandle(drawing.handle(object)));
-}
-
-RecordId makeExtensionDictionary(Drawing& drawing, RecordId id) {
-    if (drawing.versionNumber() < 1012 || drawing.handle(id) == 0) {
-        return NoRecord;
-    }
-    const RecordId made = addObject(drawing, "DICTIONARY", "AcDbDictionary", id);
-    if (made == NoRecord) {
-        return NoRecord;
-    }
-    drawing.appendTag(made, 280, std::int64_t{1});
-    drawing.appendTag(made, 281, std::int64_t{1});
-    const Record record = drawing.record(id);
-    const int handleCode = record.type() == "DIMSTYLE" ? 105 : 5;
-    const std::size_t place = record.find(handleCode).value_or(0) + 1;
-    drawing.insertTag(id, place, 102, "{ACAD_XDICTIONARY");
-    drawing.insertTag(id, place + 1, 360, formatHandle(drawing.handle(made)));
-    drawing.insertTag(id, place + 2, 102, "}");
-    return made;
-}
-
 Value tagForModel(const Drawing& drawing, const Record& record, std::size_t i, std::size_t& width) {
     width = automation::groupWidth(record, i);
     const int code = record.code(i);

@@ -7,13 +7,6 @@
 
 namespace drafthost::activex {
 
-/// Gives a record an extension dictionary; NoRecord in drawings that cannot have one (before R13).
-RecordId makeExtensionDictionary(Drawing& drawing, RecordId id);
-
-/// An empty object of the OBJECTS section, owned by `owner`; NoRecord where the drawing has no such section.
-RecordId addObject(Drawing& drawing, std::string_view type, std::string_view subclass, RecordId owner);
-void addDictionaryEntry(Drawing& drawing, RecordId dictionary, const std::string& name, RecordId object);
-
 /// GetXData: application, and the symbols for types and values.
 void readExtendedData(Call& call);
 /// SetXData: types and values; only the applications that they name are changed.

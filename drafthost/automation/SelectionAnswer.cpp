@@ -16,13 +16,17 @@ std::vector<EntityName> alive(const Drawing& drawing, std::vector<EntityName> na
     return names;
 }
 
-/// Model space, or the layout that is the active paper space; other layouts are elsewhere.
-bool isInCurrentSpace(const Drawing& drawing, RecordId id) {
-    const Layout* layout = layoutOf(drawing, id);
-    return layout != nullptr && (modelIsCurrent(drawing) ? layout->model : isActivePaper(*layout));
+bool isOff(const Drawing& drawing, RecordId id) {
+    const RecordId layer = findEntry(drawing, Table::Layer, drawing.record(id).textOr(8, "0"));
+    return layer != NoRecord && drawing.record(layer).integerOr(62, 7) < 0;
 }
 
 }  // namespace
+
+bool isInCurrentSpace(const Drawing& drawing, RecordId id) {
+    const Layout* layout = layoutOf(drawing, id);
+    return layout != nullptr && (modelSpaceIsCurrent(drawing) ? layout->model : isActivePaper(*layout));
+}
 
 std::vector<EntityName> entitiesThat(const Drawing& drawing, const std::function<bool(RecordId)>& accepts) {
     std::vector<EntityName> result;
@@ -48,7 +52,8 @@ std::vector<EntityName> allSelectable(const Drawing& drawing) {
 }
 
 std::vector<EntityName> lastVisible(const Drawing& drawing) {
-    const auto all = entitiesThat(drawing, [&](RecordId id) { return isVisibleHere(drawing, id); });
+    const auto all =
+        entitiesThat(drawing, [&](RecordId id) { return isVisibleHere(drawing, id) && !isOff(drawing, id); });
     return all.empty() ? all : std::vector<EntityName>{all.back()};
 }
 

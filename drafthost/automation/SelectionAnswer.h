@@ -20,11 +20,13 @@ inline constexpr std::string_view SelectionWords =
 
 /// Names of the entities of all layouts that are accepted, as they come in the drawing.
 std::vector<EntityName> entitiesThat(const Drawing& drawing, const std::function<bool(RecordId)>& accepts);
+/// Model space, or the layout that is the active paper space; other layouts are elsewhere.
+bool isInCurrentSpace(const Drawing& drawing, RecordId id);
 /// Whether the entity lies in the current space on a layer that is not frozen; the layer may be off.
 bool isVisibleHere(const Drawing& drawing, RecordId id);
 /// What ALL means: everything that is visible here, except on locked layers.
 std::vector<EntityName> allSelectable(const Drawing& drawing);
-/// What Last means: the newest entity that is visible here; none or one.
+/// What Last means: the newest entity that is visible here, its layer on; none or one.
 std::vector<EntityName> lastVisible(const Drawing& drawing);
 
 /// The objects of an answer that is none of the words: an entity name, alone or with the point where it was

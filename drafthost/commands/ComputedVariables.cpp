@@ -157,14 +157,23 @@ bool setCurrentTab(Host&, Document* document, const VariableValue& value, std::s
 }
 
 VariableValue currentViewport(Host&, Document* document) {
-    return !document || modelIsCurrent(document->drawing()) ? 2 : 1;
+    if (!document || modelIsCurrent(document->drawing())) {
+        return 2;
+    }
+    const Drawing& drawing = document->drawing();
+    const RecordId viewport = drawing.activeViewport();
+    return viewport == NoRecord ? 1 : static_cast<int>(drawing.record(viewport).integerOr(69, 2));
 }
 
 bool setCurrentViewport(Host& host, Document* document, const VariableValue& value, std::string& reason) {
     if (value == currentViewport(host, document)) {
         return true;
     }
-    reason = "CVPORT: there is no other viewport to make current.";
+    const auto* number = std::get_if<int>(&value);
+    if (document && number && enterViewport(document->drawing(), *number)) {
+        return true;
+    }
+    reason = "CVPORT: there is no such viewport to make current.";
     return false;
 }
 

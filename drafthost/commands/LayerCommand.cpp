@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/commands/Commands.h"
 #include "drafthost/commands/LayerOptions.h"
+#include "drafthost/commands/LayerWatch.h"
 
 namespace drafthost::commands {
 
@@ -43,6 +44,7 @@ CommandTask layerCommand(CommandContext& context) {
         keywords += (keywords.empty() ? "" : " ") + std::string(option.keyword);
     }
     keywords += " stAte";
+    LayerWatch before(context.document());
     for (;;) {
         context.printLine("Current layer: \"" + currentLayerName(context) + "\"");
         auto answer = co_await context.keyword("Enter an option", keywords);

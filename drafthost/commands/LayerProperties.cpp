@@ -4,6 +4,7 @@
 #include "drafthost/commands/LayerTable.h"
 #include "drafthost/commands/Questions.h"
 #include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/LinetypeFile.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/editor/Document.h"
 
@@ -110,7 +111,7 @@ Task<bool> linetypeLayers(CommandContext& context) {
             listNames(context, "linetypes", names);
             continue;
         }
-        RecordId entry = findEntry(drawing, Table::Ltype, answer.text);
+        RecordId entry = provideLinetype(context.document().drawing(), answer.text);
         bool continuous = sameName(answer.text, "Continuous");
         if (sameName(answer.text, "ByLayer") || sameName(answer.text, "ByBlock") ||
             (entry == NoRecord && !continuous)) {

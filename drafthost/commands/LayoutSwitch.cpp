@@ -146,6 +146,7 @@ bool makeLayoutCurrent(Drawing& drawing, std::string_view name, std::string& rea
         reason = "There is no layout \"" + std::string(name) + "\" in the drawing.";
         return false;
     }
+    drawing.setActiveViewport(NoRecord);
     if (!wanted->model && !isActivePaper(*wanted)) {
         const Layout* active = activePaperLayout(drawing);
         std::string activeBlock = active ? active->blockName : "*Paper_Space";
@@ -159,6 +160,46 @@ bool makeLayoutCurrent(Drawing& drawing, std::string_view name, std::string& rea
     }
     setHeader(drawing, "$TILEMODE", 70, std::int64_t{wanted->model ? 1 : 0});
     return true;
+}
+
+std::vector<RecordId> layoutViewports(const Drawing& drawing) {
+    std::vector<RecordId> result;
+    if (modelIsCurrent(drawing)) {
+        return result;
+    }
+    for (const RecordId id : activePaperRecords(drawing)) {
+        if (drawing.type(id) == "VIEWPORT" && id != sheetViewport(drawing)) {
+            result.push_back(id);
+        }
+    }
+    return result;
+}
+
+RecordId sheetViewport(const Drawing& drawing) {
+    for (const RecordId id : activePaperRecords(drawing)) {
+        // Files of others leave the number out; the sheet's own one comes first.
+        if (drawing.type(id) == "VIEWPORT") {
+            return drawing.record(id).integerOr(69, 1) == 1 ? id : NoRecord;
+        }
+    }
+    return NoRecord;
+}
+
+bool enterViewport(Drawing& drawing, int number) {
+    if (modelIsCurrent(drawing)) {
+        return false;
+    }
+    if (number == 1) {
+        drawing.setActiveViewport(NoRecord);
+        return true;
+    }
+    for (const RecordId id : layoutViewports(drawing)) {
+        if (drawing.record(id).integerOr(69, 0) == number) {
+            drawing.setActiveViewport(id);
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace drafthost::commands

@@ -18,4 +18,12 @@ std::string currentLayoutName(const Drawing& drawing);
 /// name.
 bool makeLayoutCurrent(Drawing& drawing, std::string_view name, std::string& reason);
 
+/// Viewports of the current layout, the sheet itself left out.
+std::vector<RecordId> layoutViewports(const Drawing& drawing);
+/// The sheet's own viewport; NoRecord when the layout was never shown.
+RecordId sheetViewport(const Drawing& drawing);
+/// Works in model space through the viewport of that number (group 69) from now on, or on the sheet again
+/// with 1. False when the current layout has none of that number.
+bool enterViewport(Drawing& drawing, int number);
+
 }  // namespace drafthost::commands

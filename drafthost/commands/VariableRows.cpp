@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace drafthost::commands {
 
@@ -264,7 +265,15 @@ constexpr auto Rows = std::to_array<VariableRow>({
 }  // namespace
 
 std::span<const VariableRow> variableRows() {
-    return Rows;
+    static const std::vector<VariableRow> All = [] {
+        const std::span<const VariableRow> kept = keptVariableRows();
+        std::vector<VariableRow> rows(Rows.begin(), Rows.end());
+        rows.insert(rows.end(), kept.begin(), kept.end());
+        std::sort(rows.begin(), rows.end(),
+                  [](const VariableRow& a, const VariableRow& b) { return a.name < b.name; });
+        return rows;
+    }();
+    return All;
 }
 
 const VariableRow* findVariableRow(std::string_view name) {
@@ -272,10 +281,11 @@ const VariableRow* findVariableRow(std::string_view name) {
         return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
                                             [](char x, char y) { return upper(x) < upper(y); });
     };
+    const std::span<const VariableRow> rows = variableRows();
     auto found =
-        std::lower_bound(Rows.begin(), Rows.end(), name,
+        std::lower_bound(rows.begin(), rows.end(), name,
                          [&](const VariableRow& row, std::string_view key) { return less(row.name, key); });
-    return found != Rows.end() && !less(name, found->name) ? &*found : nullptr;
+    return found != rows.end() && !less(name, found->name) ? &*found : nullptr;
 }
 
 }  // namespace drafthost::commands

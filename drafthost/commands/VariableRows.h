@@ -37,6 +37,9 @@ struct VariableRow {
     std::string_view paperName = {};
 };
 
+/// Variables that are only kept; sorted by name.
+std::span<const VariableRow> keptVariableRows();
+
 /// All variables, sorted by name.
 std::span<const VariableRow> variableRows();
 

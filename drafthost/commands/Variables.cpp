@@ -38,7 +38,7 @@ short headerCode(const VariableRow& row) {
 
 /// The header variable that stands for the row in the space that is current.
 std::optional<HeaderVariable> lookUp(const VariableRow& row, const Drawing& drawing) {
-    if (!row.paperName.empty() && !modelIsCurrent(drawing)) {
+    if (!row.paperName.empty() && !modelSpaceIsCurrent(drawing)) {
         if (auto found = headerVariable(drawing, row.paperName)) {
             return found;
         }

@@ -6,9 +6,13 @@
 #include "drafthost/commands/ChangeWatch.h"
 #include "drafthost/commands/Commands.h"
 #include "drafthost/commands/Selection.h"
+#include "drafthost/commands/UserSystem.h"
+#include "drafthost/commands/ViewCommands.h"
 #include "drafthost/commands/ViewGeometry.h"
+#include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/drawing/View.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/DocumentLisp.h"
@@ -258,6 +262,32 @@ void zoomPrevious(CommandContext& context) {
 }
 
 }  // namespace
+
+void showView(Document& document, const View& view) {
+    changeView(document, view);
+}
+
+void lookFrom(Document& document, const Transform& ucs) {
+    Drawing& drawing = document.drawing();
+    const RecordId entry = modelIsCurrent(drawing) ? findEntry(drawing, Table::Vport, "*ACTIVE") : NoRecord;
+    if (entry != NoRecord) {
+        ChangeWatch watch(document, ModifiedView);
+        const Transform plain = viewAxes({.direction = ucs.z, .target = {}, .twist = 0});
+        const Point along{ucs.x.x * plain.x.x + ucs.x.y * plain.x.y + ucs.x.z * plain.x.z,
+                          ucs.x.x * plain.y.x + ucs.x.y * plain.y.y + ucs.x.z * plain.y.z, 0};
+        drawing.putPoint(entry, 16, ucs.z, true);
+        drawing.putPoint(entry, 17, ucs.origin, true);
+        // The picture turns against the UCS.
+        drawing.put(entry, 51, directionInDegrees(-std::atan2(along.y, along.x)));
+    }
+    zoomToExtents(document, false);
+}
+
+Transform viewSystem(const Drawing& drawing) {
+    Transform ucs = viewAxes(viewPlane(drawing));
+    ucs.origin = ucsTransform(drawing).origin;
+    return ucs;
+}
 
 CommandTask regenCommand(CommandContext& context) {
     refreshExtents(context.document());

@@ -17,31 +17,19 @@ struct Axes {
     Point z{0, 0, 1};
 };
 
-Point plus(const Point& a, const Point& b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-Point minus(const Point& a, const Point& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-Point times(const Point& a, double factor) {
-    return {a.x * factor, a.y * factor, a.z * factor};
-}
 double dot(const Point& a, const Point& b) {
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
-Point cross(const Point& a, const Point& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
 Point unit(const Point& a) {
     double length = std::sqrt(dot(a, a));
-    return length > 0 ? times(a, 1 / length) : a;
+    return length > 0 ? a * (1 / length) : a;
 }
 
 Point toAxes(const Axes& axes, const Point& point) {
     return {dot(point, axes.x), dot(point, axes.y), dot(point, axes.z)};
 }
 Point fromAxes(const Axes& axes, const Point& point) {
-    return plus(plus(times(axes.x, point.x), times(axes.y, point.y)), times(axes.z, point.z));
+    return axes.x * point.x + axes.y * point.y + axes.z * point.z;
 }
 
 Axes displayAxes(const ViewPlane& plane) {
@@ -58,8 +46,8 @@ Axes displayAxes(const ViewPlane& plane) {
     double c = std::cos(plane.twist);
     double s = std::sin(plane.twist);
     // A twist turns the picture, so the axes of the display turn against it.
-    axes.x = minus(times(x, c), times(y, s));
-    axes.y = plus(times(x, s), times(y, c));
+    axes.x = x * c - y * s;
+    axes.y = x * s + y * c;
     return axes;
 }
 
@@ -95,19 +83,30 @@ ViewPlane viewPlane(const Drawing& drawing) {
     return plane;
 }
 
+Transform viewAxes(const ViewPlane& plane, bool twisted) {
+    ViewPlane seen = plane;
+    seen.twist = twisted ? plane.twist : 0;
+    const Axes axes = displayAxes(seen);
+    Transform result;
+    result.x = axes.x;
+    result.y = axes.y;
+    result.z = axes.z;
+    return result;
+}
+
 Point displayFromUcs(const Drawing& drawing, const Point& point) {
     Ucs ucs = currentUcs(drawing);
     ViewPlane plane = viewPlane(drawing);
-    Point world = plus(ucs.origin, fromAxes(ucs.axes, point));
-    return toAxes(displayAxes(plane), minus(world, plane.target));
+    Point world = ucs.origin + fromAxes(ucs.axes, point);
+    return toAxes(displayAxes(plane), world - plane.target);
 }
 
 Point viewCenterInUcs(const Drawing& drawing) {
     Ucs ucs = currentUcs(drawing);
     ViewPlane plane = viewPlane(drawing);
     View view = currentView(drawing);
-    Point world = plus(plane.target, fromAxes(displayAxes(plane), {view.center.x, view.center.y, 0}));
-    return toAxes(ucs.axes, minus(world, ucs.origin));
+    Point world = plane.target + fromAxes(displayAxes(plane), {view.center.x, view.center.y, 0});
+    return toAxes(ucs.axes, world - ucs.origin);
 }
 
 Extents displayExtents(const Drawing& drawing, const Extents& world) {
@@ -120,7 +119,7 @@ Extents displayExtents(const Drawing& drawing, const Extents& world) {
     for (int corner = 0; corner < 8; ++corner) {
         Point point{corner & 1 ? world.max.x : world.min.x, corner & 2 ? world.max.y : world.min.y,
                     corner & 4 ? world.max.z : world.min.z};
-        result.add(toAxes(axes, minus(point, plane.target)));
+        result.add(toAxes(axes, point - plane.target));
     }
     return result;
 }

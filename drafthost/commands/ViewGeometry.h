@@ -5,6 +5,7 @@
 // users give points in their own coordinate system and extents come in the world's.
 
 #include "drafthost/drawing/Extents.h"
+#include "drafthost/drawing/Transform.h"
 #include "drafthost/drawing/View.h"
 
 namespace drafthost::commands {
@@ -18,6 +19,8 @@ struct ViewPlane {
 
 /// Plane of the current view; straight from above in layouts and where the drawing tells nothing.
 ViewPlane viewPlane(const Drawing& drawing);
+/// The axes of the display in the world, without the twist when `twisted` is false.
+Transform viewAxes(const ViewPlane& plane, bool twisted = true);
 /// A point of the current UCS in the display's coordinates.
 Point displayFromUcs(const Drawing& drawing, const Point& point);
 /// The view's centre in the current UCS (VIEWCTR).

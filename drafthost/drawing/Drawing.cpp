@@ -4,13 +4,14 @@
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/drawing/Overlay.h"
 #include "drafthost/drawing/Structure.h"
+#include "drafthost/drawing/UndoLog.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace drafthost {
 
-Drawing::Drawing() = default;
+Drawing::Drawing() : undo_(std::make_unique<UndoLog>(*this)) {}
 Drawing::~Drawing() = default;
 
 std::unique_ptr<Drawing> Drawing::open(const std::string& path, std::string& error) {
@@ -111,6 +112,10 @@ void Drawing::readIdentity() {
 Drawing::Overlay* Drawing::overlayOf(RecordId id) const {
     const std::uint32_t slot = rows_[id].overlay & ~DeletedBit;
     return slot == NoOverlay ? nullptr : overlays_[slot].get();
+}
+
+RecordId Drawing::activeViewport() const {
+    return activeViewport_ != NoRecord && isAlive(activeViewport_) ? activeViewport_ : NoRecord;
 }
 
 RecordId Drawing::first() const {

@@ -18,6 +18,7 @@
 namespace drafthost {
 
 struct Structure;
+class UndoLog;
 
 /// How SAVEAS writes: the form, and digits after the point for reals (16 keeps them as they are).
 struct SaveFormat {
@@ -110,6 +111,9 @@ class Drawing {
     /// Gives a deleted record back (OOPS, UNDO).
     void restoreRecord(RecordId id);
 
+    /// What can be taken back; it records nothing until it is switched on.
+    UndoLog& undo() { return *undo_; }
+
     // Handles (code 5, or 105 in DIMSTYLE; the first of a record counts).
 
     std::uint64_t handle(RecordId id) const;
@@ -120,11 +124,17 @@ class Drawing {
     /// Whether records carry handles (always from R13, by $HANDLING before).
     bool hasHandles() const;
 
+    /// The viewport of the current layout through which model space is worked in; NoRecord on the sheet
+    /// itself and in the model tab. No file tells it.
+    RecordId activeViewport() const;
+    void setActiveViewport(RecordId viewport) { activeViewport_ = viewport; }
+
     /// Sections, tables, blocks and layouts as found; built on demand and dropped by edits that change it.
     const Structure& structure() const;
 
   private:
     friend class Record;
+    friend class UndoLog;
     struct Overlay;
     struct Row {
         std::uint32_t firstTag;
@@ -162,6 +172,8 @@ class Drawing {
     /// First and last of the new records behind an original one.
     std::unordered_map<RecordId, std::pair<RecordId, RecordId>> chains_;
     bool modified_ = false;
+    std::unique_ptr<UndoLog> undo_;
+    RecordId activeViewport_ = NoRecord;
     std::uint64_t nextHandle_ = 0;
     mutable std::unique_ptr<Structure> structure_;
     mutable std::unordered_map<std::uint64_t, RecordId> handles_;

@@ -2,6 +2,7 @@
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Overlay.h"
 #include "drafthost/drawing/Structure.h"
+#include "drafthost/drawing/UndoLog.h"
 
 #include <algorithm>
 #include <cmath>
@@ -94,6 +95,7 @@ std::string Drawing::rawFromValue(int code, const Value& value, std::string_view
 }
 
 Drawing::Overlay& Drawing::edit(RecordId id) {
+    undo_->touch(id);
     if (Overlay* overlay = overlayOf(id)) {
         return *overlay;
     }
@@ -229,16 +231,19 @@ RecordId Drawing::insertRecord(RecordId previous, std::string_view type) {
     overlays_.push_back(std::make_unique<Overlay>());
     overlays_.back()->tags.push_back({0, NoTag, true, std::string(type)});
     linkBehind(previous, id);
+    undo_->created(id);
     changed(id, 0);
     return id;
 }
 
 void Drawing::deleteRecord(RecordId id) {
+    undo_->touch(id);
     changed(id, 0);
     rows_[id].overlay |= DeletedBit;
 }
 
 void Drawing::restoreRecord(RecordId id) {
+    undo_->touch(id);
     rows_[id].overlay &= ~DeletedBit;
     changed(id, 0);
 }

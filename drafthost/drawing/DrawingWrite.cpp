@@ -2,6 +2,7 @@
 #include "drafthost/drawing/FileBytes.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Overlay.h"
+#include "drafthost/drawing/UndoLog.h"
 
 #include <algorithm>
 #include <chrono>
@@ -136,6 +137,7 @@ std::string Drawing::serialise() const {
 // What a save must touch: a seed that is not above every handle would make other programs give a handle
 // twice, and the date of the last change.
 void Drawing::updateHeaderForSave() {
+    const UndoLog::Pause pause(*undo_);
     const bool edited = modified_;
     if (const auto seed = headerVariable(*this, "$HANDSEED"); seed || (nextHandle_ != 0 && hasHandles())) {
         const std::string* text = seed ? std::get_if<std::string>(&seed->value) : nullptr;

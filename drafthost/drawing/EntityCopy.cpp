@@ -87,7 +87,7 @@ BlockTarget targetOf(const Drawing& drawing, RecordId entity) {
 }
 
 BlockTarget currentTarget(const Drawing& drawing) {
-    return {modelIsCurrent(drawing) ? "*Model_Space" : "*Paper_Space"};
+    return {modelSpaceIsCurrent(drawing) ? "*Model_Space" : "*Paper_Space"};
 }
 
 RecordId addEntityTo(Drawing& drawing, const BlockTarget& target, std::string_view type,
@@ -106,6 +106,25 @@ RecordId addEntityTo(Drawing& drawing, const BlockTarget& target, std::string_vi
         drawing.appendTag(id, 100, "AcDbEntity");
     }
     drawing.appendTag(id, 8, std::string(layer));
+    return id;
+}
+
+RecordId addPart(Drawing& drawing, RecordId main, RecordId behind, std::string_view type,
+                 const std::string& layer) {
+    const RecordId id = drawing.insertRecord(behind, type);
+    if (drawing.hasHandles()) {
+        drawing.appendTag(id, 5, formatHandle(drawing.allocateHandle()));
+    }
+    if (drawing.versionNumber() >= 1015) {
+        drawing.appendTag(id, 330, formatHandle(drawing.handle(main)));
+    }
+    if (drawing.versionNumber() >= 1012) {
+        drawing.appendTag(id, 100, std::string("AcDbEntity"));
+    }
+    if (drawing.record(main).integerOr(67, 0) == 1) {
+        drawing.appendTag(id, 67, std::int64_t{1});
+    }
+    drawing.appendTag(id, 8, layer);
     return id;
 }
 

@@ -23,6 +23,10 @@ BlockTarget currentTarget(const Drawing& drawing);
 RecordId addEntityTo(Drawing& drawing, const BlockTarget& target, std::string_view type,
                      std::string_view layer);
 
+/// A part of an entity (VERTEX, ATTRIB, SEQEND) behind another of its records, with handle, owner and marker.
+RecordId addPart(Drawing& drawing, RecordId main, RecordId behind, std::string_view type,
+                 const std::string& layer);
+
 /// Copies an entity with all that belongs to it: vertices, attributes, the picture of a dimension, extension
 /// dictionaries not. NoRecord when there is no such block.
 RecordId copyEntity(Drawing& drawing, RecordId entity, const BlockTarget& target);

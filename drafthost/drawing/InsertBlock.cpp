@@ -80,7 +80,6 @@ RecordId insertBlockReference(Drawing& drawing, const InsertRequest& request, co
         return NoRecord;
     }
     const std::string name = found->name;
-    const std::vector<RecordId> definitions = attributeDefinitions(drawing, *found);
     const std::string layer = headerText(drawing, "$CLAYER", "0");
     const RecordId insert = addEntityTo(drawing, request.target, "INSERT", layer);
     if (insert == NoRecord) {
@@ -90,9 +89,6 @@ RecordId insertBlockReference(Drawing& drawing, const InsertRequest& request, co
     const bool marked = drawing.versionNumber() >= 1012;
     if (marked) {
         drawing.appendTag(insert, 100, "AcDbBlockReference");
-    }
-    if (!definitions.empty()) {
-        drawing.appendTag(insert, 66, std::int64_t{1});
     }
     drawing.appendTag(insert, 2, name);
     drawing.appendTag(insert, 10, request.place.x);
@@ -106,45 +102,44 @@ RecordId insertBlockReference(Drawing& drawing, const InsertRequest& request, co
     if (request.rotation != 0) {
         drawing.appendTag(insert, 50, degreesOf(request.rotation));
     }
+    addAttributes(drawing, insert, value);
+    return insert;
+}
+
+void addAttributes(Drawing& drawing, RecordId insert, const AttributeValue& value) {
+    const Record reference = drawing.record(insert);
+    const Block* block = findBlock(drawing, reference.textOr(2, ""));
+    const std::vector<RecordId> definitions =
+        block == nullptr ? std::vector<RecordId>() : attributeDefinitions(drawing, *block);
+    const auto follow = reference.find(66);
     if (definitions.empty()) {
-        return insert;
+        if (follow) {
+            drawing.removeTag(insert, *follow);
+        }
+        return;
     }
+    if (!follow) {
+        drawing.insertTag(insert, *reference.find(2), 66, std::int64_t{1});
+    }
+    const std::string layer = drawing.record(insert).textOr(8, "0");
+    const double height = std::abs(drawing.record(insert).realOr(42, 1));
     const Transform map = insertTransform(drawing, insert);
-    const bool paper = drawing.record(insert).integerOr(67, 0) == 1;
     RecordId behind = insert;
-    const auto sub = [&](const char* type, const std::string& onLayer) {
-        const RecordId id = drawing.insertRecord(behind, type);
-        if (drawing.hasHandles()) {
-            drawing.appendTag(id, 5, formatHandle(drawing.allocateHandle()));
-        }
-        if (drawing.versionNumber() >= 1015) {
-            drawing.appendTag(id, 330, formatHandle(drawing.handle(insert)));
-        }
-        if (marked) {
-            drawing.appendTag(id, 100, "AcDbEntity");
-        }
-        if (paper) {
-            drawing.appendTag(id, 67, std::int64_t{1});
-        }
-        drawing.appendTag(id, 8, onLayer);
-        behind = id;
-        return id;
-    };
     for (const RecordId definition : definitions) {
         const std::string text = value ? value(definition) : drawing.record(definition).textOr(1, "");
         const std::string own = drawing.record(definition).textOr(8, "0");
-        const RecordId made = sub("ATTRIB", own == "0" ? layer : own);
+        const RecordId made = addPart(drawing, insert, behind, "ATTRIB", own == "0" ? layer : own);
+        behind = made;
         appendAttributeText(drawing, made, definition, text);
         std::string error;
         if (!transformEntity(drawing, made, map, {.mirrorText = true}, error)) {
             // Stretched along one axis: the place is right, the size that of the vertical scale.
             const Point p = drawing.record(made).pointOr(10, {});
             drawing.putPoint(made, 10, map(p), true);
-            drawing.put(made, 40, drawing.record(made).realOr(40, 1) * std::abs(request.scale[1]));
+            drawing.put(made, 40, drawing.record(made).realOr(40, 1) * height);
         }
     }
-    sub("SEQEND", layer);
-    return insert;
+    addPart(drawing, insert, behind, "SEQEND", layer);
 }
 
 std::optional<std::string> importFileAsBlock(Drawing& drawing, const std::string& path, std::string& error) {

@@ -26,6 +26,9 @@ using AttributeValue = std::function<std::string(RecordId definition)>;
 /// A reference to a block that is there, with attributes; their defaults where no function gives values.
 RecordId insertBlockReference(Drawing& drawing, const InsertRequest& request, const AttributeValue& value);
 
+/// Attributes of a reference that has none, as the definition of its block has them.
+void addAttributes(Drawing& drawing, RecordId insert, const AttributeValue& value);
+
 /// A drawing file as a block of the file's name; the name. Nothing, with one line of cause, when it cannot be
 /// read. A block of that name that is there already stays.
 std::optional<std::string> importFileAsBlock(Drawing& drawing, const std::string& path, std::string& error);

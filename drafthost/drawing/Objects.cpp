@@ -93,4 +93,70 @@ std::vector<RecordId> ownedObjects(const Drawing& drawing, RecordId id) {
     return owned;
 }
 
+RecordId addObject(Drawing& drawing, std::string_view type, std::string_view subclass, RecordId owner) {
+    const std::vector<RecordId> all = objects(drawing);
+    if (all.empty() || !drawing.hasHandles()) {
+        return NoRecord;
+    }
+    const RecordId made = drawing.insertRecord(all.back(), type);
+    drawing.appendTag(made, 5, formatHandle(drawing.allocateHandle()));
+    drawing.appendTag(made, 330, formatHandle(owner == NoRecord ? 0 : drawing.handle(owner)));
+    if (!subclass.empty()) {
+        drawing.appendTag(made, 100, std::string(subclass));
+    }
+    return made;
+}
+
+void addDictionaryEntry(Drawing& drawing, RecordId dictionary, const std::string& name, RecordId object) {
+    const std::size_t end = drawing.record(dictionary).xdata();
+    drawing.insertTag(dictionary, end, 3, name);
+    drawing.insertTag(dictionary, end + 1, 350, formatHandle(drawing.handle(object)));
+}
+
+RecordId makeExtensionDictionary(Drawing& drawing, RecordId id) {
+    if (drawing.versionNumber() < 1012 || drawing.handle(id) == 0) {
+        return NoRecord;
+    }
+    const RecordId made = addObject(drawing, "DICTIONARY", "AcDbDictionary", id);
+    if (made == NoRecord) {
+        return NoRecord;
+    }
+    drawing.appendTag(made, 280, std::int64_t{1});
+    drawing.appendTag(made, 281, std::int64_t{1});
+    const Record record = drawing.record(id);
+    const int handleCode = record.type() == "DIMSTYLE" ? 105 : 5;
+    const std::size_t place = record.find(handleCode).value_or(0) + 1;
+    drawing.insertTag(id, place, 102, "{ACAD_XDICTIONARY");
+    drawing.insertTag(id, place + 1, 360, formatHandle(drawing.handle(made)));
+    drawing.insertTag(id, place + 2, 102, "}");
+    return made;
+}
+
+RecordId provideDictionary(Drawing& drawing, const std::string& name) {
+    const RecordId root = rootDictionary(drawing);
+    if (root == NoRecord) {
+        return NoRecord;
+    }
+    const RecordId there = findInDictionary(drawing, root, name);
+    if (there != NoRecord) {
+        return there;
+    }
+    const RecordId made = addObject(drawing, "DICTIONARY", "AcDbDictionary", root);
+    if (made != NoRecord) {
+        drawing.appendTag(made, 281, std::int64_t{1});
+        addDictionaryEntry(drawing, root, name, made);
+    }
+    return made;
+}
+
+void removeDictionaryEntry(Drawing& drawing, RecordId dictionary, const std::string& name) {
+    for (const DictionaryEntry& entry : dictionaryEntries(drawing, dictionary)) {
+        if (foldCase(entry.name) == foldCase(name)) {
+            drawing.removeTag(dictionary, entry.tag + 1);
+            drawing.removeTag(dictionary, entry.tag);
+            return;
+        }
+    }
+}
+
 }  // namespace drafthost

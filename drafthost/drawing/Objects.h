@@ -28,4 +28,14 @@ RecordId extensionDictionary(const Drawing& drawing, RecordId id);
 /// goes when the record goes.
 std::vector<RecordId> ownedObjects(const Drawing& drawing, RecordId id);
 
+/// An empty object of the OBJECTS section, owned by `owner`; NoRecord where the drawing has no such section.
+RecordId addObject(Drawing& drawing, std::string_view type, std::string_view subclass, RecordId owner);
+void addDictionaryEntry(Drawing& drawing, RecordId dictionary, const std::string& name, RecordId object);
+/// The entry goes, the object that it names stays.
+void removeDictionaryEntry(Drawing& drawing, RecordId dictionary, const std::string& name);
+/// A dictionary of the root by its name, made when it is missing; NoRecord in drawings without objects.
+RecordId provideDictionary(Drawing& drawing, const std::string& name);
+/// Gives a record an extension dictionary; NoRecord in drawings that cannot have one (before R13).
+RecordId makeExtensionDictionary(Drawing& drawing, RecordId id);
+
 }  // namespace drafthost

@@ -96,7 +96,7 @@ std::vector<Purgeable> unusedBlocks(const Drawing& drawing) {
         const std::int64_t flags = drawing.record(block.begin).integerOr(70, 0);
         const bool byHandle =
             block.blockRecord != NoRecord && usage.handles.contains(drawing.handle(block.blockRecord));
-        if (!isLayoutBlock(drawing, block) && !usage.blocks.contains(name) && !byHandle &&
+        if (!isLayoutBlock(drawing, block) && (name.empty() || !usage.blocks.contains(name)) && !byHandle &&
             (flags & (External | FromExternal)) == 0 && name.find('|') == std::string::npos) {
             result.push_back({block.name, block.begin});
         }
@@ -232,6 +232,9 @@ void removeFromDictionary(Drawing& drawing, const char* name, RecordId object) {
             drawing.removeTag(dictionary, entry.tag);
             break;
         }
+    }
+    for (const RecordId owned : ownedObjects(drawing, object)) {
+        drawing.deleteRecord(owned);
     }
     drawing.deleteRecord(object);
 }

@@ -95,6 +95,10 @@ bool modelIsCurrent(const Drawing& drawing) {
     return headerInteger(drawing, "$TILEMODE", 1) != 0;
 }
 
+bool modelSpaceIsCurrent(const Drawing& drawing) {
+    return modelIsCurrent(drawing) || drawing.activeViewport() != NoRecord;
+}
+
 View currentView(const Drawing& drawing) {
     const bool model = modelIsCurrent(drawing);
     const RecordId id = model ? activeViewport(drawing) : paperView(drawing);

@@ -17,6 +17,8 @@ struct View {
 
 /// Whether the model tab is current ($TILEMODE).
 bool modelIsCurrent(const Drawing& drawing);
+/// Whether model space is worked in: in the model tab, or through a viewport of a layout.
+bool modelSpaceIsCurrent(const Drawing& drawing);
 /// The current view; a plain one around the limits when the drawing has none.
 View currentView(const Drawing& drawing);
 /// Sets the current view; the VPORT record is made when absent, from R13 on.

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include "drafthost/drawing/Drawing.h"
+#include "drafthost/drawing/UndoLog.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
@@ -88,9 +90,13 @@ Outcome CommandLine::start(const CommandEntry& entry, std::string_view calledAs,
         *active_.emplace_back(std::make_unique<Active>(host_, document_, std::string(calledAs), source));
     active.name = entry.name;
     if (active_.size() == 1 && !(entry.flags & CommandNoRepeat)) {
-        lastCommand_ = calledAs;
+        const bool silent = (entry.flags & CommandNoEnter) != 0 && source != InputSource::Keyboard;
+        lastCommand_ = silent ? std::string_view() : calledAs;
     }
     host_.notify([&](HostObserver& observer) { observer.commandWillStart(entry.name); });
+    if (depthHere() == 1) {
+        document_.drawing().undo().begin(entry.name);
+    }
     active.context.state().moreInput = more;
     active.task = entry.function(active.context);
     active.running = true;
@@ -162,12 +168,19 @@ Outcome CommandLine::finish() {
     const CommandContext::State state = active->context.state();
     const std::string name = active->name;
     active.reset();
+    endStep();
     if (state.failed) {
         host_.notify([&](HostObserver& observer) { observer.commandFailed(name); });
         return Outcome::Failed;
     }
     host_.notify([&](HostObserver& observer) { observer.commandEnded(name); });
     return state.complained ? Outcome::Rejected : Outcome::Ok;
+}
+
+void CommandLine::endStep() {
+    if (atPrompt()) {
+        document_.drawing().undo().end();
+    }
 }
 
 void CommandLine::startDelay(Active& active) {
@@ -192,6 +205,7 @@ bool CommandLine::cancel() {
     active_.pop_back();
     const std::string name = active->name;
     active.reset();
+    endStep();
     host_.printLine("*Cancel*", Said::Aside);
     host_.notify([&](HostObserver& observer) { observer.commandCancelled(name); });
     return true;

@@ -68,6 +68,8 @@ class CommandLine {
 
     Outcome resume(Active& active, std::coroutine_handle<> handle);
     Outcome finish();
+    /// What commands at this prompt have edited is a step of its own.
+    void endStep();
     /// How many commands are active without those that a module's running command stands between.
     std::size_t depthHere() const;
     void startDelay(Active& active);

@@ -21,6 +21,9 @@ enum CommandFlags : unsigned {
     CommandNoRepeat = 2,
     /// Also works while no drawing is open; CommandContext::document() is an empty stand-in then.
     CommandNoDocument = 4,
+    /// Enter behind it does nothing, unless somebody sits at the keyboard: scripts close its selection
+    /// whether or not it asks for more.
+    CommandNoEnter = 8,
 };
 
 struct CommandEntry {

@@ -5,7 +5,9 @@
 #include <filesystem>
 
 #include "drafthost/drawing/Drawing.h"
+#include "drafthost/drawing/UndoLog.h"
 #include "drafthost/editor/CommandLine.h"
+#include "drafthost/editor/CommandMemory.h"
 #include "drafthost/editor/DocumentLisp.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
@@ -20,8 +22,11 @@ Document::Document(Host& host, std::unique_ptr<Drawing> drawing, std::string pat
       path_(std::move(path)),
       title_(std::move(title)),
       readOnly_(readOnly),
+      memory_(std::make_unique<CommandMemory>()),
       commandLine_(std::make_unique<CommandLine>(host, *this)),
-      lisp_(std::make_unique<DocumentLisp>(host, *this)) {}
+      lisp_(std::make_unique<DocumentLisp>(host, *this)) {
+    drawing_->undo().enable();
+}
 
 Document::~Document() {
     // Commands hold on to the world and the drawing, so they go first.
@@ -43,6 +48,7 @@ unsigned Document::modified() const {
 void Document::clearModified() {
     modified_ = 0;
     drawing_->setModified(false);
+    drawing_->undo().saved();
 }
 
 bool Document::save(std::string& error) {

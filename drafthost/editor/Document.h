@@ -19,6 +19,7 @@
 namespace drafthost {
 
 class CommandLine;
+struct CommandMemory;
 class DocumentLisp;
 class Drawing;
 class Host;
@@ -82,6 +83,7 @@ class Document {
     /// document goes over to that file, and its lock with it.
     bool saveTo(const std::string& path, bool takeName, const Writer& writer, std::string& error);
 
+    CommandMemory& memory() { return *memory_; }
     std::vector<ViewState>& previousViews() { return previousViews_; }
 
     /// Values of variables that live with the document but not in the drawing.
@@ -113,6 +115,7 @@ class Document {
     std::string logName_;
     std::vector<ViewState> previousViews_;
     std::unordered_map<std::string, VariableValue> variables_;
+    std::unique_ptr<CommandMemory> memory_;
     std::unique_ptr<CommandLine> commandLine_;
     std::unique_ptr<DocumentLisp> lisp_;
 };

@@ -7,6 +7,8 @@
 #include <QString>
 
 #include "drafthost/activex/Functions.h"
+#include "drafthost/drawing/Drawing.h"
+#include "drafthost/drawing/UndoLog.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/HostObserver.h"
@@ -116,6 +118,9 @@ lisp::EvalResult DocumentLisp::run(std::string_view text, std::string_view first
     {
         Evaluation evaluation(host_.input());
         result = world().evaluate(text);
+    }
+    if (document_.commandLine().atPrompt()) {
+        document_.drawing().undo().end();
     }
     const bool cancelled = result.status == lisp::EvalResult::Status::Cancelled;
     if (host_.report() && result.status == lisp::EvalResult::Status::Error) {
