@@ -16,5 +16,9 @@ std::span<const lisp::Subr> tableFunctions();
 std::span<const lisp::Subr> dictionaryFunctions();
 std::span<const lisp::Subr> entityFunctions();
 std::span<const lisp::Subr> selectionFunctions();
+std::span<const lisp::Subr> menuFunctions();
+std::span<const lisp::Subr> registryFunctions();
+std::span<const lisp::Subr> measureFunctions();
+std::span<const lisp::Subr> reactorFunctions();
 
 }  // namespace drafthost::automation

@@ -116,6 +116,14 @@ class LispHost {
     /// (getcfg) and (setcfg): values under a path such as "AppData/Name/Key".
     virtual std::optional<std::string> configValue(std::string_view path) = 0;
     virtual bool setConfigValue(std::string_view path, std::string_view value) = 0;
+    /// Values of the host's own registry, by whole keys ("HKEY_CURRENT_USER\\Software\\…"); "" names a key's
+    /// default value. Strings or whole numbers.
+    virtual std::optional<Value> registryValue(std::string_view key, std::string_view name) = 0;
+    virtual bool setRegistryValue(std::string_view key, std::string_view name, const Value& value) = 0;
+    /// Names of the keys right below one, or of its values.
+    virtual std::vector<std::string> registryNames(std::string_view key, bool values) = 0;
+    /// A value, or without a name the key with all in it; false when it is not there.
+    virtual bool deleteRegistry(std::string_view key, std::optional<std::string_view> name) = 0;
     /// What (ver) tells.
     virtual std::string versionText() = 0;
     /// (getcname): "_LINE" for "LINE" and back; nothing when there is no such command.

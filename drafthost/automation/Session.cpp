@@ -8,8 +8,16 @@ namespace drafthost::automation {
 
 Session::Session(LispHost& h) : host(h), world_(*this) {
     for (const auto family : {commandFunctions, promptFunctions, hostFunctions, tableFunctions,
-                              dictionaryFunctions, entityFunctions, selectionFunctions}) {
+                              dictionaryFunctions, entityFunctions, selectionFunctions, menuFunctions,
+                              registryFunctions, measureFunctions, reactorFunctions}) {
         world_.define(family());
+    }
+    // Kinds of reactors stand for themselves.
+    for (const Subr& function : reactorFunctions()) {
+        if (function.named != nullptr) {
+            const std::string kind = ":" + std::string(function.name);
+            world_.set(kind, Value::symbol(kind));
+        }
     }
     world_.set("PAUSE", Value::string("\\"));
 }

@@ -50,6 +50,9 @@ class Session final : public lisp::WorldHost {
     /// Finds a function that was never defined, by its name; nil when there is none.
     Value (*findLibraryFunction)(const lisp::Symbol&) = nullptr;
 
+    /// Every reactor that was made.
+    std::vector<Value> reactors;
+
     // Kept for the functions of LISP.
     InitGet initGet;
     Making making;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// AUDIT and RECOVER.
+// AUDIT.
 
 #include <filesystem>
 #include <fstream>

@@ -9,6 +9,8 @@ void registerCommands(CommandTable& table) {
     using namespace commands;
     constexpr unsigned Transparent = CommandTransparent;
     table.add("OPEN", openCommand, CommandNoDocument);
+    table.add("DXFIN", openCommand, CommandNoDocument);
+    table.add("RECOVER", recoverCommand, CommandNoDocument);
     table.add("NEW", newCommand, CommandNoDocument);
     table.add("CLOSE", closeCommand);
     table.add("QUIT", quitCommand, CommandNoDocument);
@@ -16,6 +18,7 @@ void registerCommands(CommandTable& table) {
     table.add("QSAVE", qsaveCommand);
     table.add("SAVE", saveCommand);
     table.add("SAVEAS", saveAsCommand);
+    table.add("DXFOUT", dxfOutCommand);
     table.add("SCRIPT", scriptCommand);
     table.add("RESUME", resumeCommand, Transparent | CommandNoRepeat);
     table.add("RSCRIPT", rscriptCommand, CommandNoRepeat);

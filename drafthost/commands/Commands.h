@@ -10,6 +10,7 @@ namespace drafthost::commands {
 
 // FileCommands.cpp
 CommandTask openCommand(CommandContext& context);
+CommandTask recoverCommand(CommandContext& context);
 CommandTask newCommand(CommandContext& context);
 CommandTask closeCommand(CommandContext& context);
 CommandTask quitCommand(CommandContext& context);
@@ -18,6 +19,7 @@ CommandTask quitCommand(CommandContext& context);
 CommandTask qsaveCommand(CommandContext& context);
 CommandTask saveCommand(CommandContext& context);
 CommandTask saveAsCommand(CommandContext& context);
+CommandTask dxfOutCommand(CommandContext& context);
 
 // ScriptCommands.cpp
 CommandTask scriptCommand(CommandContext& context);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <filesystem>
 
+#include "drafthost/commands/AuditReport.h"
 #include "drafthost/commands/Commands.h"
 #include "drafthost/commands/Questions.h"
 #include "drafthost/editor/Document.h"
@@ -79,6 +80,31 @@ CommandTask openCommand(CommandContext& context) {
     }
     if (!result.document) {
         context.fail(result.error);
+    }
+}
+
+CommandTask recoverCommand(CommandContext& context) {
+    Host& host = context.host();
+    bool goOn = !singleDocument(host);
+    if (!goOn) {
+        goOn = co_await mayDiscardChanges(context, context.document());
+    }
+    if (!goOn) {
+        context.fail("RECOVER was given up, the drawing keeps its changes.");
+        co_return;
+    }
+    auto answer = co_await context.fileName("Enter name of drawing file to recover", ".");
+    if (answer.text.empty() || answer.text == ".") {
+        context.fail("RECOVER needs the name of a drawing file.");
+        co_return;
+    }
+    OpenResult result = host.openDocument(existingFile(host, answer.text, ".dxf"), OpenMode::ReadWrite);
+    if (!result.document) {
+        context.fail(result.error);
+        co_return;
+    }
+    for (const std::string& line : auditDocument(*result.document, true)) {
+        context.printLine(line);
     }
 }
 

@@ -5,7 +5,11 @@
 #include "drafthost/commands/Backup.h"
 #include "drafthost/commands/Commands.h"
 #include "drafthost/commands/Questions.h"
+#include "drafthost/commands/Selection.h"
+#include "drafthost/drawing/BlockEdit.h"
 #include "drafthost/drawing/Drawing.h"
+#include "drafthost/drawing/UndoLog.h"
+#include "drafthost/drawing/VersionConvert.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 
@@ -78,9 +82,21 @@ std::optional<int> decimalsOf(std::string_view text) {
 
 struct DxfChoice {
     SaveFormat format;
+    int version = 0;    ///< 0: the drawing's own
+    bool some = false;  ///< only these objects
+    std::vector<RecordId> objects;
     /// A file name that was given where the decimals were asked for.
     std::string fileName;
 };
+
+int versionOf(std::string_view word) {
+    for (const VersionWord& entry : VersionWords) {
+        if (entry.word == word) {
+            return entry.number;
+        }
+    }
+    return 0;
+}
 
 /// The questions about the form of a DXF file. Scripts are found that give the file's name before these
 /// answers and such that give it behind them, so with `allowName` a name is taken here too.
@@ -88,7 +104,9 @@ Task<std::optional<DxfChoice>> askDxfForm(CommandContext& context, Drawing& draw
     DxfChoice choice;
     for (;;) {
         auto answer = co_await context.fileName(
-            "Enter decimal places of accuracy (0 to 16) or [Objects/Binary/Version]", "16");
+            choice.some ? "Enter decimal places of accuracy (0 to 16) or [Binary/Version]"
+                        : "Enter decimal places of accuracy (0 to 16) or [Objects/Binary/Version]",
+            "16");
         const std::string& text = answer.text;
         if (text.empty()) {
             co_return choice;
@@ -101,24 +119,42 @@ Task<std::optional<DxfChoice>> askDxfForm(CommandContext& context, Drawing& draw
             choice.format.binary = true;
             co_return choice;
         }
-        if (isWord(text, "objects", 1)) {
-            context.complain("SAVEAS writes whole drawings; Objects is not available.");
+        if (isWord(text, "objects", 1) && !choice.some) {
+            choice.objects = co_await selectObjects(context);
+            choice.some = true;
         } else if (isWord(text, "version", 1)) {
             std::string own(wordOfVersion(drawing.versionNumber()));
             auto version =
                 co_await context.keyword("Enter version", "R12 2000 2004 2007 2010 2013 2018", own);
-            if (version.keyword != own) {
-                context.fail("Cannot save " + context.document().title() + " in the " + version.keyword +
-                             " format: this host keeps a drawing in the version it has (" +
-                             drawing.version() + ").");
-                co_return std::nullopt;
-            }
+            choice.version = versionOf(version.keyword);
         } else if (allowName && text.find_first_not_of("-0123456789") != std::string::npos) {
             choice.fileName = text;
             co_return choice;
         } else {
             context.complain("Enter a whole number from 0 to 16, Binary or Version.");
         }
+    }
+}
+
+/// Writes a drawing in the form that was chosen; what the version cannot hold is left in `lost`.
+bool writeForm(Drawing& drawing, const DxfChoice& choice, const std::string& target,
+               std::vector<std::string>& lost, std::string& error) {
+    std::unique_ptr<Drawing> some;
+    if (choice.some) {
+        some = drawingOf(drawing, choice.objects, {});
+    }
+    Drawing& source = some ? *some : drawing;
+    if (choice.version == 0 || choice.version == source.versionNumber()) {
+        return source.saveAs(target, choice.format, error);
+    }
+    ConvertedDrawing converted = convertVersion(source, choice.version, error);
+    lost = std::move(converted.lost);
+    return converted.drawing && converted.drawing->saveAs(target, choice.format, error);
+}
+
+void tellLost(CommandContext& context, const std::vector<std::string>& lost) {
+    for (const std::string& what : lost) {
+        context.printLine("Not kept in that version: " + what + ".");
     }
 }
 
@@ -155,6 +191,24 @@ void writeTo(CommandContext& context, const std::string& path, bool takeName,
     if (!keepBackup(context.host(), path, error) || !document.saveTo(path, takeName, writer, error)) {
         context.fail(error);
     }
+}
+
+/// A file beside the drawing, which stays what and where it is.
+void writeCopy(CommandContext& context, const std::string& path, const DxfChoice& choice) {
+    Document& document = context.document();
+    if (path == document.path()) {
+        context.fail("Cannot write " + path + ": the drawing itself is open under that name; use QSAVE.");
+        return;
+    }
+    std::string error;
+    std::vector<std::string> lost;
+    const UndoLog::Pause pause(document.drawing().undo());
+    if (!keepBackup(context.host(), path, error) ||
+        !writeForm(document.drawing(), choice, path, lost, error)) {
+        context.fail(error);
+        return;
+    }
+    tellLost(context, lost);
 }
 
 }  // namespace
@@ -223,14 +277,38 @@ CommandTask saveAsCommand(CommandContext& context) {
             co_return;
         }
     }
-    SaveFormat form = choice->format;
     if (*path == document.path() && document.isReadOnly()) {
         context.fail("Cannot save " + *path + ": the drawing was opened read-only.");
         co_return;
     }
-    writeTo(context, *path, true, [form](Drawing& drawing, const std::string& target, std::string& error) {
-        return drawing.saveAs(target, form, error);
-    });
+    if (choice->some) {
+        // Part of a drawing is a file of its own; the drawing stays where it is.
+        writeCopy(context, *path, *choice);
+        co_return;
+    }
+    auto lost = std::make_shared<std::vector<std::string>>();
+    const DxfChoice form = *choice;
+    const Document::Writer writer = [form, lost](Drawing& drawing, const std::string& target,
+                                                 std::string& error) {
+        return writeForm(drawing, form, target, *lost, error);
+    };
+    writeTo(context, *path, true, writer);
+    tellLost(context, *lost);
+    // Saves from now on keep to the version that was chosen.
+    if (form.version != 0 && form.version != document.drawing().versionNumber()) {
+        document.setWriter(writer);
+    }
+}
+
+CommandTask dxfOutCommand(CommandContext& context) {
+    auto path = co_await askTarget(context, {});
+    if (!path) {
+        co_return;
+    }
+    auto choice = co_await askDxfForm(context, context.document().drawing(), false);
+    if (choice) {
+        writeCopy(context, *path, *choice);
+    }
 }
 
 }  // namespace drafthost::commands

@@ -10,6 +10,9 @@ namespace drafthost {
 // splines by their fit or control points. Rays and construction lines have no extents, nor have solids, whose
 // geometry is sealed in modeller data. Layers that are off count, frozen ones do not.
 
+/// Width of a character in heights, on average: fonts are not read.
+inline constexpr double AverageCharacterWidth = 0.8;
+
 struct Extents {
     Point min{1e20, 1e20, 1e20};
     Point max{-1e20, -1e20, -1e20};

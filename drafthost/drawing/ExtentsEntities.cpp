@@ -9,7 +9,6 @@ namespace drafthost {
 namespace {
 
 // Width of an average character as a part of its height; plain stroke fonts are about this wide.
-constexpr double CharacterWidth = 0.8;
 // Distance of the base lines of a paragraph's lines as a part of the height.
 constexpr double LineDistance = 5.0 / 3;
 
@@ -288,8 +287,8 @@ void addText(const Record& record, const Outline& outline) {
     const Point first = record.pointOr(10, {});
     const Point second = record.pointOr(11, first);
     const Outline system = outline.in(systemOf(record));
-    double width =
-        static_cast<double>(characters(text)) * height * CharacterWidth * std::fabs(record.realOr(41, 1));
+    double width = static_cast<double>(characters(text)) * height * AverageCharacterWidth *
+                   std::fabs(record.realOr(41, 1));
     double angle = record.realOr(50, 0) * Degrees;
     Point base = across != 0 || upright != 0 ? second : first;
     double left = across == 1 || across == 4 ? -width / 2 : across == 2 ? -width : 0;
@@ -324,7 +323,7 @@ void addMText(const Record& record, const Outline& outline) {
         double lines = 0;
         width = 0;
         for (const ParagraphLine& line : paragraphLines(text)) {
-            const double wide = static_cast<double>(line.characters) * height * CharacterWidth;
+            const double wide = static_cast<double>(line.characters) * height * AverageCharacterWidth;
             // A line is broken between words only, however narrow the column is.
             const double rows =
                 column > 0 ? std::clamp(std::ceil(wide / column), 1.0, static_cast<double>(line.words)) : 1;

@@ -45,6 +45,10 @@ void UndoLog::enable() {
 void UndoLog::begin(std::string_view name) {
     end();
     name_ = name;
+    // Only what was undone just now can be done again.
+    if (name != "U" && name != "UNDO" && name != "REDO") {
+        dropUndone();
+    }
 }
 
 void UndoLog::end() {

@@ -60,7 +60,7 @@ bool Document::save(std::string& error) {
         error = path_ + " was opened read-only; save it under another name.";
         return false;
     }
-    return saveTo(path_, true, {}, error);
+    return saveTo(path_, true, writer_, error);
 }
 
 bool Document::saveTo(const std::string& path, bool takeName, const Writer& writer, std::string& error) {

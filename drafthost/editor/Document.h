@@ -79,6 +79,8 @@ class Document {
     /// Saves under the document's own name. False and one line of cause when it has none, is read-only or
     /// the file cannot be written; the old file then stands as it was.
     bool save(std::string& error);
+    /// Saves from now on go through this writer: after SAVEAS in another version.
+    void setWriter(Writer writer) { writer_ = std::move(writer); }
     /// Saves under another name in the form the writer gives (none: the drawing's own). With takeName the
     /// document goes over to that file, and its lock with it.
     bool saveTo(const std::string& path, bool takeName, const Writer& writer, std::string& error);
@@ -110,6 +112,7 @@ class Document {
     bool readOnly_;
     bool closed_ = false;
     unsigned modified_ = 0;
+    Writer writer_;
     std::optional<FileLock> lock_;
     LogFile log_;
     std::string logName_;

@@ -275,6 +275,50 @@ bool DocumentLisp::setConfigValue(std::string_view path, std::string_view value)
     return true;
 }
 
+namespace {
+
+/// A whole key as root and the rest.
+std::pair<std::string, std::string> splitKey(std::string_view key) {
+    const std::size_t slash = std::min(key.find('\\'), key.size());
+    return {std::string(key.substr(0, slash)), std::string(key.substr(std::min(key.size(), slash + 1)))};
+}
+
+}  // namespace
+
+std::optional<lisp::Value> DocumentLisp::registryValue(std::string_view key, std::string_view name) {
+    const auto [root, rest] = splitKey(key);
+    const auto value = host_.registry().read(root, rest + "\\" + std::string(name));
+    if (!value) {
+        return std::nullopt;
+    }
+    const auto* text = std::get_if<std::string>(&*value);
+    return text ? lisp::Value::string(*text)
+                : lisp::Value::integer(static_cast<std::int32_t>(std::get<std::uint32_t>(*value)));
+}
+
+bool DocumentLisp::setRegistryValue(std::string_view key, std::string_view name, const lisp::Value& value) {
+    const auto [root, rest] = splitKey(key);
+    const std::string path = rest + "\\" + std::string(name);
+    if (value.isInt()) {
+        host_.registry().write(root, path, static_cast<std::uint32_t>(value.toInt()));
+    } else if (value.isString()) {
+        host_.registry().write(root, path, value.toString());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+std::vector<std::string> DocumentLisp::registryNames(std::string_view key, bool values) {
+    const auto [root, rest] = splitKey(key);
+    return values ? host_.registry().values(root, rest) : host_.registry().keys(root, rest);
+}
+
+bool DocumentLisp::deleteRegistry(std::string_view key, std::optional<std::string_view> name) {
+    const auto [root, rest] = splitKey(key);
+    return host_.registry().erase(root, rest, name);
+}
+
 std::string DocumentLisp::versionText() {
     return "drafthost LISP 1.0 (en)";
 }

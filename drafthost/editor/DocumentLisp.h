@@ -51,6 +51,10 @@ class DocumentLisp : public automation::LispHost {
     void setEnvironment(std::string_view name, std::string_view value) override;
     std::optional<std::string> configValue(std::string_view path) override;
     bool setConfigValue(std::string_view path, std::string_view value) override;
+    std::optional<lisp::Value> registryValue(std::string_view key, std::string_view name) override;
+    bool setRegistryValue(std::string_view key, std::string_view name, const lisp::Value& value) override;
+    std::vector<std::string> registryNames(std::string_view key, bool values) override;
+    bool deleteRegistry(std::string_view key, std::optional<std::string_view> name) override;
     std::string versionText() override;
     std::optional<std::string> commandName(std::string_view name) override;
     bool startProgram(std::string_view program, std::string_view argument) override;

@@ -156,6 +156,40 @@ std::vector<std::string> RegistryFile::keys(std::string_view root, std::string_v
     return names;
 }
 
+std::vector<std::string> RegistryFile::values(std::string_view root, std::string_view key) const {
+    std::vector<std::string> names;
+    const auto found = keys_.find(lisp::lowerCase(std::string(root) + "\\" + trimmed(key)));
+    if (found != keys_.end()) {
+        for (const auto& [folded, entry] : found->second.values) {
+            names.push_back(entry.name);
+        }
+    }
+    return names;
+}
+
+bool RegistryFile::erase(std::string_view root, std::string_view key, std::optional<std::string_view> name) {
+    const std::string place = lisp::lowerCase(std::string(root) + "\\" + trimmed(key));
+    const auto found = keys_.find(place);
+    if (found == keys_.end()) {
+        return false;
+    }
+    auto& entries = found->second.values;
+    bool any = false;
+    for (auto at = entries.begin(); at != entries.end();) {
+        if (!name || at->first == lisp::lowerCase(*name)) {
+            changed_.emplace(place, at->first);
+            at = entries.erase(at);
+            any = true;
+        } else {
+            ++at;
+        }
+    }
+    if (entries.empty()) {
+        keys_.erase(found);
+    }
+    return any;
+}
+
 std::optional<std::string> RegistryFile::profileValue(std::string_view name) const {
     return readString(UserRoot, profileKey(profile_) + "\\Variables\\" + std::string(name));
 }
@@ -238,9 +272,17 @@ bool RegistryFile::save(std::string& error) {
         merged = parse(text);
     }
     for (const auto& [key, name] : changed_) {
-        const Key& from = keys_.at(key);
-        const Entry& entry = from.values.at(name);
-        put(merged, from.name, entry.name, entry.value);
+        const auto from = keys_.find(key);
+        const bool kept = from != keys_.end() && from->second.values.contains(name);
+        if (kept) {
+            const Entry& entry = from->second.values.at(name);
+            put(merged, from->second.name, entry.name, entry.value);
+        } else if (const auto gone = merged.find(key); gone != merged.end()) {
+            gone->second.values.erase(name);
+            if (gone->second.values.empty()) {
+                merged.erase(gone);
+            }
+        }
     }
     files::NewFile file;
     const bool done = file.Open(path_) && file.Write(format(merged)) && file.Commit();

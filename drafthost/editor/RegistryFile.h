@@ -36,6 +36,12 @@ class RegistryFile {
     /// Names of the keys right below a key.
     std::vector<std::string> keys(std::string_view root, std::string_view key) const;
 
+    /// Names of the values of a key.
+    std::vector<std::string> values(std::string_view root, std::string_view key) const;
+    /// Takes a value away, or without a name all values of the key; false when there is none. Keys below
+    /// stay.
+    bool erase(std::string_view root, std::string_view key, std::optional<std::string_view> name);
+
     /// Writes what has changed. False and one line of cause when that does not go; the changes are kept.
     bool save(std::string& error);
     bool isChanged() const { return !changed_.empty(); }

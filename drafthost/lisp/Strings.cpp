@@ -228,6 +228,16 @@ Value prin1Text(Evaluator&, Args args) {
     return Value::string(prin1(args[0]));
 }
 
+Value characterAt(Evaluator&, Args args) {
+    const std::string& s = stringArg(args[0]);
+    const std::int32_t index = intArg(args[1]);
+    if (index < 0 || static_cast<std::size_t>(index) >= characterCount(s)) {
+        fail("bad argument value: string position out of range " + std::to_string(index));
+    }
+    std::size_t at = characterOffset(s, static_cast<std::size_t>(index));
+    return Value::integer(static_cast<std::int32_t>(nextCharacter(s, at)));
+}
+
 constexpr Subr Functions[] = {
     {"STRCAT", 0, Subr::Any, concatenate},
     {"STRLEN", 0, Subr::Any, lengthOf},
@@ -236,6 +246,7 @@ constexpr Subr Functions[] = {
     {"ASCII", 1, 1, firstCode},
     {"CHR", 1, 1, character},
     {"WCMATCH", 2, 2, matchWildcard},
+    {"VL-STRING-ELT", 2, 2, characterAt},
     {"VL-STRING-SEARCH", 2, 3, search},
     {"VL-STRING-SUBST", 3, 4, substituteFirst},
     {"VL-STRING-TRANSLATE", 3, 3, translate},

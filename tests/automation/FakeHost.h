@@ -96,6 +96,10 @@ class FakeHost : public LispHost {
     std::string versionText() override { return "test"; }
     std::optional<std::string> commandName(std::string_view) override { return std::nullopt; }
     bool startProgram(std::string_view, std::string_view) override { return false; }
+    std::optional<lisp::Value> registryValue(std::string_view, std::string_view) override { return {}; }
+    bool setRegistryValue(std::string_view, std::string_view, const lisp::Value&) override { return false; }
+    std::vector<std::string> registryNames(std::string_view, bool) override { return {}; }
+    bool deleteRegistry(std::string_view, std::optional<std::string_view>) override { return false; }
     Drawing* drawing() override { return currentDrawing; }
     void drawingChanged(bool) override { ++changes; }
     bool checkInterrupt() override { return std::exchange(cancelPending, false); }

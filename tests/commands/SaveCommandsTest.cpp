@@ -123,7 +123,10 @@ TEST_F(SaveCommands, SaveAsTakesTheNameBehindTheFormOrBeforeIt) {
     }
     EXPECT_EQ(module({"saveas", "dxf", "16", path("d.dwg")}), Outcome::Failed);
     EXPECT_FALSE(std::filesystem::exists(path("d.dwg")));
-    EXPECT_EQ(module({"saveas", "dxf", "v", "r12"}), Outcome::Failed);
+    EXPECT_EQ(module({"saveas", "dxf", "v", "r12", "16", path("old.dxf")}), Outcome::Ok);
+    EXPECT_NE(read(path("old.dxf")).find("AC1009"), std::string::npos);
+    type("userr1 2.5 qsave\n");
+    EXPECT_NE(read(path("old.dxf")).find("AC1009"), std::string::npos) << "later saves keep to the version";
 }
 
 }  // namespace

@@ -115,8 +115,10 @@ TEST_F(Undo, BringsBackEveryByteOfEveryDrawing) {
             type("undo back y\n\x1b");
             ASSERT_TRUE(idle()) << output;
             ASSERT_EQ(bytes() == before, true) << output;
-            type("redo\n");
-            EXPECT_EQ(bytes() == after, true) << output;
+            if (after != before) {
+                type("redo\n");
+                EXPECT_EQ(bytes() == after, true) << output;
+            }
             type("undo back y\n\x1b");
             ASSERT_EQ(bytes() == before, true) << output;
             ::unlink(path("aside.dxf").c_str());
