@@ -143,6 +143,9 @@ Object& objectOf(const Value& value) {
     if (object == nullptr) {
         fail("bad argument type: VLA-OBJECT " + lisp::prin1(value));
     }
+    if (object->record != NoRecord && object->database->drawing != nullptr) {
+        object->record = object->database->drawing->placeNow(object->record);
+    }
     return *object;
 }
 

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/automation/AnswerReader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <vector>
 
 #include "drafthost/automation/Lisp.h"
 #include "drafthost/lisp/Reader.h"
+#include "drafthost/lisp/Symbol.h"
 #include "drafthost/lisp/Units.h"
 
 namespace drafthost::automation {
@@ -147,6 +149,18 @@ std::optional<Point> readPoint(std::string_view raw, const ReadingRules& rules) 
         }
     }
     return Point{p.x + origin.x, p.y + origin.y, p.z + origin.z};
+}
+
+bool isSnapWord(std::string_view text) {
+    static constexpr std::string_view Words[] = {
+        "apparent",  "center",   "endpoint",      "extension", "gcenter", "insert",
+        "intersect", "m2p",      "midpoint",      "mtp",       "nearest", "node",
+        "none",      "parallel", "perpendicular", "quadrant",  "quick",   "tangent"};
+    constexpr std::size_t Least = 3;
+    const std::string word = lisp::lowerCase(text.starts_with('_') ? text.substr(1) : text);
+    return word.size() >= Least &&
+           std::any_of(std::begin(Words), std::end(Words),
+                       [&](std::string_view known) { return known.starts_with(word); });
 }
 
 std::optional<std::string> matchKeyword(std::string_view typed, std::span<const std::string_view> keywords) {

@@ -41,6 +41,10 @@ double typedAngle(double direction, const ReadingRules& rules);
 /// point is absolute, as it is anyway.
 std::optional<Point> readPoint(std::string_view text, const ReadingRules& rules = {});
 
+/// Whether the text is a word for snapping ("_non", "end", "center"): it stands before a point and concerns
+/// only the pointer, which is not there.
+bool isSnapWord(std::string_view text);
+
 /// The keyword that was typed, as the list writes it: at least its capitals, in any case. Words behind one
 /// that begins with "_" are the names, good in every language, of the words before; "_" in front of what was
 /// typed means those.

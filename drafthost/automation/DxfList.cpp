@@ -88,7 +88,11 @@ Value extendedData(const Drawing& drawing, const Record& record, const Applicati
 
 std::optional<RecordId> aliveRecord(const Drawing& drawing, EntityName name) {
     const auto id = recordOf(name);
-    return id && drawing.isAlive(*id) ? id : std::nullopt;
+    if (!id) {
+        return std::nullopt;
+    }
+    const RecordId now = drawing.placeNow(*id);
+    return drawing.isAlive(now) ? std::optional(now) : std::nullopt;
 }
 
 Drawing& drawingOf(Evaluator& e) {

@@ -2,6 +2,7 @@
 #include "drafthost/automation/Prompts.h"
 
 #include <utility>
+#include "drafthost/automation/AnswerReader.h"
 
 #include "drafthost/automation/Functions.h"
 #include "drafthost/automation/Lisp.h"
@@ -146,6 +147,10 @@ Value askUser(Evaluator& e, PromptRequest request) {
         e.checkDocument();
         if (answer.status == PromptAnswer::Status::Cancelled) {
             e.failCancelled();
+        }
+        const bool point = request.kind == PromptKind::Point || request.kind == PromptKind::Corner;
+        if (point && answer.status == PromptAnswer::Status::Text && isSnapWord(answer.text)) {
+            continue;
         }
         PromptReading reading = readAnswer(request, answer, readingRules(sessionOf(e).host));
         if (reading.value) {

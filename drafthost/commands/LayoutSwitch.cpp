@@ -33,6 +33,7 @@ RecordId moveRecord(Drawing& drawing, RecordId record, RecordId behind) {
     std::string type(drawing.type(record));
     drawing.deleteRecord(record);
     RecordId copy = drawing.insertRecord(behind, type);
+    drawing.setPlaceNow(record, copy);
     for (const auto& [code, value] : tags) {
         drawing.appendTag(copy, code, value);
     }

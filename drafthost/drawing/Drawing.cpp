@@ -114,6 +114,17 @@ Drawing::Overlay* Drawing::overlayOf(RecordId id) const {
     return slot == NoOverlay ? nullptr : overlays_[slot].get();
 }
 
+RecordId Drawing::placeNow(RecordId id) const {
+    while (!isAlive(id)) {
+        const auto found = movedTo_.find(id);
+        if (found == movedTo_.end()) {
+            break;
+        }
+        id = found->second;
+    }
+    return id;
+}
+
 RecordId Drawing::activeViewport() const {
     return activeViewport_ != NoRecord && isAlive(activeViewport_) ? activeViewport_ : NoRecord;
 }

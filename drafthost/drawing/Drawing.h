@@ -124,6 +124,11 @@ class Drawing {
     /// Whether records carry handles (always from R13, by $HANDLING before).
     bool hasHandles() const;
 
+    /// Where a record is now that stood elsewhere in the file: going to another layout writes its contents
+    /// anew.
+    RecordId placeNow(RecordId id) const;
+    void setPlaceNow(RecordId before, RecordId now) { movedTo_[before] = now; }
+
     /// The viewport of the current layout through which model space is worked in; NoRecord on the sheet
     /// itself and in the model tab. No file tells it.
     RecordId activeViewport() const;
@@ -173,6 +178,7 @@ class Drawing {
     std::unordered_map<RecordId, std::pair<RecordId, RecordId>> chains_;
     bool modified_ = false;
     std::unique_ptr<UndoLog> undo_;
+    std::unordered_map<RecordId, RecordId> movedTo_;
     RecordId activeViewport_ = NoRecord;
     std::uint64_t nextHandle_ = 0;
     mutable std::unique_ptr<Structure> structure_;

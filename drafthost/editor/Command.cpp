@@ -93,6 +93,11 @@ std::string Ask::fullPrompt() const {
     return text + ": ";
 }
 
+bool Ask::passesOver(const Input& input) const {
+    return type_ == Type::Point && !input.isValue && automation::isSnapWord(input.text) &&
+           !automation::matchKeyword(input.text, keywords_);
+}
+
 bool Ask::take(const Input& given, std::string& complaint) {
     Input input = given;
     answer_ = {};

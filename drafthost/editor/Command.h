@@ -83,6 +83,8 @@ class Ask {
     InputKind inputKind() const;
     /// Prompt with keywords and default, for example "Specify height or [All] <1>: ".
     std::string fullPrompt() const;
+    /// Whether the input is a word before a point that says nothing here, so that the question stands.
+    bool passesOver(const Input& input) const;
     /// Takes the input when it fits. Otherwise false and one line that says why.
     bool take(const Input& input, std::string& complaint);
     std::coroutine_handle<> waiting() const { return waiting_; }

@@ -127,6 +127,9 @@ Outcome CommandLine::answer(const Input& input, bool more) {
     if (!state.question || active.running) {
         return Outcome::Rejected;
     }
+    if (state.question->passesOver(input)) {
+        return Outcome::Ok;
+    }
     std::string complaint;
     if (!state.question->take(input, complaint)) {
         host_.printLine(complaint, Said::Refusal);
