@@ -107,6 +107,19 @@ void registerCommands(CommandTable& table) {
     table.add("DIVIDE", divideCommand);
     table.add("MEASURE", measureCommand);
     table.add("-OVERKILL", overkillCommand);
+    table.add("ORTHO", orthoCommand);
+    table.add("FILL", fillCommand);
+    table.add("QTEXT", qtextCommand);
+    table.add("GRID", gridCommand);
+    table.add("SNAP", snapCommand);
+    table.add("UCSICON", ucsIconCommand);
+    table.add("-OSNAP", osnapCommand);
+    table.add("-COLOR", colorCommand);
+    table.add("SELECT", selectCommand);
+    table.add("RECTANG", rectangleCommand);
+    table.add("POLYGON", polygonCommand);
+    table.add("DONUT", donutCommand);
+    table.add("ELLIPSE", ellipseCommand);
     table.addAlias("R", "REDRAW");
     table.addAlias("RE", "REGEN");
     table.addAlias("REA", "REGENALL");
@@ -173,6 +186,14 @@ void registerCommands(CommandTable& table) {
     table.addAlias("DR", "DRAWORDER");
     table.addAlias("DIV", "DIVIDE");
     table.addAlias("ME", "MEASURE");
+    table.addAlias("SN", "SNAP");
+    table.addAlias("OS", "-OSNAP");
+    table.addAlias("-OS", "-OSNAP");
+    table.addAlias("COL", "-COLOR");
+    table.addAlias("REC", "RECTANG");
+    table.addAlias("POL", "POLYGON");
+    table.addAlias("DO", "DONUT");
+    table.addAlias("EL", "ELLIPSE");
 }
 
 }  // namespace drafthost

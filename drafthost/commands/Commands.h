@@ -172,4 +172,21 @@ CommandTask divideCommand(CommandContext& context);
 CommandTask measureCommand(CommandContext& context);
 CommandTask overkillCommand(CommandContext& context);
 
+// SettingCommands.cpp
+CommandTask orthoCommand(CommandContext& context);
+CommandTask fillCommand(CommandContext& context);
+CommandTask qtextCommand(CommandContext& context);
+CommandTask gridCommand(CommandContext& context);
+CommandTask snapCommand(CommandContext& context);
+CommandTask ucsIconCommand(CommandContext& context);
+CommandTask osnapCommand(CommandContext& context);
+CommandTask colorCommand(CommandContext& context);
+CommandTask selectCommand(CommandContext& context);
+
+// ShapeCommands.cpp
+CommandTask rectangleCommand(CommandContext& context);
+CommandTask polygonCommand(CommandContext& context);
+CommandTask donutCommand(CommandContext& context);
+CommandTask ellipseCommand(CommandContext& context);
+
 }  // namespace drafthost::commands
