@@ -10,8 +10,8 @@ namespace drafthost {
 
 namespace {
 
-/// Records and tags that are kept: some hundred megabytes at most.
-constexpr std::size_t KeptAtMost = 4'000'000;
+/// Records and tags that are kept: some fifty megabytes at most.
+constexpr std::size_t KeptAtMost = 1'000'000;
 constexpr std::string_view OfPrograms = "LISP";
 
 }  // namespace
