@@ -52,9 +52,14 @@ std::vector<EntityName> allSelectable(const Drawing& drawing) {
 }
 
 std::vector<EntityName> lastVisible(const Drawing& drawing) {
-    const auto all =
-        entitiesThat(drawing, [&](RecordId id) { return isVisibleHere(drawing, id) && !isOff(drawing, id); });
-    return all.empty() ? all : std::vector<EntityName>{all.back()};
+    // What can be seen here stands in one section; from its end on the answer is near.
+    for (RecordId id = lastEntity(drawing); id != NoRecord && drawing.type(id) != "SECTION";
+         id = drawing.previous(id)) {
+        if (!isSubEntity(drawing, id) && isVisibleHere(drawing, id) && !isOff(drawing, id)) {
+            return {nameOf(id)};
+        }
+    }
+    return {};
 }
 
 std::optional<std::vector<EntityName>> namedObjects(const Drawing& drawing, const Value& answer) {
