@@ -3,29 +3,14 @@
 
 #include <map>
 
+#include "drafthost/drawing/BlockEdit.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/InsertBlock.h"
 
 namespace drafthost {
 
 std::size_t syncAttributes(Drawing& drawing, const std::string& name) {
-    std::vector<RecordId> inserts;
-    for (const Block& block : blocks(drawing)) {
-        for (const RecordId id : entitiesOf(drawing, block)) {
-            if (drawing.type(id) == "INSERT" &&
-                foldCase(drawing.record(id).textOr(2, "")) == foldCase(name)) {
-                inserts.push_back(id);
-            }
-        }
-    }
-    if (findBlock(drawing, "*Model_Space") == nullptr) {
-        for (RecordId id = firstEntity(drawing); id != NoRecord; id = nextEntity(drawing, id, false)) {
-            if (drawing.type(id) == "INSERT" &&
-                foldCase(drawing.record(id).textOr(2, "")) == foldCase(name)) {
-                inserts.push_back(id);
-            }
-        }
-    }
+    const std::vector<RecordId> inserts = referencesTo(drawing, name);
     for (const RecordId insert : inserts) {
         std::map<std::string, std::string> values;
         RecordId part = drawing.next(insert);

@@ -141,6 +141,28 @@ bool leadsTo(const Drawing& drawing, const std::vector<RecordId>& entities, cons
     return false;
 }
 
+std::vector<RecordId> referencesTo(const Drawing& drawing, const std::string& name) {
+    const std::string folded = foldCase(name);
+    std::vector<RecordId> result;
+    const auto look = [&](RecordId id) {
+        if (drawing.type(id) == "INSERT" && foldCase(drawing.record(id).textOr(2, "")) == folded) {
+            result.push_back(id);
+        }
+    };
+    for (const Block& block : blocks(drawing)) {
+        for (const RecordId id : entitiesOf(drawing, block)) {
+            look(id);
+        }
+    }
+    // Old drawings keep no blocks for their spaces.
+    if (findBlock(drawing, "*Model_Space") == nullptr && findBlock(drawing, "$MODEL_SPACE") == nullptr) {
+        for (RecordId id = firstEntity(drawing); id != NoRecord; id = nextEntity(drawing, id, false)) {
+            look(id);
+        }
+    }
+    return result;
+}
+
 double unitFactor(const Drawing& drawing, const std::string& name) {
     const Block* block = findBlock(drawing, name);
     if (block == nullptr || block->blockRecord == NoRecord) {

@@ -23,6 +23,9 @@ bool defineBlock(Drawing& drawing, const std::string& name, const Point& base,
 /// Whether any of the entities is a reference that leads, in any depth, to the block of that name.
 bool leadsTo(const Drawing& drawing, const std::vector<RecordId>& entities, const std::string& name);
 
+/// References to a block, in layouts and in other blocks.
+std::vector<RecordId> referencesTo(const Drawing& drawing, const std::string& name);
+
 /// Factor from the units that a block was drawn in to those of the drawing; 1 where either has none.
 double unitFactor(const Drawing& drawing, const std::string& block);
 

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "drafthost/drawing/Blocks.h"
+#include "drafthost/drawing/DxfLines.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Import.h"
 #include "drafthost/drawing/TextCodec.h"
@@ -145,14 +146,7 @@ class Rewriter {
                                                                   : std::string(record.raw(i)));
     }
 
-    void line(int code, const std::string& value) {
-        const std::string digits = std::to_string(code);
-        text_.append(digits.size() < 3 ? 3 - digits.size() : 0, ' ')
-            .append(digits)
-            .append("\r\n")
-            .append(value)
-            .append("\r\n");
-    }
+    void line(int code, const std::string& value) { appendDxfLine(text_, code, value); }
 
     void tell() {
         const std::pair<int, const char*> words[] = {{420, "true colors"},    {430, "names of colors"},

@@ -10,6 +10,7 @@
 #include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Curve.h"
+#include "drafthost/drawing/DxfLines.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/PlainText.h"
 #include "drafthost/drawing/PolylineWriter.h"
@@ -54,14 +55,7 @@ class R12Writer {
         return foldCase(name).starts_with(foldCase("*PAPER_SPACE")) || isSpace(name, "MODEL_SPACE");
     }
 
-    void line(int code, const std::string& value) {
-        const std::string digits = std::to_string(code);
-        text_.append(digits.size() < 3 ? 3 - digits.size() : 0, ' ')
-            .append(digits)
-            .append("\r\n")
-            .append(value)
-            .append("\r\n");
-    }
+    void line(int code, const std::string& value) { appendDxfLine(text_, code, value); }
     void real(int code, double value) { line(code, formatReal(value)); }
     void point(int code, const Point& p) {
         real(code, p.x);

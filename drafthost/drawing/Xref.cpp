@@ -146,15 +146,7 @@ void setXrefLoaded(Drawing& drawing, const Xref& xref, bool loaded) {
 }
 
 void detachXref(Drawing& drawing, const std::string& name) {
-    std::vector<RecordId> inserts;
-    for (const Block& block : blocks(drawing)) {
-        for (const RecordId id : entitiesOf(drawing, block)) {
-            if (drawing.type(id) == "INSERT" &&
-                foldCase(drawing.record(id).textOr(2, "")) == foldCase(name)) {
-                inserts.push_back(id);
-            }
-        }
-    }
+    const std::vector<RecordId> inserts = referencesTo(drawing, name);
     for (const RecordId id : inserts) {
         deleteEntity(drawing, id);
     }
