@@ -98,7 +98,13 @@ CommandTask recoverCommand(CommandContext& context) {
         context.fail("RECOVER needs the name of a drawing file.");
         co_return;
     }
-    OpenResult result = host.openDocument(existingFile(host, answer.text, ".dxf"), OpenMode::ReadWrite);
+    const std::string path = existingFile(host, answer.text, ".dxf");
+    OpenResult result = host.openDocument(path, OpenMode::ReadWrite);
+    if (!result.document && result.locked) {
+        // What was mended is saved under another name then.
+        context.printLine(result.error);
+        result = host.openDocument(path, OpenMode::ReadOnly);
+    }
     if (!result.document) {
         context.fail(result.error);
         co_return;
