@@ -412,7 +412,7 @@ std::span<const Subr> objectFunctions() {
 void install(automation::Session& session) {
     session.findLibraryFunction = findFunction;
     lisp::World& world = session.world();
-    for (const auto family : {variantFunctions, objectFunctions, curveFunctions}) {
+    for (const auto family : {variantFunctions, objectFunctions, curveFunctions, namedPropertyFunctions}) {
         world.define(family());
     }
     for (const Value& self : {trueSymbol(), falseSymbol(), nullValue()}) {

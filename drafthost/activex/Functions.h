@@ -8,6 +8,7 @@ namespace drafthost::activex {
 
 std::span<const lisp::Subr> objectFunctions();
 std::span<const lisp::Subr> curveFunctions();
+std::span<const lisp::Subr> namedPropertyFunctions();
 
 /// Gives a session the object model: its functions, its logical constants, and all names that begin with
 /// "vla-", which are found when they are called.
