@@ -15,13 +15,13 @@ namespace {
 
 /// Names that differ from those of the model.
 std::string modelName(const std::string& name) {
-    static const std::map<std::string, std::string> Known = {
+    static const std::map<std::string, std::string> known = {
         {"position", "InsertionPoint"}, {"widthfactor", "ScaleFactor"},  {"text", "TextString"},
         {"contents", "TextString"},     {"textheight", "Height"},        {"lineweight", "Lineweight"},
         {"layerid", "Layer"},           {"textstylename", "StyleName"},  {"linetypeid", "Linetype"},
         {"oblique", "ObliqueAngle"},    {"blocktablerecordname", "Name"}};
-    const auto found = Known.find(lisp::lowerCase(name));
-    return found == Known.end() ? name : found->second;
+    const auto found = known.find(lisp::lowerCase(name));
+    return found == known.end() ? name : found->second;
 }
 
 struct Asked {

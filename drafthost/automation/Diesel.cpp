@@ -49,10 +49,10 @@ struct Moment {
 /// Of a date as the host's variables hold it: days, the whole part of which changes at midnight.
 Moment momentOf(double date) {
     constexpr double FirstOf1970 = 2440588;  // 1 January 1970 by this count
-    const double days = std::floor(date);
+    const double whole = std::floor(date);
     const auto civil = std::chrono::year_month_day(
-        std::chrono::sys_days(std::chrono::days(static_cast<int>(days - FirstOf1970))));
-    const auto milliseconds = static_cast<long long>(std::llround((date - days) * 86'400'000.0));
+        std::chrono::sys_days(std::chrono::days(static_cast<int>(whole - FirstOf1970))));
+    const auto milliseconds = static_cast<long long>(std::llround((date - whole) * 86'400'000.0));
     Moment m{};
     m.year = static_cast<int>(civil.year());
     m.month = static_cast<int>(static_cast<unsigned>(civil.month()));
@@ -76,9 +76,9 @@ std::string padded(int number, int width = 2) {
 
 /// The pictures of (edtime), longest first where one begins another.
 std::string formattedTime(double date, std::string_view picture) {
-    static const char* const Days[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+    static const char* const days[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                        "Thursday", "Friday", "Saturday"};
-    static const char* const Months[] = {"January",   "February", "March",    "April",
+    static const char* const months[] = {"January",   "February", "March",    "April",
                                          "May",       "June",     "July",     "August",
                                          "September", "October",  "November", "December"};
     const Moment m = momentOf(date);
@@ -86,8 +86,8 @@ std::string formattedTime(double date, std::string_view picture) {
         picture.find("AM/PM") != std::string_view::npos || picture.find("am/pm") != std::string_view::npos ||
         picture.find("A/P") != std::string_view::npos || picture.find("a/p") != std::string_view::npos;
     const int hour = half ? (m.hour % 12 == 0 ? 12 : m.hour % 12) : m.hour;
-    const std::string day = Days[m.weekday];
-    const std::string month = Months[m.month - 1];
+    const std::string day = days[m.weekday];
+    const std::string month = months[m.month - 1];
     const std::pair<std::string_view, std::string> pictures[] = {{"MONTH", month},
                                                                  {"MSEC", padded(m.millisecond, 3)},
                                                                  {"AM/PM", m.hour < 12 ? "AM" : "PM"},
@@ -224,7 +224,7 @@ class Diesel {
 };
 
 const std::map<std::string, Diesel::Function, std::less<>>& Diesel::functions() {
-    static const std::map<std::string, Function, std::less<>> All = {
+    static const std::map<std::string, Function, std::less<>> all = {
         {"+", folding([](double a, double b) { return a + b; })},
         {"-", folding([](double a, double b) { return a - b; })},
         {"*", folding([](double a, double b) { return a * b; })},
@@ -337,7 +337,7 @@ const std::map<std::string, Diesel::Function, std::less<>>& Diesel::functions() 
              return lisp::upperCase(d.argument(p, 0));
          }},
     };
-    return All;
+    return all;
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ bool hasExtension(const std::string& name, const char* extension) {
 
 /// A file of shapes stands as it was typed, others with the family beside it.
 FontChoice fontOf(Host& host, const std::string& typed) {
-    static const std::set<std::string> Shapes = {
+    static const std::set<std::string> shapes = {
         "txt",     "monotxt", "simplex", "complex",     "italic",   "italicc", "italict", "romans",
         "romanc",  "romand",  "romant",  "romanscript", "scripts",  "scriptc", "gothice", "gothicg",
         "gothici", "greeks",  "greekc",  "cyrillic",    "cyriltlc", "isocp",   "isocp2",  "isocp3",
@@ -49,7 +49,7 @@ FontChoice fontOf(Host& host, const std::string& typed) {
     for (char& c : small) {
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
-    const bool shape = hasExtension(name, ".shx") || !choice.big.empty() || Shapes.contains(small) ||
+    const bool shape = hasExtension(name, ".shx") || !choice.big.empty() || shapes.contains(small) ||
                        !host.findFile(name + ".shx").empty();
     if (shape) {
         choice.file = name;

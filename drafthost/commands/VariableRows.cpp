@@ -265,7 +265,7 @@ constexpr auto Rows = std::to_array<VariableRow>({
 }  // namespace
 
 std::span<const VariableRow> variableRows() {
-    static const std::vector<VariableRow> All = [] {
+    static const std::vector<VariableRow> all = [] {
         const std::span<const VariableRow> kept = keptVariableRows();
         std::vector<VariableRow> rows(Rows.begin(), Rows.end());
         rows.insert(rows.end(), kept.begin(), kept.end());
@@ -273,7 +273,7 @@ std::span<const VariableRow> variableRows() {
                   [](const VariableRow& a, const VariableRow& b) { return a.name < b.name; });
         return rows;
     }();
-    return All;
+    return all;
 }
 
 const VariableRow* findVariableRow(std::string_view name) {

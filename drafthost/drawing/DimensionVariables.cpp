@@ -95,7 +95,7 @@ void putHandle(Drawing& drawing, RecordId style, int code, std::uint64_t handle)
 }  // namespace
 
 const std::vector<DimensionVariable>& dimensionVariables() {
-    static const std::vector<DimensionVariable> All = {
+    static const std::vector<DimensionVariable> all = {
         {"DIMPOST", 3, Kind::Text, 0},       {"DIMAPOST", 4, Kind::Text, 0},
         {"DIMSCALE", 40, Kind::Real, 1},     {"DIMASZ", 41, Kind::Real, 0.18},
         {"DIMEXO", 42, Kind::Real, 0.0625},  {"DIMDLI", 43, Kind::Real, 0.38},
@@ -129,7 +129,7 @@ const std::vector<DimensionVariable>& dimensionVariables() {
         {"DIMBLK1", 343, Kind::Block, 0},    {"DIMBLK2", 344, Kind::Block, 0},
         {"DIMLWD", 371, Kind::Integer, -2},  {"DIMLWE", 372, Kind::Integer, -2},
     };
-    return All;
+    return all;
 }
 
 void restoreDimensionStyle(Drawing& drawing, RecordId style) {

@@ -19,7 +19,7 @@ struct Standard {
 };
 
 const std::vector<Standard>& standards() {
-    static const std::vector<Standard> All = {
+    static const std::vector<Standard> all = {
         {"BORDER", "__ __ . __ __ . __ __ .", {0.5, -0.25, 0.5, -0.25, 0, -0.25}},
         {"CENTER", "____ _ ____ _ ____ _", {1.25, -0.25, 0.25, -0.25}},
         {"DASHDOT", "__ . __ . __ . __ .", {0.5, -0.25, 0, -0.25}},
@@ -29,7 +29,7 @@ const std::vector<Standard>& standards() {
         {"HIDDEN", "_ _ _ _ _ _ _ _ _", {0.25, -0.125}},
         {"PHANTOM", "_____ _ _ _____ _ _", {1.25, -0.25, 0.25, -0.25, 0.25, -0.25}},
     };
-    return All;
+    return all;
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -6,7 +6,7 @@
 namespace drafthost {
 
 const std::set<int>* r12Groups(std::string_view type) {
-    static const std::map<std::string_view, std::set<int>> Known = {
+    static const std::map<std::string_view, std::set<int>> known = {
         {"LINE", {10, 20, 30, 11, 21, 31}},
         {"POINT", {10, 20, 30, 50}},
         {"CIRCLE", {10, 20, 30, 40}},
@@ -26,12 +26,12 @@ const std::set<int>* r12Groups(std::string_view type) {
                        24, 34, 15, 25, 35, 16, 26, 36, 70, 1,  40, 50, 51, 52, 53}},
         {"VIEWPORT", {10, 20, 30, 40, 41, 68, 69}},
     };
-    const auto found = Known.find(type);
-    return found == Known.end() ? nullptr : &found->second;
+    const auto found = known.find(type);
+    return found == known.end() ? nullptr : &found->second;
 }
 
 const std::set<int>& r12Groups(Table table) {
-    static const std::map<Table, std::set<int>> Known = {
+    static const std::map<Table, std::set<int>> known = {
         {Table::Layer, {70, 62, 6}},
         {Table::Ltype, {70, 3, 72, 73, 40, 49}},
         {Table::Style, {70, 40, 41, 50, 71, 42, 3, 4}},
@@ -44,11 +44,11 @@ const std::set<int>& r12Groups(Table table) {
          {70,  3,  4,  40, 41, 42, 43, 44, 45, 46,  47,  48,  140, 141, 142, 143, 144, 145, 146,
           147, 71, 72, 73, 74, 75, 76, 77, 78, 170, 171, 172, 173, 174, 175, 176, 177, 178}},
     };
-    return Known.at(table);
+    return known.at(table);
 }
 
 bool isR12Variable(std::string_view name) {
-    static const std::set<std::string_view> Known = {
+    static const std::set<std::string_view> known = {
         "$INSBASE",    "$EXTMIN",     "$EXTMAX",    "$LIMMIN",    "$LIMMAX",     "$ORTHOMODE", "$REGENMODE",
         "$FILLMODE",   "$QTEXTMODE",  "$MIRRTEXT",  "$LTSCALE",   "$ATTMODE",    "$TEXTSIZE",  "$TRACEWID",
         "$TEXTSTYLE",  "$CLAYER",     "$CELTYPE",   "$CECOLOR",   "$DIMSCALE",   "$DIMASZ",    "$DIMEXO",
@@ -67,7 +67,7 @@ bool isR12Variable(std::string_view name) {
         "$USERR2",     "$USERR3",     "$USERR4",    "$USERR5",    "$WORLDVIEW",  "$SHADEDGE",  "$SHADEDIF",
         "$TILEMODE",   "$MAXACTVP",   "$PLIMCHECK", "$PEXTMIN",   "$PEXTMAX",    "$PLIMMIN",   "$PLIMMAX",
         "$UNITMODE",   "$VISRETAIN",  "$PLINEGEN",  "$PSLTSCALE"};
-    return Known.contains(name);
+    return known.contains(name);
 }
 
 }  // namespace drafthost

@@ -20,11 +20,11 @@ constexpr int Version2000 = 1015;
 /// Header variables by the version that brought them; a program of an earlier one stops at a name that it
 /// does not know. What came with 2000 or before is in none of the lists.
 int sinceOf(std::string_view name) {
-    static const std::set<std::string_view> In2004 = {
+    static const std::set<std::string_view> in2004 = {
         "$SORTENTS",          "$INDEXCTL", "$HIDETEXT",    "$XCLIPFRAME",
         "$HALOGAP",           "$OBSCOLOR", "$OBSLTYPE",    "$INTERSECTIONDISPLAY",
         "$INTERSECTIONCOLOR", "$DIMASSOC", "$PROJECTNAME", "$LASTSAVEDBY"};
-    static const std::set<std::string_view> In2007 = {"$CAMERADISPLAY",
+    static const std::set<std::string_view> in2007 = {"$CAMERADISPLAY",
                                                       "$LENSLENGTH",
                                                       "$CAMERAHEIGHT",
                                                       "$STEPSPERSEC",
@@ -64,10 +64,10 @@ int sinceOf(std::string_view name) {
                                                       "$DIMLTYPE",
                                                       "$DIMLTEX1",
                                                       "$DIMLTEX2"};
-    if (In2004.contains(name)) {
+    if (in2004.contains(name)) {
         return 1018;
     }
-    if (In2007.contains(name)) {
+    if (in2007.contains(name)) {
         return 1021;
     }
     return name == "$DIMTXTDIRECTION" ? 1024 : name == "$REQUIREDVERSIONS" ? 1027 : Version2000;

@@ -25,7 +25,8 @@ constexpr Table Dependent[] = {Table::Layer, Table::Ltype, Table::Style, Table::
 /// A name that neither drawing has: "reference$0$name", with a higher number when that is taken.
 std::string boundName(const Drawing& to, Table table, const std::string& xref, const std::string& name) {
     for (int number = 0;; ++number) {
-        std::string candidate = xref + "$" + std::to_string(number) + "$" + name;
+        std::string candidate = xref;
+        candidate.append("$").append(std::to_string(number)).append("$").append(name);
         const bool taken = table == Table::BlockRecord ? findBlock(to, candidate) != nullptr
                                                        : findEntry(to, table, candidate) != NoRecord;
         if (!taken) {

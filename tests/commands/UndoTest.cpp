@@ -14,7 +14,7 @@ namespace {
 /// What is prepared, and behind "|" the command that must then change at least one of the drawings. Names of
 /// layers and blocks are those that any drawing can have.
 const std::vector<std::string>& commands() {
-    static const std::vector<std::string> All = {
+    static const std::vector<std::string> all = {
         "line 0,0 10,0 10,10 c\n",
         "pline 0,0 5,5 a 9,9 \n",
         "circle 3,3 2\narc 0,0 1,1 2,0\npoint 1,1\nsolid 0,0 1,0 0,1 1,1 \n",
@@ -58,7 +58,7 @@ const std::vector<std::string>& commands() {
         "-wblock {aside}\n\n0,0 all \n",
         "base 1,2\n-rename la UNDONE2\n\n",
     };
-    return All;
+    return all;
 }
 
 /// The samples, and the drawings of whoever has more.
