@@ -137,7 +137,7 @@ Xref xrefOf(Call& call) {
 }
 std::string xrefFileOf(Call& call, const Xref& xref) {
     const auto folder = call.session().host.getVar("DWGPREFIX");
-    const std::string file = xrefFile(xref.path, folder && folder->isString() ? folder->toString() : "");
+    std::string file = xrefFile(xref.path, folder && folder->isString() ? folder->toString() : "");
     if (file.empty()) {
         failAutomation("File not found");
     }

@@ -107,6 +107,7 @@ std::vector<Value> layoutsOf(Call& call) {
     std::stable_sort(named.begin(), named.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<Value> all;
+    all.reserve(named.size());
     for (auto& [name, value] : named) {
         all.push_back(std::move(value));
     }

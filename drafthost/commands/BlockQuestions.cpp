@@ -138,7 +138,7 @@ std::string findDrawingFile(CommandContext& context, const std::string& typed) {
         candidates = {name + ".dxf", name + ".DXF", name + ".dwg", name};
     }
     for (const std::string& candidate : candidates) {
-        const std::string path = existing(host, candidate);
+        std::string path = existing(host, candidate);
         if (!path.empty()) {
             return path;
         }

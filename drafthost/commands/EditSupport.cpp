@@ -88,11 +88,11 @@ DrawnEntity& DrawnEntity::direction(int code, double radians) {
 }
 
 RecordId DrawnEntity::finish() {
-    const double thickness = headerReal(drawing_, "$THICKNESS", 0);
+    const double thickness = headerReal(drawing(), "$THICKNESS", 0);
     if (thickness != 0) {
-        setGroupInPlace(drawing_, id(), 39, thickness);
+        setGroupInPlace(drawing(), id(), 39, thickness);
     }
-    putExtrusion(drawing_, id(), plane_);
+    putExtrusion(drawing(), id(), plane_);
     return id();
 }
 

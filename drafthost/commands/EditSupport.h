@@ -36,10 +36,10 @@ class DrawnEntity : public EntityBuilder<DrawnEntity> {
   public:
     DrawnEntity(CommandContext& context, std::string_view type, std::string_view marker);
     /// A point of the UCS in world coordinates.
-    DrawnEntity& world(int code, const Point& ucs) { return point(code, worldFromUcs(drawing_, ucs)); }
+    DrawnEntity& world(int code, const Point& ucs) { return point(code, worldFromUcs(drawing(), ucs)); }
     /// A point of the UCS in the plane of the object.
     DrawnEntity& planar(int code, const Point& ucs) {
-        return point(code, plane_.place(worldFromUcs(drawing_, ucs)));
+        return point(code, plane_.place(worldFromUcs(drawing(), ucs)));
     }
     /// A direction of the UCS, radians, as degrees in the plane of the object.
     DrawnEntity& direction(int code, double radians);

@@ -82,7 +82,7 @@ CommandTask changePicked(CommandContext& context, PickedChange change, bool once
     Document& document = context.document();
     LayerWatch before(document);
     std::vector<LayerSnapshot> steps;
-    do {
+    for (bool more = true; more; more = !once) {
         auto picked = co_await pickObject(context, change.prompt, once ? "" : "Settings Undo");
         if (picked.keyword == "Settings") {
             co_await askPickSettings(context);
@@ -111,7 +111,7 @@ CommandTask changePicked(CommandContext& context, PickedChange change, bool once
             change.apply(document.drawing(), layer);
             context.printLine("Layer " + inQuotes(name) + change.done);
         }
-    } while (!once);
+    }
 }
 
 void freeze(Drawing& drawing, RecordId layer) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <exception>
+
 #include "drafthost/drawing/LayerSnapshot.h"
 #include "drafthost/editor/CommandMemory.h"
 #include "drafthost/editor/Document.h"
@@ -13,8 +15,12 @@ class LayerWatch {
     explicit LayerWatch(Document& document)
         : document_(document), before_(layerSnapshot(document.drawing())) {}
     ~LayerWatch() {
-        if (!(layerSnapshot(document_.drawing()) == before_)) {
-            document_.memory().layersBefore.push_back(std::move(before_));
+        try {
+            if (!(layerSnapshot(document_.drawing()) == before_)) {
+                document_.memory().layersBefore.push_back(std::move(before_));
+            }
+        } catch (...) {
+            std::terminate();  // there is no memory left
         }
     }
     LayerWatch(const LayerWatch&) = delete;

@@ -51,7 +51,8 @@ std::string nameFault(const Drawing& drawing, const std::string& name) {
 
 std::string freeName(const Drawing& drawing, const std::string& head, const std::string& tail, int from) {
     for (int number = from;; ++number) {
-        std::string name = head + std::to_string(number) + tail;
+        std::string name = head;
+        name.append(std::to_string(number)).append(tail);
         if (!layoutNamed(drawing, name)) {
             return name;
         }

@@ -121,7 +121,7 @@ CommandTask copyCommand(CommandContext& context) {
     const Point base = displacement.base;
     const bool again = displacement.multiple || isByHand(context);
     bool first = true;
-    do {
+    for (bool more = true; more; more = again) {
         auto second = co_await context.point(
             first ? "Specify second point or <use first point as displacement>" : "Specify second point",
             {.keywords = first ? "Array" : "Array Exit Undo", .base = base});
@@ -151,7 +151,7 @@ CommandTask copyCommand(CommandContext& context) {
             }
         }
         first = false;
-    } while (again);
+    }
 }
 
 CommandTask mirrorCommand(CommandContext& context) {

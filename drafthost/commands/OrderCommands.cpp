@@ -261,6 +261,7 @@ CommandTask markCurve(CommandContext& context, bool divide) {
         putMark(context, *curve, i * step, marker, made);
     }
     std::vector<automation::EntityName> names;
+    names.reserve(made.size());
     for (const RecordId id : made) {
         names.push_back(automation::nameOf(id));
     }

@@ -151,7 +151,9 @@ Task<bool> changePathTypes(CommandContext& context) {
         std::string path = fs::absolute(file).string();
         if (type.isKeyword("Relative")) {
             path = fs::path(path).lexically_relative(folderOf(document)).string();
-            path = path.starts_with("..") ? path : "./" + path;
+            if (!path.starts_with("..")) {
+                path.insert(0, "./");
+            }
         } else if (type.isKeyword("None")) {
             path = fs::path(path).filename().string();
         }

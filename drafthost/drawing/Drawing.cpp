@@ -23,7 +23,7 @@ std::unique_ptr<Drawing> Drawing::open(const std::string& path, std::string& err
             return false;
         }
         judged = judged || TagIndex::isBinary(read);
-        if (judged || std::memchr(read.data() + from, 0, read.size() - from) == nullptr) {
+        if (judged || read.find('\0', from) == std::string::npos) {
             return true;
         }
         judged = true;

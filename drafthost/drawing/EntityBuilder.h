@@ -57,10 +57,11 @@ class EntityBuilder {
     }
 
   protected:
-    Drawing& drawing_;
+    Drawing& drawing() const { return drawing_; }
 
   private:
     Self& self() { return static_cast<Self&>(*this); }
+    Drawing& drawing_;
     RecordId id_;
 };
 
