@@ -10,6 +10,8 @@
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Import.h"
 #include "drafthost/drawing/InsertBlock.h"
+#include "drafthost/drawing/PolylineWriter.h"
+#include "drafthost/drawing/R12Groups.h"
 #include "drafthost/drawing/SymbolTables.h"
 
 namespace drafthost::activex {
@@ -19,7 +21,7 @@ namespace {
 class NewEntity : public EntityBuilder<NewEntity> {
   public:
     NewEntity(Call& call, std::string_view type, std::string_view marker)
-        : EntityBuilder(call.drawing(), {call.record().textOr(2, "")}, type, marker), call_(call) {
+        : EntityBuilder(call.drawing(), placeFor(call, type), type, marker), call_(call) {
         if (!made()) {
             failAutomation("The block has no place in the drawing.");
         }
@@ -30,6 +32,13 @@ class NewEntity : public EntityBuilder<NewEntity> {
     }
 
   private:
+    static BlockTarget placeFor(const Call& call, std::string_view type) {
+        if (type != "LWPOLYLINE" && !canHold(call.drawing(), type)) {
+            failAutomation("A drawing of version " + call.drawing().version() + " cannot hold " +
+                           std::string(type) + ".");
+        }
+        return {call.record().textOr(2, "")};
+    }
     Call& call_;
 };
 
@@ -131,6 +140,10 @@ Result addLightPolyline(Call& call) {
     entity.integer(90, static_cast<std::int64_t>(points.size())).integer(70, 0).real(43, 0);
     for (const Point& p : points) {
         entity.real(10, p.x).real(20, p.y);
+    }
+    if (!canHold(call.drawing(), "LWPOLYLINE")) {
+        call.changed();
+        return call.object(asOldPolyline(call.drawing(), entity.id()));
     }
     return entity.done();
 }

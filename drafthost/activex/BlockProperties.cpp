@@ -17,6 +17,10 @@ namespace drafthost::activex {
 
 RecordId blockObject(const Drawing& drawing, std::string_view name) {
     const Block* block = findBlock(drawing, name);
+    if (block == nullptr && name.starts_with('*')) {
+        // R12 has the two spaces under names of its own.
+        block = findBlock(drawing, "$" + std::string(name.substr(1)));
+    }
     if (block == nullptr) {
         return findEntry(drawing, Table::BlockRecord, name);
     }
@@ -50,8 +54,16 @@ Record begin(const Call& call) {
     return call.drawing().record(block->begin);
 }
 
+// Programs know the spaces of an R12 drawing by the names that they have had since.
+std::string modelName(const Record& record) {
+    const std::string name = record.textOr(2, "");
+    return foldCase(name) == foldCase("$Model_Space")   ? "*Model_Space"
+           : foldCase(name) == foldCase("$Paper_Space") ? "*Paper_Space"
+                                                        : name;
+}
+
 const Layout* layoutOfBlock(const Call& call) {
-    const std::string name = foldCase(call.record().textOr(2, ""));
+    const std::string name = foldCase(modelName(call.record()));
     for (const Layout& layout : layouts(call.drawing())) {
         if (foldCase(layout.blockName) == name) {
             return &layout;
@@ -61,7 +73,7 @@ const Layout* layoutOfBlock(const Call& call) {
 }
 
 Result getName(Call& call) {
-    return Result::text(entryName(call.drawing(), call.id()));
+    return Result::text(modelName(call.record()));
 }
 void putName(Call& call, const Value& value) {
     Drawing& drawing = call.drawing();

@@ -189,7 +189,10 @@ const Class& classOf(const Drawing& drawing, RecordId id) {
     const Record record = drawing.record(id);
     std::string type(record.type());
     if (type == "BLOCK_RECORD" || type == "BLOCK") {
-        const std::string name = foldCase(record.textOr(2, ""));
+        std::string name = foldCase(record.textOr(2, ""));
+        if (name == foldCase("$Model_Space") || name == foldCase("$Paper_Space")) {
+            name.front() = '*';
+        }
         type = name.starts_with(foldCase("*Model_Space"))   ? "BLOCK_RECORD*M"
                : name.starts_with(foldCase("*Paper_Space")) ? "BLOCK_RECORD*P"
                                                             : "BLOCK_RECORD";

@@ -9,6 +9,7 @@
 #include "drafthost/activex/ModelState.h"
 #include "drafthost/automation/EntityNames.h"
 #include "drafthost/automation/PickSet.h"
+#include "drafthost/drawing/EntityCopy.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Purge.h"
 #include "drafthost/drawing/SymbolTables.h"
@@ -51,7 +52,12 @@ Result collectionOf(Call& call) {
 }
 
 Result space(Call& call, const char* name) {
-    const RecordId block = blockObject(call.drawing(), name);
+    RecordId block = blockObject(call.drawing(), name);
+    if (block == NoRecord && call.drawing().versionNumber() < 1012) {
+        // R12 can do without blocks for the spaces; programs cannot do without an object.
+        addBlock(call.drawing(), "$" + std::string(name).substr(1), {});
+        block = blockObject(call.drawing(), name);
+    }
     if (block == NoRecord) {
         failAutomation("Key not found");
     }

@@ -9,6 +9,8 @@
 #include "drafthost/drawing/EntityCopy.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Objects.h"
+#include "drafthost/drawing/PolylineWriter.h"
+#include "drafthost/drawing/R12Groups.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/drawing/View.h"
 
@@ -185,7 +187,8 @@ std::optional<Made> makeEntity(Drawing& drawing, const std::string& type, const 
                                bool& tablesChanged) {
     const bool part = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
     if ((part && making.main == NoRecord) || !hasEssentials(type, list) ||
-        !referencesAreValid(drawing, type, list) || !needLayer(drawing, list, tablesChanged)) {
+        !referencesAreValid(drawing, type, list) || (type != "LWPOLYLINE" && !canHold(drawing, type)) ||
+        !needLayer(drawing, list, tablesChanged)) {
         return std::nullopt;
     }
     const Value* layer = groupOf(list, 8);
@@ -201,6 +204,9 @@ std::optional<Made> makeEntity(Drawing& drawing, const std::string& type, const 
         return std::nullopt;
     }
     appendGroups(drawing, id, type, list);
+    if (!canHold(drawing, type)) {
+        id = asOldPolyline(drawing, id);
+    }
     if (!part) {
         const Value* follows = groupOf(list, 66);
         const bool opens =

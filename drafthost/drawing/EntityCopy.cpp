@@ -182,8 +182,23 @@ std::string anonymousName(const Drawing& drawing, char kind) {
     }
 }
 
+namespace {
+
+// The BLOCKS section, made behind the tables where there is none.
+Structure::Section blocksSection(Drawing& drawing) {
+    if (drawing.structure().blocksSection.begin == NoRecord && tablesSection(drawing) != NoRecord &&
+        drawing.type(drawing.structure().tablesSection.end) == "ENDSEC") {
+        const RecordId section = drawing.insertRecord(drawing.structure().tablesSection.end, "SECTION");
+        drawing.appendTag(section, 2, "BLOCKS");
+        drawing.insertRecord(section, "ENDSEC");
+    }
+    return drawing.structure().blocksSection;
+}
+
+}  // namespace
+
 bool addBlock(Drawing& drawing, const std::string& name, const Point& base) {
-    const Structure::Section section = drawing.structure().blocksSection;
+    const Structure::Section section = blocksSection(drawing);
     if (section.begin == NoRecord || drawing.type(section.end) != "ENDSEC") {
         return false;
     }

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/InsertBlock.h"
 
@@ -160,6 +161,24 @@ RecordId addPolyline(Drawing& drawing, const BlockTarget& target, const std::vec
     if (std::fabs(extrusion.x) > 1e-12 || std::fabs(extrusion.y) > 1e-12 || extrusion.z < 0) {
         drawing.putPoint(id, 210, extrusion, true);
     }
+    return id;
+}
+
+RecordId asOldPolyline(Drawing& drawing, RecordId light) {
+    const bool closed = (drawing.record(light).integerOr(70, 0) & Closed) != 0;
+    const Point extrusion = drawing.record(light).pointOr(210, {0, 0, 1});
+    const RecordId id =
+        addPolyline(drawing, targetOf(drawing, light), wideVertices(drawing, light), closed, extrusion);
+    if (id == NoRecord) {
+        return id;
+    }
+    takeLooks(drawing, light, id);
+    const std::string layer = drawing.record(id).textOr(8, "0");
+    for (RecordId part = drawing.next(id); part != NoRecord && isSubEntity(drawing, part);
+         part = drawing.next(part)) {
+        drawing.put(part, 8, layer);
+    }
+    deleteEntity(drawing, light);
     return id;
 }
 

@@ -24,6 +24,8 @@ RecordId addPolyline(Drawing& drawing, const BlockTarget& target, const std::vec
                      bool closed, const Point& extrusion);
 /// Replaces the corners of a polyline; its other groups stay.
 void setVertices(Drawing& drawing, RecordId polyline, const std::vector<WideVertex>& vertices, bool closed);
+/// Puts a POLYLINE in the place of an LWPOLYLINE, for drawings that have no such thing.
+RecordId asOldPolyline(Drawing& drawing, RecordId light);
 /// Layer, colour, linetype, lineweight and the like of one entity on another; a group that it has not goes.
 void takeLooks(Drawing& drawing, RecordId from, RecordId to);
 

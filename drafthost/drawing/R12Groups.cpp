@@ -30,6 +30,13 @@ const std::set<int>* r12Groups(std::string_view type) {
     return found == known.end() ? nullptr : &found->second;
 }
 
+bool canHold(const Drawing& drawing, std::string_view type) {
+    constexpr int R13 = 1012;
+    constexpr int R14 = 1014;
+    const int first = type == "LWPOLYLINE" ? R14 : R13;
+    return drawing.versionNumber() >= first || r12Groups(type) != nullptr;
+}
+
 const std::set<int>& r12Groups(Table table) {
     static const std::map<Table, std::set<int>> known = {
         {Table::Layer, {70, 62, 6}},

@@ -16,34 +16,6 @@ constexpr std::string_view RecordMarkers[TableCount] = {
     "AcDbViewTableRecord",   "AcDbUCSTableRecord",      "AcDbViewportTableRecord",
     "AcDbRegAppTableRecord", "AcDbDimStyleTableRecord", "AcDbBlockTableRecord"};
 
-// The TABLES section, made behind the header (and classes) where there is none.
-RecordId tablesSection(Drawing& drawing) {
-    if (drawing.structure().tablesSection.begin != NoRecord) {
-        return drawing.structure().tablesSection.begin;
-    }
-    if (drawing.structure().header == NoRecord) {
-        setHeader(drawing, "$ACADVER", 1, drawing.version());
-    }
-    RecordId behind = drawing.structure().headerSection.end;
-    if (behind == NoRecord) {
-        return NoRecord;
-    }
-    const RecordId next = drawing.next(behind);
-    if (next != NoRecord && drawing.record(next).textOr(2, "") == "CLASSES") {
-        // Classes that nobody closed come behind the tables.
-        for (RecordId id = next; id != NoRecord && drawing.type(id) != "EOF"; id = drawing.next(id)) {
-            if (drawing.type(id) == "ENDSEC") {
-                behind = id;
-                break;
-            }
-        }
-    }
-    const RecordId section = drawing.insertRecord(behind, "SECTION");
-    drawing.appendTag(section, 2, "TABLES");
-    drawing.insertRecord(section, "ENDSEC");
-    return section;
-}
-
 // The ENDTAB of a table, made with its table where there is none.
 RecordId tableForWriting(Drawing& drawing, Table table) {
     const TableRecords& found = drawing.structure().table(table);
@@ -172,6 +144,33 @@ void appendDefaults(Drawing& drawing, Table table, RecordId id) {
 }
 
 }  // namespace
+
+RecordId tablesSection(Drawing& drawing) {
+    if (drawing.structure().tablesSection.begin != NoRecord) {
+        return drawing.structure().tablesSection.begin;
+    }
+    if (drawing.structure().header == NoRecord) {
+        setHeader(drawing, "$ACADVER", 1, drawing.version());
+    }
+    RecordId behind = drawing.structure().headerSection.end;
+    if (behind == NoRecord) {
+        return NoRecord;
+    }
+    const RecordId next = drawing.next(behind);
+    if (next != NoRecord && drawing.record(next).textOr(2, "") == "CLASSES") {
+        // Classes that nobody closed come behind the tables.
+        for (RecordId id = next; id != NoRecord && drawing.type(id) != "EOF"; id = drawing.next(id)) {
+            if (drawing.type(id) == "ENDSEC") {
+                behind = id;
+                break;
+            }
+        }
+    }
+    const RecordId section = drawing.insertRecord(behind, "SECTION");
+    drawing.appendTag(section, 2, "TABLES");
+    drawing.insertRecord(section, "ENDSEC");
+    return section;
+}
 
 std::vector<RecordId> tableEntries(const Drawing& drawing, Table table) {
     return drawing.structure().table(table).entries;

@@ -21,6 +21,9 @@ std::vector<RecordId> tableEntries(const Drawing& drawing, Table table);
 RecordId findEntry(const Drawing& drawing, Table table, std::string_view name);
 /// Name of an entry (code 2), UTF-8.
 std::string entryName(const Drawing& drawing, RecordId entry);
+/// The TABLES section, made behind the header (and classes) where there is none; NoRecord for a drawing
+/// without any record to put it behind.
+RecordId tablesSection(Drawing& drawing);
 /// A new entry with what its kind needs (layer: colour 7, Continuous, default lineweight), with handle, owner
 /// and subclass markers where the version has them; the table, and the section, are made when missing. The
 /// name must not be there yet.

@@ -1,0 +1,5 @@
+(defun c:work ()
+  (command "_.AUDIT" "_Y")
+  (command "_.ZOOM" "_E")
+  (command "._QSAVE")
+  (princ))

@@ -1,0 +1,6 @@
+(defun c:work (/ rec names out)
+  (while (setq rec (tblnext "LAYER" (null rec)))
+    (setq names (cons (cdr (assoc 2 rec)) names)))
+  (setq out (acad_strlsort names))
+  (foreach n out (princ (strcat "\n" n)))
+  (princ))

@@ -1,0 +1,8 @@
+(vl-load-com)
+(defun c:work (/ ll ur minp maxp e)
+  (vlax-for e (vla-get-modelspace (vla-get-activedocument (vlax-get-acad-object)))
+    (if (not (vl-catch-all-error-p (vl-catch-all-apply 'vla-getboundingbox (list e 'll 'ur))))
+      (setq ll (vlax-safearray->list ll) ur (vlax-safearray->list ur)
+            minp (if minp (mapcar 'min minp ll) ll) maxp (if maxp (mapcar 'max maxp ur) ur))))
+  (if minp (progn (command "_.RECTANG" "_non" minp "_non" maxp) (princ (list minp maxp))))
+  (princ))

@@ -1,0 +1,7 @@
+(defun c:work (/ st)
+  (setvar "CMDECHO" 0)
+  (command "_.-STYLE" "NOTES" "romans.shx" 0 0.9 0 "_N" "_N" "_N")
+  (while (setq st (tblnext "STYLE" (null st)))
+    (princ (strcat "\n" (cdr (assoc 2 st)) " " (cdr (assoc 3 st)))))
+  (command "_.TEXT" "_J" "_MC" '(50 50) 2.5 0 "Checked")
+  (princ))

@@ -1,0 +1,11 @@
+(vl-load-com)
+(defun c:work (/ tabs)
+  (setq tabs (layoutlist))
+  (foreach tab tabs
+    (setvar "CTAB" tab)
+    (command "_.PSPACE")
+    (command "_.ZOOM" "_E"))
+  (setvar "CTAB" "Model")
+  (vlax-for lay (vla-get-layouts (vla-get-activedocument (vlax-get-acad-object)))
+    (princ (strcat "\n" (vla-get-name lay) " " (itoa (vla-get-taborder lay)))))
+  (princ))

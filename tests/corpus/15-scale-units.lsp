@@ -1,0 +1,8 @@
+(defun c:work (/ ss)
+  (if (= (getvar "INSUNITS") 1)
+    (if (setq ss (ssget "_X" '((410 . "Model"))))
+      (command "_.SCALE" ss "" '(0 0 0) 25.4)))
+  (setvar "INSUNITS" 4)
+  (setvar "MEASUREMENT" 1)
+  (setvar "LTSCALE" 10)
+  (princ))

@@ -1,0 +1,5 @@
+(defun c:work (/ d)
+  (setq d (menucmd "M=$(edtime,$(getvar,date),YYYY-MO-DD HH:MM)"))
+  (entmake (list '(0 . "TEXT") '(8 . "0") '(10 0.0 0.0 0.0) '(40 . 2.5) (cons 1 (strcat "Plotted " d " " (getvar "DWGNAME")))))
+  (princ d)
+  (princ))

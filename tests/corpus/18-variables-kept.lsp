@@ -1,0 +1,6 @@
+(defun c:work (/ names old)
+  (setq names '("CMDECHO" "OSMODE" "BLIPMODE" "PICKBOX" "HIGHLIGHT" "MSLTSCALE" "PELLIPSE" "UCSICON" "SNAPMODE" "ORTHOMODE" "ATTDIA" "FILEDIA" "REGENMODE" "PICKSTYLE" "DRAGMODE" "PLINETYPE" "SELECTIONPREVIEW"))
+  (setq old (mapcar 'getvar names))
+  (mapcar 'setvar names '(0 0 0 5 0 0 0 1 0 0 0 0 0 1 0 2 0))
+  (mapcar 'setvar names old)
+  (princ))

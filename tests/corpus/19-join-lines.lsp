@@ -1,0 +1,8 @@
+(defun c:work (/ ss old)
+  (setq old (getvar "PEDITACCEPT"))
+  (setvar "PEDITACCEPT" 1)
+  (command "_.LINE" '(1000 0) '(1010 0) '(1010 10) "")
+  (setq ss (ssadd (entlast)))
+  (command "_.PEDIT" (entlast) "_J" "_ALL" "" "")
+  (setvar "PEDITACCEPT" old)
+  (princ))

@@ -1,0 +1,10 @@
+(defun c:work (/ f b)
+  (setq f (open (strcat (getvar "TEMPPREFIX") (vl-filename-base (getvar "DWGNAME")) "-blocks.csv") "w"))
+  (write-line "name,x,y" f)
+  (setq b (tblnext "BLOCK" t))
+  (while b
+    (write-line (strcat (cdr (assoc 2 b)) "," (rtos (cadr (assoc 10 b)) 2 2) "," (rtos (caddr (assoc 10 b)) 2 2)) f)
+    (setq b (tblnext "BLOCK")))
+  (close f)
+  (vl-file-delete (strcat (getvar "TEMPPREFIX") (vl-filename-base (getvar "DWGNAME")) "-blocks.csv"))
+  (princ))

@@ -1,0 +1,5 @@
+(defun c:work (/ ss)
+  (command "_.-OVERKILL" "_ALL" "" "")
+  (command "_.SETBYLAYER" "_ALL" "" "_Y" "_Y")
+  (command "_.LAYERP")
+  (princ))

@@ -1,0 +1,8 @@
+(defun c:work ()
+  (command "_.UCS" "_W")
+  (command "_.UCS" "_Z" 30)
+  (command "_.PLINE" '(0 0) '(10 0) "_A" '(10 10) "_L" '(0 10) "_C")
+  (command "_.UCS" "_P")
+  (command "_.PLAN" "_W")
+  (command "_.UCS" "")
+  (princ))

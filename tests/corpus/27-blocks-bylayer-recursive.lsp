@@ -1,0 +1,17 @@
+(vl-load-com)
+(defun fix-block (blk / )
+  (vlax-for o blk
+    (vl-catch-all-apply
+      '(lambda ()
+         (vla-put-color o 256)
+         (vla-put-linetype o "ByLayer")
+         (vla-put-lineweight o aclnwtbylayer)))))
+(defun c:work (/ doc)
+  (setq doc (vla-get-activedocument (vlax-get-acad-object)))
+  (vla-startundomark doc)
+  (vlax-for b (vla-get-blocks doc)
+    (if (and (= :vlax-false (vla-get-isxref b)) (= :vlax-false (vla-get-islayout b)))
+      (fix-block b)))
+  (vla-regen doc acallviewports)
+  (vla-endundomark doc)
+  (princ))

@@ -1,0 +1,8 @@
+(defun c:work (/ lay)
+  (foreach lay (layoutlist)
+    (setvar "CTAB" lay)
+    (command "_.PSPACE")
+    (command "_.ZOOM" "_E"))
+  (setvar "TILEMODE" 1)
+  (command "_.ZOOM" "_E" "_.ZOOM" ".95x")
+  (princ))

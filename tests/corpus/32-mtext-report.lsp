@@ -1,0 +1,10 @@
+(defun c:work (/ p h d)
+  (setq d (getvar "EXTMAX") h (max 1.0 (/ (abs (cadr d)) 100.0)))
+  (if (> h 1e6) (setq h 1.0))
+  (setq p (list 0.0 0.0 0.0))
+  (entmake (list '(0 . "MTEXT") '(100 . "AcDbEntity") '(100 . "AcDbMText")
+                 (cons 10 p) (cons 40 h) '(41 . 0.0) '(71 . 1) '(72 . 5)
+                 (cons 1 (strcat "Drawing: " (getvar "DWGNAME") "\\P" "Layers: "
+                                 (itoa (length ((lambda (/ r x) (while (setq x (tblnext "LAYER" (null x))) (setq r (cons x r))) r))))
+                                 "\\P{\\fArial|b1;bold} \\C1;red"))))
+  (princ))
