@@ -77,6 +77,7 @@ const Class& documentClass();
 const Class& databaseClass();
 const Class& colorClass();
 const Class& summaryClass();
+const Class& plotClass();
 const Class& utilityClass();
 const Class& preferencesClass();
 const Class& selectionSetsClass();

@@ -7,6 +7,7 @@
 #include "drafthost/activex/CopyObjects.h"
 #include "drafthost/activex/Groups.h"
 #include "drafthost/activex/ModelState.h"
+#include "drafthost/activex/RunCommand.h"
 #include "drafthost/automation/EntityNames.h"
 #include "drafthost/automation/PickSet.h"
 #include "drafthost/drawing/EntityCopy.h"
@@ -23,26 +24,6 @@ namespace {
 std::string variableText(const Call& call, const char* name) {
     const auto value = call.session().host.getVar(name);
     return value && value->isString() ? value->toString() : "";
-}
-
-/// Runs a command that must be complete with these answers.
-void command(Call& call, std::initializer_list<std::string> answers) {
-    std::vector<Value> values;
-    for (const std::string& answer : answers) {
-        values.push_back(Value::string(answer));
-    }
-    // The command is not the user's, and nothing is to be read of it.
-    auto& host = call.session().host;
-    const std::optional<Value> echo = host.getVar("CMDECHO");
-    host.setVar("CMDECHO", Value::integer(0));
-    const auto status = host.commandS(values);
-    call.e.checkDocument();
-    if (echo) {
-        host.setVar("CMDECHO", *echo);
-    }
-    if (status != automation::CommandStatus::Done) {
-        failAutomation("Description was not provided.");
-    }
 }
 
 template <const char* name>
@@ -141,7 +122,7 @@ void putModelViewport(Call& call, const Value& value) {
     if (modelIsCurrent(call.drawing())) {
         failAutomation("Not applicable");
     }
-    command(call, {booleanOf(value) ? "_.MSPACE" : "_.PSPACE"});
+    mustRun(call, {booleanOf(value) ? "_.MSPACE" : "_.PSPACE"});
 }
 
 Result name(Call& call) {
@@ -240,11 +221,11 @@ Result purgeEverything(Call& call) {
     return {};
 }
 Result audit(Call& call) {
-    command(call, {"_.AUDIT", call.boolean(0) ? "_Y" : "_N"});
+    mustRun(call, {"_.AUDIT", call.boolean(0) ? "_Y" : "_N"});
     return {};
 }
 Result save(Call& call) {
-    command(call, {"_.QSAVE"});
+    mustRun(call, {"_.QSAVE"});
     return {};
 }
 Result saveAs(Call& call) {
@@ -252,7 +233,7 @@ Result saveAs(Call& call) {
     if (lisp::lowerCase(file).ends_with(".dwg")) {
         failAutomation("This host writes DXF drawings: " + file);
     }
-    command(call, {"_.SAVEAS", "_DXF", "16", file});
+    mustRun(call, {"_.SAVEAS", "_DXF", "16", file});
     return {};
 }
 Result sendCommand(Call& call) {
@@ -316,6 +297,10 @@ Result closeDocument(Call&) {
     failAutomation("The drawing is busy: the program runs in it.");
 }
 
+Result plotOfDocument(Call& call) {
+    return singleObject(call.e, plotClass());
+}
+
 constexpr char Layers[] = "LAYERS", Linetypes[] = "LINETYPES", TextStyles[] = "TEXTSTYLES",
                DimStyles[] = "DIMSTYLES", Views[] = "VIEWS", Viewports[] = "VIEWPORTS",
                Applications[] = "REGISTEREDAPPLICATIONS", Ucss[] = "USERCOORDINATESYSTEMS",
@@ -352,6 +337,7 @@ constexpr Property DocumentProperty[] = {
     {"Name", Access::Custom, 0, 0, name},
     {"FullName", Access::Custom, 0, 0, fullName},
     {"Path", Access::Custom, 0, 0, path},
+    {"Plot", Access::Custom, 0, 0, plotOfDocument},
     {"WindowTitle", Access::Custom, 0, 0, name},
     {"Active", Access::Custom, 0, 0, isTrue},
     {"Saved", Access::Custom, 0, 0, isSaved},

@@ -55,6 +55,8 @@ void registerCommands(CommandTable& table) {
     table.add("MATCHPROP", matchpropCommand);
     table.add("SETBYLAYER", setByLayerCommand);
     table.add("-SETBYLAYER", setByLayerCommand);
+    table.add("-PLOT", plotCommand);
+    table.add("-PAGESETUP", pageSetupCommand);
     table.add("-PURGE", purgeCommand);
     table.add("AUDIT", auditCommand);
     table.add("-INSERT", insertCommand);

@@ -80,6 +80,10 @@ CommandTask chpropCommand(CommandContext& context);
 CommandTask matchpropCommand(CommandContext& context);
 CommandTask setByLayerCommand(CommandContext& context);
 
+// PlotCommand.cpp
+CommandTask plotCommand(CommandContext& context);
+CommandTask pageSetupCommand(CommandContext& context);
+
 // PurgeCommand.cpp
 CommandTask purgeCommand(CommandContext& context);
 

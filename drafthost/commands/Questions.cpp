@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "drafthost/commands/Backup.h"
+#include "drafthost/drawing/Value.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/ScriptReader.h"
@@ -85,6 +86,16 @@ std::string absolutePath(std::string_view typed, std::string_view extension) {
         path += extension;
     }
     return path;
+}
+
+bool isWord(std::string_view typed, std::string_view keyword, std::size_t least) {
+    const std::string word = foldCase(typed.starts_with('_') ? typed.substr(1) : typed);
+    return word.size() >= least && keyword.starts_with(word);
+}
+
+std::string unquoted(std::string_view text) {
+    const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+    return std::string(quoted ? text.substr(1, text.size() - 2) : text);
 }
 
 }  // namespace drafthost::commands

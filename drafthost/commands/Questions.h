@@ -26,4 +26,9 @@ std::string absolutePath(std::string_view typed);
 /// As `absolutePath`, with `extension` (".dxf") added when the name has none.
 std::string absolutePath(std::string_view typed, std::string_view extension);
 
+/// Whether `typed` is the keyword (given in small letters) or a beginning of it of `least` letters or more.
+bool isWord(std::string_view typed, std::string_view keyword, std::size_t least);
+/// A name without the quotes that it may be given in.
+std::string unquoted(std::string_view text);
+
 }  // namespace drafthost::commands

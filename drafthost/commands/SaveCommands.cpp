@@ -41,20 +41,6 @@ std::string proposedPath(const Document& document) {
     return document.hasName() ? document.path() : absolutePath(document.title(), ".dxf");
 }
 
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    for (char& c : result) {
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-    return result;
-}
-
-/// Whether `typed` is the keyword (given in small letters) or a beginning of it of `least` letters or more.
-bool isWord(std::string_view typed, std::string_view keyword, size_t least) {
-    std::string word = lowerCase(typed.starts_with('_') ? typed.substr(1) : typed);
-    return word.size() >= least && keyword.starts_with(word);
-}
-
 struct VersionWord {
     std::string_view word;
     int number;

@@ -1,6 +1,6 @@
 (defun c:work (/ e new)
   (setvar "TILEMODE" 1)
-  (if (setq e (entlast))
+  (if (setq e (ssget "_L"))
     (progn
       (command "_.COPY" e "" '(0 0 0) '(100 0 0))
       (setq new (entlast))

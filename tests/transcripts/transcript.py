@@ -105,7 +105,8 @@ class Session:
         environment = {key: value for key, value in os.environ.items() if not key.startswith("XDG_")}
         environment.update(HOME=folder, TZ="UTC", LC_ALL="C.UTF-8", XDG_CONFIG_HOME=folder + "/config",
                            XDG_STATE_HOME=folder + "/state", TRANSCRIPT="in the environment")
-        self.output = open(os.path.join(folder, "output"), "w+b")
+        # Read by another descriptor: the host's own place in the file must not move.
+        self.output = open(os.path.join(folder, "output"), "ab")
         self.process = subprocess.Popen(
             [host, "--support", os.path.join(folder, "support"), "--registry", os.path.join(folder, "registry.ini")],
             stdin=subprocess.PIPE, stdout=self.output, stderr=subprocess.STDOUT, cwd=folder, env=environment)
@@ -116,8 +117,8 @@ class Session:
             self.process.stdin.flush()
 
     def text(self):
-        self.output.seek(0)
-        text = self.output.read().decode(errors="replace")
+        with open(self.output.name, "rb") as output:
+            text = output.read().decode(errors="replace")
         # AddressSanitizer's remark about the evaluator's own stack.
         return re.sub(r"^==\d+==WARNING: ASan doesn't fully support makecontext.*\n", "", text, flags=re.M)
 
@@ -214,6 +215,23 @@ def compare(anchors, lines, filled):
     return faults
 
 
+def page_of(path):
+    """Size of a page in millimetres, its words with their left end and the middle of their height from below, and whether
+    it is without colour, as poppler sees it."""
+    page = subprocess.run(["pdftotext", "-bbox", path, "-"], capture_output=True, text=True, check=True).stdout
+    width, height = map(float, re.search(r'<page width="([\d.]+)" height="([\d.]+)"', page).groups())
+    millimetres = 25.4 / 72
+    words = [(word, round(float(left) * millimetres, 1),
+              round((height - (float(top) + float(bottom)) / 2) * millimetres, 1))
+             for left, top, bottom, word in re.findall(
+                 r'<word xMin="([\d.-]+)" yMin="([\d.-]+)" xMax="[\d.-]+" yMax="([\d.-]+)">(.*?)</word>', page)]
+    picture = subprocess.run(["pdftoppm", "-r", "72", path], capture_output=True, check=True).stdout
+    pixels = picture.split(b"\n", 3)[3]
+    colors = {pixels[i:i + 3] for i in range(0, len(pixels), 3)}
+    gray = all(max(color) - min(color) < 3 for color in colors)
+    return dict(size=(round(width * millimetres), round(height * millimetres)), words=words, gray=gray)
+
+
 def check(folder, step):
     """Evaluates an expression of Python over a file that was written; the drawing as ezdxf reads it."""
     import ezdxf
@@ -231,6 +249,8 @@ def check(folder, step):
                 errors = [error.message for error in doc.audit().errors]
                 if errors:
                     return ["line %s: %s: the audit finds %s" % (step.line, name, errors)]
+            elif path.endswith(".pdf"):
+                names.update(page_of(path))
         value = repr(eval(expression, {"ezdxf": ezdxf}, names))
     except Exception as error:  # whatever it is, it is told as the result
         value = repr(error)
