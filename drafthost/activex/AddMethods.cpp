@@ -283,15 +283,25 @@ Result insertMany(Call& call) {
 }
 
 constexpr Method AddMethod[] = {
-    {"AddLine", 2, 2, addLine},         {"AddCircle", 2, 2, addCircle},
-    {"AddArc", 4, 4, addArc},           {"AddEllipse", 3, 3, addEllipse},
-    {"AddPoint", 1, 1, addPoint},       {"AddRay", 2, 2, addRay},
-    {"AddXLine", 2, 2, addXline},       {"AddText", 3, 3, addText},
-    {"AddMText", 3, 3, addMText},       {"AddLightWeightPolyline", 1, 1, addLightPolyline},
-    {"AddPolyline", 1, 1, addPolyline}, {"Add3DPoly", 1, 1, add3dPolyline},
-    {"AddSolid", 3, 4, addSolid},       {"Add3DFace", 3, 4, addFace},
-    {"AddSpline", 1, 3, addSpline},     {"AddAttribute", 6, 6, addAttribute},
-    {"InsertBlock", 2, 7, insertBlock}, {"AddMInsertBlock", 10, 11, insertMany},
+    {"AddLine", 2, 2, addLine},
+    {"AddCircle", 2, 2, addCircle},
+    {"AddArc", 4, 4, addArc},
+    {"AddEllipse", 3, 3, addEllipse},
+    {"AddPoint", 1, 1, addPoint},
+    {"AddRay", 2, 2, addRay},
+    {"AddXLine", 2, 2, addXline},
+    {"AddText", 3, 3, addText},
+    {"AddMText", 3, 3, addMText},
+    {"AddLightWeightPolyline", 1, 1, addLightPolyline},
+    {"AddPolyline", 1, 1, addPolyline},
+    {"Add3DPoly", 1, 1, add3dPolyline},
+    {"AddSolid", 3, 4, addSolid},
+    {"Add3DFace", 3, 4, addFace},
+    {"AddSpline", 1, 3, addSpline},
+    {"AddHatch", 3, 4, addHatch},
+    {"AddAttribute", 6, 6, addAttribute},
+    {"InsertBlock", 2, 7, insertBlock},
+    {"AddMInsertBlock", 10, 11, insertMany},
 };
 
 }  // namespace

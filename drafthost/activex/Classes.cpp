@@ -69,7 +69,7 @@ ClassMap makeEntityClasses() {
     add("POLYLINE16", entityClass("IAcadPolygonMesh", "AcDbPolygonMesh", {polylineProperties()}));
     add("POLYLINE64", entityClass("IAcadPolyfaceMesh", "AcDbPolyFaceMesh", {polylineProperties()}));
     add("SPLINE", entityClass("IAcadSpline", "AcDbSpline", {splineProperties()}));
-    add("HATCH", entityClass("IAcadHatch", "AcDbHatch", {hatchProperties()}));
+    add("HATCH", entityClass("IAcadHatch", "AcDbHatch", {hatchProperties()}, {hatchMethods()}));
     static constexpr std::pair<const char*, const char*> Dimensions[] = {
         {"IAcadDimRotated", "AcDbRotatedDimension"},
         {"IAcadDimAligned", "AcDbAlignedDimension"},

@@ -38,6 +38,9 @@ Properties polylineProperties();
 Methods polylineMethods();
 Properties splineProperties();
 Properties hatchProperties();
+Methods hatchMethods();
+/// A hatch in a block, its boundaries still to be given.
+Result addHatch(Call& call);
 Properties dimensionProperties();
 Properties leaderProperties();
 Properties imageProperties();

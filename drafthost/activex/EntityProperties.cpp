@@ -10,6 +10,7 @@
 #include "drafthost/automation/EntityNames.h"
 #include "drafthost/drawing/Blocks.h"
 #include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/Transparency.h"
 #include "drafthost/lisp/Utf8.h"
 
 namespace drafthost::activex {
@@ -66,9 +67,6 @@ void putLineweight(Call& call, const Value& value) {
     call.changed();
 }
 
-constexpr std::int64_t TransparencyByBlock = 0x01000000;
-constexpr std::int64_t TransparencyValue = 0x02000000;
-
 Result getTransparency(Call& call) {
     const std::int64_t held = call.record().integerOr(440, 0);
     if (held == 0) {
@@ -94,7 +92,7 @@ void putTransparency(Call& call, const Value& value) {
         if (percent < 0 || percent > 90) {
             failAutomation("Invalid input");
         }
-        held = TransparencyValue + static_cast<std::int64_t>(255 * (1 - static_cast<double>(percent) / 100));
+        held = transparencyOf(percent);
     }
     setGroup(call.drawing(), call.id(), 440, held);
     call.changed();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What every record has, and the entities that are more than a line: hatches, dimensions, leaders, images,
+// What every record has, and the entities that are more than a line: dimensions, leaders, images,
 // viewports.
 
 #include <cmath>
@@ -80,10 +80,6 @@ Result setExtendedData(Call& call) {
     return {};
 }
 
-void putPattern(Call& call, const Value&) {
-    checkUnlocked(call);
-    failAutomation("Not applicable");
-}
 void putDimensionStyle(Call& call, const Value& value) {
     checkUnlocked(call);
     const RecordId style = findEntry(call.drawing(), Table::Dimstyle, textOf(value));
@@ -201,18 +197,6 @@ constexpr Method EveryMethod[] = {
     {"GetXData", 3, 3, getExtendedData},
     {"SetXData", 2, 2, setExtendedData},
 };
-constexpr Property Hatch[] = {
-    {"PatternName", Access::Text, 2, 0, nullptr, putPattern},
-    {"PatternType", Access::Integer, 76, 1, nullptr, nullptr, true},
-    {"PatternScale", Access::Real, 41, 1},
-    {"PatternAngle", Access::Angle, 52, 0},
-    {"PatternDouble", Access::Bool, 77, 0},
-    {"AssociativeHatch", Access::Bool, 71, 0},
-    {"HatchStyle", Access::Integer, 75, 0},
-    {"HatchObjectType", Access::Integer, 450, 0, nullptr, nullptr, true},
-    {"NumberOfLoops", Access::Integer, 91, 0, nullptr, nullptr, true},
-    {"GradientName", Access::Text, 470},
-};
 constexpr Property Dimension[] = {
     {"TextOverride", Access::Text, 1},
     {"Measurement", Access::Custom, 42, 0, measurement},
@@ -258,9 +242,6 @@ Properties recordProperties() {
 }
 Methods recordMethods() {
     return EveryMethod;
-}
-Properties hatchProperties() {
-    return Hatch;
 }
 Properties dimensionProperties() {
     return Dimension;

@@ -16,11 +16,6 @@ std::vector<EntityName> alive(const Drawing& drawing, std::vector<EntityName> na
     return names;
 }
 
-bool isOff(const Drawing& drawing, RecordId id) {
-    const RecordId layer = findEntry(drawing, Table::Layer, drawing.record(id).textOr(8, "0"));
-    return layer != NoRecord && drawing.record(layer).integerOr(62, 7) < 0;
-}
-
 }  // namespace
 
 bool isInCurrentSpace(const Drawing& drawing, RecordId id) {
@@ -44,6 +39,11 @@ bool isVisibleHere(const Drawing& drawing, RecordId id) {
     }
     const RecordId layer = findEntry(drawing, Table::Layer, drawing.record(id).textOr(8, "0"));
     return layer == NoRecord || (drawing.record(layer).integerOr(70, 0) & 1) == 0;
+}
+
+bool isOff(const Drawing& drawing, RecordId id) {
+    const RecordId layer = findEntry(drawing, Table::Layer, drawing.record(id).textOr(8, "0"));
+    return layer != NoRecord && drawing.record(layer).integerOr(62, 7) < 0;
 }
 
 std::vector<EntityName> allSelectable(const Drawing& drawing) {

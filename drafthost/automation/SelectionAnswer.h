@@ -24,6 +24,8 @@ std::vector<EntityName> entitiesThat(const Drawing& drawing, const std::function
 bool isInCurrentSpace(const Drawing& drawing, RecordId id);
 /// Whether the entity lies in the current space on a layer that is not frozen; the layer may be off.
 bool isVisibleHere(const Drawing& drawing, RecordId id);
+/// Whether its layer is off.
+bool isOff(const Drawing& drawing, RecordId id);
 /// What ALL means: everything that is visible here, except on locked layers.
 std::vector<EntityName> allSelectable(const Drawing& drawing);
 /// What Last means: the newest entity that is visible here, its layer on; none or one.

@@ -106,6 +106,8 @@ void registerCommands(CommandTable& table) {
     table.add("LIST", listCommand);
     table.add("-GROUP", groupCommand);
     table.add("DRAWORDER", drawOrderCommand);
+    table.add("-HATCH", hatchCommand);
+    table.add("-HATCHEDIT", hatchEditCommand);
     table.add("DIVIDE", divideCommand);
     table.add("MEASURE", measureCommand);
     table.add("-OVERKILL", overkillCommand);
@@ -186,6 +188,9 @@ void registerCommands(CommandTable& table) {
     table.addAlias("G", "-GROUP");
     table.addAlias("-G", "-GROUP");
     table.addAlias("DR", "DRAWORDER");
+    table.addAlias("H", "-HATCH");
+    table.addAlias("-H", "-HATCH");
+    table.addAlias("HE", "-HATCHEDIT");
     table.addAlias("DIV", "DIVIDE");
     table.addAlias("ME", "MEASURE");
     table.addAlias("SN", "SNAP");

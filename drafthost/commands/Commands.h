@@ -176,6 +176,12 @@ CommandTask divideCommand(CommandContext& context);
 CommandTask measureCommand(CommandContext& context);
 CommandTask overkillCommand(CommandContext& context);
 
+// HatchCommand.cpp
+CommandTask hatchCommand(CommandContext& context);
+
+// HatchEditCommand.cpp
+CommandTask hatchEditCommand(CommandContext& context);
+
 // SettingCommands.cpp
 CommandTask orthoCommand(CommandContext& context);
 CommandTask fillCommand(CommandContext& context);

@@ -12,6 +12,7 @@
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/LinetypeFile.h"
 #include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/Transparency.h"
 #include "drafthost/editor/Document.h"
 
 namespace drafthost::commands {
@@ -20,8 +21,6 @@ namespace {
 
 constexpr int ByLayer = 256;
 constexpr int ByBlock = 0;
-constexpr std::int64_t TransparencyByBlock = 0x01000000;
-constexpr std::int64_t TransparencyGiven = 0x02000000;
 
 constexpr const char* Properties =
     "Color LAyer LType ltScale LWeight Thickness TRansparency Material Annotative Plotstyle";
@@ -113,7 +112,6 @@ Task<LookChange> askLineweight(CommandContext& context) {
 }
 
 Task<LookChange> askTransparency(CommandContext& context) {
-    constexpr double Opaque = 255;
     LookChange change;
     auto answer = co_await context.integer("Enter new transparency value", {.keywords = "BYLayer BYBlock",
                                                                             .defaultText = "BYLayer",
@@ -124,8 +122,7 @@ Task<LookChange> askTransparency(CommandContext& context) {
     if (answer.isKeyword("BYBlock")) {
         change.transparency = TransparencyByBlock;
     } else if (!answer.isKeyword()) {
-        const auto alpha = static_cast<std::int64_t>(std::lround(Opaque * (100 - answer.integer) / 100));
-        change.transparency = TransparencyGiven | alpha;
+        change.transparency = transparencyOf(answer.integer);
     }
     co_return change;
 }

@@ -8,6 +8,7 @@
 
 #include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/SymbolTables.h"
+#include "drafthost/drawing/Transparency.h"
 #include "drafthost/lisp/WildcardMatch.h"
 
 namespace drafthost::commands {
@@ -242,9 +243,7 @@ void setLayerTransparency(Drawing& drawing, RecordId layer, int percent) {
     if (layerTransparency(drawing, layer) == percent) {
         return;
     }
-    // The high byte says "by value"; the low one is the alpha value, cut as other programs cut it.
-    std::int64_t alpha = 255 * (100 - percent) / 100;
-    setXdata(drawing, layer, TransparencyApplication, {{1071, std::int64_t{0x02000000} | alpha}});
+    setXdata(drawing, layer, TransparencyApplication, {{1071, transparencyOf(percent)}});
 }
 
 std::string layerDescription(const Drawing& drawing, RecordId layer) {

@@ -256,8 +256,16 @@ void writeLayout(Writer& w, Handle handle, Handle record, std::string_view name,
         .real(47, 0)
         .real(48, 0)
         .real(49, 0);
-    w.real(140, 0).real(141, 0).real(142, 1).real(143, 1).tag(70, model ? 1712 : 688).tag(72, metric ? 1 : 0);
-    w.tag(73, 0).tag(74, 5).tag(7, "").tag(75, 16).real(147, 1).tag(76, 0).tag(77, 2).tag(78, 300);
+    // Model space is plotted as it is shown, fitted and centered; a sheet in its size.
+    w.real(140, 0).real(141, 0).real(142, 1).real(143, 1).tag(70, model ? 1716 : 688).tag(72, metric ? 1 : 0);
+    w.tag(73, 0)
+        .tag(74, model ? 0 : 5)
+        .tag(7, "")
+        .tag(75, model ? 0 : 16)
+        .real(147, 1)
+        .tag(76, 0)
+        .tag(77, 2)
+        .tag(78, 300);
     w.real(148, 0).real(149, 0);
     w.tag(100, "AcDbLayout").tag(1, name).tag(70, 1).tag(71, order);
     w.point(10, 0, 0).point(11, sheet.width, sheet.height).point(12, 0, 0, 0);

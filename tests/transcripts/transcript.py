@@ -5,6 +5,7 @@ import os
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 from dataclasses import dataclass, field
@@ -174,6 +175,8 @@ def play(host, steps, before=""):
                 anchors.append((step, ["Command: " + text]))
             elif step.kind in ("input", "expression"):
                 if text == "^C":
+                    if asked == "...:":
+                        sys.exit("line %s: a cancel must be told which question it answers" % step.line)
                     session.wait_for(asked)
                     session.send("\x03")
                     anchors.append((step, [asked]))
