@@ -20,5 +20,6 @@ std::span<const lisp::Subr> menuFunctions();
 std::span<const lisp::Subr> registryFunctions();
 std::span<const lisp::Subr> measureFunctions();
 std::span<const lisp::Subr> reactorFunctions();
+std::span<const lisp::Subr> layerStateFunctions();
 
 }  // namespace drafthost::automation

@@ -9,7 +9,7 @@ namespace drafthost::automation {
 Session::Session(LispHost& h) : host(h), world_(*this) {
     for (const auto family : {commandFunctions, promptFunctions, hostFunctions, tableFunctions,
                               dictionaryFunctions, entityFunctions, selectionFunctions, menuFunctions,
-                              registryFunctions, measureFunctions, reactorFunctions}) {
+                              registryFunctions, measureFunctions, reactorFunctions, layerStateFunctions}) {
         world_.define(family());
     }
     // Kinds of reactors stand for themselves.

@@ -53,6 +53,9 @@ class Session final : public lisp::WorldHost {
     /// Every reactor that was made.
     std::vector<Value> reactors;
 
+    /// The layer state that was restored last.
+    std::string lastLayerState;
+
     // Kept for the functions of LISP.
     InitGet initGet;
     Making making;

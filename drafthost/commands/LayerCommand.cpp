@@ -34,6 +34,7 @@ constexpr LayerOption Options[] = {
     {"Description", describeLayers},
     {"rEconcile", reconcileLayers},
     {"Xref", xrefLayers},
+    {"stAte", layerStates},
 };
 
 }  // namespace
@@ -43,17 +44,12 @@ CommandTask layerCommand(CommandContext& context) {
     for (const LayerOption& option : Options) {
         keywords += (keywords.empty() ? "" : " ") + std::string(option.keyword);
     }
-    keywords += " stAte";
     LayerWatch before(context.document());
     for (;;) {
         context.printLine("Current layer: \"" + currentLayerName(context) + "\"");
         auto answer = co_await context.keyword("Enter an option", keywords);
         if (answer.isEnter()) {
             co_return;
-        }
-        if (answer.isKeyword("stAte")) {
-            context.complain("This host keeps no layer states.");
-            continue;
         }
         for (const LayerOption& option : Options) {
             if (answer.keyword == option.keyword) {

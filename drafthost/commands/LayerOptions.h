@@ -37,6 +37,9 @@ Task<bool> plotLayers(CommandContext& context);
 Task<bool> plotStyleLayers(CommandContext& context);
 Task<bool> describeLayers(CommandContext& context);
 
+// LayerStateOption.cpp: how they look, kept under names.
+Task<bool> layerStates(CommandContext& context);
+
 /// Name of the current layer.
 std::string currentLayerName(CommandContext& context);
 /// A name or a list of names; in quotes when it holds blanks.

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <utility>
 
+#include "drafthost/drawing/ApplicationData.h"
 #include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/drawing/Transparency.h"
@@ -15,7 +16,6 @@ namespace drafthost::commands {
 
 namespace {
 
-constexpr const char* TransparencyApplication = "AcCmTransparency";
 constexpr const char* DescriptionApplication = "AcAecLayerStandard";
 
 std::string_view trimmed(std::string_view text) {
@@ -26,58 +26,6 @@ std::string_view trimmed(std::string_view text) {
         text.remove_suffix(1);
     }
     return text;
-}
-
-using XdataTag = std::pair<int, Value>;
-
-/// Tags of one application's extended data: from behind its name up to the next application.
-std::pair<size_t, size_t> xdataRange(const Record& record, std::string_view application) {
-    for (size_t i = record.xdata(); i < record.size(); ++i) {
-        if (record.code(i) == 1001 && foldCase(record.text(i)) == foldCase(application)) {
-            size_t end = i + 1;
-            while (end < record.size() && record.code(end) != 1001) {
-                ++end;
-            }
-            return {i + 1, end};
-        }
-    }
-    return {record.size(), record.size()};
-}
-
-void setXdata(Drawing& drawing, RecordId id, const char* application, const std::vector<XdataTag>& tags) {
-    if (findEntry(drawing, Table::Appid, application) == NoRecord) {
-        addEntry(drawing, Table::Appid, application);
-    }
-    auto [begin, end] = xdataRange(drawing.record(id), application);
-    if (begin == drawing.record(id).size() && begin == end) {
-        bool named = begin > 0 && drawing.record(id).code(begin - 1) == 1001 &&
-                     drawing.record(id).text(begin - 1) == application;
-        if (!named) {
-            drawing.appendTag(id, 1001, std::string(application));
-            begin = end = drawing.record(id).size();
-        }
-    }
-    size_t common = std::min(end - begin, tags.size());
-    bool sameCodes = end - begin == tags.size();
-    for (size_t i = 0; sameCodes && i < common; ++i) {
-        sameCodes = drawing.record(id).code(begin + i) == tags[i].first;
-    }
-    if (sameCodes) {
-        for (size_t i = 0; i < tags.size(); ++i) {
-            drawing.setTag(id, begin + i, tags[i].second);
-        }
-        return;
-    }
-    while (end > begin) {
-        drawing.removeTag(id, --end);
-    }
-    for (size_t i = 0; i < tags.size(); ++i) {
-        if (begin + i < drawing.record(id).size()) {
-            drawing.insertTag(id, begin + i, tags[i].first, tags[i].second);
-        } else {
-            drawing.appendTag(id, tags[i].first, tags[i].second);
-        }
-    }
 }
 
 void removeCode(Drawing& drawing, RecordId id, int code) {
@@ -229,7 +177,7 @@ void setLayerMaterial(Drawing& drawing, RecordId layer, std::uint64_t handle) {
 
 int layerTransparency(const Drawing& drawing, RecordId layer) {
     Record record = drawing.record(layer);
-    auto [begin, end] = xdataRange(record, TransparencyApplication);
+    auto [begin, end] = xdataRange(record, LayerTransparencyApplication);
     for (size_t i = begin; i < end; ++i) {
         if (record.code(i) == 1071) {
             std::int64_t alpha = record.integer(i) & 0xFF;
@@ -243,7 +191,7 @@ void setLayerTransparency(Drawing& drawing, RecordId layer, int percent) {
     if (layerTransparency(drawing, layer) == percent) {
         return;
     }
-    setXdata(drawing, layer, TransparencyApplication, {{1071, transparencyOf(percent)}});
+    setXdata(drawing, layer, LayerTransparencyApplication, {{1071, transparencyOf(percent)}});
 }
 
 std::string layerDescription(const Drawing& drawing, RecordId layer) {

@@ -7,6 +7,9 @@ namespace drafthost {
 
 // How entities (group 440) and layers hold their transparency; without the group it is that of the layer.
 
+/// The application under which layers have it, in a group 1071.
+inline constexpr const char* LayerTransparencyApplication = "AcCmTransparency";
+
 inline constexpr std::int64_t TransparencyByBlock = 0x01000000;
 inline constexpr std::int64_t TransparencyGiven = 0x02000000;
 
