@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <langinfo.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -258,8 +259,20 @@ bool HostEnd::FromOutside() const {
 }
 
 HostEnd HostProcess::Wait() {
+    // A host that has nothing to tell any more ends at once; one that hangs at its end is helped.
+    constexpr int Step = 20;
+    constexpr int MostSteps = 10'000 / Step;
     int status = 0;
-    while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    for (int steps = 0; child > 0; ++steps) {
+        const pid_t ended = waitpid(child, &status, steps < MostSteps ? WNOHANG : 0);
+        if (ended == child || (ended < 0 && errno != EINTR)) {
+            break;
+        }
+        if (steps + 1 == MostSteps) {
+            Kill();
+        } else if (ended == 0) {
+            poll(nullptr, 0, Step);
+        }
     }
     child = -1;
     closeInput();

@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 namespace {
 
@@ -256,6 +257,12 @@ ExitStatus prepare(const RunOptions& options, DataFolder* folder, HostFiles* fil
     if (options.CheckScript && !options.Quiet) {
         tellOfScript(options, *plan, files->Host);
     }
+    // What an earlier run has told is not what this one does, should it not come to its start.
+    std::error_code none;
+    const std::filesystem::path json(options.JsonFile);
+    if (std::filesystem::is_regular_file(std::filesystem::symlink_status(json, none))) {
+        std::filesystem::remove(json, none);
+    }
     return TakeForNewRun(folder, &description, error) && CommitNewRun(*folder, description, plan, error)
                ? AllDone
                : BrokenOff;
@@ -320,9 +327,15 @@ ExitStatus RunDrawings(const RunOptions& options) {
                 std::chrono::duration<double>(RunLedger::Clock::now() - started).count());
     const std::vector<bool> triedAgain = ReadJournal(folder, plan.Description.Id, queue.size()).TriedAgain;
     const NotedWrite noted(folder.Path());
-    if (!WriteJournal(folder.Path(), plan.Description.Id, ledger.Records(), triedAgain, &error) ||
-        (!options.JsonFile.empty() && !WriteRecords(ledger.Records(), options.JsonFile, &error))) {
+    // Either is worth having when the other has no room.
+    std::string journalError;
+    const bool journalStands =
+        WriteJournal(folder.Path(), plan.Description.Id, ledger.Records(), triedAgain, &journalError);
+    if (!options.JsonFile.empty() && !WriteRecords(ledger.Records(), options.JsonFile, &error)) {
         return refuse(BrokenOff, error);
+    }
+    if (!journalStands) {
+        return refuse(BrokenOff, journalError);
     }
     return statusOf(ledger, outcome);
 }

@@ -19,6 +19,7 @@
 #include "drafthost/editor/FileLock.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/InputStream.h"
+#include "drafthost/editor/ModuleTable.h"
 #include "drafthost/editor/ReportChannel.h"
 #include "drafthost/editor/ScriptReader.h"
 #include "drafthost/Startup.h"
@@ -269,6 +270,12 @@ void prepare(Host& host, const Arguments& arguments) {
 
 void begin(Host& host, const Arguments& arguments) {
     loadStartupModules(host, arguments.modules);
+    for (const std::string& module : arguments.modules) {
+        // Whoever waits at the socket waits for what the module does.
+        if (arguments.report >= 0 && !host.modules().isLoaded(module)) {
+            std::exit(1);
+        }
+    }
     bool opened = false;
     for (const std::string& drawing : arguments.drawings) {
         opened = openDrawing(host, drawing) || opened;

@@ -9,6 +9,7 @@
 #include "drafthost/automation/DefaultList.h"
 #include "drafthost/automation/DxfList.h"
 #include "drafthost/drawing/Blocks.h"
+#include "drafthost/drawing/EmbeddedText.h"
 #include "drafthost/drawing/Header.h"
 #include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/SymbolTables.h"
@@ -103,6 +104,15 @@ bool referencesAreValid(const Drawing& drawing, std::string_view type, const Val
         findBlock(drawing, groupOf(list, 2)->toString()) == nullptr) {
         return false;
     }
+    if (const Value* data = groupOf(list, -3)) {
+        for (Value rest = *data; rest.isCons(); rest = rest.cdr()) {
+            const Value name = rest.car().isCons() ? rest.car().car() : Value();
+            if (name.isString() && foldCase(name.toString()) != foldCase("ACAD") &&
+                findEntry(drawing, Table::Appid, name.toString()) == NoRecord) {
+                return false;
+            }
+        }
+    }
     const Value* colour = groupOf(list, 62);
     return colour == nullptr || !colour->isInt() || (colour->toInt() >= -256 && colour->toInt() <= 256);
 }
@@ -112,7 +122,9 @@ bool needLayer(Drawing& drawing, const Value& list, bool& tablesChanged) {
     if (layer == nullptr) {
         return true;
     }
-    if (layer->toString().empty()) {
+    const std::string name = layer->toString();
+    if (name.find_first_not_of(' ') == std::string::npos ||
+        name.find_first_of("<>/\\\":;?*=`") != std::string::npos) {
         return false;
     }
     if (findEntry(drawing, Table::Layer, layer->toString()) == NoRecord) {
@@ -336,6 +348,7 @@ bool modifyRecord(Drawing& drawing, RecordId id, const Value& given, bool& table
     if (const Value* data = groupOf(list, -3)) {
         setExtendedData(drawing, id, *data);
     }
+    syncEmbeddedText(drawing, id);
     return true;
 }
 

@@ -67,11 +67,25 @@ Parts partsOf(std::string_view type, const Value& list) {
 /// Groups without which a type makes no entity.
 bool hasEssentials(const std::string& type, const Value& list) {
     static const std::map<std::string_view, std::vector<int>> needed = {
-        {"LINE", {10, 11}},      {"CIRCLE", {10, 40}}, {"ARC", {10, 40, 50, 51}}, {"POINT", {10}},
-        {"TEXT", {10, 40, 1}},   {"MTEXT", {10, 1}},   {"INSERT", {2, 10}},       {"LWPOLYLINE", {10}},
-        {"SOLID", {10, 11, 12}}, {"VERTEX", {10}},     {"ELLIPSE", {10, 11, 40}}, {"3DFACE", {10, 11, 12}},
-        {"RAY", {10, 11}},       {"XLINE", {10, 11}},  {"ATTRIB", {10, 40, 2}},   {"ATTDEF", {10, 40, 2}},
+        {"LINE", {10, 11}},  {"CIRCLE", {10, 40}},         {"ARC", {10, 40, 50, 51}},
+        {"POINT", {10}},     {"TEXT", {10, 40, 1}},        {"MTEXT", {10, 1}},
+        {"INSERT", {2, 10}}, {"LWPOLYLINE", {10}},         {"SOLID", {10, 11, 12}},
+        {"VERTEX", {10}},    {"ELLIPSE", {10, 11, 40}},    {"3DFACE", {10, 11, 12}},
+        {"HATCH", {2, 91}},  {"IMAGE", {10, 11, 12, 340}}, {"RAY", {10, 11}},
+        {"XLINE", {10, 11}}, {"ATTRIB", {10, 40, 2}},      {"ATTDEF", {10, 40, 2}},
     };
+    // What has no size is nothing that other programs would read.
+    const Value* size = groupOf(list, 40);
+    const bool sized =
+        type == "CIRCLE" || type == "ARC" || type == "TEXT" || type == "ATTRIB" || type == "ATTDEF";
+    if (sized && size != nullptr &&
+        !(size->isInt() ? size->toInt() > 0 : size->isReal() && size->toReal() > 0)) {
+        return false;
+    }
+    const Value* axis = type == "ELLIPSE" ? groupOf(list, 11) : nullptr;
+    if (axis != nullptr && toPoint(*axis).value_or(Point{}) == Point{}) {
+        return false;
+    }
     const auto found = needed.find(type);
     return found == needed.end() ||
            std::ranges::all_of(found->second, [&](int code) { return groupOf(list, code) != nullptr; });

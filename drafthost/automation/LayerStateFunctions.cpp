@@ -63,7 +63,9 @@ Value save(Evaluator& e, Args args) {
     Drawing& drawing = drawingOf(e);
     LayerState state = currentLayerState(drawing, stringArg(args[0]));
     state.mask = optional(args, 1) ? intArg(args[1]) : RestoreAll;
-    return changed(e, !state.name.empty() && putLayerState(drawing, state));
+    const bool named =
+        !state.name.empty() && state.name.find_first_of("<>/\\\":;?*|,=`") == std::string::npos;
+    return changed(e, named && putLayerState(drawing, state));
 }
 Value restore(Evaluator& e, Args args) {
     Drawing& drawing = drawingOf(e);
@@ -108,7 +110,7 @@ void takeColor(const Value& pair, LayerLook& look) {
 /// (name flags color linetype lineweight plotstyle); there the bit 8 says that the layer is not plotted.
 LayerLook lookFrom(Value list) {
     const auto next = [&list] {
-        const Value item = list.isCons() ? list.car() : Value();
+        Value item = list.isCons() ? list.car() : Value();
         list = list.isCons() ? list.cdr() : Value();
         return item;
     };

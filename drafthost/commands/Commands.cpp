@@ -147,6 +147,7 @@ void registerCommands(CommandTable& table) {
     table.addAlias("A", "ARC");
     table.addAlias("PL", "PLINE");
     table.addAlias("DT", "TEXT");
+    table.addAlias("DTEXT", "TEXT");
     table.addAlias("MT", "-MTEXT");
     table.addAlias("T", "-MTEXT");
     table.addAlias("-T", "-MTEXT");
@@ -189,6 +190,8 @@ void registerCommands(CommandTable& table) {
     table.addAlias("-G", "-GROUP");
     table.addAlias("DR", "DRAWORDER");
     table.addAlias("H", "-HATCH");
+    table.addAlias("BHATCH", "-HATCH");
+    table.addAlias("BH", "-HATCH");
     table.addAlias("-H", "-HATCH");
     table.addAlias("HE", "-HATCHEDIT");
     table.addAlias("DIV", "DIVIDE");

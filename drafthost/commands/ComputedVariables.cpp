@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <pwd.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include <langinfo.h>
 #include <chrono>
@@ -253,6 +255,17 @@ VariableValue worldUcs(Host&, Document* document) {
     return world ? 1 : 0;
 }
 
+VariableValue userName(Host&, Document*) {
+    const passwd* user = getpwuid(getuid());
+    return std::string(user != nullptr ? user->pw_name : "");
+}
+
+/// Since the machine was started, going round after 24 days.
+VariableValue millisecondsUp(Host&, Document*) {
+    const auto up = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(up).count() & 0x7fffffff);
+}
+
 const Action Actions[] = {
     {"ACADPREFIX", supportFolders},
     {"CDATE", [](Host&, Document*) -> VariableValue { return calendarDate(now()); }},
@@ -267,6 +280,8 @@ const Action Actions[] = {
     {"CPROFILE", [](Host& host, Document*) -> VariableValue { return host.registry().profile(); }},
     {"CTAB", currentTab, setCurrentTab},
     {"CVPORT", currentViewport, setCurrentViewport},
+    {"LOGINNAME", userName},
+    {"MILLISECS", millisecondsUp},
     {"DATE", [](Host&, Document*) -> VariableValue { return julianDate(now()); }},
     {"DBMOD", modifiedBits},
     {"DWGNAME", drawingName},

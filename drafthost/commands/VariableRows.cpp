@@ -34,6 +34,8 @@ constexpr auto Rows = std::to_array<VariableRow>({
     {"CAMERADISPLAY", Integer, Header, false, "0", 0, 1, 1021, 290},
     {"CAMERAHEIGHT", Real, Header, false, "0", 1, 0, 1021, 40},
     {"CDATE", Real, Computed, true, "0"},
+    {"LOGINNAME", String, Computed, true, ""},
+    {"MILLISECS", Integer, Computed, true, "0"},
     {"CECOLOR", String, Header, false, "BYLAYER", 1, 0, 0, 62},
     {"CELTSCALE", Real, Header, false, "1", 1e-99, 1e99, 1012},
     {"CELTYPE", String, Header, false, "ByLayer", 1, 0, 0, 6},

@@ -121,6 +121,8 @@ class Drawing {
     RecordId findHandle(std::uint64_t handle) const;
     /// The next free handle; $HANDSEED follows at save.
     std::uint64_t allocateHandle();
+    /// The largest handle in use, 0 for none.
+    std::uint64_t largestHandle() const;
     /// Whether records carry handles (always from R13, by $HANDLING before).
     bool hasHandles() const;
 
@@ -157,7 +159,6 @@ class Drawing {
     void updateHeaderForSave();
     /// Sets those of the date variables that the header has to now, in local and in universal time.
     void setDates(std::initializer_list<const char*> local, std::initializer_list<const char*> universal);
-    std::uint64_t largestHandle() const;
     void buildHandles() const;
     std::vector<std::string_view> pieces(std::deque<std::string>& scratch) const;
     void appendPieces(RecordId id, std::vector<std::string_view>& pieces,

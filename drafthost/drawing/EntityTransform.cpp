@@ -7,6 +7,7 @@
 
 #include "drafthost/drawing/Angles.h"
 #include "drafthost/drawing/Blocks.h"
+#include "drafthost/drawing/EmbeddedText.h"
 
 namespace drafthost {
 
@@ -81,7 +82,7 @@ class Editor {
     /// Every point under the code, without those of extended data.
     template <class Map>
     void points(int code, const Map& map) {
-        for (std::size_t i = 1; i < record().xdata(); ++i) {
+        for (std::size_t i = 1; i < end(); ++i) {
             if (record().code(i) != code) {
                 continue;
             }
@@ -97,7 +98,7 @@ class Editor {
     }
     template <class Map>
     void reals(int code, const Map& map) {
-        for (std::size_t i = 1; i < record().xdata(); ++i) {
+        for (std::size_t i = 1; i < end(); ++i) {
             if (record().code(i) == code) {
                 set(i, map(record().real(i)));
             }
@@ -109,14 +110,14 @@ class Editor {
         }
     }
     void put(int code, double value, double standard) {
-        if (const auto i = record().find(code)) {
+        if (const auto i = own(code)) {
             set(*i, value);
         } else if (value != standard) {
             drawing_.insertTag(id_, before(), code, value);
         }
     }
     void normal(const Point& n) {
-        if (record().find(210)) {
+        if (own(210)) {
             points(210, [&](const Point&) { return n; });
         } else if (!(n == Point{0, 0, 1})) {
             const std::size_t place = before();
@@ -126,13 +127,20 @@ class Editor {
         }
     }
     void integer(int code, std::int64_t value) {
-        if (const auto i = record().find(code)) {
+        if (const auto i = own(code)) {
             if (record().integer(*i) != value) {
                 drawing_.setTag(id_, *i, value);
             }
         } else if (value != 0) {
             drawing_.insertTag(id_, before(), code, value);
         }
+    }
+
+    /// Behind what the entity says for itself; an embedded text has points of other meanings.
+    std::size_t end() const { return embeddedStart(record()); }
+    std::optional<std::size_t> own(int code) const {
+        const auto at = record().find(code);
+        return at && *at < end() ? at : std::nullopt;
     }
 
   private:
@@ -251,7 +259,7 @@ void transformLightPolyline(Editor& edit, const PlaneMap& plane) {
 void transformMText(Editor& edit, const Transform& map, const PlaneMap& plane) {
     const Record before = edit.record();
     Point along{1, 0, 0};
-    for (std::size_t i = 1; i < before.xdata(); ++i) {
+    for (std::size_t i = 1; i < edit.end(); ++i) {
         if (before.code(i) == 11) {
             along = before.point(i);
         } else if (before.code(i) == 50) {
@@ -278,7 +286,7 @@ void transformMText(Editor& edit, const Transform& map, const PlaneMap& plane) {
     const Point flat = into(plane.after, mapped);
     edit.points(11, [&](const Point&) { return mapped; });
     edit.reals(50, [&](double) { return directionInDegrees(std::atan2(flat.y, flat.x)); });
-    if (!before.find(11) && !before.find(50)) {
+    if (!edit.own(11) && !edit.own(50)) {
         edit.put(50, directionInDegrees(std::atan2(flat.y, flat.x)), 0);
     }
     edit.scale({40, 41, 42, 43, 46, 48}, plane.scale);
@@ -384,6 +392,7 @@ bool transformOne(Drawing& drawing, RecordId id, const Transform& map, const Sim
         edit.normal(plane.normal);
     } else if (type == "TEXT" || type == "ATTRIB" || type == "ATTDEF" || type == "SHAPE") {
         transformText(edit, plane, options.mirrorText);
+        transformEmbeddedText(drawing, id, map, plane.scale);
     } else if (type == "INSERT") {
         transformInsert(edit, plane);
     } else if (type == "LWPOLYLINE") {
@@ -410,6 +419,7 @@ bool transformOne(Drawing& drawing, RecordId id, const Transform& map, const Sim
         edit.normal(normalised(cross(drawing.record(id).pointOr(11, {1, 0, 0}), minor)));
     } else if (type == "MTEXT") {
         transformMText(edit, map, plane);
+        syncEmbeddedText(drawing, id, plane.scale);
     } else if (type == "HATCH") {
         transformHatch(drawing, id, plane.flat, plane.mirrored, plane.scale);
         edit.normal(plane.normal);

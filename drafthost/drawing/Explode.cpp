@@ -84,41 +84,6 @@ std::optional<Made> explodePolyline(Drawing& drawing, RecordId entity, std::stri
     return made;
 }
 
-bool isByBlock(const Record& record) {
-    return foldCase(record.textOr(6, "")) == foldCase("BYBLOCK");
-}
-
-/// What a part on layer 0 or "by block" takes of its reference.
-void inherit(Drawing& drawing, RecordId reference, RecordId part) {
-    const Record outer = drawing.record(reference);
-    const std::string layer = outer.textOr(8, "0");
-    std::vector<RecordId> records{part};
-    for (RecordId id = drawing.next(part); id != NoRecord && isSubEntity(drawing, id);
-         id = drawing.next(id)) {
-        records.push_back(id);
-        if (drawing.type(id) == "SEQEND") {
-            break;
-        }
-    }
-    for (const RecordId id : records) {
-        if (drawing.record(id).textOr(8, "0") == "0" && layer != "0") {
-            drawing.put(id, 8, layer);
-        }
-        if (drawing.record(id).integerOr(62, 256) == 0) {
-            drawing.put(id, 62, outer.integerOr(62, 256));
-            if (const auto i = drawing.record(reference).find(420)) {
-                drawing.put(id, 420, drawing.record(reference).value(*i), {62});
-            }
-        }
-        if (isByBlock(drawing.record(id))) {
-            drawing.put(id, 6, drawing.record(reference).textOr(6, "ByLayer"));
-        }
-        if (drawing.record(id).integerOr(370, -1) == -2) {
-            drawing.put(id, 370, drawing.record(reference).integerOr(370, -1));
-        }
-    }
-}
-
 /// A circle or arc that is stretched becomes an ellipse.
 RecordId stretchArc(Drawing& drawing, RecordId source, const Transform& map, const BlockTarget& target) {
     const auto curve = Curve::of(drawing, source);
@@ -200,7 +165,6 @@ bool addPartOf(Drawing& drawing, RecordId reference, RecordId source, const Tran
     const bool similar = keepsAngles(map);
     if (!similar && (type == "CIRCLE" || type == "ARC")) {
         made.push_back(stretchArc(drawing, source, map, target));
-        inherit(drawing, reference, made.back());
         return true;
     }
     if (!similar && type == "LWPOLYLINE") {
@@ -227,7 +191,6 @@ bool addPartOf(Drawing& drawing, RecordId reference, RecordId source, const Tran
     if (!done && error.empty()) {
         error = "a " + type + " cannot be stretched along one axis";
     }
-    inherit(drawing, reference, id);
     return done;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drafthost/drawing/LayerStateFile.h"
 
+#include <algorithm>
+
 #include "drafthost/drawing/FileBytes.h"
 
 namespace drafthost {
@@ -64,6 +66,17 @@ void takeGroup(std::vector<LayerState>& states, int code, std::string_view value
     }
 }
 
+bool isWhole(std::string_view text) {
+    text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
+    if (text.starts_with('-')) {
+        text.remove_prefix(1);
+    }
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+bool isWholeGroup(int code) {
+    return (code >= 60 && code < 100) || code == 290 || code == 370 || code == 440;
+}
+
 bool isLayerStateFile(std::string_view text) {
     if (text.starts_with("\xEF\xBB\xBF")) {
         text.remove_prefix(3);
@@ -111,6 +124,9 @@ std::vector<LayerState> readLayerStateFile(std::string_view text) {
     while (!text.empty()) {
         const std::string_view code = nextLine(text);
         const std::string_view value = nextLine(text);
+        if (!isWhole(code) || (isWholeGroup(static_cast<int>(parseInteger(code))) && !isWhole(value))) {
+            return {};
+        }
         takeGroup(states, static_cast<int>(parseInteger(code)), value);
     }
     std::erase_if(states, [](const LayerState& state) { return state.name.empty(); });

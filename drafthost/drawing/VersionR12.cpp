@@ -114,6 +114,9 @@ class R12Writer {
         line(3, drawing_.codePage());
         line(9, "$HANDLING");
         line(70, "1");
+        // Without it readers give out handles that are taken.
+        line(9, "$HANDSEED");
+        line(5, formatHandle(drawing_.largestHandle() + 1));
         for (const HeaderVariable& variable : headerVariables(drawing_)) {
             if (!isR12Variable(variable.name)) {
                 continue;

@@ -89,19 +89,26 @@ Outcome InputStream::command(Document& document, std::string_view typed, InputSo
             }
             return outcomeOf(result);
         }
-        const CommandEntry* setVariable = host_.commands().find("SETVAR");
-        if (setVariable && host_.variables().find(word.name)) {
-            Outcome begun = line.start(*setVariable, setVariable->name, source, true);
-            line.setLastCommand(word.name);
-            return begun == Outcome::Ok && !line.atPrompt() ? line.answer(Input::fromText(word.name), more)
-                                                            : begun;
+        if (host_.variables().find(word.name)) {
+            return askVariable(line, word.name, source, more);
         }
         if (const CommandEntry* alias = host_.commands().findAlias(word.name)) {
             return line.start(*alias, alias->name, source, more);
         }
     }
+    // The host's own variables are no less its own than its commands.
+    if (word.ownOnly && host_.variables().find(word.name)) {
+        return askVariable(line, word.name, source, more);
+    }
     host_.printLine("Unknown command \"" + word.name + "\".", Said::Refusal);
     return Outcome::Rejected;
+}
+
+Outcome InputStream::askVariable(CommandLine& line, const std::string& name, InputSource source, bool more) {
+    const CommandEntry* setVariable = host_.commands().find("SETVAR");
+    Outcome begun = line.start(*setVariable, setVariable->name, source, true);
+    line.setLastCommand(name);
+    return begun == Outcome::Ok && !line.atPrompt() ? line.answer(Input::fromText(name), more) : begun;
 }
 
 Outcome InputStream::transparent(Document& document, std::string_view typed, InputSource source) {

@@ -132,6 +132,8 @@ class InputStream {
     Outcome perform(Document& document, const Fetched& fetched);
     Outcome command(Document& document, std::string_view typed, InputSource source, bool more);
     Outcome transparent(Document& document, std::string_view typed, InputSource source);
+    /// A variable's name alone asks for its value.
+    Outcome askVariable(CommandLine& line, const std::string& name, InputSource source, bool more);
     Outcome callModuleCommand(Document& document, std::string_view name, bool globalOnly, InputSource source,
                               bool& found);
     Outcome answerWithValue(Document& document, const InputText::Item& item);

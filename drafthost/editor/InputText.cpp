@@ -124,7 +124,14 @@ std::optional<InputText::Item> InputText::expression() {
         scanner_.emplace();
         scanned_ = position_;
     }
-    auto end = scanner_->feed(std::string_view(text_).substr(scanned_));
+    // Esc leaves an expression wherever it stands in it; in a string it is written "\\e".
+    const std::size_t escape = std::min(text_.find('\33', scanned_), text_.size());
+    auto end = scanner_->feed(std::string_view(text_).substr(scanned_, escape - scanned_));
+    if (!end && escape < text_.size()) {
+        position_ = escape + 1;
+        scanner_.reset();
+        return Item{Item::Kind::Cancel, {}};
+    }
     if (!end) {
         scanned_ = text_.size();
         return std::nullopt;

@@ -285,4 +285,41 @@ TEST_F(WatchedRun, RefusesWhatCannotWorkInOneLine) {
     EXPECT_EQ(Run({"--resume"}).Status, 3) << "no run was started here";
 }
 
+// A host that has nothing to tell any more and does not go is ended; the front is not to wait for it.
+TEST_F(WatchedRun, AHostThatFallsSilentAndStaysIsEnded) {
+    Host = Write("silent",
+                 "#!/bin/bash\neval \"exec $TARNEL_REPORT_FD>&-\"\ntrap '' TERM INT\nexec sleep 120\n");
+    fs::permissions(Host, fs::perms::owner_all);
+    const std::string script = Write("s.scr", "QSAVE\n");
+    const std::string drawing = Write("a.dxf", "0\nEOF\n");
+    const auto begin = std::chrono::steady_clock::now();
+    const ProgramResult result = Run({"--no-check", "--no-monitor", "--script", script, drawing});
+    EXPECT_EQ(result.Status, 3) << result.Out << result.Errors;
+    EXPECT_THAT(result.Out, HasSubstr("1 still ToDo"));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+}
+
+// A run that does not come to its start leaves nothing that tells of an earlier one, and the cause is told at
+// once.
+TEST_F(WatchedRun, ARunWhoseModuleCannotBeLoadedTellsItAtOnceAndNothingOfARunBefore) {
+    const fs::path own = fs::path(TARNEL_PROGRAM).parent_path();
+    const fs::path bin = Folder / "bin";
+    fs::create_directories(bin);
+    Host = fs::read_symlink("/proc/self/exe").parent_path() / "drafthost";
+    const std::string script = Write("s.scr", "(princ)\n");
+    const std::string drawing = Write("a.dxf", "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+    EXPECT_EQ(Run({"--script", script, "--json", "j.json", drawing}).Status, 0);
+    EXPECT_THAT(Read(Folder / "j.json"), HasSubstr("\"Done\""));
+    fs::copy_file(own / "tarnel", bin / "tarnel");
+    Write("bin/tnl3-19-64.arx", "no module");
+    const std::string command =
+        "cd " + Folder.string() + " && TARNEL_HOST=" + Host +
+        " bin/tarnel run --data-dir data --json j.json --script s.scr a.dxf > out 2> err";
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_NE(std::system(command.c_str()), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+    EXPECT_THAT(Read(Folder / "err"), HasSubstr("module cannot be loaded"));
+    EXPECT_THAT(Read(Folder / "j.json"), Not(HasSubstr("\"Done\"")));
+}
+
 }  // namespace

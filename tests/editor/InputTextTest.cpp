@@ -96,6 +96,8 @@ TEST(InputText, ALongExpressionIsScannedOnce) {
 TEST(InputText, CancelsInTextEndTheWordBeforeThem) {
     EXPECT_EQ(words("\x03zoom\x03regen\n\x1b", InputKind::Command),
               (Words{"cancel", "cancel", "regen", "cancel", "rest:"}));
+    EXPECT_EQ(words("(princ \"x\n\x1bregen\n", InputKind::Command), (Words{"cancel", "regen", "rest:"}))
+        << "an expression without an end";
 }
 
 TEST(FileText, FilesOfEveryEditorBecomeUtf8) {
