@@ -60,7 +60,9 @@ class Linter {
         while (at < text.size()) {
             lineOfScript();
         }
-        if (!lower.contains("qsave") && !lower.contains("saveas")) {
+        constexpr std::array Saving = {"qsave", "saveas", "vla-save", "'save"};
+        if (std::none_of(Saving.begin(), Saving.end(),
+                         [this](const char* word) { return lower.contains(word); })) {
             remark(1, QStringLiteral("no QSAVE or SAVEAS: changes to the drawings are not saved"));
         }
         std::stable_sort(remarks.begin(), remarks.end(),

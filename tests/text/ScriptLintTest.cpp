@@ -25,6 +25,7 @@ TEST(ScriptLint, WhatIsWrongIsToldWithItsLine) {
     EXPECT_EQ(check("; one\n\n(command \"_.zom\" \"e\")\n'_.zim\n_.qsave"),
               "3 unknown command ZOM\n4 unknown command ZIM\n");
     EXPECT_EQ(check("zoom\ne\n"), "1 no QSAVE or SAVEAS: changes to the drawings are not saved\n");
+    EXPECT_EQ(check("(vla-Save (vla-get-ActiveDocument (vlax-get-acad-object)))\n"), "");
     EXPECT_EQ(check("_.qsave\nlayer\n_.-plot\n(command \"PLOT\")\noptions\n"),
               "2 LAYER shows a dialog, which stops the script; -LAYER does not\n"
               "4 PLOT shows a dialog, which stops the script; -PLOT does not\n"
