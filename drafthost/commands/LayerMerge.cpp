@@ -25,9 +25,12 @@ std::string refusal(CommandContext& context, const std::string& name) {
     if (findEntry(drawing, Table::Layer, name) == NoRecord) {
         return "Cannot find layer " + inQuotes(name) + ".";
     }
-    if (sameName(name, "0") || sameName(name, "Defpoints") || sameName(name, currentLayerName(context)) ||
-        name.find('|') != std::string::npos) {
-        return "Layer " + inQuotes(name) + " cannot be deleted.";
+    const char* reason = sameName(name, "0") || sameName(name, "Defpoints") ? "every drawing has it"
+                         : sameName(name, currentLayerName(context))        ? "it is current"
+                         : name.find('|') != std::string::npos ? "it belongs to an external reference"
+                                                               : nullptr;
+    if (reason != nullptr) {
+        return "Layer " + inQuotes(name) + " cannot be deleted: " + reason + ".";
     }
     return {};
 }
