@@ -136,8 +136,9 @@ class EntityAudit {
         const std::string layer = drawing_.record(id).textOr(8, "0");
         if (layer.find_first_not_of(' ') == std::string::npos) {
             // No layer can have such a name, so none is added.
-            work_.error(id, "Layer name is blank", "set to 0",
-                        [&] { drawing_.put(id, 8, std::string("0"), {67, 100, 330, 5}); });
+            work_.error(id, "Layer name is blank", "set to 0", [&] {
+                drawing_.put(id, 8, std::string("0"), {67, 100, 330, 5});
+            });
         } else if (layer != "0" && !work_.has(Table::Layer, layer)) {
             work_.error(id, "Layer \"" + layer + "\" is not there", "added",
                         [&] { addEntry(drawing_, Table::Layer, layer); });
