@@ -16,12 +16,15 @@ namespace {
 HatchFill fillNamed(Call& call, int kind, const std::string& name) {
     HatchFill fill;
     const std::string folded = foldCase(name);
-    const auto pattern =
-        patternNamed(knownPatterns(name, headerInteger(call.drawing(), "$MEASUREMENT", 0) == 1,
-                                   [&](const std::string& file) {
-                                       return call.session().host.findFile(file).value_or(std::string());
-                                   }),
-                     name);
+    std::string error;
+    const auto patterns = knownPatterns(
+        name, headerInteger(call.drawing(), "$MEASUREMENT", 0) == 1,
+        [&](const std::string& file) { return call.session().host.findFile(file).value_or(std::string()); },
+        error);
+    if (!error.empty()) {
+        failAutomation(error);
+    }
+    const auto pattern = patternNamed(patterns, name);
     if (pattern) {
         fill.pattern = *pattern;
     } else if (kind == 0 || folded == foldCase("_USER") || folded == foldCase("_U")) {

@@ -5,6 +5,7 @@
 #include "drafthost/activex/Model.h"
 #include "drafthost/activex/ModelState.h"
 #include "drafthost/automation/EntityNames.h"
+#include "drafthost/drawing/EmbeddedText.h"
 #include "drafthost/lisp/Printer.h"
 #include "drafthost/lisp/Utf8.h"
 
@@ -39,6 +40,10 @@ RecordId Call::id() const {
 }
 
 void Call::changed(bool tables) const {
+    if (self.database != nullptr && self.database->drawing != nullptr && self.record != NoRecord &&
+        self.database->drawing->type(self.record) == "MTEXT") {
+        syncEmbeddedText(*self.database->drawing, self.record);
+    }
     if (self.database != nullptr && self.database->own == nullptr) {
         session().host.drawingChanged(tables);
     }

@@ -63,9 +63,7 @@ Value save(Evaluator& e, Args args) {
     Drawing& drawing = drawingOf(e);
     LayerState state = currentLayerState(drawing, stringArg(args[0]));
     state.mask = optional(args, 1) ? intArg(args[1]) : RestoreAll;
-    const bool named =
-        !state.name.empty() && state.name.find_first_of("<>/\\\":;?*|,=`") == std::string::npos;
-    return changed(e, named && putLayerState(drawing, state));
+    return changed(e, isLayerStateName(state.name) && putLayerState(drawing, state));
 }
 Value restore(Evaluator& e, Args args) {
     Drawing& drawing = drawingOf(e);
@@ -85,8 +83,8 @@ Value getLastRestored(Evaluator& e, Args) {
 Value rename(Evaluator& e, Args args) {
     Drawing& drawing = drawingOf(e);
     const std::string to = stringArg(args[1]);
-    return changed(
-        e, !to.empty() && !findLayerState(drawing, to) && renameLayerState(drawing, stringArg(args[0]), to));
+    return changed(e, isLayerStateName(to) && !findLayerState(drawing, to) &&
+                          renameLayerState(drawing, stringArg(args[0]), to));
 }
 Value remove(Evaluator& e, Args args) {
     return changed(e, removeLayerState(drawingOf(e), stringArg(args[0])));

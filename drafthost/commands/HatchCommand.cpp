@@ -79,7 +79,12 @@ void pickArea(CommandContext& context, HatchPlan& plan, const Point& ucs) {
         context.complain("Valid hatch boundary not found.");
         return;
     }
-    plan.areas.push_back({std::move(loops), place});
+    // Twice the same boundary would leave nothing between the two.
+    if (std::ranges::none_of(plan.areas, [&](const HatchPlan::Area& area) {
+            return area.loops.front().outline == loops.front().outline;
+        })) {
+        plan.areas.push_back({std::move(loops), place});
+    }
 }
 
 Task<bool> selectAreas(CommandContext& context, HatchPlan& plan) {

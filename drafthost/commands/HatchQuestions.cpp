@@ -24,8 +24,14 @@ bool isMetric(const Drawing& drawing) {
 }
 
 std::vector<HatchPattern> patternsFor(CommandContext& context, const std::string& name) {
-    return knownPatterns(name, isMetric(context.document().drawing()),
-                         [&](const std::string& file) { return context.host().findFile(file); });
+    std::string error;
+    auto patterns = knownPatterns(
+        name, isMetric(context.document().drawing()),
+        [&](const std::string& file) { return context.host().findFile(file); }, error);
+    if (!error.empty()) {
+        context.complain(error);
+    }
+    return patterns;
 }
 
 std::optional<HatchPattern> findPattern(CommandContext& context, const std::string& name) {

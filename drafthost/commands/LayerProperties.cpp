@@ -4,6 +4,7 @@
 #include "drafthost/commands/LayerTable.h"
 #include "drafthost/commands/Questions.h"
 #include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/LayerLook.h"
 #include "drafthost/drawing/LinetypeFile.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/editor/Document.h"
@@ -95,7 +96,7 @@ Task<bool> colorLayers(CommandContext& context) {
     co_return co_await forLayers(context, "Enter name list of layer(s) for color " + colorText(*color), true,
                                  [color = *color, off](Drawing& drawing, RecordId layer) {
                                      setLayerColor(drawing, layer, color);
-                                     setLayerOff(drawing, layer, off);
+                                     switchLayerOff(drawing, layer, off);
                                  });
 }
 

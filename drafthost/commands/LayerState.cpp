@@ -6,6 +6,7 @@
 #include "drafthost/commands/LayerTable.h"
 #include "drafthost/commands/Questions.h"
 #include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/LayerLook.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/editor/Document.h"
 #include "drafthost/editor/Host.h"
@@ -30,7 +31,7 @@ bool makeCurrent(CommandContext& context, RecordId layer, const std::string& nam
     }
     if (layer != NoRecord) {
         ChangeWatch watch(document, TableBits);
-        setLayerOff(document.drawing(), layer, false);
+        switchLayerOff(document.drawing(), layer, false);
     }
     return true;
 }
@@ -204,7 +205,7 @@ Task<bool> renameLayer(CommandContext& context) {
 
 Task<bool> layersOn(CommandContext& context) {
     return forLayers(context, "Enter name list of layer(s) to turn on", false,
-                     [](Drawing& drawing, RecordId layer) { setLayerOff(drawing, layer, false); });
+                     [](Drawing& drawing, RecordId layer) { switchLayerOff(drawing, layer, false); });
 }
 
 Task<bool> layersOff(CommandContext& context) {
@@ -230,7 +231,7 @@ Task<bool> layersOff(CommandContext& context) {
     }
     ChangeWatch watch(document, TableBits);
     for (RecordId layer : layers) {
-        setLayerOff(document.drawing(), layer, true);
+        switchLayerOff(document.drawing(), layer, true);
     }
     co_return true;
 }

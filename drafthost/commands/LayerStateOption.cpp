@@ -96,7 +96,7 @@ Task<bool> saveState(CommandContext& context) {
     if (name.empty()) {
         co_return false;
     }
-    if (name.find_first_of("<>/\\\":;?*|,=`") != std::string::npos) {
+    if (!isLayerStateName(name)) {
         context.complain("Invalid layer state name " + inQuotes(name) + ".");
         co_return false;
     }
@@ -149,9 +149,10 @@ Task<bool> renameState(CommandContext& context) {
         co_return false;
     }
     auto name = co_await askName(context, "Enter new layer state name");
-    if (name.text.empty() || findLayerState(document.drawing(), name.text)) {
-        context.complain(name.text.empty() ? "A name is needed."
-                                           : "Layer state " + inQuotes(name.text) + " already exists.");
+    if (!isLayerStateName(name.text) || findLayerState(document.drawing(), name.text)) {
+        context.complain(isLayerStateName(name.text)
+                             ? "Layer state " + inQuotes(name.text) + " already exists."
+                             : "Invalid layer state name " + inQuotes(name.text) + ".");
         co_return false;
     }
     ChangeWatch watch(document, TableBits);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "drafthost/drawing/ApplicationData.h"
+#include "drafthost/drawing/LayerLook.h"
 #include "drafthost/drawing/Objects.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/drawing/Transparency.h"
@@ -134,23 +135,12 @@ bool layerIsOff(const Drawing& drawing, RecordId layer) {
     return drawing.record(layer).integerOr(62, 7) < 0;
 }
 
-void setLayerOff(Drawing& drawing, RecordId layer, bool off) {
-    std::int64_t color = std::abs(drawing.record(layer).integerOr(62, 7));
-    if (off != layerIsOff(drawing, layer)) {
-        drawing.put(layer, 62, off ? -color : color, {70, 2});
-    }
-}
-
 bool layerHas(const Drawing& drawing, RecordId layer, LayerFlag flag) {
     return (drawing.record(layer).integerOr(70, 0) & flag) != 0;
 }
 
 void setLayerFlag(Drawing& drawing, RecordId layer, LayerFlag flag, bool on) {
-    std::int64_t flags = drawing.record(layer).integerOr(70, 0);
-    std::int64_t wanted = on ? flags | flag : flags & ~std::int64_t{flag};
-    if (wanted != flags) {
-        drawing.put(layer, 70, wanted, {2});
-    }
+    setLayerBit(drawing, layer, flag, on);
 }
 
 void setLayerLinetype(Drawing& drawing, RecordId layer, std::string_view linetype) {

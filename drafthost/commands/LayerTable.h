@@ -31,7 +31,6 @@ Color layerColor(const Drawing& drawing, RecordId layer);
 /// Keeps the layer off when it is off.
 void setLayerColor(Drawing& drawing, RecordId layer, const Color& color);
 bool layerIsOff(const Drawing& drawing, RecordId layer);
-void setLayerOff(Drawing& drawing, RecordId layer, bool off);
 bool layerHas(const Drawing& drawing, RecordId layer, LayerFlag flag);
 void setLayerFlag(Drawing& drawing, RecordId layer, LayerFlag flag, bool on);
 void setLayerLinetype(Drawing& drawing, RecordId layer, std::string_view linetype);

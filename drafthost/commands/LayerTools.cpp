@@ -13,6 +13,7 @@
 #include "drafthost/commands/Questions.h"
 #include "drafthost/commands/Selection.h"
 #include "drafthost/drawing/Header.h"
+#include "drafthost/drawing/LayerLook.h"
 #include "drafthost/drawing/SymbolTables.h"
 #include "drafthost/editor/Host.h"
 #include "drafthost/editor/RegistryFile.h"
@@ -118,7 +119,7 @@ void freeze(Drawing& drawing, RecordId layer) {
     setLayerFlag(drawing, layer, LayerFrozen, true);
 }
 void turnOff(Drawing& drawing, RecordId layer) {
-    setLayerOff(drawing, layer, true);
+    switchLayerOff(drawing, layer, true);
 }
 void lock(Drawing& drawing, RecordId layer) {
     setLayerFlag(drawing, layer, LayerLocked, true);
@@ -179,7 +180,7 @@ CommandTask layerUnlockCommand(CommandContext& context) {
 }
 
 CommandTask layerOnCommand(CommandContext& context) {
-    changeAll(context, [](Drawing& drawing, RecordId layer) { setLayerOff(drawing, layer, false); });
+    changeAll(context, [](Drawing& drawing, RecordId layer) { switchLayerOff(drawing, layer, false); });
     context.printLine("All layers have been turned on.");
     co_return;
 }
@@ -220,11 +221,11 @@ CommandTask layerIsolateCommand(CommandContext& context) {
     for (const RecordId layer : tableEntries(drawing, Table::Layer)) {
         const std::string name = entryName(drawing, layer);
         if (kept.contains(foldCase(name))) {
-            setLayerOff(drawing, layer, false);
+            switchLayerOff(drawing, layer, false);
             setLayerFlag(drawing, layer, LayerLocked, false);
             last = name;
         } else if (off) {
-            setLayerOff(drawing, layer, true);
+            switchLayerOff(drawing, layer, true);
         } else {
             setLayerFlag(drawing, layer, LayerLocked, true);
         }

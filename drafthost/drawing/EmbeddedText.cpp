@@ -11,12 +11,19 @@ namespace drafthost {
 
 namespace {
 
+/// What is so already stays as it is written.
+void setReal(Drawing& drawing, RecordId id, std::size_t at, double value) {
+    if (drawing.record(id).real(at) != value) {
+        drawing.setTag(id, at, value);
+    }
+}
+
 void setPoint(Drawing& drawing, RecordId id, std::size_t at, int code, const Point& p) {
     const double parts[] = {p.x, p.y, p.z};
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const Record record = drawing.record(id);
         if (at + axis < record.xdata() && record.code(at + axis) == code + 10 * static_cast<int>(axis)) {
-            drawing.setTag(id, at + axis, parts[axis]);
+            setReal(drawing, id, at + axis, parts[axis]);
         }
     }
 }
@@ -58,9 +65,9 @@ void syncEmbeddedText(Drawing& drawing, RecordId mtext, double scale) {
         } else if (code == 11) {
             setPoint(drawing, mtext, i, 11, insertion);
         } else if (code == 40 && width >= 0) {
-            drawing.setTag(mtext, i, width);
+            setReal(drawing, mtext, i, width);
         } else if (scale != 1 && code >= 41 && code <= 46) {
-            drawing.setTag(mtext, i, drawing.record(mtext).real(i) * scale);
+            setReal(drawing, mtext, i, drawing.record(mtext).real(i) * scale);
         }
     }
 }
@@ -74,7 +81,7 @@ void transformEmbeddedText(Drawing& drawing, RecordId id, const Transform& map, 
         } else if (code == 11) {
             setPoint(drawing, id, i, 11, map(record.point(i)));
         } else if (scale != 1 && code >= 40 && code <= 46) {
-            drawing.setTag(id, i, record.real(i) * scale);
+            setReal(drawing, id, i, record.real(i) * scale);
         }
     }
 }

@@ -3,10 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 
 #include "drafthost/drawing/Angles.h"
+#include "drafthost/drawing/FileBytes.h"
 
 namespace drafthost {
 
@@ -129,7 +128,8 @@ std::vector<HatchPattern> standardPatterns(bool metric) {
 }
 
 std::vector<HatchPattern> knownPatterns(std::string_view name, bool metric,
-                                        const std::function<std::string(const std::string&)>& findFile) {
+                                        const std::function<std::string(const std::string&)>& findFile,
+                                        std::string& error) {
     std::vector<HatchPattern> all;
     // Patterns are called in any case, while the names of files have one.
     std::vector<std::string> files{metric ? "acadiso.pat" : "acad.pat", std::string(name) + ".pat"};
@@ -138,9 +138,8 @@ std::vector<HatchPattern> knownPatterns(std::string_view name, bool metric,
     }
     for (const std::string& file : files) {
         const std::string path = findFile(file);
-        if (!path.empty()) {
-            std::ifstream stream(path, std::ios::binary);
-            const std::string text{std::istreambuf_iterator<char>(stream), {}};
+        std::string text;
+        if (!path.empty() && readFile(path, text, error)) {
             const auto more = readPatterns(text);
             all.insert(all.end(), more.begin(), more.end());
         }

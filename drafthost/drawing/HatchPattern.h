@@ -35,9 +35,11 @@ std::vector<HatchPattern> readPatterns(std::string_view text);
 std::vector<HatchPattern> standardPatterns(bool metric);
 
 /// What there is under the name, the office's own before what is built in: from acad.pat (acadiso.pat), from
-/// NAME.pat, then the standard ones. `findFile` gives the path of a file, or nothing.
+/// NAME.pat, then the standard ones. `findFile` gives the path of a file, or nothing; the error names a file
+/// that cannot be read, and is empty otherwise.
 std::vector<HatchPattern> knownPatterns(std::string_view name, bool metric,
-                                        const std::function<std::string(const std::string&)>& findFile);
+                                        const std::function<std::string(const std::string&)>& findFile,
+                                        std::string& error);
 /// The first of that name, in any case.
 std::optional<HatchPattern> patternNamed(const std::vector<HatchPattern>& patterns, std::string_view name);
 

@@ -143,6 +143,10 @@ LayerLook* LayerState::find(std::string_view layer) {
     return at == layers.end() ? nullptr : &*at;
 }
 
+bool isLayerStateName(std::string_view name) {
+    return !name.empty() && name.find_first_of("<>/\\\":;?*|,=`") == std::string_view::npos;
+}
+
 std::vector<std::string> layerStateNames(const Drawing& drawing) {
     std::vector<std::string> names;
     const RecordId states = statesDictionary(drawing);

@@ -23,6 +23,8 @@ struct LayerState {
     LayerLook* find(std::string_view layer);
 };
 
+/// Whether a state may have the name.
+bool isLayerStateName(std::string_view name);
 std::vector<std::string> layerStateNames(const Drawing& drawing);
 std::optional<LayerState> findLayerState(const Drawing& drawing, std::string_view name);
 /// All layers of the drawing as they are.
